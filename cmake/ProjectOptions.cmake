@@ -1,0 +1,39 @@
+# Build-wide settings: language level, warnings, sanitizers, output folders.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Debug, Release or RelWithDebInfo" FORCE)
+endif()
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+set(XRV_PLUGIN_DIR "${PROJECT_BINARY_DIR}/bin/plugins")
+
+option(BUILD_TESTING "Build the tests" ON)
+option(XRV_BUILD_BENCH "Build the benchmark programs" OFF)
+option(XRV_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
+set(XRV_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined or thread")
+
+# Interface target that every target of this project links to.
+add_library(project_options INTERFACE)
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+    target_compile_options(project_options INTERFACE -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion)
+    if(XRV_WARNINGS_AS_ERRORS)
+        target_compile_options(project_options INTERFACE -Werror)
+    endif()
+elseif(MSVC)
+    target_compile_options(project_options INTERFACE /W4 /utf-8)
+endif()
+target_compile_definitions(project_options INTERFACE QT_NO_CAST_FROM_ASCII)
+
+if(XRV_SANITIZE)
+    add_compile_options(-fsanitize=${XRV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${XRV_SANITIZE})
+endif()

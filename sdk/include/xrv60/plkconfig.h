@@ -1,0 +1,64 @@
+#pragma once
+
+#include "plkexport.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+/// In which notation projections are named.
+enum PLKProjectionFormat : int {
+    PLK_PROJECTION_NONE = 0,
+    PLK_PROJECTION_EPSG = 1, ///< names as the EPSG register gives them
+};
+
+namespace PLK::SDK {
+
+/// The SDK's global configuration. Every operation may be called from any thread; it applies to what is opened, set or
+/// decoded afterwards unless it says otherwise.
+class PLK_EXPORT CConfig {
+public:
+    CConfig();
+    ~CConfig();
+    CConfig(const CConfig &) = delete;
+    CConfig &operator=(const CConfig &) = delete;
+
+    void SetTextureDitherEnabled(bool enabled);
+    bool IsTextureDitherEnabled() const;
+    /// Longest time that SetView of a blocking view may wait for its first lines, in milliseconds; 0 waits not at all.
+    void SetBlockingTimeMS(unsigned milliseconds);
+    unsigned GetBlockingTimeMS() const;
+    /// Shortest time between two refresh callbacks of a view, in milliseconds; 0 is one callback per pass.
+    void SetRefreshTimeMS(unsigned milliseconds);
+    unsigned GetRefreshTimeMS() const;
+    void SetXrvpCacheEnabled(bool enabled);
+    bool IsXrvpCacheEnabled() const;
+    void SetXrvpCacheSizeMb(int megabytes);
+    int GetXrvpCacheSizeMb() const;
+    /// \a folder in the local 8-bit encoding.
+    void SetXrvpCacheLocation(const char *folder);
+    std::string GetXrvpCacheLocation() const;
+    /// Budget of the decoded-tile cache of all views in bytes. What a caller makes by sign-extending a 32-bit number
+    /// (2^63 and more) is read as its low 32 bits, which is what was meant; the result is kept between 16 MiB and three
+    /// quarters of the machine's memory.
+    void SetCacheMaxmem(std::uint64_t bytes);
+    /// The budget in force, in bytes.
+    std::uint64_t GetCacheMaxmem() const;
+    /// Damaged files are shown as far as they can be; otherwise damage is an error.
+    void SetResilientDecodingEnabled(bool enabled);
+    bool IsResilientDecodingEnabled() const;
+    /// Nearest-neighbour views may take their cells from a coarser resolution level.
+    void SetOptimizeUseNearestNeighbour(bool enabled);
+    bool IsOptimizeUseNearestNeighbour() const;
+    /// \a userAgent in the local 8-bit encoding.
+    void SetXrvpClientHttpUserAgent(const char *userAgent);
+    std::string GetXrvpClientHttpUserAgent() const;
+    void SetProjectionFormat(PLKProjectionFormat format);
+    PLKProjectionFormat GetProjectionFormat() const;
+
+private:
+    struct Values;
+    std::unique_ptr<Values> values;
+};
+
+} // namespace PLK::SDK

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "plkexport.h"
+
+/// Levels of the SDK's messages.
+enum PLKLogLevel : int {
+    PLK_LOG_TRACE = 10000,
+    PLK_LOG_DEBUG = 20000,
+    PLK_LOG_INFO = 30000,
+    PLK_LOG_WARNING = 40000,
+    PLK_LOG_ERROR = 50000,
+    PLK_LOG_FATAL = 60000,
+};
+
+namespace PLK {
+
+/// What a log sink of any text type is.
+class PLK_EXPORT ILoggerBase {
+public:
+    virtual ~ILoggerBase();
+};
+
+/// A log sink. May be called from any thread, also from several at once.
+template <typename Char> class ILogger : public virtual ILoggerBase {
+public:
+    /// A thread of the SDK begins to log. \a context is opaque.
+    virtual void attach(void *context) = 0;
+    /// That thread will log no more.
+    virtual void detach(void *context) = 0;
+    /// Asked before every message.
+    virtual bool isLevelEnabled(void *context, int level) = 0;
+    /// \a text is UTF-8 in narrow sinks, zero-terminated, and valid during the call only.
+    virtual void write(void *context, int level, const Char *text) = 0;
+};
+
+/// Where the SDK's messages go: to the narrow sink, and to the wide one those that name a wide text (file names).
+class PLK_EXPORT CLog {
+public:
+    /// Installs \a logger, not owned, in place of the last one; null removes it. When this returns, the last sink is in
+    /// no call any more.
+    static void RegisterLogger(ILogger<char> *logger);
+    static void RegisterLogger(ILogger<wchar_t> *logger);
+};
+
+} // namespace PLK

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "cancelflag.h"
+
+#include <xrv60/plkerror.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace xrv {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// Bytes [offset, offset + length) of a source.
+struct ByteRange
+{
+    std::uint64_t offset = 0;
+    std::uint64_t length = 0;
+    std::uint64_t end() const { return offset + length; }
+};
+
+/// Where the bytes of a file come from. Any thread may read, several at once.
+class ByteSource {
+public:
+    virtual ~ByteSource() = default;
+
+    /// UTF-8 name or address, for messages.
+    virtual const std::string &name() const = 0;
+    virtual std::uint64_t size() const = 0;
+    virtual bool isRemote() const = 0;
+
+    /// Reads all \a ranges, in order, each into one entry of \a out. Ranges may touch and overlap; a source is free to
+    /// join and to reorder what it fetches. PLK_ERR_TRUNCATED when a range reaches past the end, PLK_ERR_FILE_CHANGED when
+    /// the file is not the one that was opened. \a out is undefined on failure.
+    virtual PLK::CError read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel, std::vector<Bytes> *out) = 0;
+
+    /// One range.
+    PLK::CError read(ByteRange range, Bytes *out, const CancelFlag &cancel = {});
+};
+
+} // namespace xrv

@@ -1,0 +1,1 @@
+#include <QDGui/geopainter.h>

@@ -1,0 +1,1 @@
+#include <QDGui/pluginregistry.h>

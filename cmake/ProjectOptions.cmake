@@ -21,6 +21,19 @@ option(XRV_BUILD_BENCH "Build the benchmark programs" OFF)
 option(XRV_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 set(XRV_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined or thread")
 
+# Compiler cache and fast linker where there are any: most of a full test run is building.
+option(XRV_FAST_BUILD "Use ccache and mold where they are installed" ON)
+if(XRV_FAST_BUILD)
+    find_program(XRV_CCACHE ccache)
+    if(XRV_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+        set(CMAKE_CXX_COMPILER_LAUNCHER "${XRV_CCACHE}")
+    endif()
+    find_program(XRV_MOLD mold)
+    if(XRV_MOLD AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+        add_link_options(-fuse-ld=mold)
+    endif()
+endif()
+
 # Interface target that every target of this project links to.
 add_library(project_options INTERFACE)
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")

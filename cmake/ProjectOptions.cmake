@@ -37,7 +37,10 @@ endif()
 # Interface target that every target of this project links to.
 add_library(project_options INTERFACE)
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
-    target_compile_options(project_options INTERFACE -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion)
+    target_compile_options(project_options INTERFACE -Wall -Wextra -Wconversion -Wno-sign-conversion)
+    # Members carry no prefix, so constructor arguments may bear their names; GCC's full -Wshadow objects to that.
+    target_compile_options(project_options INTERFACE
+        $<IF:$<CXX_COMPILER_ID:GNU>,-Wshadow=local,-Wshadow>)
     if(XRV_WARNINGS_AS_ERRORS)
         target_compile_options(project_options INTERFACE -Werror)
     endif()

@@ -1,1 +1,4 @@
-set(stage_sources)
+set(stage_sources
+    canvas.cpp
+    mainheader.cpp
+)

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "../decode/rasterreader.h"
+#include "mainheader.h"
+
+namespace xrv {
+
+inline std::int64_t ceilDiv(std::int64_t a, std::int64_t b) { return (a + b - 1) / b; }
+inline std::int64_t ceilShift(std::int64_t a, int bits) { return (a + (std::int64_t(1) << bits) - 1) >> bits; }
+
+/// Rectangle of a tile on the canvas (ISO/IEC 15444-1 B.3).
+IntRect tileRect(const MainHeader &header, std::uint32_t tile);
+/// Rectangle of a canvas rectangle in one component (B.3, B-12).
+IntRect componentRect(const IntRect &canvasRect, const MainHeader::Component &component);
+/// Rectangle of a component rectangle with every 2^level-th cell left (B-14).
+IntRect levelRect(const IntRect &componentRect, int level);
+
+/// Precincts of one resolution of a tile-component (B.6).
+struct PrecinctGrid
+{
+    IntRect resolutionRect;       ///< cells of the resolution
+    int widthExponent = 15, heightExponent = 15;
+    std::int64_t firstX = 0, firstY = 0; ///< indices of the first precinct, counted from the canvas origin
+    std::int64_t across = 0, down = 0;
+    std::int64_t count() const { return across * down; }
+};
+/// \a resolution: 0 is the lowest.
+PrecinctGrid precinctGrid(const IntRect &tileComponentRect, const ComponentStyle &style, int resolution);
+
+} // namespace xrv

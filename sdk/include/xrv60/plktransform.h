@@ -9,7 +9,7 @@ namespace PLK::API {
 class PLK_EXPORT CMinMaxTransform {
 public:
     CMinMaxTransform() = default;
-    CMinMaxTransform(double minimum, double maximum) : minimum(minimum), maximum(maximum) {}
+    CMinMaxTransform(double min, double max) : minimum(min), maximum(max) {}
     double GetMin() const { return minimum; }
     double GetMax() const { return maximum; }
 

@@ -5,11 +5,16 @@
 
 namespace xrv {
 
-/// Reads big-endian numbers from a buffer that it does not own and never reads past its end: a read beyond it gives 0 and
-/// makes ok() false for good.
-class ByteCursor {
+/// Reads big-endian numbers from a buffer that it does not own and never reads past its end: a read beyond it gives 0
+/// and makes ok() false for good.
+class ByteCursor
+{
 public:
-    ByteCursor(const std::uint8_t *data, std::size_t size) : data(data), length(size) {}
+    ByteCursor(const std::uint8_t *bytes, std::size_t size)
+        : data(bytes)
+        , length(size)
+    {
+    }
 
     bool ok() const { return good; }
     bool atEnd() const { return position == length; }

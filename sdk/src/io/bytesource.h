@@ -22,7 +22,8 @@ struct ByteRange
 };
 
 /// Where the bytes of a file come from. Any thread may read, several at once.
-class ByteSource {
+class ByteSource
+{
 public:
     virtual ~ByteSource() = default;
 
@@ -32,12 +33,17 @@ public:
     virtual bool isRemote() const = 0;
 
     /// Reads all \a ranges, in order, each into one entry of \a out. Ranges may touch and overlap; a source is free to
-    /// join and to reorder what it fetches. PLK_ERR_TRUNCATED when a range reaches past the end, PLK_ERR_FILE_CHANGED when
-    /// the file is not the one that was opened. \a out is undefined on failure.
-    virtual PLK::CError read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel, std::vector<Bytes> *out) = 0;
+    /// join and to reorder what it fetches. PLK_ERR_TRUNCATED when a range reaches past the end, PLK_ERR_FILE_CHANGED
+    /// when the file is not the one that was opened. \a out is undefined on failure.
+    virtual PLK::CError read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel,
+                             std::vector<Bytes> *out) = 0;
 
     /// One range.
     PLK::CError read(ByteRange range, Bytes *out, const CancelFlag &cancel = {});
+
+protected:
+    /// PLK_ERR_TRUNCATED with a sentence when one of \a ranges reaches past the end.
+    PLK::CError checkRanges(const std::vector<ByteRange> &ranges) const;
 };
 
 } // namespace xrv

@@ -1,1 +1,6 @@
-set(stage_sources)
+set(stage_sources bytesource.cpp filesource.cpp memorysource.cpp plkerror.cpp plkstring.cpp utf8.cpp)
+if(WIN32)
+    list(APPEND stage_sources localfile_windows.cpp)
+else()
+    list(APPEND stage_sources localfile_posix.cpp)
+endif()

@@ -89,6 +89,8 @@ public:
 
     /// Number of refresh() calls so far. Any thread.
     quint64 getRefreshCount() const;
+    /// Whether a refresh() has not been delivered yet. Any thread.
+    bool hasPendingRefresh() const;
 
     /// Makes a local data source, that writeXML() put below \a layerNode, relative to \a projectFolder (the folder the
     /// project is saved in) wherever a relative path between the two exists.

@@ -1,0 +1,282 @@
+// Checks the decoder against the reference pictures of ISO/IEC 15444-4, where a folder with them is at hand: the
+// variable JP2K_CONFORMANCE_DIR names it. tolerances.tsv there gives the largest and the mean squared error of every
+// component.
+
+#include "pgxreader.h"
+#include "tiffpicture.h"
+
+#include "container/jp2structure.h"
+#include "decode/rasterreader.h"
+#include "io/filesource.h"
+
+#include <xrv60/plkview.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+#include <algorithm>
+#include <cstdlib>
+
+using namespace xrv;
+
+namespace {
+
+/// How far two rows of numbers are apart.
+struct Difference
+{
+    void add(std::int64_t actual, std::int64_t expected)
+    {
+        const std::int64_t difference = std::abs(actual - expected);
+        largest = std::max(largest, difference);
+        squares += static_cast<double>(difference) * static_cast<double>(difference);
+        ++count;
+    }
+    double meanSquare() const { return count ? squares / static_cast<double>(count) : 0.0; }
+
+    std::int64_t largest = 0;
+    double squares = 0.0;
+    std::int64_t count = 0;
+};
+
+/// A line of tolerances.tsv.
+struct Tolerance
+{
+    QString codestream;
+    int component = 0;
+    QString reference;
+    int reduction = 0;
+    std::int64_t largest = 0;
+    double meanSquare = 0.0;
+};
+
+QVector<Tolerance> readTolerances(const QString &path)
+{
+    QVector<Tolerance> result;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return result;
+    file.readLine(); // names of the columns
+    while (!file.atEnd()) {
+        const QStringList fields = QString::fromUtf8(file.readLine()).trimmed().split(QLatin1Char('\t'));
+        if (fields.size() == 6)
+            result.append({fields[0], fields[1].toInt(), fields[2], fields[3].toInt(), fields[4].toLongLong(),
+                           fields[5].toDouble()});
+    }
+    return result;
+}
+
+template <typename T> void addPlane(const Plane &plane, const IntRect &rect, const PgxImage &expected, Difference *sum)
+{
+    for (std::int64_t y = rect.y0; y < rect.y1; ++y) {
+        const T *row = plane.row<T>(y);
+        for (std::int64_t x = rect.x0; x < rect.x1; ++x) {
+            const auto place = static_cast<std::size_t>((y - rect.y0) * rect.width() + x - rect.x0);
+            sum->add(static_cast<std::int64_t>(row[x - plane.rect.x0]), expected.cells[place]);
+        }
+    }
+}
+
+/// Compares the cells of \a plane within \a rect (component level coordinates) with those expected there.
+Difference difference(const Plane &plane, const IntRect &rect, const PgxImage &expected)
+{
+    Difference sum;
+    switch (plane.type) {
+    case SampleType::UInt8:
+        addPlane<std::uint8_t>(plane, rect, expected, &sum);
+        break;
+    case SampleType::Int8:
+        addPlane<std::int8_t>(plane, rect, expected, &sum);
+        break;
+    case SampleType::UInt16:
+        addPlane<std::uint16_t>(plane, rect, expected, &sum);
+        break;
+    case SampleType::Int16:
+        addPlane<std::int16_t>(plane, rect, expected, &sum);
+        break;
+    case SampleType::Int32:
+        addPlane<std::int32_t>(plane, rect, expected, &sum);
+        break;
+    case SampleType::UInt32:
+        addPlane<std::uint32_t>(plane, rect, expected, &sum);
+        break;
+    }
+    return sum;
+}
+
+/// What 8-bit output makes of \a cell without a transform.
+std::int64_t toByte(std::int64_t cell, int bits, bool isSigned)
+{
+    const std::int64_t positive = isSigned ? cell + (std::int64_t{1} << (bits - 1)) : cell;
+    return bits > 8 ? positive >> (bits - 8) : positive << (8 - bits);
+}
+
+/// All of the file that is open in \a view, one pixel per cell.
+PLK::CError showAll(PLK::CView *view, const std::vector<int> &bands)
+{
+    const PLKFileInfo *info = view->GetFileInfo();
+    const auto width = static_cast<int>(info->nSizeX), height = static_cast<int>(info->nSizeY);
+    const double right = info->fOriginX + info->fCellIncrementX * width;
+    const double bottom = info->fOriginY + info->fCellIncrementY * height;
+    return view->SetView(static_cast<int>(bands.size()), bands.data(), width, height, info->fOriginX, info->fOriginY,
+                         right, bottom);
+}
+
+} // namespace
+
+class TestConformance : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void component_data();
+    void component();
+    void componentAtEightBits_data() { component_data(); }
+    void componentAtEightBits();
+    void picture_data();
+    void picture();
+
+private:
+    std::string path(const QString &name) const { return folder.filePath(name).toStdString(); }
+
+    QDir folder;
+    QVector<Tolerance> tolerances;
+};
+
+void TestConformance::initTestCase()
+{
+    const QString name = qEnvironmentVariable("JP2K_CONFORMANCE_DIR");
+    if (name.isEmpty())
+        QSKIP("JP2K_CONFORMANCE_DIR is not set");
+    folder.setPath(name);
+    tolerances = readTolerances(folder.filePath(QStringLiteral("tolerances.tsv")));
+    QVERIFY2(!tolerances.isEmpty(), "there is no tolerances.tsv");
+}
+
+void TestConformance::component_data()
+{
+    QTest::addColumn<int>("index");
+    for (int i = 0; i < tolerances.size(); ++i)
+        QTest::addRow("%s component %d", qPrintable(tolerances[i].codestream), tolerances[i].component) << i;
+}
+
+void TestConformance::component()
+{
+    QFETCH(int, index);
+    const Tolerance &tolerance = tolerances[index];
+    const PgxImage expected = readPgx(path(tolerance.reference));
+    QVERIFY(!expected.cells.empty());
+
+    std::shared_ptr<ByteSource> source;
+    QVERIFY(FileSource::open(path(tolerance.codestream), &source).IsSuccess());
+    Jp2Structure structure;
+    std::vector<std::string> warnings;
+    QVERIFY(readJp2Structure(*source, &structure, &warnings).IsSuccess());
+    std::unique_ptr<RasterReader> reader;
+    const PLK::CError opened = RasterReader::open(source, structure.codestream, &reader);
+    QVERIFY2(opened.IsSuccess(), opened.GetErrorMessage());
+
+    ReadRequest request;
+    request.datasetRect = {0, 0, reader->info().width, reader->info().height};
+    request.level = tolerance.reduction;
+    request.components = {tolerance.component};
+    request.resilient = false;
+    ReadResult result;
+    const PLK::CError read = reader->read(request, &result);
+    QVERIFY2(read.IsSuccess(), read.GetErrorMessage());
+
+    const IntRect rect = reader->info().levelRect(tolerance.component, tolerance.reduction);
+    QCOMPARE(rect.width(), std::int64_t{expected.width});
+    QCOMPARE(rect.height(), std::int64_t{expected.height});
+    QVERIFY(result.planes.at(0).rect.contains(rect));
+    const Difference found = difference(result.planes[0], rect, expected);
+    QVERIFY2(found.largest <= tolerance.largest && found.meanSquare() <= tolerance.meanSquare,
+             qPrintable(QStringLiteral("largest %1, mean square %2").arg(found.largest).arg(found.meanSquare())));
+}
+
+void TestConformance::componentAtEightBits()
+{
+    QFETCH(int, index);
+    const Tolerance &tolerance = tolerances[index];
+    if (tolerance.reduction != 0)
+        QSKIP("a view of this size is at full resolution, the reference is not");
+    const PgxImage expected = readPgx(path(tolerance.reference));
+
+    PLK::CView view;
+    const PLK::CError opened = view.Open(PLK::CString(path(tolerance.codestream).c_str()), false, false);
+    QVERIFY2(opened.IsSuccess(), opened.GetErrorMessage());
+    const PLKFileInfo *info = view.GetFileInfo();
+    const auto width = static_cast<std::size_t>(info->nSizeX);
+    if (info->nSizeX != static_cast<unsigned>(expected.width) || info->nSizeY != static_cast<unsigned>(expected.height))
+        QSKIP("a subsampled component has no cell of its own for each pixel");
+    QVERIFY(showAll(&view, {tolerance.component}).IsSuccess());
+
+    Difference found;
+    std::vector<std::uint8_t> line(width);
+    void *const lines[] = {line.data()};
+    for (std::size_t y = 0; y < info->nSizeY; ++y) {
+        QCOMPARE(view.ReadLineBIL(PLKCT_UINT8, lines), PLK_READ_SUCCESS);
+        for (std::size_t x = 0; x < width; ++x)
+            found.add(line[x], toByte(expected.cells[y * width + x], expected.bits, expected.isSigned));
+    }
+    // A cell that is a little off may fall into the next of the 256 steps.
+    const std::int64_t allowed = tolerance.largest == 0 ? 0 : toByte(tolerance.largest, expected.bits, false) + 1;
+    QVERIFY2(found.largest <= allowed, qPrintable(QStringLiteral("largest %1").arg(found.largest)));
+}
+
+void TestConformance::picture_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("reference");
+    QTest::addColumn<int>("largest");
+    QTest::addColumn<double>("meanSquare");
+    const auto row = [](int number, const char *what, int largest, double meanSquare) {
+        QTest::addRow("file%d: %s", number, what)
+            << QStringLiteral("file%1.jp2").arg(number) << QStringLiteral("reference/jp2_%1.tif").arg(number) << largest
+            << meanSquare;
+    };
+    // Reversible data without conversion must match exactly.
+    row(1, "sRGB", 0, 0.0);
+    row(2, "sYCC, channels in another order", 1, 1.0);
+    row(3, "sYCC, subsampled chroma", 1, 1.0);
+    row(4, "grey", 0, 0.0);
+    row(5, "wide-gamut RGB by a matrix profile", 4, 4.0);
+    row(6, "12-bit grey", 0, 0.0);
+    row(7, "16-bit extended sRGB by a profile", 4, 4.0);
+    row(8, "grey by a profile", 4, 4.0);
+    row(9, "palette", 0, 0.0);
+}
+
+void TestConformance::picture()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, reference);
+    QFETCH(int, largest);
+    QFETCH(double, meanSquare);
+    const TiffPicture expected = readTiffPicture(path(reference));
+    QVERIFY(!expected.rgb.empty());
+
+    PLK::CView view;
+    const PLK::CError opened = view.Open(PLK::CString(path(file).c_str()), false, false);
+    QVERIFY2(opened.IsSuccess(), opened.GetErrorMessage());
+    QCOMPARE(view.GetFileInfo()->nSizeX, static_cast<std::uint32_t>(expected.width));
+    QCOMPARE(view.GetFileInfo()->nSizeY, static_cast<std::uint32_t>(expected.height));
+    const bool isColour = view.GetFileInfo()->nBands >= 3;
+    QVERIFY(showAll(&view, isColour ? std::vector<int>{0, 1, 2} : std::vector<int>{0}).IsSuccess());
+
+    Difference found;
+    std::vector<std::uint8_t> line(static_cast<std::size_t>(expected.width) * 4);
+    const std::uint8_t *rgb = expected.rgb.data();
+    for (int y = 0; y < expected.height; ++y) {
+        QCOMPARE(view.ReadLineBGRA(line.data()), PLK_READ_SUCCESS);
+        for (std::size_t x = 0; x < static_cast<std::size_t>(expected.width); ++x, rgb += 3)
+            for (std::size_t channel = 0; channel < 3; ++channel)
+                found.add(line[x * 4 + 2 - channel], rgb[channel]);
+    }
+    QVERIFY2(found.largest <= largest && found.meanSquare() <= meanSquare,
+             qPrintable(QStringLiteral("largest %1, mean square %2").arg(found.largest).arg(found.meanSquare())));
+}
+
+QTEST_GUILESS_MAIN(TestConformance)
+#include "tst_conformance.moc"

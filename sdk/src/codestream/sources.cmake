@@ -1,4 +1,9 @@
 set(stage_sources
     canvas.cpp
     mainheader.cpp
+    packedheaders.cpp
+    packetorder.cpp
+    tilecodestream.cpp
+    tileindex.cpp
+    tileparttable.cpp
 )

@@ -1,1 +1,1 @@
-set(stage_sources)
+set(stage_sources logger.cpp physicalmemory.cpp plkconfig.cpp plkfile.cpp plkinit.cpp)

@@ -3,6 +3,12 @@
 #include <cstdint>
 #include <type_traits>
 
+#if defined(_WIN32)
+#define WIN32_LEAN_AND_MEAN
+#define NOMINMAX
+#include <windows.h>
+#endif
+
 namespace xrv {
 
 namespace {
@@ -103,6 +109,19 @@ std::wstring wideFromUtf8(const std::string &text)
         appendWide(&out, takeUtf8(text, &position, &code) ? code : kReplacement);
     }
     return out;
+}
+
+std::string utf8FromLocal8Bit(const std::string &text)
+{
+#if defined(_WIN32)
+    const int bytes = static_cast<int>(text.size());
+    std::wstring wide(text.size(), L'\0'); // never more units than bytes
+    const int units = MultiByteToWideChar(CP_ACP, 0, text.data(), bytes, wide.data(), bytes);
+    wide.resize(static_cast<std::size_t>(units));
+    return utf8FromWide(wide);
+#else
+    return text;
+#endif
 }
 
 bool isValidUtf8(const std::string &text)

@@ -16,6 +16,9 @@ inline std::string utf8FromWide(const std::wstring &text)
 /// UTF-8 as wide text. Bytes that are not UTF-8 become U+FFFD, one for each byte.
 std::wstring wideFromUtf8(const std::string &text);
 
+/// A text in the encoding of the system's narrow interfaces as UTF-8; the two are the same outside Windows.
+std::string utf8FromLocal8Bit(const std::string &text);
+
 /// No surrogates, no overlong forms, nothing above U+10FFFF (RFC 3629 section 3).
 bool isValidUtf8(const std::string &text);
 

@@ -1,0 +1,75 @@
+#include <xrv60/plkinit.h>
+
+#include "logger.h"
+
+#include "../geo/crsnames.h"
+#include "../io/utf8.h"
+
+#include <xrv60/plklog.h>
+
+#include <mutex>
+
+namespace {
+
+constexpr const char *kLibraryVersion = "6.0.0.1513";
+
+/// How many calls of PLKInit() have no PLKShutdown() yet.
+class StartCount
+{
+public:
+    /// True for the outermost one.
+    bool enter()
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return ++count == 1;
+    }
+    bool leave()
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (count == 0)
+            return false;
+        return --count == 0;
+    }
+
+private:
+    std::mutex mutex; ///< guards count
+    int count = 0;
+};
+
+StartCount &startCount()
+{
+    static StartCount count;
+    return count;
+}
+
+} // namespace
+
+void PLKInit()
+{
+    if (startCount().enter())
+        xrv::log(PLK_LOG_INFO, std::string("SDK started, version ") + kLibraryVersion + ".");
+}
+
+void PLKShutdown()
+{
+    if (startCount().leave())
+        xrv::log(PLK_LOG_INFO, std::string("SDK stopped."));
+}
+
+const char *PLKGetLibraryVersion()
+{
+    return kLibraryVersion;
+}
+
+void PLKWinHttpSetUseWinHttp(int useWinHttp)
+{
+    if (useWinHttp != 0)
+        xrv::log(PLK_LOG_INFO, std::string("WinHTTP was asked for; streams use the library's own HTTP client."));
+}
+
+void PLKSetGDTPath(const char *folder)
+{
+    const std::string path = xrv::utf8FromLocal8Bit(folder ? folder : "");
+    xrv::log(PLK_LOG_DEBUG, xrv::wideFromUtf8("Folder of geodetic data: \"" + path + "\"."));
+    xrv::setGeodeticDataPath(path);
+}

@@ -1,0 +1,108 @@
+#include "attempt.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr double kMostSeconds = 2.0;
+constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 30;
+
+/// Makes the kernel forget the process's peak so far (proc(5), clear_refs).
+void resetPeakMemory()
+{
+    QFile file(QStringLiteral("/proc/self/clear_refs"));
+    if (file.open(QIODevice::WriteOnly))
+        file.write("5");
+}
+
+std::uint64_t peakMemory()
+{
+    QFile file(QStringLiteral("/proc/self/status"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray &line : file.readAll().split('\n'))
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toULongLong() * 1024;
+    return 0;
+}
+
+void readLines(PLK::CView *view, Attempt *result)
+{
+    constexpr std::size_t kLineBytes = std::size_t{kPictureSide} * 4;
+    result->picture.assign(kLineBytes * kPictureSide, 0);
+    for (std::size_t y = 0; y < kPictureSide; ++y) {
+        if (view->ReadLineBGRA(result->picture.data() + y * kLineBytes) == PLK_READ_SUCCESS)
+            continue;
+        result->picture.resize(y * kLineBytes);
+        result->error = view->GetLastError();
+        if (result->error.IsSuccess())
+            result->error = PLK::CError(-1, "A line failed without an error.");
+        return;
+    }
+}
+
+void showAll(PLK::CView *view, Attempt *result)
+{
+    const PLKFileInfo *info = view->GetFileInfo();
+    const int bands[] = {0};
+    result->error = view->SetView(1, bands, kPictureSide, kPictureSide, info->fOriginX, info->fOriginY,
+                                  info->fOriginX + info->fCellIncrementX * info->nSizeX,
+                                  info->fOriginY + info->fCellIncrementY * info->nSizeY);
+    if (result->error.IsSuccess())
+        readLines(view, result);
+}
+
+template <typename Work> Attempt measured(Work work)
+{
+    Attempt result;
+    resetPeakMemory();
+    QElapsedTimer timer;
+    timer.start();
+    work(&result);
+    result.seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
+    result.peakBytes = peakMemory();
+    return result;
+}
+
+bool isSentence(const char *text)
+{
+    const std::size_t length = std::strlen(text);
+    return length > 10 && text[length - 1] == '.' && std::strchr(text, ' ') != nullptr;
+}
+
+} // namespace
+
+QByteArray Attempt::complaint() const
+{
+    if (seconds > kMostSeconds)
+        return "took " + QByteArray::number(seconds) + " s";
+    if (peakBytes > kMostBytes)
+        return "took " + QByteArray::number(static_cast<qulonglong>(peakBytes >> 20)) + " MiB";
+    if (isShown())
+        return {};
+    if (error.GetErrorNumber() <= PLK_SUCCESS || error.GetErrorNumber() == PLK_ERR_CANCELLED)
+        return "no proper error: " + QByteArray::number(error.GetErrorNumber()) + ' ' + error.GetErrorMessage();
+    if (!isSentence(error.GetErrorMessage()))
+        return QByteArray("no sentence: '") + error.GetErrorMessage() + '\'';
+    return {};
+}
+
+Attempt attempt(PLK::CView *view, const std::string &path, Damage damage)
+{
+    return measured([&](Attempt *result) {
+        auto &config = PLK::SDK::CFileBase::sFilesHelper().Get()->Config();
+        config.SetResilientDecodingEnabled(damage == Damage::Resilient);
+        result->error = view->Open(PLK::CString(path.c_str()), false, false);
+        if (result->error.IsSuccess())
+            showAll(view, result);
+    });
+}
+
+Attempt attemptView(PLK::CView *view)
+{
+    return measured([&](Attempt *result) { showAll(view, result); });
+}

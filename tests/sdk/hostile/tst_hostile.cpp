@@ -1,0 +1,522 @@
+// Damaged, lying and vanishing files, through the public interface: each gives a clear error or the part of the picture
+// that can be saved, in good time and in little memory, and the view goes on afterwards.
+
+#include "attempt.h"
+
+#include "data/jp2maker.h"
+
+#include <QFile>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <random>
+
+#if defined(Q_OS_UNIX)
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+using jp2maker::FileBytes;
+
+namespace {
+
+/// Places of the fields of SIZ in a bare codestream (ISO/IEC 15444-1 A.5.1): SOC and the marker are before it.
+enum SizField : std::size_t {
+    kLsiz = 4,
+    kXsiz = 8,
+    kYsiz = 12,
+    kXOsiz = 16,
+    kXTsiz = 24,
+    kYTsiz = 28,
+    kXTOsiz = 32,
+    kCsiz = 40,
+    kSsiz = 42,
+    kXRsiz = 43,
+};
+
+void put(FileBytes *file, std::size_t offset, std::uint64_t value, int count)
+{
+    for (int i = count - 1; i >= 0; --i, value >>= 8)
+        file->at(offset + static_cast<std::size_t>(i)) = static_cast<std::uint8_t>(value);
+}
+
+std::uint32_t number(const FileBytes &file, std::size_t offset)
+{
+    return static_cast<std::uint32_t>(file.at(offset)) << 24 | static_cast<std::uint32_t>(file.at(offset + 1)) << 16 |
+           static_cast<std::uint32_t>(file.at(offset + 2)) << 8 | file.at(offset + 3);
+}
+
+/// Place of the first \a marker (two bytes) behind the SIZ segment.
+std::size_t markerPlace(const FileBytes &file, std::uint8_t low)
+{
+    for (std::size_t i = 4; i + 1 < file.size(); ++i)
+        if (file[i] == 0xff && file[i + 1] == low)
+            return i;
+    return file.size();
+}
+
+jp2maker::Options options(int side = 256)
+{
+    jp2maker::Options result;
+    result.width = result.height = side;
+    // Noise does not compress: every part of the file then carries part of the picture.
+    result.cell = [](int component, int x, int y) {
+        return static_cast<std::int32_t>(
+            (static_cast<std::uint32_t>(x * 7919 + y * 104729 + component) * 2654435761u) >> 24);
+    };
+    return result;
+}
+
+FileBytes tiledFile()
+{
+    jp2maker::Options tiled = options();
+    tiled.tileWidth = tiled.tileHeight = 64;
+    return jp2maker::make(tiled);
+}
+
+FileBytes tilePartFile()
+{
+    jp2maker::Options parts = options();
+    parts.tileWidth = parts.tileHeight = 128;
+    parts.progression = "RLCP";
+    parts.tilePartsPer = 'R';
+    parts.tlm = parts.plt = true;
+    return jp2maker::make(parts);
+}
+
+FileBytes precinctFile()
+{
+    jp2maker::Options precincts = options();
+    precincts.progression = "RPCL";
+    precincts.precincts = {{64, 64}};
+    precincts.layerRates = {8, 2, 0};
+    precincts.plt = precincts.sop = precincts.eph = true;
+    return jp2maker::make(precincts);
+}
+
+FileBytes bareFile(int tile = 0)
+{
+    jp2maker::Options bare = options();
+    bare.bareCodestream = true;
+    bare.tileWidth = bare.tileHeight = tile;
+    return jp2maker::make(bare);
+}
+
+struct Sample
+{
+    const char *name;
+    FileBytes bytes;
+};
+
+std::vector<Sample> samples()
+{
+    return {{"tiles", tiledFile()},
+            {"tile-parts", tilePartFile()},
+            {"precincts", precinctFile()},
+            {"bare codestream", bareFile()}};
+}
+
+/// Counts the passes of a progressive view.
+class CountingView : public PLK::CView
+{
+public:
+    ~CountingView() override { Close(true); }
+    PLKReadStatus RefreshPass(PLKSetViewInfo *info) override
+    {
+        Q_UNUSED(info)
+        std::vector<std::uint8_t> line(std::size_t{kPictureSide} * 4);
+        for (int y = 0; y < kPictureSide; ++y)
+            if (ReadLineBGRA(line.data()) != PLK_READ_SUCCESS)
+                break;
+        ++passes;
+        return PLK_READ_SUCCESS;
+    }
+    std::atomic<int> passes{0};
+};
+
+} // namespace
+
+class TestHostile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cut_data();
+    void cut();
+    void cutKeepsFirstTile();
+    void cutProgressive();
+    void flippedBytes_data();
+    void flippedBytes();
+    void boxLengths();
+    void header_data();
+    void header();
+    void noImage_data();
+    void noImage();
+    void unreadable();
+    void changedWhileOpen_data();
+    void changedWhileOpen();
+
+private:
+    std::string write(const FileBytes &bytes, const QString &name = QStringLiteral("file.jp2"));
+    /// Attempts to show \a bytes in both ways; fails the test when either is not as it should be.
+    void mustBehave(const FileBytes &bytes, const QByteArray &what);
+    void mustGoOn();
+
+    QTemporaryDir folder;
+    PLK::CView view; ///< one for all: what an earlier file did must not trouble a later one
+    std::string goodPath;
+    Attempt good;
+};
+
+std::string TestHostile::write(const FileBytes &bytes, const QString &name)
+{
+    QFile file(folder.filePath(name));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return {};
+    file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<qint64>(bytes.size()));
+    return file.fileName().toStdString();
+}
+
+void TestHostile::mustBehave(const FileBytes &bytes, const QByteArray &what)
+{
+    const std::string path = write(bytes);
+    for (const Damage damage : {Damage::Strict, Damage::Resilient}) {
+        const QByteArray complaint = attempt(&view, path, damage).complaint();
+        const char *const mode = damage == Damage::Strict ? " (strict)" : " (resilient)";
+        QVERIFY2(complaint.isEmpty(), (what + mode + ": " + complaint).constData());
+    }
+}
+
+void TestHostile::mustGoOn()
+{
+    const Attempt again = attempt(&view, goodPath, Damage::Strict);
+    QVERIFY2(again.isShown(), again.error.GetErrorMessage());
+    QVERIFY(again.picture == good.picture);
+}
+
+void TestHostile::initTestCase()
+{
+    QVERIFY(folder.isValid());
+    goodPath = write(tiledFile(), QStringLiteral("good.jp2"));
+    good = attempt(&view, goodPath, Damage::Strict);
+    QVERIFY2(good.isShown(), good.error.GetErrorMessage());
+    QSet<int> values;
+    for (std::size_t i = 0; i < good.picture.size(); i += 4)
+        values.insert(good.picture[i]);
+    QVERIFY2(values.size() > 100, "the picture of the good file is empty");
+}
+
+void TestHostile::cut_data()
+{
+    QTest::addColumn<int>("sample");
+    const std::vector<Sample> all = samples();
+    for (std::size_t i = 0; i < all.size(); ++i)
+        QTest::newRow(all[i].name) << static_cast<int>(i);
+}
+
+/// Every sixteenth: an error or a picture, and a strict view never takes a part for the whole.
+void TestHostile::cut()
+{
+    QFETCH(int, sample);
+    const FileBytes whole = samples()[static_cast<std::size_t>(sample)].bytes;
+    const Attempt complete = attempt(&view, write(whole), Damage::Strict);
+    QVERIFY2(complete.isShown(), complete.error.GetErrorMessage());
+
+    int noticed = 0, saved = 0;
+    for (std::size_t sixteenth = 0; sixteenth < 16; ++sixteenth) {
+        const FileBytes part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * sixteenth / 16));
+        mustBehave(part, "cut at sixteenth " + QByteArray::number(static_cast<int>(sixteenth)));
+        const Attempt strict = attempt(&view, write(part), Damage::Strict);
+        QVERIFY(!strict.isShown() || strict.picture == complete.picture);
+        noticed += !strict.isShown();
+        saved += attempt(&view, write(part), Damage::Resilient).isShown();
+    }
+    QVERIFY2(noticed >= 15, qPrintable(QStringLiteral("only %1 of 16 cuts were noticed").arg(noticed)));
+    QVERIFY2(saved >= 12, qPrintable(QStringLiteral("only %1 of 16 cuts were saved in part").arg(saved)));
+    mustGoOn();
+}
+
+/// What is there is shown as it is, and what is not there is not made up.
+void TestHostile::cutKeepsFirstTile()
+{
+    const FileBytes whole = tiledFile();
+    const FileBytes half(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2));
+    const Attempt part = attempt(&view, write(half), Damage::Resilient);
+    QVERIFY2(part.isShown(), part.error.GetErrorMessage());
+    constexpr std::size_t kTile = 64, kLineBytes = std::size_t{kPictureSide} * 4;
+    for (std::size_t y = 0; y < kTile; ++y)
+        QVERIFY(std::equal(&part.picture[y * kLineBytes], &part.picture[y * kLineBytes] + kTile * 4,
+                           &good.picture[y * kLineBytes]));
+    const std::size_t last = good.picture.size() - kLineBytes;
+    QVERIFY(!std::equal(part.picture.begin() + static_cast<std::ptrdiff_t>(last), part.picture.end(),
+                        good.picture.begin() + static_cast<std::ptrdiff_t>(last)));
+}
+
+/// A progressive view of a damaged file ends too: with all its blocks or with an error.
+void TestHostile::cutProgressive()
+{
+    const FileBytes whole = tiledFile();
+    for (const std::size_t sixteenth : {6, 12}) {
+        const FileBytes part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * sixteenth / 16));
+        const std::string path = write(part);
+        PLK::SDK::CFileBase::sFilesHelper().Get()->Config().SetResilientDecodingEnabled(true);
+        CountingView progressive;
+        QVERIFY(progressive.Open(PLK::CString(path.c_str()), true, false).IsSuccess());
+        const int bands[] = {0};
+        QVERIFY(
+            progressive.SetView(1, bands, kPictureSide, kPictureSide, 0, 0, kPictureSide, -kPictureSide).IsSuccess());
+        QTRY_VERIFY_WITH_TIMEOUT(progressive.GetPercentComplete() == 100 || progressive.GetLastError(), 2000);
+        QTRY_VERIFY_WITH_TIMEOUT(progressive.passes > 0, 2000);
+    }
+}
+
+void TestHostile::flippedBytes_data()
+{
+    cut_data();
+}
+
+void TestHostile::flippedBytes()
+{
+    QFETCH(int, sample);
+    const FileBytes whole = samples()[static_cast<std::size_t>(sample)].bytes;
+    std::mt19937 random(static_cast<unsigned>(sample) + 1);
+    constexpr int kFlips = 60;
+    for (int i = 0; i < kFlips; ++i) {
+        // Two thirds fall into the headers, where they do the most harm.
+        const std::size_t range = i % 3 ? std::min<std::size_t>(whole.size(), 320) : whole.size();
+        const std::size_t place = random() % range;
+        FileBytes flipped = whole;
+        flipped[place] = static_cast<std::uint8_t>(flipped[place] ^ (1u << random() % 8));
+        mustBehave(flipped, "bit flipped in byte " + QByteArray::number(static_cast<int>(place)));
+        if (QTest::currentTestFailed())
+            return;
+    }
+    mustGoOn();
+}
+
+void TestHostile::boxLengths()
+{
+    const FileBytes whole = tiledFile();
+    std::vector<std::size_t> boxes;
+    for (std::size_t offset = 0; offset + 8 <= whole.size();) {
+        boxes.push_back(offset);
+        const bool isSuperbox = std::equal(&whole[offset + 4], &whole[offset + 8], "jp2h");
+        offset += isSuperbox ? 8 : std::max<std::size_t>(number(whole, offset), 8);
+    }
+    QVERIFY(boxes.size() >= 6); // signature, ftyp, jp2h, ihdr, colr, jp2c
+    for (const std::size_t box : boxes) {
+        const std::uint32_t length = number(whole, box);
+        for (const std::uint32_t wrong : {0u, 1u, 2u, 7u, 8u, length - 1, length + 1, 0x7fffffffu, 0xffffffffu}) {
+            FileBytes damaged = whole;
+            put(&damaged, box, wrong, 4);
+            mustBehave(damaged, "box at " + QByteArray::number(static_cast<int>(box)) + " of length " +
+                                    QByteArray::number(wrong));
+            if (QTest::currentTestFailed())
+                return;
+        }
+    }
+    mustGoOn();
+}
+
+using Lie = std::function<void(FileBytes *)>;
+Q_DECLARE_METATYPE(Lie)
+
+void TestHostile::header_data()
+{
+    QTest::addColumn<Lie>("lie");
+    const auto set = [](std::size_t offset, std::uint64_t value, int count) {
+        return [=](FileBytes *file) { put(file, offset, value, count); };
+    };
+    const auto all = [](std::vector<Lie> lies) {
+        return [=](FileBytes *file) {
+            for (const Lie &lie : lies)
+                lie(file);
+        };
+    };
+    constexpr std::uint64_t kHuge = std::uint64_t{1} << 31;
+    const Lie hugeImage = all({set(kXsiz, kHuge, 4), set(kYsiz, kHuge, 4)});
+    const Lie hugeTile = all({set(kXTsiz, kHuge, 4), set(kYTsiz, kHuge, 4)});
+    const auto row = [](const char *name, const Lie &lie) { QTest::newRow(name) << lie; };
+
+    row("2^31 x 2^31 in one tile", all({hugeImage, hugeTile}));
+    row("2^31 x 2^31 in many tiles", hugeImage);
+    row("2^31 x 2^31 in tiles of one cell", all({hugeImage, set(kXTsiz, 1, 4), set(kYTsiz, 1, 4)}));
+    row("2^32 - 1 across", set(kXsiz, 0xffffffff, 4));
+    row("a million tiles", all({set(kXsiz, 64000, 4), set(kYsiz, 64000, 4), set(kXTsiz, 64, 4), set(kYTsiz, 64, 4)}));
+    row("65,025 tiles",
+        all({set(kXsiz, 255 * 64, 4), set(kYsiz, 255 * 64, 4), set(kXTsiz, 64, 4), set(kYTsiz, 64, 4)}));
+    row("tiles without cells", set(kXTsiz, 0, 4));
+    row("no cells", set(kXOsiz, 256, 4));
+    row("origin past the end", set(kXOsiz, 0xfffffff0, 4));
+    row("tile origin past the image", set(kXTOsiz, 128, 4));
+    row("16,384 components in three bytes", set(kCsiz, 16384, 2));
+    row("65,535 components", set(kCsiz, 65535, 2));
+    row("no components", set(kCsiz, 0, 2));
+    row("16,384 components without data", [](FileBytes *file) {
+        put(file, kLsiz, 38 + 3 * 16384, 2);
+        put(file, kCsiz, 16384, 2);
+        FileBytes more;
+        for (int i = 1; i < 16384; ++i)
+            more.insert(more.end(), {7, 1, 1});
+        file->insert(file->begin() + kSsiz + 3, more.begin(), more.end());
+    });
+    row("38 bits", set(kSsiz, 37, 1));
+    row("128 bits", set(kSsiz, 127, 1));
+    row("step of 0", set(kXRsiz, 0, 1));
+    row("step of 255", set(kXRsiz, 255, 1));
+    row("short segment", set(kLsiz, 2, 2));
+    row("segment longer than the file", set(kLsiz, 0xffff, 2));
+    // COD (A.6.1): SGcod at 5, SPcod at 9 behind the marker.
+    const auto inCod = [](std::size_t offset, std::uint64_t value, int count) {
+        return [=](FileBytes *file) { put(file, markerPlace(*file, 0x52) + offset, value, count); };
+    };
+    row("no layers", inCod(6, 0, 2));
+    row("65,535 layers", inCod(6, 65535, 2));
+    row("33 levels", inCod(9, 33, 1));
+    row("code-blocks of 2^17 cells", inCod(10, 15, 1));
+    row("unknown progression", inCod(5, 9, 1));
+    row("unknown transform", inCod(13, 7, 1));
+    // SOT (A.4.2): Isot at 4, Psot at 6, TPsot at 10, TNsot at 11 behind the marker.
+    const auto inSot = [](std::size_t offset, std::uint64_t value, int count) {
+        return [=](FileBytes *file) { put(file, markerPlace(*file, 0x90) + offset, value, count); };
+    };
+    row("tile that is not there", inSot(4, 60000, 2));
+    row("tile-part without bytes", inSot(6, 1, 4));
+    row("tile-part of 12 bytes", inSot(6, 12, 4));
+    row("tile-part of 4 GB", inSot(6, 0xffffffff, 4));
+    row("tile-part to the end of the file", inSot(6, 0, 4));
+    row("tile-part before the first", inSot(10, 200, 1));
+    row("no main header end", [](FileBytes *file) { file->resize(markerPlace(*file, 0x90)); });
+}
+
+/// Lies about sizes and counts, for one tile and for many.
+void TestHostile::header()
+{
+    QFETCH(Lie, lie);
+    for (const int tile : {0, 64}) {
+        FileBytes file = bareFile(tile);
+        lie(&file);
+        mustBehave(file, tile ? "many tiles" : "one tile");
+        if (QTest::currentTestFailed())
+            return;
+    }
+    mustGoOn();
+}
+
+void TestHostile::noImage_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QSet<int>>("codes");
+    const auto row = [this](const char *name, const QString &file, const QSet<int> &codes) {
+        QTest::newRow(name) << (file.startsWith(QLatin1Char('/')) ? file : folder.filePath(file)) << codes;
+    };
+    const std::string text = "There is no picture in this text, only words, though it is long enough to look at.\n";
+    write(FileBytes(text.begin(), text.end()), QStringLiteral("text.jp2"));
+    write({}, QStringLiteral("empty.jp2"));
+    FileBytes otherFamily = tiledFile();
+    std::copy_n("qt  ", 4, otherFamily.begin() + 4);
+    write(otherFamily, QStringLiteral("other.jp2"));
+    row("missing", QStringLiteral("nothing.jp2"), {PLK_ERR_NOT_FOUND});
+    row("missing folder", QStringLiteral("nowhere/nothing.jp2"), {PLK_ERR_NOT_FOUND});
+    row("file as a folder", QStringLiteral("good.jp2/picture.jp2"), {PLK_ERR_NOT_FOUND, PLK_ERR_NO_ACCESS});
+    row("folder", folder.path(), {PLK_ERR_NO_ACCESS});
+    row("text", QStringLiteral("text.jp2"), {PLK_ERR_UNKNOWN_FORMAT});
+    row("empty", QStringLiteral("empty.jp2"), {PLK_ERR_UNKNOWN_FORMAT, PLK_ERR_TRUNCATED});
+    row("another box format", QStringLiteral("other.jp2"), {PLK_ERR_UNKNOWN_FORMAT});
+    row("name longer than any", QString(5000, QLatin1Char('x')), {PLK_ERR_NOT_FOUND, PLK_ERR_NO_ACCESS, PLK_ERR_READ});
+#if defined(Q_OS_UNIX)
+    QCOMPARE(::mkfifo(folder.filePath(QStringLiteral("pipe.jp2")).toUtf8().constData(), 0600), 0);
+    row("pipe that nobody writes to", QStringLiteral("pipe.jp2"), {PLK_ERR_NO_ACCESS});
+    row("device", QStringLiteral("/dev/zero"), {PLK_ERR_NO_ACCESS});
+#endif
+}
+
+void TestHostile::noImage()
+{
+    QFETCH(QString, path);
+    QFETCH(QSet<int>, codes);
+    const Attempt result = attempt(&view, path.toStdString(), Damage::Resilient);
+    QVERIFY(!result.isShown());
+    QVERIFY2(result.complaint().isEmpty(), result.complaint().constData());
+    QVERIFY2(codes.contains(result.error.GetErrorNumber()), result.error.GetErrorMessage());
+    mustGoOn();
+}
+
+void TestHostile::unreadable()
+{
+#if defined(Q_OS_UNIX)
+    const std::string path = write(tiledFile(), QStringLiteral("secret.jp2"));
+    QCOMPARE(::chmod(path.c_str(), 0), 0);
+    // The superuser may read everything, so somebody else has to try.
+    constexpr uid_t kNobody = 65534;
+    const bool isRoot = ::geteuid() == 0;
+    QVERIFY(!isRoot || ::seteuid(kNobody) == 0);
+    const Attempt result = attempt(&view, path, Damage::Resilient);
+    QVERIFY(!isRoot || ::seteuid(0) == 0);
+    QVERIFY2(result.complaint().isEmpty(), result.complaint().constData());
+    QCOMPARE(result.error.GetErrorNumber(), int(PLK_ERR_NO_ACCESS));
+    mustGoOn();
+#else
+    QSKIP("rights of files are set in another way here");
+#endif
+}
+
+using Change = std::function<void(const QString &)>;
+Q_DECLARE_METATYPE(Change)
+
+void TestHostile::changedWhileOpen_data()
+{
+    QTest::addColumn<Change>("change");
+    QTest::addColumn<bool>("mustFail");
+    const auto row = [](const char *name, const Change &change, bool mustFail) {
+        QTest::newRow(name) << change << mustFail;
+    };
+    const auto overwrite = [](const QString &path, const FileBytes &bytes) {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<qint64>(bytes.size()));
+    };
+    row(
+        "cut short", [](const QString &path) { QVERIFY(QFile::resize(path, 2000)); }, true);
+    row(
+        "emptied", [](const QString &path) { QVERIFY(QFile::resize(path, 0)); }, true);
+    row(
+        "overwritten", [=](const QString &path) { overwrite(path, tilePartFile()); }, true);
+    // The bytes that were there are still there for those who have the file open.
+    row(
+        "removed", [](const QString &path) { QVERIFY(QFile::remove(path)); }, false);
+    row(
+        "replaced",
+        [=](const QString &path) {
+            overwrite(path + QStringLiteral(".new"), tilePartFile());
+            QVERIFY(QFile::remove(path) && QFile::rename(path + QStringLiteral(".new"), path));
+        },
+        false);
+}
+
+/// Either the picture of the file as it was, or an error: never a mixture.
+void TestHostile::changedWhileOpen()
+{
+    QFETCH(Change, change);
+    QFETCH(bool, mustFail);
+    const std::string path = write(tiledFile(), QStringLiteral("changing.jp2"));
+    PLK::SDK::CFileBase::sFilesHelper().Get()->Config().SetResilientDecodingEnabled(true);
+    QVERIFY(view.Open(PLK::CString(path.c_str()), false, false).IsSuccess());
+    change(QString::fromStdString(path));
+    const Attempt result = attemptView(&view);
+    QVERIFY2(result.complaint().isEmpty(), result.complaint().constData());
+    QCOMPARE(result.isShown(), !mustFail);
+    if (mustFail)
+        QCOMPARE(result.error.GetErrorNumber(), int(PLK_ERR_FILE_CHANGED));
+    else
+        QVERIFY(result.picture == good.picture);
+    mustGoOn();
+}
+
+QTEST_GUILESS_MAIN(TestHostile)
+#include "tst_hostile.moc"

@@ -17,12 +17,13 @@ struct BitDepth
     bool isSigned = false;
 };
 
-/// Colour specification box (I.5.3.3) that is used for display: the first one that this library understands.
+/// Colour specification box (I.5.3.3) that is used for display: the best one that this library understands. The kind is
+/// a family; which member of it (sRGB or e-sRGB, full or limited range, ...) the enumerated space tells.
 struct ColourSpecification
 {
-    enum class Kind { Unknown, SRgb, Greyscale, SYcc, CieLab, Icc };
+    enum class Kind { Unknown, SRgb, Greyscale, SYcc, CieLab, Icc, Cmyk };
     Kind kind = Kind::Unknown;
-    std::uint32_t enumeratedSpace = 0; ///< EnumCS as printed, 0 for ICC
+    std::uint32_t enumeratedSpace = 0; ///< EnumCS as printed, 0 for ICC and parameterized colour
     Bytes iccProfile;                  ///< for Kind::Icc
     Bytes enumParameters;              ///< EP field of CIELab, may be empty
 };
@@ -30,9 +31,9 @@ struct ColourSpecification
 /// Palette box (I.5.3.4).
 struct Palette
 {
-    std::uint32_t entries = 0;            ///< 1 to 1024
-    std::vector<BitDepth> columns;        ///< one per generated channel
-    std::vector<std::int64_t> values;     ///< entries x columns, row by row
+    std::uint32_t entries = 0;        ///< 1 to 1024
+    std::vector<BitDepth> columns;    ///< one per generated channel
+    std::vector<std::int64_t> values; ///< entries x columns, row by row
 };
 
 /// One channel of the component mapping box (I.5.3.5).
@@ -76,7 +77,7 @@ struct LabelledXml
 struct Jp2Structure
 {
     bool isBareCodestream = false;
-    ByteRange codestream; ///< in the file; an open-ended box reaches to the file's end
+    ByteRange codestream;                          ///< in the file; an open-ended box reaches to the file's end
     std::uint32_t imageWidth = 0, imageHeight = 0; ///< ihdr, 0 without
     std::vector<BitDepth> depths;                  ///< per component, empty without ihdr
     std::optional<ColourSpecification> colour;
@@ -89,8 +90,11 @@ struct Jp2Structure
     bool hasGmlBox = false;
 };
 
-/// Reads the boxes of \a source. Recognises the format by content; anything else is PLK_ERR_UNKNOWN_FORMAT. Damage in boxes
-/// that decoding can do without is put into \a warnings (sentences) and is no error.
+/// Reads the boxes of \a source. Recognises the format by content; anything else is PLK_ERR_UNKNOWN_FORMAT. Damage in
+/// boxes that decoding can do without is put into \a warnings (sentences, may be null) and is no error. Without a
+/// codestream: PLK_ERR_TRUNCATED, PLK_ERR_MALFORMED or, for what this library does not read (films, compound documents,
+/// scattered codestreams), PLK_ERR_UNSUPPORTED. Errors of the source are passed on. Reads box headers and the contents
+/// that it needs, never the codestream. Any thread.
 PLK::CError readJp2Structure(ByteSource &source, Jp2Structure *structure, std::vector<std::string> *warnings);
 
 } // namespace xrv

@@ -1,0 +1,81 @@
+#include "viewclipping.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace Korvane {
+
+namespace {
+
+/// Cells are counted in doubles' exact whole numbers; what lies beyond is beyond any image.
+constexpr double kMaxCell = 9007199254740992.0; // 2^53
+
+/// A whole number from \a cell; 0 for a NaN.
+std::int64_t toCell(double cell)
+{
+    if (std::isnan(cell))
+        return 0;
+    return static_cast<std::int64_t>(std::clamp(cell, -kMaxCell, kMaxCell));
+}
+
+bool missesRange(double a, double b, double low, double high)
+{
+    return (low > a && low > b) || (a > high && b > high);
+}
+
+/// Device pixel, counted from the request's edge \a from, that world coordinate \a edge falls on.
+std::int64_t pixelOfEdge(double edge, double from, double to, int pixels)
+{
+    const double pixel = (edge - from) / (to - from) * pixels + 0.5;
+    return std::isfinite(pixel) ? toCell(pixel) : 0;
+}
+
+int toPixelCount(std::int64_t count)
+{
+    return static_cast<int>(std::min<std::int64_t>(count, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+std::optional<ClippedView> clipView(const ImageGrid &grid, const ClippedView &requested)
+{
+    const double right = grid.width * grid.cellX + grid.originX;
+    const double bottom = grid.height * grid.cellY + grid.originY;
+    const double lowY = grid.cellY > 0 ? grid.originY : bottom;
+    const double highY = grid.cellY > 0 ? bottom : grid.originY;
+    if (missesRange(requested.x1, requested.x2, grid.originX, right) ||
+        missesRange(requested.y1, requested.y2, lowY, highY))
+        return std::nullopt;
+
+    const std::int64_t firstColumn = toCell(std::floor((requested.x1 - grid.originX) / grid.cellX));
+    const std::int64_t firstRow = toCell(std::floor((requested.y1 - grid.originY) / grid.cellY));
+    const std::int64_t endColumn = toCell(std::ceil((requested.x2 - grid.originX) / grid.cellX));
+    const std::int64_t endRow = toCell(std::ceil((requested.y2 - grid.originY) / grid.cellY));
+    QPointF topLeft = grid.cellToWorld(double(firstColumn), double(firstRow));
+    QPointF bottomRight = grid.cellToWorld(double(endColumn), double(endRow));
+    if (firstColumn < 0)
+        topLeft.setX(grid.originX);
+    if (firstRow < 0)
+        topLeft.setY(grid.originY);
+    if (endColumn > std::int64_t(grid.width) - 1)
+        bottomRight.setX(right);
+    if (endRow > std::int64_t(grid.height) - 1)
+        bottomRight.setY(bottom);
+
+    const auto &[width, height, x1, y1, x2, y2] = requested;
+    const std::int64_t clippedWidth =
+        pixelOfEdge(bottomRight.x(), x1, x2, width) - pixelOfEdge(topLeft.x(), x1, x2, width);
+    const std::int64_t clippedHeight =
+        pixelOfEdge(bottomRight.y(), y1, y2, height) - pixelOfEdge(topLeft.y(), y1, y2, height);
+    if (clippedWidth < 1 || clippedHeight < 1)
+        return std::nullopt;
+    return ClippedView{toPixelCount(clippedWidth),
+                       toPixelCount(clippedHeight),
+                       topLeft.x(),
+                       topLeft.y(),
+                       bottomRight.x(),
+                       bottomRight.y()};
+}
+
+} // namespace Korvane

@@ -1,0 +1,288 @@
+#include "xrvjp2klayer.h"
+
+#include "xrvjp2krenderer.h"
+
+#include <QDGui/application.h>
+#include <QDateTime>
+#include <QSettings>
+
+#include <limits>
+
+namespace Korvane {
+
+namespace {
+
+QString settingsKey(const char *name)
+{
+    return QLatin1String("XRVJP2kLayer/") + QLatin1String(name);
+}
+
+QVariant setting(const char *name, const QVariant &defaultValue)
+{
+    return Application::instance()->settings()->value(settingsKey(name), defaultValue);
+}
+
+constexpr double kNoCoordinate = std::numeric_limits<double>::quiet_NaN();
+
+} // namespace
+
+XRVJP2kLayer::XRVJP2kLayer(Map::IRendererClient *client)
+    : RasterLayer(client)
+    , lastViewX1(kNoCoordinate)
+    , lastViewY1(kNoCoordinate)
+    , lastViewX2(kNoCoordinate)
+    , lastViewY2(kNoCoordinate)
+    , sizeGigaPixel(QStringLiteral("Unknown"))
+    , sizeOnDisk(QStringLiteral("Unknown"))
+    , lastReconnectTime(QDateTime::currentMSecsSinceEpoch())
+{
+    readSettings();
+}
+
+XRVJP2kLayer::~XRVJP2kLayer()
+{
+    closeRenderer(renderer);
+    closeRenderer(backingRenderer);
+}
+
+void XRVJP2kLayer::readSettings()
+{
+    pixmapSmoothing = !setting("OptimizeNearestNeighbour", true).toBool();
+    adaptiveRoam = setting("AdaptiveRendering", false).toBool();
+    progressive = setting("OpenProgressive", true).toBool();
+    defaultResampleType = static_cast<ResampleType>(setting("ResampleType", 0).toInt());
+    backingStore = setting("UseBackingstore", false).toBool();
+    drawOutline = setting("DrawOutline", false).toBool();
+    outlineColor = setting("OutlineColor", QColor(0, 255, 255, 255)).value<QColor>();
+    outlinePen = QPen(outlineColor);
+}
+
+template <typename Setting> void XRVJP2kLayer::applyToBothRenderers(Setting setting)
+{
+    if (renderer)
+        setting(*renderer);
+    if (hasBackingRenderer())
+        setting(*backingRenderer);
+}
+
+void XRVJP2kLayer::refreshWithUpdate()
+{
+    if (renderer && lastViewWidth != 0 && lastViewHeight != 0)
+        setView(lastViewWidth, lastViewHeight, lastViewX1, lastViewY1, lastViewX2, lastViewY2);
+    refresh(0, 0, 0, 0);
+}
+
+void XRVJP2kLayer::setVisible(bool on)
+{
+    visible = on;
+    if (!renderer)
+        return;
+    const QRectF bounds = getBounds();
+    refresh(bounds.left(), bounds.top(), bounds.right(), bounds.bottom());
+}
+
+void XRVJP2kLayer::beginUpdate(bool)
+{
+    updating = true;
+}
+
+void XRVJP2kLayer::endUpdate()
+{
+    updating = false;
+}
+
+bool XRVJP2kLayer::readXML(QDomNode &node, QDir &projectFolder, QString *error)
+{
+    return Layer::readXML(node, projectFolder, error);
+}
+
+bool XRVJP2kLayer::writeXML(QDomNode &node, QDomDocument &document)
+{
+    return Layer::writeXML(node, document);
+}
+
+double XRVJP2kLayer::getTransparency() const
+{
+    return renderer ? renderer->getTransparency() : 0.0;
+}
+
+void XRVJP2kLayer::setTransparency(double transparency)
+{
+    applyToBothRenderers([&](XRVJP2kRenderer &target) { target.setTransparency(transparency); });
+}
+
+double XRVJP2kLayer::getContrast() const
+{
+    return renderer ? renderer->getContrast() : 0.0;
+}
+
+void XRVJP2kLayer::setContrast(double contrast)
+{
+    applyToBothRenderers([&](XRVJP2kRenderer &target) { target.setContrast(contrast); });
+}
+
+double XRVJP2kLayer::getBrightness() const
+{
+    return renderer ? renderer->getBrightness() : 0.0;
+}
+
+void XRVJP2kLayer::setBrightness(double brightness)
+{
+    applyToBothRenderers([&](XRVJP2kRenderer &target) { target.setBrightness(brightness); });
+}
+
+void XRVJP2kLayer::setBandList(QVector<int> bands)
+{
+    bandList = std::move(bands);
+    refreshWithUpdate();
+}
+
+XRVJP2kLayer::ResampleType XRVJP2kLayer::getResampleType() const
+{
+    return renderer ? static_cast<ResampleType>(renderer->ParametersDecompress().GetResampleMethod())
+                    : NearestNeighbour;
+}
+
+void XRVJP2kLayer::setResampleType(ResampleType type)
+{
+    if (!renderer || getResampleType() == type)
+        return;
+    applyToBothRenderers([&](XRVJP2kRenderer &target) {
+        target.ParametersDecompress().SetResampleMethod(static_cast<PLKResampleMethod>(type));
+    });
+    if (viewSet)
+        setView(lastViewWidth, lastViewHeight, lastViewX1, lastViewY1, lastViewX2, lastViewY2);
+}
+
+void XRVJP2kLayer::setPixmapSmoothing(bool on)
+{
+    pixmapSmoothing = on;
+    if (!renderer)
+        return;
+    applyToBothRenderers([&](XRVJP2kRenderer &target) { target.setPixmapSmoothing(on); });
+    refresh(0, 0, 0, 0);
+}
+
+void XRVJP2kLayer::setProgressive(bool on)
+{
+    if (on == progressive || !renderer)
+        return;
+    progressive = on;
+    setDataSource(viewName());
+    refreshWithUpdate();
+}
+
+void XRVJP2kLayer::setReadRGBA(bool on)
+{
+    readRGBA = on;
+    if (renderer)
+        renderer->setReadRGBA(on);
+}
+
+int XRVJP2kLayer::getTransformClip() const
+{
+    return renderer ? renderer->getTransformClip() : 100;
+}
+
+void XRVJP2kLayer::setTransformClip(int percent)
+{
+    if (!renderer)
+        return;
+    applyToBothRenderers([&](XRVJP2kRenderer &target) { target.setTransformClip(percent); });
+    refreshWithUpdate();
+}
+
+void XRVJP2kLayer::setDrawOutline(bool on)
+{
+    drawOutline = on;
+    refresh(0, 0, 0, 0);
+}
+
+void XRVJP2kLayer::setOutlineColor(QColor color)
+{
+    outlineColor = color;
+    outlinePen = QPen(outlineColor);
+    Application::instance()->settings()->setValue(settingsKey("OutlineColor"), outlineColor);
+    refresh(0, 0, 0, 0);
+}
+
+void XRVJP2kLayer::setBackingStore(bool on)
+{
+    backingStore = on;
+    if (!on && backingRenderer) {
+        backingRenderer.reset();
+    } else {
+        // The main file is closed and opened again within this call and must not lose its cached data.
+        const bool rememberedFreeCache = getFreeCache();
+        setFreeCache(false);
+        setDataSource(getDataSource());
+        setFreeCache(rememberedFreeCache);
+    }
+    refresh(0, 0, 0, 0);
+}
+
+bool XRVJP2kLayer::getTextureDither() const
+{
+    return renderer && renderer->ParametersDecompress().IsReaderDitherEnabled();
+}
+
+void XRVJP2kLayer::setTextureDither(bool on)
+{
+    if (!renderer)
+        return;
+    renderer->ParametersDecompress().SetReaderDitherEnabled(on);
+    refreshWithUpdate();
+}
+
+int XRVJP2kLayer::getJp2QualityLayers() const
+{
+    return renderer ? renderer->getJp2QualityLayers() : -1;
+}
+
+void XRVJP2kLayer::setJp2QualityLayers(int layers)
+{
+    if (!renderer)
+        return;
+    renderer->setJp2QualityLayers(layers);
+    refreshWithUpdate();
+}
+
+int XRVJP2kLayer::getMaxJp2QualityLayers() const
+{
+    return renderer ? renderer->getMaxJp2QualityLayers() : -1;
+}
+
+double XRVJP2kLayer::getAzumith() const
+{
+    return renderer ? renderer->getAzumith() : 0.0;
+}
+
+void XRVJP2kLayer::setAzumith(double degrees)
+{
+    if (renderer)
+        renderer->setAzumith(degrees);
+}
+
+double XRVJP2kLayer::getElevation() const
+{
+    return renderer ? renderer->getElevation() : 0.0;
+}
+
+void XRVJP2kLayer::setElevation(double degrees)
+{
+    if (renderer)
+        renderer->setElevation(degrees);
+}
+
+bool XRVJP2kLayer::getHillShade() const
+{
+    return renderer && renderer->getHillShade();
+}
+
+void XRVJP2kLayer::setHillShade(bool on)
+{
+    if (renderer)
+        renderer->setHillShade(on);
+}
+
+} // namespace Korvane

@@ -1,0 +1,177 @@
+// Opening data sources.
+
+#include "sourcetexts.h"
+#include "urlfile.h"
+#include "xrvjp2klayer.h"
+#include "xrvjp2krenderer.h"
+
+#include <QDGui/application.h>
+#include <QDGui/stringutil.h>
+#include <QDateTime>
+#include <QFileInfo>
+
+namespace Korvane {
+
+QString XRVJP2kLayer::viewName() const
+{
+    return renderer ? widenedName(renderer->GetFileName()) : QString();
+}
+
+QString XRVJP2kLayer::getDataSource() const
+{
+    const QString name = viewName();
+    return name.left(name.indexOf(QLatin1Char('|')));
+}
+
+bool XRVJP2kLayer::setDataSource(QString source)
+{
+    histogramCache.clear();
+    if (!resolveSource(&source))
+        return false;
+
+    std::unique_ptr<CarriedSettings> carried;
+    if (renderer) {
+        carried = std::make_unique<CarriedSettings>(currentSettings());
+        pixmapSmoothing = carried->resampleType == Bilinear;
+        closeRenderer(renderer);
+    }
+    if (hasBackingRenderer())
+        closeRenderer(backingRenderer);
+
+    renderer = std::make_unique<XRVJP2kRenderer>(this);
+    if (const PLK::CError error = renderer->openFile(source, progressive))
+        return failOpening(error);
+    if (backingStore && !openBackingRenderer(source))
+        return false;
+    if (carried)
+        restoreSettings(*carried);
+    else
+        applyFirstSettings();
+    if (viewSet)
+        requestLastViewAfterOpening();
+    describeSource(source);
+    valid = true;
+    lastError.clear();
+    return true;
+}
+
+/// Replaces a ".url" file by the address in it. False, with the last error set, for sources that are refused unopened.
+bool XRVJP2kLayer::resolveSource(QString *source)
+{
+    if (source->toLower().endsWith(QLatin1String(".url"))) {
+        const UrlFile urlFile = readUrlFile(*source);
+        if (urlFile.status == UrlFile::Status::CannotOpen) {
+            lastError = tr("Could not open URL file.");
+            return false;
+        }
+        if (urlFile.status == UrlFile::Status::BadProtocol) {
+            lastError = tr("URL file contains non supported protocol type.");
+            return false;
+        }
+        // A file without an address is left for the SDK to refuse, and so is a "jpip" address from a file.
+        if (!urlFile.address.isEmpty())
+            *source = urlFile.address;
+    } else if (source->toLower().startsWith(QLatin1String("jpip"))) {
+        lastError = tr("JPIP protocol not supported.");
+        Application::logMessage(lastError, Application::LogInfo, QDateTime::currentDateTime());
+        return false;
+    }
+    return true;
+}
+
+void XRVJP2kLayer::closeRenderer(std::unique_ptr<XRVJP2kRenderer> &target)
+{
+    if (!target)
+        return;
+    target->cancelRead();
+    target->Close(freeCache);
+    target.reset();
+}
+
+bool XRVJP2kLayer::failOpening(const PLK::CError &error)
+{
+    renderer.reset();
+    bandList.clear();
+    valid = false;
+    lastError = tr(error.GetErrorMessage());
+    return false;
+}
+
+bool XRVJP2kLayer::openBackingRenderer(const QString &source)
+{
+    backingRenderer = std::make_unique<XRVJP2kRenderer>(this);
+    if (!backingRenderer->openFile(source, false))
+        return true;
+    backingRenderer.reset();
+    return false;
+}
+
+XRVJP2kLayer::CarriedSettings XRVJP2kLayer::currentSettings() const
+{
+    return {getTransformClip(), getTransparency(), getBrightness(), getContrast(), getBandList(), getResampleType()};
+}
+
+void XRVJP2kLayer::applySettings(XRVJP2kRenderer &target, const CarriedSettings &settings) const
+{
+    target.setTransformClip(settings.transformClip);
+    target.setTransparency(settings.transparency);
+    target.setBrightness(settings.brightness);
+    target.setContrast(settings.contrast);
+    target.ParametersDecompress().SetResampleMethod(static_cast<PLKResampleMethod>(settings.resampleType));
+}
+
+void XRVJP2kLayer::restoreSettings(const CarriedSettings &settings)
+{
+    applySettings(*renderer, settings);
+    bandList = settings.bandList;
+    setPixmapSmoothing(settings.resampleType == Bilinear);
+    if (hasBackingRenderer())
+        applySettings(*backingRenderer, settings);
+}
+
+void XRVJP2kLayer::applyFirstSettings()
+{
+    // The backing renderer keeps the SDK's own resample method.
+    renderer->ParametersDecompress().SetResampleMethod(static_cast<PLKResampleMethod>(defaultResampleType));
+    renderer->setTransformClip(renderer->getTransformClip());
+    bandList = getDefaultBandList();
+    if (hasBackingRenderer())
+        backingRenderer->setTransformClip(renderer->getTransformClip());
+}
+
+void XRVJP2kLayer::requestLastViewAfterOpening()
+{
+    // Here, unlike in setView(), the flag tells that the view failed; what depends on it is built around that.
+    viewSet = bool(requestView(*renderer, lastViewWidth, lastViewHeight));
+    if (viewSet && hasBackingRenderer())
+        requestView(*backingRenderer, lastViewWidth, lastViewHeight);
+}
+
+void XRVJP2kLayer::describeSource(const QString &source)
+{
+    const QString fileName = localFileName(source);
+    setDescription(sourceDescription(fileName));
+    if (const PLKFileInfo *info = renderer->GetFileInfo())
+        sizeGigaPixel = gigaPixelText(info->nSizeX, info->nSizeY);
+    if (source.toLower().startsWith(QLatin1String("xrvp")))
+        sizeOnDisk = tr("Unknown");
+    else
+        sizeOnDisk = Util::String::formatFileSize(static_cast<quint64>(QFileInfo(fileName).size()), "%2.2f");
+    setEpsgCode(renderer->GetEPSGCode());
+}
+
+QVector<int> XRVJP2kLayer::getDefaultBandList() const
+{
+    std::vector<std::uint32_t> bands;
+    if (!renderer->GetDefaultRGBABandList(&bands)) {
+        QVector<int> list;
+        for (const std::uint32_t band : bands)
+            list.append(static_cast<int>(band));
+        return list;
+    }
+    if (renderer->getHasOpacityBand())
+        return {0, 0, 0, renderer->getOpacityBandNumber()};
+    return {0, 0, 0};
+}
+
+} // namespace Korvane

@@ -1,0 +1,130 @@
+// Setting views and painting.
+
+#include "viewclipping.h"
+#include "xrvjp2klayer.h"
+#include "xrvjp2krenderer.h"
+
+#include <QDGui/geopainter.h>
+#include <QDateTime>
+#include <QMutexLocker>
+
+namespace Korvane {
+
+namespace {
+
+constexpr qint64 kReconnectInterval = 20000; // milliseconds
+
+} // namespace
+
+QRectF XRVJP2kLayer::getBounds() const
+{
+    const PLKFileInfo *info = getFileInfo();
+    if (!info)
+        return QRectF(-180, 90, 360, -180);
+    return QRectF(info->fOriginX, info->fOriginY, info->nSizeX * info->fCellIncrementX,
+                  info->nSizeY * info->fCellIncrementY);
+}
+
+signed char XRVJP2kLayer::getPercentComplete() const
+{
+    return renderer ? renderer->GetPercentComplete() : static_cast<signed char>(-1);
+}
+
+bool XRVJP2kLayer::calculateClippedCoords(int width, int height, double x1, double y1, double x2, double y2)
+{
+    const PLKFileInfo *info = renderer->GetFileInfo();
+    if (!info)
+        return false;
+    const auto cellToWorld = [this](double column, double row) {
+        QPointF world;
+        renderer->ConvertDatasetToWorld(column, row, &world.rx(), &world.ry());
+        return world;
+    };
+    const ImageGrid grid{info->nSizeX,   info->nSizeY, info->fCellIncrementX, info->fCellIncrementY, info->fOriginX,
+                         info->fOriginY, cellToWorld};
+    const std::optional<ClippedView> clipped = clipView(grid, {width, height, x1, y1, x2, y2});
+    if (!clipped)
+        return false;
+    lastViewX1 = clipped->x1;
+    lastViewY1 = clipped->y1;
+    lastViewX2 = clipped->x2;
+    lastViewY2 = clipped->y2;
+    lastViewWidth = clipped->width;
+    lastViewHeight = clipped->height;
+    return true;
+}
+
+PLK::CError XRVJP2kLayer::requestView(XRVJP2kRenderer &target, int width, int height) const
+{
+    return target.SetView(bandList.size(), bandList.constData(), width, height, lastViewX1, lastViewY1, lastViewX2,
+                          lastViewY2);
+}
+
+void XRVJP2kLayer::setView(int width, int height, double x1, double y1, double x2, double y2)
+{
+    if (updating && !progressive && adaptiveRoam) {
+        width = static_cast<int>(width * 0.5);
+        height = static_cast<int>(height * 0.5);
+    }
+    const QMutexLocker locker(renderer ? &renderer->getImageMutex() : nullptr);
+    if (!valid || !renderer)
+        return;
+    if (!calculateClippedCoords(width, height, x1, y1, x2, y2)) {
+        clearImages();
+        return;
+    }
+    const PLK::CError error = requestView(*renderer, lastViewWidth, lastViewHeight);
+    if (error.GetErrorNumber() == PLK_ERR_CONNECTION_LOST)
+        reconnectWhenDue(QDateTime::currentMSecsSinceEpoch());
+    if (!error && hasBackingRenderer())
+        requestView(*backingRenderer, static_cast<int>(width * 0.25), static_cast<int>(height * 0.25));
+    viewSet = !error;
+}
+
+void XRVJP2kLayer::clearImages()
+{
+    renderer->clearImage();
+    if (hasBackingRenderer())
+        backingRenderer->clearImage();
+}
+
+void XRVJP2kLayer::reconnectWhenDue(qint64 now)
+{
+    if (now - lastReconnectTime <= kReconnectInterval)
+        return;
+    renderer->Reconnect();
+    lastReconnectTime = QDateTime::currentMSecsSinceEpoch();
+}
+
+bool XRVJP2kLayer::isRoaming() const
+{
+    const PLK::CIOStream *stream = renderer->GetStream();
+    return stream && stream->IsRemote() && updating;
+}
+
+/// The coarse picture must not show through a layer or an image that is partly transparent.
+bool XRVJP2kLayer::isBackingShown() const
+{
+    if (!hasBackingRenderer())
+        return false;
+    const bool opaque = getTransparency() == 1.0;
+    return opaque && (isRoaming() || renderer->getOpacityBandNumber() == -1);
+}
+
+void XRVJP2kLayer::paint(GeoPainter &painter, const QRectF *world, const QRect *device)
+{
+    if (!renderer)
+        return;
+    if (isBackingShown())
+        backingRenderer->paint(painter, *world, *device);
+    renderer->paint(painter, *world, *device);
+    if (drawOutline) {
+        const QRectF bounds = getBounds();
+        painter.save();
+        painter.setPen(outlinePen);
+        painter.drawWorldRect(bounds.left(), bounds.top(), bounds.right(), bounds.bottom());
+        painter.restore();
+    }
+}
+
+} // namespace Korvane

@@ -20,7 +20,7 @@ struct GeoReference
     /// longitude and y northing or latitude, whatever the axis order of the reference system.
     std::array<double, 6> transform{0.0, 1.0, 0.0, 0.0, 0.0, -1.0};
     PLKCellSizeUnits units = PLK_UNITS_INVALID;
-    int epsg = 0;                    ///< 0: none or not in the EPSG register
+    int epsg = 0;                   ///< 0: none or not in the EPSG register
     std::string datum = "RAW";      ///< "RAW" without one
     std::string projection = "RAW"; ///< "RAW" without one; "GEODETIC" for geographic systems
 
@@ -29,14 +29,14 @@ struct GeoReference
     double clockwiseRotationDegrees() const;
 };
 
-/// Finds the geo-reference. Order: GeoJP2 box, GML in JP2, world file (its transform; the reference system stays that of
-/// the boxes if they have one without a place). \a localName is the UTF-8 path of a local file, empty for streams. Damage is
-/// put into \a warnings as sentences.
+/// Finds the geo-reference. Order: GeoJP2 box, GML in JP2, world file (its transform; the reference system stays that
+/// of the boxes if they have one without a place). \a localName is the UTF-8 path of a local file, empty for streams.
+/// Damage is put into \a warnings as sentences.
 GeoReference readGeoReference(const Jp2Structure &structure, std::uint32_t width, std::uint32_t height,
                               const std::string &localName, std::vector<std::string> *warnings);
 
-/// Rational polynomial coefficients: from the GeoJP2 box, else from the side files _RPC.TXT, _rpc.txt, .RPB (also in capitals).
-/// Without any, or with damaged ones (then a warning), nothing.
+/// Rational polynomial coefficients: from the GeoJP2 box, else from the side files _RPC.TXT, _rpc.txt, .RPB (also in
+/// capitals). Without any, or with damaged ones (then a warning), nothing.
 std::optional<PLKRPCData> readRpc(const Jp2Structure &structure, const std::string &localName,
                                   std::vector<std::string> *warnings);
 

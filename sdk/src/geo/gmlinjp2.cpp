@@ -1,0 +1,274 @@
+#include "gmlinjp2.h"
+
+#include "../io/utf8.h"
+#include "sidefile.h"
+
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+namespace xrv {
+
+namespace {
+
+constexpr std::size_t kMaxXmlBytes = 16 * 1024 * 1024;
+
+using Pair = std::array<double, 2>;
+
+/// A grid as it is written, before any axis is swapped.
+struct Grid
+{
+    Pair origin{};
+    Pair alongRow{};
+    Pair downColumn{};
+};
+
+const char *localName(const pugi::xml_node &node)
+{
+    const char *colon = std::strchr(node.name(), ':');
+    return colon ? colon + 1 : node.name();
+}
+
+pugi::xml_node find(const pugi::xml_node &within, const char *name)
+{
+    return within.find_node([name](const pugi::xml_node &node) { return std::strcmp(localName(node), name) == 0; });
+}
+
+std::vector<pugi::xml_node> childrenNamed(const pugi::xml_node &parent, const char *name)
+{
+    std::vector<pugi::xml_node> found;
+    for (const pugi::xml_node &child : parent.children()) {
+        if (std::strcmp(localName(child), name) == 0)
+            found.push_back(child);
+    }
+    return found;
+}
+
+/// The first two numbers of "a b", "a,b" or "a b c".
+std::optional<Pair> pairOf(std::string_view text)
+{
+    constexpr std::string_view kBetween = " \t\r\n,";
+    Pair pair{};
+    for (double &value : pair) {
+        const std::size_t start = std::min(text.find_first_not_of(kBetween), text.size());
+        const std::size_t end = std::min(text.find_first_of(kBetween, start), text.size());
+        const std::optional<double> number = parseNumber(text.substr(start, end - start));
+        if (!number)
+            return std::nullopt;
+        value = *number;
+        text.remove_prefix(end);
+    }
+    return pair;
+}
+
+std::optional<Pair> originOf(const pugi::xml_node &grid)
+{
+    const pugi::xml_node origin = find(grid, "origin");
+    for (const char *name : {"pos", "coordinates"}) {
+        if (const pugi::xml_node position = find(origin, name))
+            return pairOf(position.text().get());
+    }
+    return std::nullopt;
+}
+
+std::optional<Grid> gridOf(const pugi::xml_node &node)
+{
+    const std::vector<pugi::xml_node> vectors = childrenNamed(node, "offsetVector");
+    if (vectors.size() < 2)
+        return std::nullopt;
+    const std::optional<Pair> origin = originOf(node);
+    const std::optional<Pair> first = pairOf(vectors[0].text().get()), second = pairOf(vectors[1].text().get());
+    if (!origin || !first || !second)
+        return std::nullopt;
+    return Grid{*origin, *first, *second};
+}
+
+/// The grid's own name, that of its point or vectors, or that of an envelope around it.
+std::string srsNameOf(const pugi::xml_node &document, const pugi::xml_node &grid)
+{
+    const auto hasName = [](const pugi::xml_node &node) { return *node.attribute("srsName").value() != 0; };
+    for (const pugi::xml_node &node :
+         {find(grid, "Point"), grid, grid.find_node(hasName), find(document, "Envelope")}) {
+        if (hasName(node))
+            return node.attribute("srsName").value();
+    }
+    return document.find_node(hasName).attribute("srsName").value();
+}
+
+std::string lowerName(const pugi::xml_node &node)
+{
+    return asciiLower(std::string(trimmed(node.text().get())));
+}
+
+/// The axes are named, and easting or longitude comes first whatever the register says.
+bool saysEastFirst(const pugi::xml_node &grid)
+{
+    std::string names;
+    for (const pugi::xml_node &axis : childrenNamed(grid, "axisName"))
+        names += lowerName(axis) + ' ';
+    for (const pugi::xml_node &axes : childrenNamed(grid, "axisLabels"))
+        names += lowerName(axes) + ' ';
+    return names.compare(0, 7, "easting") == 0 || names.compare(0, 3, "lon") == 0;
+}
+
+bool isAlongAxes(const Pair &alongRow, const Pair &downColumn)
+{
+    return alongRow[1] == 0 && downColumn[0] == 0;
+}
+
+bool isMirrored(const Pair &alongRow, const Pair &downColumn)
+{
+    return alongRow[0] * downColumn[1] - alongRow[1] * downColumn[0] > 0;
+}
+
+void swapAxes(Pair *pair)
+{
+    std::swap((*pair)[0], (*pair)[1]);
+}
+
+/// Brings a grid of a north-first system to x before y; see readGml().
+void swapToEastFirst(Grid *grid, bool isGeographic)
+{
+    Pair alongRow = grid->alongRow, downColumn = grid->downColumn;
+    swapAxes(&alongRow);
+    swapAxes(&downColumn);
+    const bool fitsSwapped = isAlongAxes(alongRow, downColumn);
+    const bool fitsAsWritten = isAlongAxes(grid->alongRow, grid->downColumn);
+    const bool isSwapped = fitsSwapped != fitsAsWritten ? fitsSwapped : !isMirrored(alongRow, downColumn);
+    if (isSwapped) {
+        grid->alongRow = alongRow;
+        grid->downColumn = downColumn;
+    }
+    if (!isGeographic || std::abs(grid->origin[0]) <= 90)
+        swapAxes(&grid->origin);
+}
+
+/// What a definition in the file's own dictionary tells; names only.
+std::optional<CrsDescription> dictionaryCrs(const pugi::xml_node &document, const std::string &entry)
+{
+    const pugi::xml_node node = document.find_node([&entry](const pugi::xml_node &candidate) {
+        return entry == candidate.attribute("gml:id").value() && entry.size() > 0;
+    });
+    if (!node)
+        return std::nullopt;
+    const bool isProjected = std::strcmp(localName(node), "ProjectedCRS") == 0;
+    CrsDescription crs;
+    const std::string datum(trimmed(find(node, "datumName").text().get()));
+    const std::string method(trimmed(find(node, "methodName").text().get()));
+    crs.datum = datum.empty() ? "USER-DEFINED" : datum;
+    crs.projection = !isProjected ? "GEODETIC" : method.empty() ? "USER-DEFINED" : method;
+    return crs;
+}
+
+std::optional<CrsDescription> crsOf(const SrsName &name, const std::vector<pugi::xml_document> &documents)
+{
+    if (name.epsg != 0)
+        return crsOfEpsg(name.epsg);
+    for (const pugi::xml_document &document : documents) {
+        if (const std::optional<CrsDescription> crs = dictionaryCrs(document, name.dictionaryEntry))
+            return crs;
+    }
+    return std::nullopt;
+}
+
+std::vector<pugi::xml_document> parse(const std::vector<LabelledXml> &texts, std::vector<std::string> *warnings)
+{
+    std::vector<const LabelledXml *> ordered;
+    for (const LabelledXml &text : texts)
+        ordered.push_back(&text);
+    std::stable_partition(ordered.begin(), ordered.end(),
+                          [](const LabelledXml *text) { return text->label == "gml.root-instance"; });
+    std::vector<pugi::xml_document> documents;
+    for (const LabelledXml *text : ordered) {
+        pugi::xml_document document;
+        const bool fits = text->xml.size() <= kMaxXmlBytes;
+        // Some writers count the closing zero as part of the text.
+        const std::size_t length = std::min(text->xml.find_last_not_of('\0') + 1, text->xml.size());
+        if (fits && document.load_buffer(text->xml.data(), length))
+            documents.push_back(std::move(document));
+        else
+            warnings->push_back("The GML text '" + text->label + "' is damaged or too large and is not used.");
+    }
+    return documents;
+}
+
+std::optional<Transform> transformOf(Grid grid, bool isNorthFirst, bool isGeographic)
+{
+    if (isNorthFirst)
+        swapToEastFirst(&grid, isGeographic);
+    const Transform transform = fromCentres(
+        {grid.origin[0], grid.alongRow[0], grid.downColumn[0], grid.origin[1], grid.alongRow[1], grid.downColumn[1]});
+    return isUsable(transform) ? std::optional<Transform>(transform) : std::nullopt;
+}
+
+bool startsWith(const std::string &text, std::string_view start)
+{
+    return text.compare(0, start.size(), start) == 0;
+}
+
+/// The digits behind the last of \a separators.
+int codeBehind(const std::string &name, const char *separators)
+{
+    const std::size_t separator = name.find_last_of(separators);
+    const char *first = name.data() + (separator == std::string::npos ? name.size() : separator + 1);
+    const char *end = name.data() + name.size();
+    int code = 0;
+    const auto [last, error] = std::from_chars(first, end, code);
+    return error == std::errc() && last == end && code > 0 ? code : 0;
+}
+
+} // namespace
+
+SrsName parseSrsName(const std::string &name)
+{
+    std::string lower = asciiLower(std::string(trimmed(name)));
+    // A compound system: the horizontal one comes first.
+    if (startsWith(lower, "urn:ogc:def:crs,"))
+        lower = "urn:ogc:def:" + lower.substr(16, lower.find(',', 16) - 16);
+    SrsName result;
+    const std::size_t dictionary = lower.find("#");
+    if (startsWith(lower, "gmljp2:") && dictionary != std::string::npos) {
+        result.dictionaryEntry = std::string(trimmed(name)).substr(dictionary + 1);
+        return result;
+    }
+    if (lower.find("crs84") != std::string::npos)
+        result.epsg = 4326;
+    else if (lower.find("crs83") != std::string::npos)
+        result.epsg = 4269;
+    else if (lower.find("crs27") != std::string::npos)
+        result.epsg = 4267;
+    else if (lower.find("epsg") != std::string::npos)
+        result.epsg = codeBehind(lower, ":/#");
+    const bool isFormal = startsWith(lower, "urn:") || lower.find("/def/crs/epsg/") != std::string::npos;
+    result.isRegisterOrder = isFormal && lower.find("epsg") != std::string::npos && result.epsg != 0;
+    return result;
+}
+
+Placement readGml(const std::vector<LabelledXml> &texts, std::vector<std::string> *warnings)
+{
+    const std::vector<pugi::xml_document> documents = parse(texts, warnings);
+    Placement result;
+    for (const pugi::xml_document &document : documents) {
+        const pugi::xml_node node = find(document, "RectifiedGrid");
+        const SrsName name = parseSrsName(srsNameOf(document, node));
+        const std::optional<CrsDescription> crs = crsOf(name, documents);
+        if (!result.crs)
+            result.crs = crs;
+        if (!node)
+            continue;
+        const std::optional<Grid> grid = gridOf(node);
+        const bool isNorthFirst = crs && crs->isNorthFirst && name.isRegisterOrder && !saysEastFirst(node);
+        if (grid)
+            result.transform = transformOf(*grid, isNorthFirst, crs && crs->projection == "GEODETIC");
+        if (!result.transform)
+            warnings->push_back("The grid of the GML box is incomplete or damaged and is not used.");
+        result.crs = crs;
+        break;
+    }
+    return result;
+}
+
+} // namespace xrv

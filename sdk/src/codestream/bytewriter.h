@@ -5,9 +5,13 @@
 namespace xrv {
 
 /// Appends big-endian numbers to a buffer.
-class ByteWriter {
+class ByteWriter
+{
 public:
-    explicit ByteWriter(Bytes *bytes) : bytes(bytes) {}
+    explicit ByteWriter(Bytes *bytes)
+        : bytes(bytes)
+    {
+    }
     void u8(std::uint32_t value) { bytes->push_back(static_cast<std::uint8_t>(value)); }
     void u16(std::uint32_t value)
     {

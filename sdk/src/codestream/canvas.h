@@ -5,8 +5,14 @@
 
 namespace xrv {
 
-inline std::int64_t ceilDiv(std::int64_t a, std::int64_t b) { return (a + b - 1) / b; }
-inline std::int64_t ceilShift(std::int64_t a, int bits) { return (a + (std::int64_t(1) << bits) - 1) >> bits; }
+inline std::int64_t ceilDiv(std::int64_t a, std::int64_t b)
+{
+    return (a + b - 1) / b;
+}
+inline std::int64_t ceilShift(std::int64_t a, int bits)
+{
+    return (a + (std::int64_t(1) << bits) - 1) >> bits;
+}
 
 /// Rectangle of a tile on the canvas (ISO/IEC 15444-1 B.3).
 IntRect tileRect(const MainHeader &header, std::uint32_t tile);
@@ -18,7 +24,7 @@ IntRect levelRect(const IntRect &componentRect, int level);
 /// Precincts of one resolution of a tile-component (B.6).
 struct PrecinctGrid
 {
-    IntRect resolutionRect;       ///< cells of the resolution
+    IntRect resolutionRect; ///< cells of the resolution
     int widthExponent = 15, heightExponent = 15;
     std::int64_t firstX = 0, firstY = 0; ///< indices of the first precinct, counted from the canvas origin
     std::int64_t across = 0, down = 0;

@@ -199,7 +199,8 @@ void keepComment(const MarkerSegment &segment, MainHeader *header)
         header->comments.push_back(latin1ToUtf8(segment.payload.data() + 2, segment.payload.size() - 2));
 }
 
-CError applyMainSegment(MarkerSegment &segment, MainHeader *header, std::vector<bool> *cocSet, bool *hasCod, bool *hasQcd)
+CError applyMainSegment(MarkerSegment &segment, MainHeader *header, std::vector<bool> *cocSet, bool *hasCod,
+                        bool *hasQcd)
 {
     switch (segment.marker) {
     case Marker::kCOD:

@@ -27,12 +27,12 @@ struct MarkerSegment
 /// Coding style of one component of a tile (A.6.1, A.6.2).
 struct ComponentStyle
 {
-    int decompositionLevels = 0;                 ///< 0 to 32
-    int codeBlockWidthExponent = 6;              ///< xcb
-    int codeBlockHeightExponent = 6;             ///< ycb
-    std::uint8_t codeBlockStyle = 0;             ///< table A.19
-    bool isReversible = false;                   ///< 5-3 filter
-    bool hasPrecincts = false;                   ///< precinct sizes are given; otherwise all are 2^15
+    int decompositionLevels = 0;                  ///< 0 to 32
+    int codeBlockWidthExponent = 6;               ///< xcb
+    int codeBlockHeightExponent = 6;              ///< ycb
+    std::uint8_t codeBlockStyle = 0;              ///< table A.19
+    bool isReversible = false;                    ///< 5-3 filter
+    bool hasPrecincts = false;                    ///< precinct sizes are given; otherwise all are 2^15
     std::array<std::uint8_t, 33> precinctSizes{}; ///< PPy << 4 | PPx per resolution, lowest first
     int precinctWidthExponent(int resolution) const { return hasPrecincts ? precinctSizes[resolution] & 15 : 15; }
     int precinctHeightExponent(int resolution) const { return hasPrecincts ? precinctSizes[resolution] >> 4 : 15; }
@@ -74,10 +74,10 @@ struct MainHeader
         bool isSigned = false;
         std::uint8_t stepX = 1, stepY = 1; ///< XRsiz, YRsiz
     };
-    std::uint16_t capabilities = 0; ///< Rsiz
-    std::uint32_t x0 = 0, y0 = 0, x1 = 0, y1 = 0;         ///< XOsiz, YOsiz, Xsiz, Ysiz
-    std::uint32_t tileX0 = 0, tileY0 = 0;                 ///< XTOsiz, YTOsiz
-    std::uint32_t tileWidth = 0, tileHeight = 0;          ///< XTsiz, YTsiz
+    std::uint16_t capabilities = 0;               ///< Rsiz
+    std::uint32_t x0 = 0, y0 = 0, x1 = 0, y1 = 0; ///< XOsiz, YOsiz, Xsiz, Ysiz
+    std::uint32_t tileX0 = 0, tileY0 = 0;         ///< XTOsiz, YTOsiz
+    std::uint32_t tileWidth = 0, tileHeight = 0;  ///< XTsiz, YTsiz
     std::uint32_t tilesAcross = 0, tilesDown = 0;
     std::vector<Component> components;
     TileStyle style;
@@ -87,7 +87,7 @@ struct MainHeader
     std::vector<MarkerSegment> segments;
     std::vector<MarkerSegment> tlm;           ///< in file order
     std::vector<MarkerSegment> packedHeaders; ///< PPM, in file order
-    std::uint64_t length = 0; ///< bytes from SOC to the first SOT
+    std::uint64_t length = 0;                 ///< bytes from SOC to the first SOT
 
     std::uint32_t tileCount() const { return tilesAcross * tilesDown; }
 };
@@ -96,8 +96,8 @@ struct MainHeader
 /// PLK_ERR_MALFORMED, PLK_ERR_TRUNCATED or PLK_ERR_UNSUPPORTED with a sentence that names what is wrong.
 PLK::CError readMainHeader(ByteSource &source, ByteRange codestream, MainHeader *header);
 
-/// Takes apart the marker segments from \a position of \a bytes until a marker of \a endMarkers; \a position is then that
-/// marker's place. False when the bytes end before (\a incomplete set) or contradict themselves.
+/// Takes apart the marker segments from \a position of \a bytes until a marker of \a endMarkers; \a position is then
+/// that marker's place. False when the bytes end before (\a incomplete set) or contradict themselves.
 bool readSegments(const Bytes &bytes, std::size_t *position, std::initializer_list<std::uint16_t> endMarkers,
                   std::vector<MarkerSegment> *segments, bool *incomplete);
 

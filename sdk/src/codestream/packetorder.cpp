@@ -15,9 +15,11 @@ struct PlacedPrecinct
     std::int64_t precinct;
 };
 
-class OrderBuilder {
+class OrderBuilder
+{
 public:
-    OrderBuilder(const MainHeader &header, const TileStyle &style, const IntRect &tile, const PacketNumbering &numbering)
+    OrderBuilder(const MainHeader &header, const TileStyle &style, const IntRect &tile,
+                 const PacketNumbering &numbering)
         : header(header)
         , style(style)
         , tile(tile)
@@ -129,7 +131,8 @@ private:
             const std::int64_t px = grid.firstX + p % grid.across, py = grid.firstY + p / grid.across;
             placed->push_back(
                 {position(py, grid.heightExponent, grid.resolutionRect.y0, tile.y0, header.components[c].stepY),
-                 position(px, grid.widthExponent, grid.resolutionRect.x0, tile.x0, header.components[c].stepX), c, r, p});
+                 position(px, grid.widthExponent, grid.resolutionRect.x0, tile.x0, header.components[c].stepX), c, r,
+                 p});
         }
     }
 

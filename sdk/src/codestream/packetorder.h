@@ -8,7 +8,8 @@
 namespace xrv {
 
 /// Numbers the packets of a tile: by component, resolution, precinct and layer, whatever their order in the codestream.
-class PacketNumbering {
+class PacketNumbering
+{
 public:
     /// \a tile: the tile's rectangle on the canvas.
     PacketNumbering(const MainHeader &header, const TileStyle &style, const IntRect &tile);

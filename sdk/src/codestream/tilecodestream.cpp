@@ -19,7 +19,8 @@ constexpr std::uint64_t kJoinGap = 4096;
 /// Longest tile data that is handed over whole.
 constexpr std::uint64_t kLongestTile = 0xFFFFFF00u;
 
-class Builder {
+class Builder
+{
 public:
     Builder(ByteSource &source, const MainHeader &header, const TileIndex &index, const TileSelection &selection,
             const CancelFlag &cancel, TileCodestream *result)
@@ -90,8 +91,8 @@ private:
         out.append(payload);
     }
 
-    /// The canvas holds the one tile only, at its own place, so that nothing in it moves against the grids of precincts and
-    /// code-blocks and against the even and odd cells of the transformation.
+    /// The canvas holds the one tile only, at its own place, so that nothing in it moves against the grids of precincts
+    /// and code-blocks and against the even and odd cells of the transformation.
     void writeSize(const IntRect &canvas, const std::vector<int> &components)
     {
         out.u16(Marker::kSOC);
@@ -138,8 +139,8 @@ private:
             writer.u16(static_cast<std::uint32_t>(number));
     }
 
-    /// One COD segment in resolution order with neither progression changes nor SOP markers, and COC segments for components
-    /// whose style differs from that of the first.
+    /// One COD segment in resolution order with neither progression changes nor SOP markers, and COC segments for
+    /// components whose style differs from that of the first.
     void writeStyles()
     {
         const TileStyle &style = index.style();

@@ -17,14 +17,14 @@ struct TileSelection
 struct TileCodestream
 {
     Bytes bytes;
-    int levelsToDiscard = 0;     ///< resolutions that the decoder still has to leave out
-    int layersToDecode = 0;      ///< quality layers that the decoder has to keep to, 0 = all
+    int levelsToDiscard = 0;       ///< resolutions that the decoder still has to leave out
+    int layersToDecode = 0;        ///< quality layers that the decoder has to keep to, 0 = all
     bool hasAllComponents = false; ///< components were not selected: the decoder has to
 };
 
-/// Makes a small valid codestream with the one tile of \a index at its own place on the canvas. Where the packets' places are
-/// known it holds just the selected resolutions, layers, components and precincts, on a canvas made smaller by the discarded
-/// levels, with empty packets in place of unwanted precincts; otherwise the whole tile as it is.
+/// Makes a small valid codestream with the one tile of \a index at its own place on the canvas. Where the packets'
+/// places are known it holds just the selected resolutions, layers, components and precincts, on a canvas made smaller
+/// by the discarded levels, with empty packets in place of unwanted precincts; otherwise the whole tile as it is.
 PLK::CError makeTileCodestream(ByteSource &source, const MainHeader &header, const TileIndex &index,
                                const TileSelection &selection, const CancelFlag &cancel, TileCodestream *codestream);
 

@@ -37,7 +37,8 @@ std::vector<std::uint32_t> packetLengths(std::vector<MarkerSegment> &segments)
 } // namespace
 
 /// Makes a TileIndex.
-class TileIndexReader {
+class TileIndexReader
+{
 public:
     TileIndexReader(ByteSource &source, const MainHeader &header, std::uint32_t tile)
         : source(source)

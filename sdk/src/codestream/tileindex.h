@@ -9,15 +9,16 @@
 
 namespace xrv {
 
-/// What is known of one tile of a codestream: its coding style, the bytes of its tile-parts and, where they can be told, the
-/// place of every packet. Immutable.
-class TileIndex {
+/// What is known of one tile of a codestream: its coding style, the bytes of its tile-parts and, where they can be
+/// told, the place of every packet. Immutable.
+class TileIndex
+{
 public:
     /// Quantization of one component (A.6.4, A.6.5) and its region of interest (A.6.3).
     struct Quantization
     {
-        Bytes parameters;          ///< Sqcd and SPqcd
-        Bytes regionOfInterest;    ///< Srgn and SPrgn, empty without
+        Bytes parameters;       ///< Sqcd and SPqcd
+        Bytes regionOfInterest; ///< Srgn and SPrgn, empty without
     };
     /// A packet's bytes in the file; length 0 for one that is not there.
     struct PacketPlace

@@ -16,9 +16,10 @@ struct TilePart
     bool isTruncated = false;   ///< claims more bytes than there are
 };
 
-/// Where the tile-parts of a codestream lie: from the TLM marker segments where there are any and they hold, else by walking
-/// from one tile-part to the next. Made at the first question. Any thread.
-class TilePartTable {
+/// Where the tile-parts of a codestream lie: from the TLM marker segments where there are any and they hold, else by
+/// walking from one tile-part to the next. Made at the first question. Any thread.
+class TilePartTable
+{
 public:
     TilePartTable(std::shared_ptr<ByteSource> source, ByteRange codestream, const MainHeader &header);
 

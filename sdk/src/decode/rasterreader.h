@@ -27,6 +27,8 @@ struct IntRect
     bool operator==(const IntRect &r) const { return x0 == r.x0 && y0 == r.y0 && x1 == r.x1 && y1 == r.y1; }
 };
 
+struct MainHeader;
+
 /// How cells of a plane are stored.
 enum class SampleType : std::uint8_t { UInt8, Int8, UInt16, Int16, Int32, UInt32 };
 std::size_t sampleSize(SampleType type);
@@ -47,14 +49,14 @@ struct ComponentInfo
 /// counted from the origin of the codestream's canvas, as ISO/IEC 15444-1 B.5 does.
 struct RasterInfo
 {
-    std::uint32_t width = 0, height = 0; ///< dataset size
+    std::uint32_t width = 0, height = 0;                                  ///< dataset size
     std::uint32_t canvasX0 = 0, canvasY0 = 0, canvasX1 = 0, canvasY1 = 0; ///< XOsiz, YOsiz, Xsiz, Ysiz
-    std::uint32_t minStepX = 1, minStepY = 1; ///< XRsiz, YRsiz of the finest component
+    std::uint32_t minStepX = 1, minStepY = 1;                             ///< XRsiz, YRsiz of the finest component
     std::vector<ComponentInfo> components;
     std::uint32_t tileWidth = 0, tileHeight = 0; ///< XTsiz, YTsiz
     std::uint32_t tilesAcross = 0, tilesDown = 0;
-    int levels = 0; ///< levels 0..levels-1 can be read; the last one is no larger than about 64 cells across or all that
-                    ///< the codestream's resolutions and averaging of blocks can give
+    int levels = 0; ///< levels 0..levels-1 can be read; the last one is no larger than about 64 cells across or all
+                    ///< that the codestream's resolutions and averaging of blocks can give
     int codedLevels = 0; ///< of these, the first codedLevels come from the codestream's resolutions
     int qualityLayers = 1;
     bool isLossless = false;
@@ -104,16 +106,20 @@ struct ReadCost
     double milliseconds = 0.0;      ///< estimate for the rest, all cores
 };
 
-/// An open codestream that gives decoded cells of any rectangle at any level. Decodes in parallel, through the tile cache
-/// that all readers share. All operations may be called from any thread.
-class RasterReader {
+/// An open codestream that gives decoded cells of any rectangle at any level. Decodes in parallel, through the tile
+/// cache that all readers share. All operations may be called from any thread.
+class RasterReader
+{
 public:
     virtual ~RasterReader() = default;
 
     /// Reads the codestream's index; \a codestream is its place in \a source.
-    static PLK::CError open(std::shared_ptr<ByteSource> source, ByteRange codestream, std::unique_ptr<RasterReader> *reader);
+    static PLK::CError open(std::shared_ptr<ByteSource> source, ByteRange codestream,
+                            std::unique_ptr<RasterReader> *reader);
 
     virtual const RasterInfo &info() const = 0;
+    /// The codestream's main header.
+    virtual const MainHeader &mainHeader() const = 0;
     virtual ReadCost cost(const ReadRequest &request) = 0;
     /// PLK_ERR_CANCELLED when the request's flag was raised. Without resilience damage is PLK_ERR_DECODE or
     /// PLK_ERR_TRUNCATED. \a result is undefined on failure.

@@ -1,1 +1,9 @@
-set(stage_sources)
+set(stage_sources
+    codestreamreader.cpp
+    decodepool.cpp
+    openjpegdecoder.cpp
+    planeops.cpp
+    rasterinfo.cpp
+    rectset.cpp
+    tilecache.cpp
+)

@@ -31,6 +31,8 @@ public:
     virtual const std::string &name() const = 0;
     virtual std::uint64_t size() const = 0;
     virtual bool isRemote() const = 0;
+    /// Same identity, same bytes: the name with what tells one version of the file from the next.
+    virtual std::string identity() const { return name() + '|' + std::to_string(size()); }
 
     /// Reads all \a ranges, in order, each into one entry of \a out. Ranges may touch and overlap; a source is free to
     /// join and to reorder what it fetches. PLK_ERR_TRUNCATED when a range reaches past the end, PLK_ERR_FILE_CHANGED

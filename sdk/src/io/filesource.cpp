@@ -72,6 +72,11 @@ CError FileSource::open(const std::string &name, std::shared_ptr<ByteSource> *so
     return {};
 }
 
+std::string FileSource::identity() const
+{
+    return fileName + '|' + file->version();
+}
+
 std::uint64_t FileSource::size() const
 {
     return file->size();

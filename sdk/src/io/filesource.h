@@ -22,6 +22,7 @@ public:
     const std::string &name() const override { return fileName; }
     std::uint64_t size() const override;
     bool isRemote() const override { return false; }
+    std::string identity() const override;
     using ByteSource::read;
     PLK::CError read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel, std::vector<Bytes> *out) override;
 

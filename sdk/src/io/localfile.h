@@ -25,6 +25,12 @@ public:
 
     /// In bytes, when it was opened.
     std::uint64_t size() const { return identity.size; }
+    /// Tells this version of the file from others: size, time of change and serial number.
+    std::string version() const
+    {
+        return std::to_string(identity.size) + '-' + std::to_string(identity.changed) + '-' +
+               std::to_string(identity.device) + '-' + std::to_string(identity.serial);
+    }
     /// Reads up to \a length bytes at \a offset; fewer only at the file's end. \a count is how many came.
     PLK::CError readAt(std::uint64_t offset, std::uint8_t *buffer, std::size_t length, std::size_t *count) const;
     /// Size, time of change and serial number are those of the moment when the file was opened.

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "../codestream/tilecodestream.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace xrv {
+
+/// What to decode of a codestream with one tile.
+struct OpenJpegRequest
+{
+    const TileCodestream *codestream = nullptr;
+    IntRect area;                ///< on the codestream's canvas; all of the tile decodes fastest
+    bool isWholeTile = false;    ///< area is all of the tile
+    std::vector<int> components; ///< to decode, indices in the codestream; all when empty
+    bool isStrict = false;       ///< damage is an error
+    int threads = 1;
+};
+
+/// Cells of one component as OpenJPEG gives them.
+struct DecodedComponent
+{
+    std::int64_t width = 0, height = 0;
+    std::vector<std::int32_t> cells; ///< rows packed
+};
+
+/// Decodes with OpenJPEG. PLK_ERR_DECODE with what the codec said, PLK_ERR_OUT_OF_MEMORY. \a damage is set to the
+/// codec's first warning about missing or damaged data when it went on all the same.
+PLK::CError decodeWithOpenJpeg(const OpenJpegRequest &request, std::vector<DecodedComponent> *components,
+                               std::string *damage);
+
+} // namespace xrv

@@ -17,31 +17,45 @@
 
 namespace PLK {
 
-/// Everything known of one open file: its bytes, boxes, raster, bands and place in the world. Shared by the views' threads;
-/// immutable after open() but for the statistics, which are computed once.
-class OpenFile {
+/// Everything known of one open file: its bytes, boxes, raster, bands and place in the world. Shared by the views'
+/// threads; immutable after open() but for the statistics, which are computed once.
+class OpenFile
+{
 public:
-    /// Opens a local file (or, one day, a stream) by its UTF-8 name.
+    /// Opens a local file (or, one day, a stream) by its UTF-8 name. Damage that the file can be shown in spite of is
+    /// logged.
     static CError open(const std::string &name, std::shared_ptr<OpenFile> *file);
     ~OpenFile();
 
     const std::string &name() const { return fileName; }
+    /// Name of the file in the file system, empty for streams.
+    const std::string &localName() const { return localFileName; }
     PLKFileType type() const { return fileType; }
     xrv::ByteSource &source() const { return *byteSource; }
+    const std::shared_ptr<xrv::ByteSource> &sharedSource() const { return byteSource; }
     xrv::RasterReader &reader() const { return *rasterReader; }
     const xrv::Jp2Structure &structure() const { return boxes; }
     const xrv::BandMap &bandMap() const { return map; }
     const xrv::GeoReference &geoReference() const { return geo; }
     const PLKFileInfo &info() const { return fileInfo; }
+    /// In file order.
+    const std::vector<PLKXMLBox> &xmlBoxes() const { return xmls; }
+    std::shared_ptr<const ViewMetadata::ViewMetadataJp2::Values> metadataJp2() const { return jp2Values; }
 
     /// Statistics of all bands, owned by this object; computed at the first call, which may decode.
     CError statistics(const PLKFileStatistics **result);
 
 private:
     OpenFile();
+    CError openRaster(std::vector<std::string> *warnings);
+    CError openParts(std::vector<std::string> *warnings);
+    void findPlace(std::vector<std::string> *warnings);
+    void compareWithHeaderBox(std::vector<std::string> *warnings) const;
     void fillInfo();
+    void fillBandInfos();
+    double uncompressedBytes() const;
 
-    std::string fileName;
+    std::string fileName, localFileName;
     PLKFileType fileType = PLK_FILE_UNKNOWN;
     std::shared_ptr<xrv::ByteSource> byteSource;
     xrv::Jp2Structure boxes;
@@ -50,7 +64,8 @@ private:
     xrv::GeoReference geo;
     PLKFileInfo fileInfo{};
     std::vector<PLKBandInfo> bandInfos;
-    std::string datum, projection;
+    std::vector<PLKXMLBox> xmls;
+    std::shared_ptr<const ViewMetadata::ViewMetadataJp2::Values> jp2Values;
     std::mutex statisticsMutex; ///< guards computedStatistics
     std::unique_ptr<PLKFileStatistics, void (*)(PLKFileStatistics *)> computedStatistics;
 };

@@ -1,0 +1,193 @@
+#include <xrv60/plkfile.h>
+
+#include "openfile.h"
+#include "sourcestream.h"
+#include "statistics.h"
+
+#include "../config/logger.h"
+#include "../io/utf8.h"
+
+#include <xrv60/plkinit.h>
+#include <xrv60/plklog.h>
+
+#include <algorithm>
+#include <functional>
+#include <new>
+
+namespace PLK::SDK {
+
+namespace {
+
+CError notOpen()
+{
+    return {PLK_ERR_NOT_OPEN, "No file is open."};
+}
+
+CError missingResult()
+{
+    return {PLK_ERR_INVALID_ARGUMENT, "There is no place for the result."};
+}
+
+} // namespace
+
+/// What callers see of an open file.
+class CFileClient::FileFacade : public CFileBase
+{
+public:
+    explicit FileFacade(std::shared_ptr<OpenFile> openFile)
+        : file(std::move(openFile))
+        , stream(file->sharedSource())
+    {
+    }
+    const char *GetName() const override { return file->name().c_str(); }
+    PLKFileType GetType() const override { return file->type(); }
+    bool IsRemote() const override { return file->source().isRemote(); }
+
+    const std::shared_ptr<OpenFile> file;
+    xrv::SourceStream stream;
+};
+
+CFileClient::CFileClient() = default;
+
+CFileClient::~CFileClient() = default;
+
+CError CFileClient::OpenFileNamed(const CString &name)
+{
+    CloseFile(false);
+    if (CError error = OpenFile::open(name.Utf8(), &file))
+        return error;
+    facade = std::make_unique<FileFacade>(file);
+    metadataJp2.Assign(file->metadataJp2());
+    return {};
+}
+
+void CFileClient::CloseFile(bool freeCache)
+{
+    if (file && freeCache)
+        file->reader().dropCached();
+    metadataJp2.Assign(nullptr);
+    metadataXRV.Assign({0, 0});
+    facade.reset();
+    file.reset();
+}
+
+const CFileBase *CFileClient::GetFile() const
+{
+    return facade.get();
+}
+
+std::string CFileClient::GetFileName() const
+{
+    return file ? file->name() : std::string();
+}
+
+PLKFileType CFileClient::GetFileType() const
+{
+    return file ? file->type() : PLK_FILE_UNKNOWN;
+}
+
+const PLKFileInfo *CFileClient::GetFileInfo() const
+{
+    return file ? &file->info() : nullptr;
+}
+
+int CFileClient::GetEPSGCode() const
+{
+    return file ? file->geoReference().epsg : 0;
+}
+
+CError CFileClient::ConvertDatasetToWorld(double datasetX, double datasetY, double *worldX, double *worldY) const
+{
+    if (!file)
+        return notOpen();
+    if (!worldX || !worldY)
+        return missingResult();
+    const PLKFileInfo &info = file->info();
+    *worldX = info.fOriginX + datasetX * info.fCellIncrementX;
+    *worldY = info.fOriginY + datasetY * info.fCellIncrementY;
+    return {};
+}
+
+CError CFileClient::ConvertWorldToDataset(double worldX, double worldY, double *datasetX, double *datasetY) const
+{
+    if (!file)
+        return notOpen();
+    if (!datasetX || !datasetY)
+        return missingResult();
+    const PLKFileInfo &info = file->info();
+    *datasetX = (worldX - info.fOriginX) / info.fCellIncrementX;
+    *datasetY = (worldY - info.fOriginY) / info.fCellIncrementY;
+    return {};
+}
+
+CError CFileClient::GetWorldTransform(double transform[6]) const
+{
+    if (!file)
+        return notOpen();
+    if (!transform)
+        return missingResult();
+    std::copy(file->geoReference().transform.begin(), file->geoReference().transform.end(), transform);
+    return {};
+}
+
+const PLKXMLBox *CFileClient::GetXMLBox(const PLKXMLBox *previous) const
+{
+    if (!file)
+        return nullptr;
+    const std::vector<PLKXMLBox> &boxes = file->xmlBoxes();
+    const PLKXMLBox *const end = boxes.data() + boxes.size();
+    if (!previous)
+        return boxes.empty() ? nullptr : boxes.data();
+    const std::less<const PLKXMLBox *> isBefore; // a total order even for pointers of other files
+    if (isBefore(previous, boxes.data()) || !isBefore(previous, end))
+        return nullptr;
+    return previous + 1 == end ? nullptr : previous + 1;
+}
+
+CIOStream *CFileClient::GetStream() const
+{
+    return facade ? &facade->stream : nullptr;
+}
+
+CError CFileClient::GetClientStatistics(PLKFileStatistics **statistics)
+{
+    if (!statistics)
+        return missingResult();
+    *statistics = nullptr;
+    const std::shared_ptr<OpenFile> used = file;
+    if (!used)
+        return notOpen();
+    const PLKFileStatistics *kept = nullptr;
+    if (CError error = used->statistics(&kept))
+        return error;
+    try {
+        *statistics = xrv::copyStatistics(*kept);
+    } catch (const std::bad_alloc &) {
+        return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory for the statistics."};
+    }
+    return {};
+}
+
+CError CFileClient::GetRPCData(PLKRPCData **rpcData) const
+{
+    if (!rpcData)
+        return missingResult();
+    *rpcData = nullptr;
+    if (!file)
+        return notOpen();
+    std::vector<std::string> warnings;
+    const std::optional<PLKRPCData> found = xrv::readRpc(file->structure(), file->localName(), &warnings);
+    for (const std::string &warning : warnings)
+        xrv::log(PLK_LOG_WARNING, xrv::wideFromUtf8("\"" + file->name() + "\": " + warning));
+    if (!found)
+        return {PLK_ERR_NOT_AVAILABLE, "The file has no rational polynomial coefficients."};
+    *rpcData = new PLKRPCData(*found);
+    return {};
+}
+
+} // namespace PLK::SDK
+
+void PLKFreeRPCData(PLKRPCData *rpcData)
+{
+    delete rpcData;
+}

@@ -1,0 +1,197 @@
+#include "openfile.h"
+
+#include "statistics.h"
+#include "viewmetadatavalues.h"
+
+#include "../config/globalconfig.h"
+#include "../config/logger.h"
+#include "../io/filenames.h"
+#include "../io/opensource.h"
+#include "../io/utf8.h"
+
+#include <xrv60/plkinit.h>
+#include <xrv60/plklog.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <new>
+
+namespace PLK {
+
+namespace {
+
+constexpr std::uint8_t kJpeg2000FormatVersion = 1; // there has been no other
+
+void logNamed(int level, const std::string &text)
+{
+    if (xrv::logEnabled(level))
+        xrv::log(level, xrv::wideFromUtf8(text));
+}
+
+/// Places and steps that no window of the world could be computed with.
+bool isUsable(const xrv::GeoReference &geo)
+{
+    const auto isFinite = [](double value) { return std::isfinite(value); };
+    return std::all_of(geo.transform.begin(), geo.transform.end(), isFinite) && std::isfinite(geo.incrementX()) &&
+           std::isfinite(geo.incrementY()) && geo.incrementX() != 0.0 && geo.incrementY() != 0.0;
+}
+
+} // namespace
+
+OpenFile::OpenFile()
+    : computedStatistics(nullptr, PLKFreeStatistics)
+{
+}
+
+OpenFile::~OpenFile()
+{
+    if (rasterReader)
+        logNamed(PLK_LOG_INFO, "Closed \"" + fileName + "\".");
+}
+
+CError OpenFile::open(const std::string &name, std::shared_ptr<OpenFile> *file)
+{
+    std::shared_ptr<OpenFile> opened(new OpenFile);
+    opened->fileName = name;
+    std::vector<std::string> warnings;
+    CError error;
+    try {
+        error = opened->openParts(&warnings);
+    } catch (const std::bad_alloc &) {
+        error = {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to open \"" + name + "\"."};
+    } catch (const std::exception &exception) {
+        error = {PLK_ERR_MALFORMED, "\"" + name + "\" cannot be opened: " + exception.what() + "."};
+    }
+    for (const std::string &warning : warnings)
+        logNamed(PLK_LOG_WARNING, "\"" + name + "\": " + warning);
+    if (error) {
+        logNamed(PLK_LOG_ERROR, "\"" + name + "\" was not opened: " + error.GetErrorMessage());
+        return error;
+    }
+    *file = std::move(opened);
+    return {};
+}
+
+CError OpenFile::openParts(std::vector<std::string> *warnings)
+{
+    if (CError error = xrv::openSource(fileName, &byteSource))
+        return error;
+    if (!byteSource->isRemote())
+        localFileName = xrv::localPath(fileName);
+    if (CError error = openRaster(warnings))
+        return error;
+    fileType = PLK_FILE_JPEG2000;
+    findPlace(warnings);
+    fillInfo();
+    const xrv::RasterInfo &raster = rasterReader->info();
+    logNamed(PLK_LOG_INFO, "Opened \"" + fileName + "\": " + std::to_string(raster.width) + " x " +
+                               std::to_string(raster.height) + " cells, " + std::to_string(fileInfo.nBands) +
+                               " bands, " + std::to_string(byteSource->size()) + " bytes.");
+    return {};
+}
+
+CError OpenFile::openRaster(std::vector<std::string> *warnings)
+{
+    if (CError error = xrv::readJp2Structure(*byteSource, &boxes, warnings))
+        return error;
+    xrv::MainHeader header;
+    if (CError error = xrv::readMainHeader(*byteSource, boxes.codestream, &header))
+        return error;
+    if (CError error = xrv::RasterReader::open(byteSource, boxes.codestream, &rasterReader))
+        return error;
+    jp2Values = ViewMetadata::ViewMetadataJp2::Values::of(header, boxes.hasGmlBox);
+    compareWithHeaderBox(warnings);
+    map = xrv::BandMap::make(rasterReader->info(), boxes, warnings);
+    for (const xrv::BoxPlace &box : boxes.xmlBoxes)
+        xmls.push_back({box.type, box.content.offset, box.content.length});
+    return {};
+}
+
+void OpenFile::compareWithHeaderBox(std::vector<std::string> *warnings) const
+{
+    const xrv::RasterInfo &raster = rasterReader->info();
+    const std::uint32_t canvasWidth = raster.canvasX1 - raster.canvasX0;
+    const std::uint32_t canvasHeight = raster.canvasY1 - raster.canvasY0;
+    if (boxes.imageWidth == 0 && boxes.imageHeight == 0)
+        return;
+    if (boxes.imageWidth != canvasWidth || boxes.imageHeight != canvasHeight)
+        warnings->push_back("The header box claims " + std::to_string(boxes.imageWidth) + " x " +
+                            std::to_string(boxes.imageHeight) + " cells, but the codestream has " +
+                            std::to_string(canvasWidth) + " x " + std::to_string(canvasHeight) +
+                            "; the codestream is believed.");
+}
+
+void OpenFile::findPlace(std::vector<std::string> *warnings)
+{
+    const xrv::RasterInfo &raster = rasterReader->info();
+    geo = xrv::readGeoReference(boxes, raster.width, raster.height, localFileName, warnings);
+    if (isUsable(geo))
+        return;
+    warnings->push_back("The geo-reference has no usable cell size and is ignored.");
+    geo = xrv::GeoReference();
+}
+
+void OpenFile::fillInfo()
+{
+    const xrv::RasterInfo &raster = rasterReader->info();
+    fillBandInfos();
+    fileInfo.nSizeX = raster.width;
+    fileInfo.nSizeY = raster.height;
+    fileInfo.nBands = static_cast<std::uint16_t>(bandInfos.size());
+    fileInfo.pBands = bandInfos.data();
+    fileInfo.eColorSpace = map.colourSpace();
+    fileInfo.eCellType = map.cellType();
+    fileInfo.eCellSizeUnits = geo.units;
+    fileInfo.fCellIncrementX = geo.incrementX();
+    fileInfo.fCellIncrementY = geo.incrementY();
+    fileInfo.fOriginX = geo.transform[0];
+    fileInfo.fOriginY = geo.transform[3];
+    fileInfo.fCWRotationDegrees = geo.clockwiseRotationDegrees();
+    fileInfo.szDatum = geo.datum.c_str();
+    fileInfo.szProjection = geo.projection.c_str();
+    fileInfo.nFormatVersion = kJpeg2000FormatVersion;
+    fileInfo.szCompressionDate = "";
+    if (byteSource->size() > 0)
+        fileInfo.fActualCompressionRate =
+            static_cast<float>(uncompressedBytes() / static_cast<double>(byteSource->size()));
+}
+
+void OpenFile::fillBandInfos()
+{
+    constexpr std::size_t kMostBands = std::numeric_limits<std::uint16_t>::max();
+    const std::vector<xrv::Band> &bands = map.bands();
+    const std::size_t count = std::min(bands.size(), kMostBands);
+    for (std::size_t i = 0; i < count; ++i)
+        bandInfos.push_back({bands[i].bits, bands[i].isSigned, bands[i].description.c_str()});
+}
+
+double OpenFile::uncompressedBytes() const
+{
+    const xrv::RasterInfo &raster = rasterReader->info();
+    double bytes = 0.0;
+    for (std::size_t c = 0; c < raster.components.size(); ++c) {
+        const xrv::IntRect rect = raster.levelRect(static_cast<int>(c), 0);
+        bytes += static_cast<double>(rect.width()) * static_cast<double>(rect.height()) *
+                 ((raster.components[c].bits + 7) / 8);
+    }
+    return bytes;
+}
+
+CError OpenFile::statistics(const PLKFileStatistics **result)
+{
+    const std::lock_guard<std::mutex> lock(statisticsMutex);
+    if (!computedStatistics) {
+        const bool resilient = xrv::globalConfig().IsResilientDecodingEnabled();
+        try {
+            if (CError error = xrv::computeStatistics(*rasterReader, map, resilient, &computedStatistics))
+                return error;
+        } catch (const std::bad_alloc &) {
+            return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory for the statistics of \"" + fileName + "\"."};
+        }
+    }
+    *result = computedStatistics.get();
+    return {};
+}
+
+} // namespace PLK

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "../colour/bandmap.h"
+#include "../decode/rasterreader.h"
+
+#include <xrv60/plkerror.h>
+#include <xrv60/plktypes.h>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace xrv {
+
+/// The part of an image that its statistics are made of.
+struct StatisticsPlan
+{
+    int level = 0;
+    /// Dataset rectangles that do not overlap: all of the image in strips, or windows spread evenly over one whose
+    /// smallest resolution is still too large to be read as a whole.
+    std::vector<IntRect> windows;
+};
+
+/// The smallest resolution of the codestream with about a million cells and more, or fewer where there are so many
+/// bands (more than about 80) that they would be more than 64 million cells together.
+StatisticsPlan planStatistics(const RasterInfo &info, int bandCount);
+
+using StatisticsPtr = std::unique_ptr<PLKFileStatistics, void (*)(PLKFileStatistics *)>;
+
+/// Statistics and histograms of all bands, opacity included. Bands of up to 8 bits have 256 buckets, one per value from
+/// 0 or, signed, from -128. Deeper ones have one bucket for each value from the smallest to the largest, or equal
+/// buckets between these where that would be more than 65536 (fewer with more than 64 bands). Errors are those of the
+/// reader.
+PLK::CError computeStatistics(RasterReader &reader, const BandMap &map, bool resilient, StatisticsPtr *statistics);
+
+/// Lowest and highest value that are left when (100 - \a percent) / 2 per cent of the cells are cut off at either end;
+/// smallest and largest for 100 and more. The second is never below the first.
+std::pair<double, double> clipRange(const PLKBandStatistics &statistics, double percent);
+
+/// A copy for a caller, to be freed with PLKFreeStatistics().
+PLKFileStatistics *copyStatistics(const PLKFileStatistics &statistics);
+
+} // namespace xrv

@@ -160,12 +160,10 @@ private:
 
     CError takeCells(std::vector<DecodedComponent> *components)
     {
+        // With components selected, the codec's image has only these left.
         components->clear();
         for (OPJ_UINT32 i = 0; i < image->numcomps; ++i) {
             const opj_image_comp_t &from = image->comps[i];
-            if (!request.components.empty() &&
-                std::find(request.components.begin(), request.components.end(), int(i)) == request.components.end())
-                continue;
             DecodedComponent to;
             to.width = from.w;
             to.height = from.h;

@@ -94,7 +94,7 @@ std::string geographicName(GTIF *keys)
     if (label != std::string::npos)
         name.erase(0, label + 11);
     name.erase(std::min(name.find('|'), name.size()));
-    return name.empty() ? "USER-DEFINED" : name;
+    return name.empty() || name == "unknown" ? "USER-DEFINED" : name;
 }
 
 double parameter(const GTIFDefn &definition, int key)
@@ -109,15 +109,17 @@ double parameter(const GTIFDefn &definition, int key)
 /// Zone of UTM, negative in the south; 0 if the projection is another one.
 int utmZone(const GTIFDefn &definition)
 {
+    if (definition.UOMLengthInMeters != 1)
+        return 0;
     if (definition.MapSys == MapSys_UTM_North || definition.MapSys == MapSys_UTM_South)
         return definition.MapSys == MapSys_UTM_North ? definition.Zone : -definition.Zone;
     const double zone = (parameter(definition, ProjNatOriginLongGeoKey) + 183) / 6;
     const double falseNorthing = parameter(definition, ProjFalseNorthingGeoKey);
-    const bool isUtm =
-        definition.CTProjection == CT_TransverseMercator && definition.UOMLengthInMeters == 1 && zone >= 1 &&
-        zone <= 60 && zone == std::floor(zone) && parameter(definition, ProjNatOriginLatGeoKey) == 0 &&
-        parameter(definition, ProjScaleAtNatOriginGeoKey) == 0.9996 &&
-        parameter(definition, ProjFalseEastingGeoKey) == 500000 && (falseNorthing == 0 || falseNorthing == 1e7);
+    const bool isUtm = definition.CTProjection == CT_TransverseMercator && zone >= 1 && zone <= 60 &&
+                       zone == std::floor(zone) && parameter(definition, ProjNatOriginLatGeoKey) == 0 &&
+                       parameter(definition, ProjScaleAtNatOriginGeoKey) == 0.9996 &&
+                       parameter(definition, ProjFalseEastingGeoKey) == 500000 &&
+                       (falseNorthing == 0 || falseNorthing == 1e7);
     return isUtm ? static_cast<int>(falseNorthing == 0 ? zone : -zone) : 0;
 }
 

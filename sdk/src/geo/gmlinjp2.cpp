@@ -1,12 +1,12 @@
 #include "gmlinjp2.h"
 
 #include "../io/utf8.h"
+#include "gmlcrs.h"
 #include "sidefile.h"
 
 #include <pugixml.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstring>
 
@@ -25,17 +25,6 @@ struct Grid
     Pair alongRow{};
     Pair downColumn{};
 };
-
-const char *localName(const pugi::xml_node &node)
-{
-    const char *colon = std::strchr(node.name(), ':');
-    return colon ? colon + 1 : node.name();
-}
-
-pugi::xml_node find(const pugi::xml_node &within, const char *name)
-{
-    return within.find_node([name](const pugi::xml_node &node) { return std::strcmp(localName(node), name) == 0; });
-}
 
 std::vector<pugi::xml_node> childrenNamed(const pugi::xml_node &parent, const char *name)
 {
@@ -135,32 +124,12 @@ void swapToEastFirst(Grid *grid, bool isGeographic)
     Pair alongRow = grid->alongRow, downColumn = grid->downColumn;
     swapAxes(&alongRow);
     swapAxes(&downColumn);
-    const bool fitsSwapped = isAlongAxes(alongRow, downColumn);
-    const bool fitsAsWritten = isAlongAxes(grid->alongRow, grid->downColumn);
-    const bool isSwapped = fitsSwapped != fitsAsWritten ? fitsSwapped : !isMirrored(alongRow, downColumn);
-    if (isSwapped) {
+    if (isAlongAxes(alongRow, downColumn) || !isMirrored(alongRow, downColumn)) {
         grid->alongRow = alongRow;
         grid->downColumn = downColumn;
     }
     if (!isGeographic || std::abs(grid->origin[0]) <= 90)
         swapAxes(&grid->origin);
-}
-
-/// What a definition in the file's own dictionary tells; names only.
-std::optional<CrsDescription> dictionaryCrs(const pugi::xml_node &document, const std::string &entry)
-{
-    const pugi::xml_node node = document.find_node([&entry](const pugi::xml_node &candidate) {
-        return entry == candidate.attribute("gml:id").value() && entry.size() > 0;
-    });
-    if (!node)
-        return std::nullopt;
-    const bool isProjected = std::strcmp(localName(node), "ProjectedCRS") == 0;
-    CrsDescription crs;
-    const std::string datum(trimmed(find(node, "datumName").text().get()));
-    const std::string method(trimmed(find(node, "methodName").text().get()));
-    crs.datum = datum.empty() ? "USER-DEFINED" : datum;
-    crs.projection = !isProjected ? "GEODETIC" : method.empty() ? "USER-DEFINED" : method;
-    return crs;
 }
 
 std::optional<CrsDescription> crsOf(const SrsName &name, const std::vector<pugi::xml_document> &documents)
@@ -204,48 +173,7 @@ std::optional<Transform> transformOf(Grid grid, bool isNorthFirst, bool isGeogra
     return isUsable(transform) ? std::optional<Transform>(transform) : std::nullopt;
 }
 
-bool startsWith(const std::string &text, std::string_view start)
-{
-    return text.compare(0, start.size(), start) == 0;
-}
-
-/// The digits behind the last of \a separators.
-int codeBehind(const std::string &name, const char *separators)
-{
-    const std::size_t separator = name.find_last_of(separators);
-    const char *first = name.data() + (separator == std::string::npos ? name.size() : separator + 1);
-    const char *end = name.data() + name.size();
-    int code = 0;
-    const auto [last, error] = std::from_chars(first, end, code);
-    return error == std::errc() && last == end && code > 0 ? code : 0;
-}
-
 } // namespace
-
-SrsName parseSrsName(const std::string &name)
-{
-    std::string lower = asciiLower(std::string(trimmed(name)));
-    // A compound system: the horizontal one comes first.
-    if (startsWith(lower, "urn:ogc:def:crs,"))
-        lower = "urn:ogc:def:" + lower.substr(16, lower.find(',', 16) - 16);
-    SrsName result;
-    const std::size_t dictionary = lower.find("#");
-    if (startsWith(lower, "gmljp2:") && dictionary != std::string::npos) {
-        result.dictionaryEntry = std::string(trimmed(name)).substr(dictionary + 1);
-        return result;
-    }
-    if (lower.find("crs84") != std::string::npos)
-        result.epsg = 4326;
-    else if (lower.find("crs83") != std::string::npos)
-        result.epsg = 4269;
-    else if (lower.find("crs27") != std::string::npos)
-        result.epsg = 4267;
-    else if (lower.find("epsg") != std::string::npos)
-        result.epsg = codeBehind(lower, ":/#");
-    const bool isFormal = startsWith(lower, "urn:") || lower.find("/def/crs/epsg/") != std::string::npos;
-    result.isRegisterOrder = isFormal && lower.find("epsg") != std::string::npos && result.epsg != 0;
-    return result;
-}
 
 Placement readGml(const std::vector<LabelledXml> &texts, std::vector<std::string> *warnings)
 {

@@ -1,2 +1,2 @@
-set(stage_sources crsnames.cpp geojp2.cpp geokeys.cpp georeference.cpp gmlinjp2.cpp placement.cpp rpc.cpp sidefile.cpp
-    tifffile.cpp worldfile.cpp)
+set(stage_sources crsnames.cpp geojp2.cpp geokeys.cpp georeference.cpp gmlcrs.cpp gmlinjp2.cpp placement.cpp rpc.cpp
+    sidefile.cpp tifffile.cpp worldfile.cpp)

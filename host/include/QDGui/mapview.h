@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDGui/layer.h>
 #include <QDGui/qdguiglobal.h>
 
 #include <QImage>
@@ -11,8 +12,6 @@
 
 namespace Korvane {
 namespace Map {
-
-class Layer;
 
 /// Shows layers on top of each other on one map. One world unit is as long across as it is down; x grows to the right
 /// and y upward. World rectangles are QRectF from the top-left corner, with a negative height.

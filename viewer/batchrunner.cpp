@@ -1,0 +1,188 @@
+#include "batchrunner.h"
+
+#include "layerdescriber.h"
+#include "mainwindow.h"
+#include "maparea.h"
+#include "pagetexts.h"
+#include "pictures.h"
+#include "project.h"
+#include "projectreader.h"
+#include "sources.h"
+
+#include <QDGui/mapview.h>
+#include <QDGui/pluginregistry.h>
+
+#include <QApplication>
+#include <QJsonDocument>
+#include <QScreen>
+#include <QTextStream>
+
+namespace Viewer {
+
+using Korvane::Map::Layer;
+using Korvane::Map::MapView;
+
+BatchRunner::BatchRunner(const CommandLine &commandLine, const Korvane::PluginRegistry &registry, QTextStream &out,
+                         QTextStream &err)
+    : commandLine(commandLine)
+    , registry(registry)
+    , opener(registry)
+    , out(out)
+    , err(err)
+{
+}
+
+BatchRunner::~BatchRunner() = default;
+
+int BatchRunner::run()
+{
+    makeView();
+    for (const QString &source : commandLine.sources)
+        takeSource(source);
+    // Without anything to show, what went wrong has been told already.
+    const bool hasPicture = view && (view->getLayerCount() > 0 || commandLine.sources.isEmpty());
+    if (hasPicture && !commandLine.screenshotFile.isEmpty())
+        writeScreenshot();
+    if (hasPicture && !commandLine.windowFile.isEmpty())
+        writeWindowPicture();
+    out.flush();
+    err.flush();
+    return hasFailed ? 1 : 0;
+}
+
+void BatchRunner::makeView()
+{
+    if (!commandLine.windowFile.isEmpty()) {
+        window = std::make_unique<MainWindow>(registry);
+        window->restoreLayout();
+        view = window->mapArea()->createView();
+    } else if (!commandLine.screenshotFile.isEmpty()) {
+        ownView = std::make_unique<MapView>();
+        view = ownView.get();
+    }
+}
+
+void BatchRunner::takeSource(const QString &source)
+{
+    if (isProjectFile(source)) {
+        takeProject(source);
+        return;
+    }
+    LayerOpener::Result result = opener.open(source);
+    if (result.layer)
+        takeLayer(source, std::move(result.layer));
+    else
+        describeFailure(source, result.error);
+}
+
+void BatchRunner::takeProject(const QString &fileName)
+{
+    QString error;
+    Project project = ProjectReader(registry).read(Sources::normalized(fileName), &error);
+    for (const QString &warning : qAsConst(project.warnings))
+        describeFailure(fileName, warning);
+    if (!error.isEmpty() || project.views.empty()) {
+        describeFailure(fileName, error.isEmpty() ? tr("The project %1 has no views.").arg(fileName) : error);
+        return;
+    }
+    ProjectView &current = project.views[static_cast<size_t>(project.currentView)];
+    if (firstBounds.isNull())
+        firstBounds = current.worldRect;
+    for (std::unique_ptr<Layer> &layer : current.layers)
+        takeLayer(Sources::ofLayer(*layer), std::move(layer));
+}
+
+void BatchRunner::takeLayer(const QString &source, std::unique_ptr<Layer> layer)
+{
+    if (commandLine.describe)
+        describe(source, *layer);
+    if (!view)
+        return;
+    if (firstBounds.isNull())
+        firstBounds = layer->getBounds();
+    if (view->addLayer(layer.get(), -1) >= 0)
+        layer.release();
+    else
+        fail(tr("%1 cannot be shown.").arg(source));
+}
+
+void BatchRunner::describe(const QString &source, Layer &layer)
+{
+    QJsonObject object = LayerDescriber::describe(layer);
+    object[QStringLiteral("source")] = Sources::withoutPassword(source);
+    object[QStringLiteral("pages")] = PageTexts::read(registry, layer);
+    out << QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) << '\n';
+}
+
+void BatchRunner::describeFailure(const QString &source, const QString &error)
+{
+    fail(error);
+    if (!commandLine.describe)
+        return;
+    const QJsonObject object{{QStringLiteral("source"), Sources::withoutPassword(source)},
+                             {QStringLiteral("error"), error}};
+    out << QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) << '\n';
+}
+
+void BatchRunner::writeScreenshot()
+{
+    const QRectF wanted = commandLine.worldRect.isNull() ? firstBounds : commandLine.worldRect;
+    bool isComplete = false;
+    const QImage image = view->renderToImage(commandLine.pictureSize, wanted, timeoutMs, &isComplete);
+    if (image.isNull()) {
+        fail(tr("There is not enough memory for a picture of %1x%2 pixels.")
+                 .arg(commandLine.pictureSize.width())
+                 .arg(commandLine.pictureSize.height()));
+    } else if (!isComplete) {
+        fail(tr("The picture was not complete after %1 seconds and is not written.").arg(timeoutMs / 1000));
+    } else {
+        const QString error = Pictures::writePng(image, commandLine.screenshotFile);
+        if (!error.isEmpty())
+            fail(error);
+    }
+}
+
+void BatchRunner::resizeWindow()
+{
+    window->show();
+    QApplication::processEvents();
+    const double ratio = window->devicePixelRatioF();
+    const QSize pixels = commandLine.pictureSize;
+    // A size that was asked for means pixels of the picture; the default one is a window of ordinary proportions.
+    window->resize(commandLine.hasPictureSize ? (QSizeF(pixels) / ratio).toSize() : pixels);
+    QApplication::processEvents();
+}
+
+void BatchRunner::writeWindowPicture()
+{
+    resizeWindow();
+    const QSize pixels = (QSizeF(window->size()) * window->devicePixelRatioF()).toSize();
+    if (commandLine.hasPictureSize && pixels != commandLine.pictureSize) {
+        fail(tr("The window cannot be made %1x%2 pixels large; it takes at least %3x%4.")
+                 .arg(commandLine.pictureSize.width())
+                 .arg(commandLine.pictureSize.height())
+                 .arg(pixels.width())
+                 .arg(pixels.height()));
+        return;
+    }
+    const QRectF wanted = commandLine.worldRect.isNull() ? firstBounds : commandLine.worldRect;
+    if (!wanted.isNull())
+        view->setVisibleWorldRect(wanted);
+    if (!view->waitUntilComplete(timeoutMs)) {
+        fail(tr("The window was not complete after %1 seconds and its picture is not written.").arg(timeoutMs / 1000));
+        return;
+    }
+    QApplication::processEvents();
+    const QString error = Pictures::writePng(window->grab().toImage(), commandLine.windowFile);
+    if (!error.isEmpty())
+        fail(error);
+}
+
+void BatchRunner::fail(const QString &sentence)
+{
+    hasFailed = true;
+    err << QCoreApplication::applicationName() << ": " << sentence.simplified() << '\n';
+    err.flush();
+}
+
+} // namespace Viewer

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "commandline.h"
+#include "layeropener.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <memory>
+
+class QTextStream;
+
+namespace Korvane {
+class PluginRegistry;
+namespace Map {
+class MapView;
+}
+} // namespace Korvane
+
+namespace Viewer {
+
+class MainWindow;
+
+/// Does what the command line asks for without a person: describes the sources, makes pictures, ends. GUI thread.
+class BatchRunner
+{
+    Q_DECLARE_TR_FUNCTIONS(BatchRunner)
+
+public:
+    /// Descriptions go to \a out, errors to \a err, one line each. All arguments must outlive it.
+    BatchRunner(const CommandLine &commandLine, const Korvane::PluginRegistry &registry, QTextStream &out,
+                QTextStream &err);
+    ~BatchRunner();
+
+    /// How long a picture may take to become complete.
+    void setTimeout(int milliseconds) { timeoutMs = milliseconds; }
+    /// The program's exit status: 0, or 1 when anything failed.
+    int run();
+
+    static constexpr int kDefaultTimeoutMs = 300 * 1000;
+
+private:
+    void makeView();
+    void takeSource(const QString &source);
+    void takeProject(const QString &fileName);
+    void takeLayer(const QString &source, std::unique_ptr<Korvane::Map::Layer> layer);
+    void describe(const QString &source, Korvane::Map::Layer &layer);
+    void describeFailure(const QString &source, const QString &error);
+    void writeScreenshot();
+    void writeWindowPicture();
+    void resizeWindow();
+    void fail(const QString &sentence);
+
+    const CommandLine &commandLine;
+    const Korvane::PluginRegistry &registry;
+    LayerOpener opener;
+    QTextStream &out;
+    QTextStream &err;
+    int timeoutMs = kDefaultTimeoutMs;
+    bool hasFailed = false;
+    QRectF firstBounds; ///< Of the first layer that was opened; null until then.
+    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<Korvane::Map::MapView> ownView;
+    Korvane::Map::MapView *view = nullptr; ///< In the window or the own one; null when no picture is wanted.
+};
+
+} // namespace Viewer

@@ -1,0 +1,38 @@
+#include "failurereport.h"
+
+#include <QMessageBox>
+
+namespace Viewer {
+
+namespace {
+
+/// A box that lists more than this would not fit the screen.
+constexpr int kListed = 12;
+
+} // namespace
+
+QString FailureReport::headline(const QStringList &failures, int total)
+{
+    if (failures.size() == 1)
+        return failures.first();
+    return tr("%1 of %2 sources could not be opened.").arg(failures.size()).arg(qMax(total, failures.size()));
+}
+
+void FailureReport::show(QWidget *parent, const QStringList &failures, int total)
+{
+    if (failures.isEmpty())
+        return;
+    QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(), headline(failures, total),
+                    QMessageBox::Ok, parent);
+    box.setTextFormat(Qt::PlainText);
+    if (failures.size() > 1) {
+        QStringList listed = failures.mid(0, kListed);
+        if (listed.size() < failures.size())
+            listed.append(tr("... and %1 more (see the details)").arg(failures.size() - listed.size()));
+        box.setInformativeText(listed.join(QLatin1Char('\n')));
+        box.setDetailedText(failures.join(QLatin1Char('\n')));
+    }
+    box.exec();
+}
+
+} // namespace Viewer

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QIcon>
+
+namespace Viewer {
+
+/// The viewer's own icons, drawn as lines in the palette's text colour: sharp at every size and scale factor, legible
+/// on light and dark themes.
+namespace Icons {
+
+enum class Shape {
+    Open,
+    Save,
+    NewView,
+    ZoomIn,
+    ZoomOut,
+    ZoomAll,
+    ZoomLayer,
+    ZoomNative,
+    Up,
+    Down,
+    Remove,
+    Properties,
+    Map
+};
+
+QIcon icon(Shape shape);
+
+} // namespace Icons
+} // namespace Viewer

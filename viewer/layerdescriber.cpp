@@ -1,0 +1,143 @@
+#include "layerdescriber.h"
+
+#include "sources.h"
+
+#include <QDGui/irasterlayerhistogram.h>
+#include <QDGui/rasterlayer.h>
+
+#include <QColor>
+#include <QJsonArray>
+#include <QMetaEnum>
+#include <QMetaProperty>
+#include <QSize>
+
+#include <cmath>
+
+namespace Viewer {
+
+using Korvane::Map::Layer;
+using Korvane::Map::RasterLayer;
+
+namespace {
+
+QJsonValue number(double value)
+{
+    return std::isfinite(value) ? QJsonValue(value) : QJsonValue();
+}
+
+QJsonObject boundsObject(const QRectF &bounds)
+{
+    return {{QStringLiteral("x1"), number(bounds.x())},
+            {QStringLiteral("y1"), number(bounds.y())},
+            {QStringLiteral("x2"), number(bounds.x() + bounds.width())},
+            {QStringLiteral("y2"), number(bounds.y() + bounds.height())}};
+}
+
+QString colorSpaceName(RasterLayer::ColorSpace colorSpace)
+{
+    switch (colorSpace) {
+    case RasterLayer::RGB:
+        return QStringLiteral("RGB");
+    case RasterLayer::Greyscale:
+        return QStringLiteral("Greyscale");
+    case RasterLayer::Multiband:
+        return QStringLiteral("Multiband");
+    case RasterLayer::UnknownColorSpace:
+        break;
+    }
+    return QStringLiteral("Unknown");
+}
+
+QJsonArray intArray(const QVector<int> &values)
+{
+    QJsonArray array;
+    for (int value : values)
+        array.append(value);
+    return array;
+}
+
+QJsonValue propertyValue(const QMetaProperty &property, const QObject &object)
+{
+    const QVariant value = property.read(&object);
+    if (property.isEnumType() && value.isValid()) {
+        const char *key = property.enumerator().valueToKey(value.toInt());
+        return key ? QJsonValue(QString::fromLatin1(key)) : QJsonValue(value.toInt());
+    }
+    return LayerDescriber::toJson(value);
+}
+
+} // namespace
+
+QJsonObject LayerDescriber::describe(Layer &layer)
+{
+    QJsonObject object;
+    object[QStringLiteral("className")] = QString::fromLatin1(layer.metaObject()->className());
+    addLayerGetters(layer, &object);
+    if (const auto *raster = qobject_cast<const RasterLayer *>(&layer))
+        addRasterGetters(*raster, &object);
+    object[QStringLiteral("properties")] = properties(layer);
+    return object;
+}
+
+void LayerDescriber::addLayerGetters(const Layer &layer, QJsonObject *object)
+{
+    object->insert(QStringLiteral("dataSource"), Sources::ofLayer(layer));
+    object->insert(QStringLiteral("description"), layer.getDescription());
+    object->insert(QStringLiteral("comments"), layer.getComments());
+    object->insert(QStringLiteral("format"), layer.getFormat());
+    object->insert(QStringLiteral("protocol"), layer.getProtocol());
+    object->insert(QStringLiteral("coordSysName"), layer.getCoordSysName());
+    object->insert(QStringLiteral("bounds"), boundsObject(layer.getBounds()));
+    object->insert(QStringLiteral("valid"), layer.isValid());
+    object->insert(QStringLiteral("visible"), layer.isVisible());
+}
+
+void LayerDescriber::addRasterGetters(const RasterLayer &layer, QJsonObject *object)
+{
+    object->insert(QStringLiteral("width"), layer.getSize().width());
+    object->insert(QStringLiteral("height"), layer.getSize().height());
+    object->insert(QStringLiteral("cellSizeX"), number(layer.getCellSizeX()));
+    object->insert(QStringLiteral("cellSizeY"), number(layer.getCellSizeY()));
+    object->insert(QStringLiteral("cellType"), layer.getCellType());
+    object->insert(QStringLiteral("colorSpace"), colorSpaceName(layer.getColorSpace()));
+    object->insert(QStringLiteral("numberOfBands"), layer.getNumberOfBands());
+    object->insert(QStringLiteral("bandList"), intArray(layer.getBandList()));
+    object->insert(QStringLiteral("hasOpacity"), layer.hasOpacity());
+    object->insert(QStringLiteral("opacityBandNumber"), layer.getOpacityBandNumber());
+    object->insert(QStringLiteral("rotation"), number(layer.getRotation()));
+    object->insert(QStringLiteral("transparency"), number(layer.getTransparency()));
+    object->insert(QStringLiteral("epsgCode"), layer.getEpsgCode());
+}
+
+QJsonObject LayerDescriber::properties(const QObject &layer)
+{
+    QJsonObject object;
+    const QMetaObject *meta = layer.metaObject();
+    for (int i = QObject::staticMetaObject.propertyCount(); i < meta->propertyCount(); ++i) {
+        const QMetaProperty property = meta->property(i);
+        if (property.isReadable())
+            object[QString::fromLatin1(property.name())] = propertyValue(property, layer);
+    }
+    return object;
+}
+
+QJsonValue LayerDescriber::toJson(const QVariant &value)
+{
+    switch (static_cast<QMetaType::Type>(value.type())) {
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return number(value.toDouble());
+    case QMetaType::QColor:
+        return value.value<QColor>().name(QColor::HexArgb);
+    case QMetaType::QSize:
+        return QJsonObject{{QStringLiteral("width"), value.toSize().width()},
+                           {QStringLiteral("height"), value.toSize().height()}};
+    default:
+        break;
+    }
+    if (value.canConvert<QVector<int>>() && value.userType() == qMetaTypeId<QVector<int>>())
+        return intArray(value.value<QVector<int>>());
+    return QJsonValue::fromVariant(value);
+}
+
+} // namespace Viewer

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QVariant>
+
+namespace Korvane {
+namespace Map {
+class Layer;
+class RasterLayer;
+} // namespace Map
+} // namespace Korvane
+
+namespace Viewer {
+
+/// Puts what a layer's getters and its Qt properties say into JSON. GUI thread.
+///
+/// Keys: the getters' names without "get" ("cellSizeX", "coordSysName"), as the host's layer interfaces declare them;
+/// "bounds" with x1, y1 (corner of the first cell) to x2, y2; "properties" with every readable property of the layer's
+/// own class under the property's own name. A number that is not finite becomes null.
+class LayerDescriber
+{
+public:
+    static QJsonObject describe(Korvane::Map::Layer &layer);
+    /// Strings, numbers, flags, lists of them, colours (as #aarrggbb) and sizes; a null for what has no text.
+    static QJsonValue toJson(const QVariant &value);
+
+private:
+    static void addLayerGetters(const Korvane::Map::Layer &layer, QJsonObject *object);
+    static void addRasterGetters(const Korvane::Map::RasterLayer &layer, QJsonObject *object);
+    static QJsonObject properties(const QObject &layer);
+};
+
+} // namespace Viewer

@@ -1,0 +1,73 @@
+#include "layersummarypage.h"
+
+#include "sources.h"
+
+#include <QDGui/rasterlayer.h>
+
+#include <QDir>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLocale>
+
+namespace Viewer {
+
+using Korvane::Map::Layer;
+using Korvane::Map::RasterLayer;
+
+namespace {
+
+/// As many digits as coordinates can have, no zeros at the end.
+QString numberText(double value)
+{
+    return QLocale().toString(value, 'g', 15);
+}
+
+} // namespace
+
+LayerSummaryPage::LayerSummaryPage(const Layer &layer, QWidget *parent)
+    : QWidget(parent)
+    , form(new QFormLayout(this))
+{
+    setWindowTitle(tr("General"));
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    const QString source = Sources::withoutPassword(Sources::ofLayer(layer));
+    addRow(tr("Source:"), Sources::isAddress(source) ? source : QDir::toNativeSeparators(source));
+    addRow(tr("Format:"), layer.getFormat());
+    addRow(tr("Access:"), layer.getProtocol());
+    addRow(tr("Coordinate system:"), layer.getCoordSysName());
+    const QRectF bounds = layer.getBounds();
+    addRow(tr("First corner:"), QStringLiteral("%1, %2").arg(numberText(bounds.x()), numberText(bounds.y())));
+    addRow(tr("Opposite corner:"), QStringLiteral("%1, %2").arg(numberText(bounds.x() + bounds.width()),
+                                                                numberText(bounds.y() + bounds.height())));
+    if (const auto *raster = qobject_cast<const RasterLayer *>(&layer))
+        addRasterRows(*raster);
+    addRow(tr("Comments:"), layer.getComments());
+}
+
+void LayerSummaryPage::addRasterRows(const RasterLayer &layer)
+{
+    const QLocale locale;
+    const QSize size = layer.getSize();
+    if (size.isValid())
+        addRow(tr("Size in cells:"),
+               QStringLiteral("%1 × %2").arg(locale.toString(size.width()), locale.toString(size.height())));
+    addRow(tr("Cell size:"),
+           QStringLiteral("%1, %2").arg(numberText(layer.getCellSizeX()), numberText(layer.getCellSizeY())));
+    addRow(tr("Cell type:"), layer.getCellType());
+    addRow(tr("Bands:"), locale.toString(layer.getNumberOfBands()));
+    if (layer.getRotation() != 0.0)
+        addRow(tr("Rotation:"), tr("%1° clockwise").arg(numberText(layer.getRotation())));
+}
+
+void LayerSummaryPage::addRow(const QString &name, const QString &value)
+{
+    if (value.isEmpty())
+        return;
+    auto *label = new QLabel(value);
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    label->setWordWrap(true);
+    form->addRow(name, label);
+}
+
+} // namespace Viewer

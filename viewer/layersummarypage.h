@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QWidget>
+
+class QFormLayout;
+
+namespace Korvane {
+namespace Map {
+class Layer;
+class RasterLayer;
+} // namespace Map
+} // namespace Korvane
+
+namespace Viewer {
+
+/// What every layer can tell of itself: source, format, size, place. Read once; the page keeps no pointer to the layer.
+class LayerSummaryPage : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit LayerSummaryPage(const Korvane::Map::Layer &layer, QWidget *parent = nullptr);
+
+private:
+    void addRasterRows(const Korvane::Map::RasterLayer &layer);
+    void addRow(const QString &name, const QString &value);
+
+    QFormLayout *form;
+};
+
+} // namespace Viewer

@@ -1,0 +1,122 @@
+#include "batchrunner.h"
+#include "commandline.h"
+#include "mainwindow.h"
+#include "pluginfolders.h"
+
+#include <QDGui/application.h>
+#include <QDGui/pluginregistry.h>
+
+#include <QApplication>
+#include <QTextStream>
+#include <QTimer>
+
+#include <clocale>
+#include <cstdio>
+
+#ifdef Q_OS_UNIX
+#include <langinfo.h>
+#endif
+
+using namespace Viewer;
+
+namespace {
+
+constexpr int kUsageError = 2;
+
+/// In the plain "C" locale, file names beyond ASCII would be lost between the command line and the file system.
+void ensureUtf8Locale()
+{
+#ifdef Q_OS_LINUX
+    std::setlocale(LC_CTYPE, "");
+    if (qstrcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") != 0)
+        return;
+    if (!qEnvironmentVariableIsEmpty("LC_ALL"))
+        qputenv("LC_ALL", "C.UTF-8");
+    qputenv("LC_CTYPE", "C.UTF-8");
+#endif
+}
+
+/// Without a display the toolkit would end the program; with this platform it draws in memory.
+void ensurePlatform()
+{
+#ifdef Q_OS_LINUX
+    const bool hasDisplay = !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (!hasDisplay && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+#endif
+}
+
+void nameApplication()
+{
+    QCoreApplication::setOrganizationName(QStringLiteral("Korvane"));
+    QCoreApplication::setApplicationName(QStringLiteral("qdviewer"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(QDVIEWER_VERSION));
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("QDViewer"));
+}
+
+/// Loads the plug-ins of the first folder that has any: a build is not mixed with an installation.
+void loadPlugins(Korvane::PluginRegistry *registry)
+{
+    const QStringList folders = pluginFolders();
+    for (const QString &folder : folders) {
+        if (registry->loadFolder(folder) > 0)
+            break;
+    }
+    const QStringList errors = registry->getErrors();
+    for (const QString &error : errors)
+        Korvane::Application::logMessage(error, Korvane::Application::LogWarning, QDateTime::currentDateTime());
+    if (registry->getPlugins().isEmpty()) {
+        const QString text = QCoreApplication::translate("main", "No layer plug-in was found in %1.")
+                                 .arg(folders.join(QStringLiteral(", ")));
+        Korvane::Application::logMessage(text, Korvane::Application::LogError, QDateTime::currentDateTime());
+    }
+}
+
+int runWindow(const CommandLine &commandLine, const Korvane::PluginRegistry &registry)
+{
+    MainWindow window(registry);
+    window.restoreLayout();
+    window.show();
+    // From the event loop, so that the window is there when a dialog tells of a failure.
+    QTimer::singleShot(0, &window, [&] { window.openSources(commandLine.sources); });
+    return QApplication::exec();
+}
+
+int answer(const CommandLine &commandLine, QTextStream &out, QTextStream &err)
+{
+    const bool isError = commandLine.outcome == CommandLine::Outcome::Error;
+    if (isError)
+        err << QCoreApplication::applicationName() << ": " << commandLine.text << '\n';
+    else
+        out << commandLine.text;
+    out.flush();
+    err.flush();
+    return isError ? kUsageError : 0;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    ensureUtf8Locale();
+    ensurePlatform();
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    nameApplication();
+    QApplication application(argc, argv);
+
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    out.setCodec("UTF-8");
+    const CommandLine commandLine = CommandLine::parse(QCoreApplication::arguments());
+    if (commandLine.outcome != CommandLine::Outcome::Run)
+        return answer(commandLine, out, err);
+    // Before the plug-ins are loaded: they read their settings as they are.
+    if (!commandLine.settingsFile.isEmpty())
+        Korvane::Application::instance()->setSettingsFile(commandLine.settingsFile);
+    Korvane::PluginRegistry registry;
+    loadPlugins(&registry);
+    if (!commandLine.isBatch())
+        return runWindow(commandLine, registry);
+    return BatchRunner(commandLine, registry, out, err).run();
+}

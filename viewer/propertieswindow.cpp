@@ -1,0 +1,97 @@
+#include "propertieswindow.h"
+
+#include "layersummarypage.h"
+#include "plugincontributions.h"
+
+#include <QDGui/ilayerpropertieswidget.h>
+#include <QDGui/layer.h>
+
+#include <QDialogButtonBox>
+#include <QSignalBlocker>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+namespace Viewer {
+
+using Korvane::ILayerPropertiesWidget;
+using Korvane::Map::Layer;
+
+PropertiesWindow::PropertiesWindow(const PluginContributions &contributions, QWidget *parent)
+    : QDialog(parent)
+    , contributions(contributions)
+    , tabs(new QTabWidget)
+{
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(tabs, &QTabWidget::currentChanged, this, &PropertiesWindow::loadCurrentPage);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(tabs);
+    layout->addWidget(buttons);
+    resize(560, 560);
+}
+
+void PropertiesWindow::setLayer(Layer *newLayer)
+{
+    if (newLayer == layer && newLayer)
+        return;
+    if (layer)
+        layer->disconnect(this);
+    const int previousTab = tabs->currentIndex();
+    clearPages();
+    layer = newLayer;
+    if (!layer) {
+        close();
+        return;
+    }
+    // The pages keep the layer's bare address, so they go before it does.
+    connect(layer, &QObject::destroyed, this, [this] { setLayer(nullptr); });
+    setWindowTitle(tr("Properties of %1").arg(layer->getDescription()));
+    {
+        const QSignalBlocker blocker(tabs);
+        addPage(new LayerSummaryPage(*layer));
+        const QVector<QWidget *> pages = contributions.makeInfoPages(*layer);
+        for (QWidget *page : pages)
+            addPage(page);
+        tabs->setCurrentIndex(qBound(0, previousTab, tabs->count() - 1));
+    }
+    loadCurrentPage();
+}
+
+void PropertiesWindow::clearPages()
+{
+    const QSignalBlocker blocker(tabs);
+    loadedPages.clear();
+    while (tabs->count() > 0) {
+        QWidget *page = tabs->widget(0);
+        tabs->removeTab(0);
+        delete page;
+    }
+}
+
+void PropertiesWindow::addPage(QWidget *page)
+{
+    tabs->addTab(page, PluginContributions::titleOf(*page));
+}
+
+void PropertiesWindow::loadCurrentPage()
+{
+    QWidget *page = tabs->currentWidget();
+    auto *properties = qobject_cast<ILayerPropertiesWidget *>(page);
+    if (!properties || !layer || loadedPages.contains(page))
+        return;
+    loadedPages.insert(page);
+    properties->setLayer(layer);
+}
+
+void PropertiesWindow::accept()
+{
+    for (QWidget *page : qAsConst(loadedPages)) {
+        if (auto *properties = qobject_cast<ILayerPropertiesWidget *>(page))
+            properties->apply();
+    }
+    QDialog::accept();
+}
+
+} // namespace Viewer

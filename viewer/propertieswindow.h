@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QDialog>
+#include <QPointer>
+#include <QSet>
+
+class QTabWidget;
+
+namespace Korvane {
+namespace Map {
+class Layer;
+}
+} // namespace Korvane
+
+namespace Viewer {
+
+class PluginContributions;
+
+/// The information pages of one layer, in tabs. Pages are made anew for every layer, so that none shows what belongs
+/// to another; a page reads its layer when its tab is first shown.
+class PropertiesWindow : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// \a contributions must outlive it.
+    PropertiesWindow(const PluginContributions &contributions, QWidget *parent);
+
+    /// Shows \a layer from now on; with null, or when it is deleted, the window closes.
+    void setLayer(Korvane::Map::Layer *layer);
+
+    void accept() override;
+
+private:
+    void clearPages();
+    void addPage(QWidget *page);
+    void loadCurrentPage();
+
+    const PluginContributions &contributions;
+    QTabWidget *tabs;
+    QPointer<Korvane::Map::Layer> layer;
+    QSet<QWidget *> loadedPages;
+};
+
+} // namespace Viewer

@@ -1,0 +1,121 @@
+#include "sources.h"
+
+#include <QDGui/layer.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QRegularExpression>
+#include <QUrl>
+
+namespace Viewer {
+namespace Sources {
+
+namespace {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("Viewer::Sources", text);
+}
+
+QStringList fromText(const QString &text)
+{
+    QStringList found;
+    for (const QString &line : text.split(QRegularExpression(QStringLiteral("[\r\n]+")), Qt::SkipEmptyParts)) {
+        const QString source = normalized(line);
+        if (!line.trimmed().isEmpty() && (isAddress(source) || QFileInfo::exists(source)))
+            found.append(source);
+    }
+    return found;
+}
+
+} // namespace
+
+bool isAddress(const QString &source)
+{
+    // Two letters at least, so that a drive letter is not taken for a scheme.
+    static const QRegularExpression pattern(QStringLiteral("\\A\\s*[A-Za-z][A-Za-z0-9+.-]+://"));
+    return pattern.match(source).hasMatch() &&
+           !source.trimmed().startsWith(QLatin1String("file:"), Qt::CaseInsensitive);
+}
+
+QString normalized(const QString &source)
+{
+    if (isAddress(source))
+        return source.trimmed();
+    // Blanks may be part of a file name; only a file: address cannot begin or end with one.
+    if (source.trimmed().startsWith(QLatin1String("file:"), Qt::CaseInsensitive)) {
+        const QString local = QUrl(source.trimmed()).toLocalFile();
+        if (!local.isEmpty())
+            return QDir::cleanPath(QFileInfo(local).absoluteFilePath());
+    }
+    return source.isEmpty() ? source : QDir::cleanPath(QFileInfo(source).absoluteFilePath());
+}
+
+QString withoutPassword(const QString &source)
+{
+    if (!isAddress(source))
+        return source;
+    static const QRegularExpression credentials(QStringLiteral("\\A([A-Za-z][A-Za-z0-9+.-]+://[^/?#:@]*):[^/?#]*@"));
+    QString result = source;
+    return result.replace(credentials, QStringLiteral("\\1@"));
+}
+
+QString shortName(const QString &source)
+{
+    QString path = isAddress(source) ? QUrl(source).path() : QDir::fromNativeSeparators(source);
+    while (path.endsWith(QLatin1Char('/')))
+        path.chop(1);
+    const QString name = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+    return name.isEmpty() ? withoutPassword(source) : name;
+}
+
+QStringList fromMimeData(const QMimeData &data)
+{
+    QStringList found;
+    for (const QUrl &url : data.urls()) {
+        const QString source = url.isLocalFile() ? url.toLocalFile() : url.toString(QUrl::FullyEncoded);
+        if (!source.isEmpty())
+            found.append(normalized(source));
+    }
+    if (found.isEmpty() && data.hasText())
+        found = fromText(data.text());
+    found.removeDuplicates();
+    return found;
+}
+
+QString ofLayer(const Korvane::Map::Layer &layer)
+{
+    const QString source = layer.getDataSource();
+    if (isAddress(source) || QFileInfo::exists(source))
+        return source;
+    const QByteArray bytes = source.toLatin1();
+    if (QString::fromLatin1(bytes) != source)
+        return source;
+    const QString decoded = QString::fromUtf8(bytes);
+    return QFileInfo::exists(decoded) ? decoded : source;
+}
+
+QString checkReadable(const QString &source)
+{
+    if (isAddress(source))
+        return QString();
+    const QFileInfo info(source);
+    const QString name = QDir::toNativeSeparators(source);
+    if (!info.exists())
+        return info.isSymLink() ? tr("%1 is a link to a file that does not exist.").arg(name)
+                                : tr("%1 does not exist.").arg(name);
+    if (info.isDir())
+        return tr("%1 is a folder, not an image.").arg(name);
+    if (!info.isFile())
+        return tr("%1 is not an ordinary file.").arg(name);
+    QFile file(source);
+    if (!file.open(QIODevice::ReadOnly))
+        return tr("%1 cannot be read: %2.").arg(name, file.errorString());
+    return file.size() > 0 ? QString() : tr("%1 is empty.").arg(name);
+}
+
+} // namespace Sources
+} // namespace Viewer

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QObject>
+#include <QPointF>
+#include <QPointer>
+
+class QLabel;
+class QProgressBar;
+class QStatusBar;
+
+namespace Korvane {
+namespace Map {
+class MapView;
+}
+} // namespace Korvane
+
+namespace Viewer {
+
+/// Keeps the status bar's fields in step with one map view: the world coordinates under the pointer, the coordinate
+/// system, the scale and how much of the view is decoded.
+class ViewStatus : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ViewStatus(QStatusBar *bar);
+
+    void setView(Korvane::Map::MapView *view);
+
+private:
+    void showCursor(const QPointF &worldPoint);
+    void showScale();
+    void showProgress(int percent);
+
+    QPointer<Korvane::Map::MapView> view;
+    QLabel *coordinates;
+    QLabel *system;
+    QLabel *scale;
+    QProgressBar *progress;
+};
+
+} // namespace Viewer

@@ -1,0 +1,72 @@
+#include "viewtexts.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+
+#include <cmath>
+
+namespace Viewer {
+namespace ViewTexts {
+
+namespace {
+
+/// Doubles have about 15 decimal digits; more than these decimals are noise in any coordinate system.
+constexpr int kMaximumDecimals = 12;
+
+bool isPositive(double value)
+{
+    return std::isfinite(value) && value > 0.0;
+}
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("Viewer::ViewTexts", text);
+}
+
+/// With three significant digits, never in exponent form for the sizes that occur.
+QString significant(double value)
+{
+    const int magnitude = static_cast<int>(std::floor(std::log10(value)));
+    QString text = QLocale().toString(value, 'f', qBound(0, 2 - magnitude, kMaximumDecimals));
+    const QString point(QLocale().decimalPoint());
+    if (text.contains(point)) {
+        while (text.endsWith(QLocale().zeroDigit()))
+            text.chop(1);
+        if (text.endsWith(point))
+            text.chop(point.size());
+    }
+    return text;
+}
+
+} // namespace
+
+int decimalsFor(double unitsPerPixel)
+{
+    if (!isPositive(unitsPerPixel))
+        return 0;
+    return qBound(0, static_cast<int>(std::ceil(-std::log10(unitsPerPixel))) + 1, kMaximumDecimals);
+}
+
+QString coordinates(const QPointF &worldPoint, double unitsPerPixel)
+{
+    const int decimals = decimalsFor(unitsPerPixel);
+    const QLocale locale;
+    return tr("X %1  Y %2")
+        .arg(locale.toString(worldPoint.x(), 'f', decimals), locale.toString(worldPoint.y(), 'f', decimals));
+}
+
+QString zoomPercent(double cellSize, double unitsPerPixel)
+{
+    const double size = std::fabs(cellSize);
+    if (!isPositive(size) || !isPositive(unitsPerPixel))
+        return QString();
+    return tr("%1 %").arg(significant(100.0 * size / unitsPerPixel));
+}
+
+QString unitsPerPixel(double units)
+{
+    return isPositive(units) ? tr("%1 units per pixel").arg(significant(units)) : QString();
+}
+
+} // namespace ViewTexts
+} // namespace Viewer

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QPointF>
+#include <QString>
+
+namespace Viewer {
+
+/// Numbers of the status bar as texts, in the person's locale.
+namespace ViewTexts {
+
+/// As many decimals as tell two neighbouring pixels apart, when a pixel is \a unitsPerPixel world units wide.
+int decimalsFor(double unitsPerPixel);
+/// "X 299,940.0  Y 4,100,000.0"
+QString coordinates(const QPointF &worldPoint, double unitsPerPixel);
+/// How many screen pixels a cell of \a cellSize world units takes: "25 %"; empty when either is not a number above 0.
+QString zoomPercent(double cellSize, double unitsPerPixel);
+/// "240 units per pixel"
+QString unitsPerPixel(double units);
+
+} // namespace ViewTexts
+} // namespace Viewer

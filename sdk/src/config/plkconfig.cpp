@@ -3,6 +3,8 @@
 #include "globalconfig.h"
 #include "logger.h"
 
+#include "../decode/tilecache.h"
+
 #include <xrv60/plkfile.h>
 #include <xrv60/plklog.h>
 
@@ -133,6 +135,7 @@ void CConfig::SetCacheMaxmem(std::uint64_t bytes)
 {
     const std::uint64_t budget = xrv::cacheBudget(bytes, xrv::physicalMemory());
     values->cacheMaxmem = budget;
+    xrv::TileCache::instance().setBudget(budget);
     if (budget != bytes && xrv::logEnabled(PLK_LOG_INFO))
         xrv::log(PLK_LOG_INFO, "Tile cache: " + std::to_string(bytes) + " bytes were asked for, " +
                                    std::to_string(budget) + " are used.");

@@ -1,7 +1,9 @@
 #include <xrv60/plkinit.h>
 
+#include "globalconfig.h"
 #include "logger.h"
 
+#include "../decode/tilecache.h"
 #include "../geo/crsnames.h"
 #include "../io/utf8.h"
 
@@ -46,14 +48,18 @@ StartCount &startCount()
 
 void PLKInit()
 {
-    if (startCount().enter())
-        xrv::log(PLK_LOG_INFO, std::string("SDK started, version ") + kLibraryVersion + ".");
+    if (!startCount().enter())
+        return;
+    xrv::TileCache::instance().setBudget(xrv::globalConfig().GetCacheMaxmem());
+    xrv::log(PLK_LOG_INFO, std::string("SDK started, version ") + kLibraryVersion + ".");
 }
 
 void PLKShutdown()
 {
-    if (startCount().leave())
-        xrv::log(PLK_LOG_INFO, std::string("SDK stopped."));
+    if (!startCount().leave())
+        return;
+    xrv::TileCache::instance().clear();
+    xrv::log(PLK_LOG_INFO, std::string("SDK stopped."));
 }
 
 const char *PLKGetLibraryVersion()

@@ -1,10 +1,23 @@
 #include "memorysource.h"
 
+#include <atomic>
+
 namespace xrv {
+
+namespace {
+
+std::uint64_t nextNumber()
+{
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
+
+} // namespace
 
 MemorySource::MemorySource(Bytes content, std::string givenName)
     : bytes(std::move(content))
     , sourceName(std::move(givenName))
+    , number(nextNumber())
 {
 }
 

@@ -6,7 +6,7 @@
 
 namespace xrv {
 
-/// Bytes in memory as a source.
+/// Bytes in memory as a source; each one is a version of its own, whatever its name.
 class MemorySource : public ByteSource
 {
 public:
@@ -15,12 +15,14 @@ public:
     const std::string &name() const override { return sourceName; }
     std::uint64_t size() const override { return bytes.size(); }
     bool isRemote() const override { return false; }
+    std::string identity() const override { return sourceName + '|' + std::to_string(number); }
     using ByteSource::read;
     PLK::CError read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel, std::vector<Bytes> *out) override;
 
 private:
     const Bytes bytes;
     const std::string sourceName;
+    const std::uint64_t number; ///< no two have the same
 };
 
 } // namespace xrv

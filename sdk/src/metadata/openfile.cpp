@@ -95,12 +95,9 @@ CError OpenFile::openRaster(std::vector<std::string> *warnings)
 {
     if (CError error = xrv::readJp2Structure(*byteSource, &boxes, warnings))
         return error;
-    xrv::MainHeader header;
-    if (CError error = xrv::readMainHeader(*byteSource, boxes.codestream, &header))
-        return error;
     if (CError error = xrv::RasterReader::open(byteSource, boxes.codestream, &rasterReader))
         return error;
-    jp2Values = ViewMetadata::ViewMetadataJp2::Values::of(header, boxes.hasGmlBox);
+    jp2Values = ViewMetadata::ViewMetadataJp2::Values::of(rasterReader->mainHeader(), boxes.hasGmlBox);
     compareWithHeaderBox(warnings);
     map = xrv::BandMap::make(rasterReader->info(), boxes, warnings);
     for (const xrv::BoxPlace &box : boxes.xmlBoxes)

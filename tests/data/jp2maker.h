@@ -28,7 +28,7 @@ struct Options
     int offsetX = 0, offsetY = 0;         ///< XOsiz, YOsiz
     int tileWidth = 0, tileHeight = 0;    ///< 0: one tile
     int tileOffsetX = 0, tileOffsetY = 0; ///< XTOsiz, YTOsiz
-    std::vector<Component> components{Component()};
+    std::vector<Component> components = std::vector<Component>(1);
     CellFunction cell; ///< without one: gradient()
 
     int levels = 3;                   ///< decomposition levels

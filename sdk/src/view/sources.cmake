@@ -1,1 +1,22 @@
-set(stage_sources)
+set(stage_sources
+    bandtables.cpp
+    bytemap.cpp
+    cellgrid.cpp
+    columntaps.cpp
+    componentsampler.cpp
+    convertingsampler.cpp
+    levelchooser.cpp
+    linemaker.cpp
+    passplanner.cpp
+    picture.cpp
+    pixelrow.cpp
+    planerows.cpp
+    plkview.cpp
+    progressworker.cpp
+    ratetracker.cpp
+    readplan.cpp
+    resamplingsampler.cpp
+    stripreader.cpp
+    viewaxis.cpp
+    viewengine.cpp
+    viewprogress.cpp)

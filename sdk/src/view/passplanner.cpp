@@ -1,0 +1,70 @@
+#include "passplanner.h"
+
+#include <algorithm>
+
+namespace xrv {
+
+namespace {
+
+// Milliseconds. The first pass must be on screen within 60, of which drawing and a wrong estimate take their part.
+constexpr double kFirstPass = 25.0;
+// A final pass may come alone up to 50; estimates are not that exact.
+constexpr double kSinglePass = 30.0;
+// Passes in between pay when each takes a good part of the one that follows.
+constexpr double kGrowth = 4.0;
+constexpr double kLongest = 0.4;
+constexpr double kWorthPassesBetween = 300.0;
+
+} // namespace
+
+PassPlanner::PassPlanner(std::vector<int> levels, CostOf costOf, Expected expected)
+    : levels(std::move(levels))
+    , costOf(std::move(costOf))
+    , expected(std::move(expected))
+{
+}
+
+Pass PassPlanner::pass(int level, ReadCost *cost) const
+{
+    const ReadCost found = costOf(level);
+    if (cost != nullptr)
+        *cost = found;
+    return {level, found.milliseconds, expected(found.milliseconds)};
+}
+
+std::vector<Pass> PassPlanner::plan()
+{
+    const Pass last = pass(levels.front(), &costOfFinal);
+    const bool isCached = costOfFinal.blocksCached >= costOfFinal.blocks;
+    if (isCached || last.expected <= kSinglePass || levels.size() == 1)
+        return {last};
+    std::vector<Pass> passes; // coarse to fine
+    for (const Pass &coarse : coarsePasses()) {
+        const bool isFirst = passes.empty();
+        const bool isWorthIt = last.expected > kWorthPassesBetween && coarse.expected <= kLongest * last.expected &&
+                               !isFirst && coarse.expected >= kGrowth * passes.back().expected;
+        if (isFirst || isWorthIt)
+            passes.push_back(coarse);
+    }
+    passes.push_back(last);
+    return passes;
+}
+
+/// The first pass and all levels between it and the final one, coarse to fine.
+std::vector<Pass> PassPlanner::coarsePasses() const
+{
+    std::vector<Pass> passes; // fine to coarse
+    std::size_t cheapest = 0;
+    for (auto level = levels.begin() + 1; level != levels.end(); ++level) {
+        passes.push_back(pass(*level));
+        if (passes.back().expected < passes[cheapest].expected)
+            cheapest = passes.size() - 1;
+        if (passes.back().expected <= kFirstPass)
+            break;
+    }
+    passes.resize(cheapest + 1);
+    std::reverse(passes.begin(), passes.end());
+    return passes;
+}
+
+} // namespace xrv

@@ -1,0 +1,18 @@
+#pragma once
+
+namespace xrv {
+
+/// Learns by how much reads take longer or shorter than the reader estimates, on this machine and for this file.
+class RateTracker
+{
+public:
+    /// Milliseconds to expect for a read that is estimated to take \a estimated.
+    double expected(double estimated) const { return estimated * factor; }
+    /// A read estimated to take \a estimated took \a measured milliseconds.
+    void learn(double estimated, double measured);
+
+private:
+    double factor = 1.0;
+};
+
+} // namespace xrv

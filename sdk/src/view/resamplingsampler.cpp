@@ -1,0 +1,51 @@
+#include "resamplingsampler.h"
+
+#include <algorithm>
+
+namespace xrv {
+
+ResamplingSampler::ResamplingSampler(const BandMap &bandMap, std::vector<int> bands,
+                                     std::vector<ComponentSampler> samplers, int count)
+    : bandMap(bandMap)
+    , bands(std::move(bands))
+    , samplers(std::move(samplers))
+    , count(count)
+{
+    direct = std::all_of(this->bands.begin(), this->bands.end(), [&](int band) { return bandMap.isDirect(band); });
+    const std::vector<int> components = bandMap.componentsFor(this->bands);
+    for (int band : this->bands) {
+        const int component = bandMap.bands()[static_cast<std::size_t>(band)].component;
+        const auto found = std::find(components.begin(), components.end(), component);
+        samplerOfBand.push_back(static_cast<std::size_t>(found - components.begin()));
+    }
+}
+
+void ResamplingSampler::bind(const PlaneList &planes)
+{
+    for (std::size_t i = 0; i < samplers.size(); ++i)
+        samplers[i].bind(*planes[i]);
+}
+
+void ResamplingSampler::sample(int y, std::int32_t *const *bandRows)
+{
+    if (direct) {
+        for (std::size_t i = 0; i < bands.size(); ++i)
+            samplers[samplerOfBand[i]].sample(y, bandRows[i]);
+        return;
+    }
+    componentRows.resize(samplers.size());
+    componentRowPointers.resize(samplers.size());
+    for (std::size_t i = 0; i < samplers.size(); ++i) {
+        componentRows[i].resize(static_cast<std::size_t>(count));
+        samplers[i].sample(y, componentRows[i].data());
+        componentRowPointers[i] = componentRows[i].data();
+    }
+    bandMap.convertRow(bands, componentRowPointers.data(), count, bandRows);
+}
+
+void ResamplingSampler::sampleBytes(int y, std::size_t band, const ByteMap &map, std::uint8_t *bytes) const
+{
+    samplers[samplerOfBand[band]].sampleBytes(y, map, bytes);
+}
+
+} // namespace xrv

@@ -1,0 +1,299 @@
+#include "viewengine.h"
+
+#include "levelchooser.h"
+#include "passplanner.h"
+
+#include <algorithm>
+#include <new>
+
+namespace xrv {
+
+namespace {
+
+double millisecondsSince(std::chrono::steady_clock::time_point start)
+{
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+int finalLevelOf(const ViewSource &source, const ViewRequest &request)
+{
+    return chooseLevel(source.reader->info(), componentsFor(source, request), request);
+}
+
+} // namespace
+
+ViewEngine::ViewEngine(const ViewSource &source, bool progressive, PassListener &listener)
+    : source(source)
+    , progressive(progressive)
+    , listener(listener)
+    , worker([this](const RequestPtr &request) { decode(request); })
+{
+}
+
+ViewEngine::~ViewEngine()
+{
+    stop();
+}
+
+void ViewEngine::setView(ViewRequest newRequest)
+{
+    // Callers drive a view from one thread, so that nobody else counts generations.
+    newRequest.generation = ++generations;
+    newRequest.cancel = CancelFlag();
+    const auto request = std::make_shared<const ViewRequest>(std::move(newRequest));
+    const int level = finalLevelOf(source, *request);
+    const StripPtr atHand = stripAtHand();
+    const bool isAtHand = atHand && atHand->key == cellKey(source, *request, level);
+    const auto picture = progressive ? nullptr : std::make_shared<Picture>(source, request, level, atHand);
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (stopping)
+            return;
+        if (newest)
+            CancelFlag(newest->cancel).raise();
+        newest = request;
+        if (!progressive) {
+            current = picture;
+            currentIsFinal = true;
+        }
+        progress.restart();
+        if (isAtHand)
+            progress.setBlocks(atHand->blocksInView, atHand->blocksInView);
+        if (isAtHand && !progressive)
+            progress.finish();
+    }
+    if (progressive)
+        worker.submit(request);
+}
+
+void ViewEngine::cancelReads()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (newest)
+        CancelFlag(newest->cancel).raise();
+}
+
+void ViewEngine::stop()
+{
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        stopping = true;
+        if (newest)
+            CancelFlag(newest->cancel).raise();
+    }
+    worker.stop();
+}
+
+PLKReadStatus ViewEngine::readLine(const LineTarget &target)
+{
+    std::shared_ptr<Picture> picture;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (!newest) {
+            lastReadError = {PLK_ERR_NO_VIEW, "No view has been set."};
+            return PLK_READ_FAILED;
+        }
+        picture = current;
+    }
+    if (!picture)
+        return PLK_READ_CANCELLED;
+    PLK::CError error;
+    const PLKReadStatus status = picture->readLine(target, &error);
+    if (status == PLK_READ_SUCCESS)
+        noteLine(*picture);
+    else if (status == PLK_READ_FAILED)
+        setLastError(error);
+    return status;
+}
+
+void ViewEngine::noteLine(const Picture &picture)
+{
+    const int lines = picture.linesRead(), height = picture.request().height;
+    const StripPtr strip = picture.strip();
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (picture.request().cancel.isRaised() || current.get() != &picture || !currentIsFinal)
+        return;
+    if (strip && strip->isWhole())
+        kept = strip;
+    if (lines == height)
+        return progress.finish();
+    if (strip) {
+        const double share = static_cast<double>(strip->toLine) / height;
+        progress.setBlocks(strip->blocksInView, 0);
+        progress.advance(progressive ? 0.0 : 100.0 * lines / height, share);
+    }
+}
+
+bool ViewEngine::isViewSet() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return newest != nullptr;
+}
+
+PLKSetViewInfo ViewEngine::viewInfo() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return newest ? infoOf(*newest) : PLKSetViewInfo{};
+}
+
+PLKSetViewInfo ViewEngine::infoOf(const ViewRequest &request) const
+{
+    const ViewProgress::Blocks blocks = progress.blocks();
+    PLKSetViewInfo info{};
+    info.nSizeX = static_cast<std::uint32_t>(request.width);
+    info.nSizeY = static_cast<std::uint32_t>(request.height);
+    info.fTopLeftX = request.worldRect.left;
+    info.fTopLeftY = request.worldRect.top;
+    info.fBottomRightX = request.worldRect.right;
+    info.fBottomRightY = request.worldRect.bottom;
+    info.nBands = static_cast<std::uint32_t>(request.bands.size());
+    info.nGeneration = request.generation;
+    info.nBlocksInView = blocks.inView;
+    info.nBlocksAvailable = blocks.available;
+    return info;
+}
+
+bool ViewEngine::isCancelPending() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (callbackThread == std::this_thread::get_id() && current)
+        return current->request().cancel.isRaised();
+    return newest && newest->cancel.isRaised();
+}
+
+PLK::CError ViewEngine::lastError() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return lastReadError;
+}
+
+void ViewEngine::setLastError(PLK::CError error)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    lastReadError = std::move(error);
+}
+
+StripPtr ViewEngine::stripAtHand() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return kept;
+}
+
+void ViewEngine::decode(const RequestPtr &request)
+{
+    // An exception must not leave the thread; the only one to expect is that memory ran out.
+    try {
+        decodePasses(request);
+    } catch (const std::exception &) {
+        setLastError({PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to decode this view."});
+        if (!request->cancel.isRaised())
+            progress.finish();
+    }
+}
+
+void ViewEngine::decodePasses(const RequestPtr &request)
+{
+    const std::vector<Pass> passes = planPasses(request, finalLevelOf(source, *request));
+    double all = 0.0, done = 0.0;
+    for (const Pass &pass : passes)
+        all += pass.expected;
+    for (const Pass &pass : passes) {
+        const bool isFinal = &pass == &passes.back();
+        done += pass.expected;
+        if (!isFinal && comesTooSoon(pass, *request))
+            continue;
+        PLK::CError error;
+        const std::shared_ptr<Picture> picture = prepare(request, pass, &error);
+        if (request->cancel.isRaised())
+            return;
+        if (error && !isFinal)
+            continue; // a finer level may be whole, and if not, the final pass says so
+        if (error)
+            setLastError(error);
+        if (!isFinal)
+            progress.advance(all > 0.0 ? 100.0 * done / all : 0.0, 0.0);
+        if (!deliver(picture, isFinal))
+            return;
+    }
+}
+
+std::vector<Pass> ViewEngine::planPasses(const RequestPtr &request, int finalLevel)
+{
+    const StripPtr atHand = stripAtHand();
+    ReadRequest read = readRequest(source, *request, finalLevel, 0, request->height);
+    if (read.datasetRect.isEmpty() || (atHand && atHand->key == cellKey(source, *request, finalLevel)))
+        return {{finalLevel, 0.0, 0.0}};
+    std::vector<int> levels{finalLevel};
+    for (int level = finalLevel + 1; level < source.reader->info().levels; ++level)
+        if (isLevelUsable(source.reader->info(), read.components, level))
+            levels.push_back(level);
+    const auto costOf = [&](int level) {
+        read.level = level;
+        return source.reader->cost(read);
+    };
+    PassPlanner planner(levels, costOf, [this](double estimated) { return rate.expected(estimated); });
+    const std::vector<Pass> passes = planner.plan();
+    progress.setBlocks(planner.finalCost().blocks, planner.finalCost().blocksCached);
+    return passes;
+}
+
+std::shared_ptr<Picture> ViewEngine::prepare(const RequestPtr &request, const Pass &pass, PLK::CError *error)
+{
+    const Clock::time_point start = Clock::now();
+    auto picture = std::make_shared<Picture>(source, request, pass.level, stripAtHand());
+    *error = picture->prepare();
+    const StripPtr strip = picture->strip();
+    if (!*error && strip && strip->isWhole())
+        rate.learn(pass.estimated, millisecondsSince(start));
+    return picture;
+}
+
+bool ViewEngine::comesTooSoon(const Pass &pass, const ViewRequest &request) const
+{
+    if (request.refreshTimeMs == 0 || lastCallback == Clock::time_point{})
+        return false;
+    return millisecondsSince(lastCallback) + pass.expected < request.refreshTimeMs;
+}
+
+/// Announces \a picture and goes on unless the view has ended.
+bool ViewEngine::deliver(const std::shared_ptr<Picture> &picture, bool isFinal)
+{
+    const StripPtr strip = picture->strip();
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (picture->request().cancel.isRaised())
+            return false;
+        current = picture;
+        currentIsFinal = isFinal;
+        callbackThread = std::this_thread::get_id();
+        if (isFinal && strip && strip->isWhole())
+            kept = strip;
+        // Callbacks ask how far the view is. What is left of a final pass that is read in strips counts with its lines.
+        if (isFinal && (!strip || strip->isWhole()))
+            progress.finish();
+    }
+    const bool goesOn = announce(picture);
+    const std::lock_guard<std::mutex> lock(mutex);
+    callbackThread = {};
+    if (picture->request().cancel.isRaised() || !goesOn)
+        return false;
+    if (isFinal)
+        progress.finish();
+    return true;
+}
+
+bool ViewEngine::announce(const std::shared_ptr<Picture> &picture)
+{
+    PLKSetViewInfo info = infoOf(picture->request());
+    PLKReadStatus status = PLK_READ_FAILED;
+    try {
+        status = listener.passReady(&info);
+    } catch (...) {
+        // The caller's failure; the passes that follow may fare better.
+    }
+    lastCallback = Clock::now();
+    picture->rewind();
+    return status != PLK_READ_CANCELLED;
+}
+
+} // namespace xrv

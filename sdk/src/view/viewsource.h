@@ -1,0 +1,18 @@
+#pragma once
+
+#include "../colour/bandmap.h"
+#include "../decode/rasterreader.h"
+
+#include <memory>
+
+namespace xrv {
+
+/// Where a view gets its cells from.
+struct ViewSource
+{
+    std::shared_ptr<const void> owner; ///< keeps reader and bandMap alive; may be null in tests
+    RasterReader *reader = nullptr;
+    const BandMap *bandMap = nullptr;
+};
+
+} // namespace xrv

@@ -1,0 +1,2 @@
+xrv_add_sdk_test(tst_filesource LABELS threads)
+xrv_add_sdk_test(tst_filenames)

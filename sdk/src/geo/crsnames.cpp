@@ -47,7 +47,8 @@ Projections &projections()
 ContextPtr newContext(const std::string &dataPath)
 {
     ContextPtr context(proj_context_create());
-    proj_log_level(context.get(), PJ_LOG_NONE);
+    // Some of PROJ's messages go to standard error at any log level.
+    proj_log_func(context.get(), nullptr, [](void *, int, const char *) {});
     // A file must not open slower, or differently, for what a server far away says.
     proj_context_set_enable_network(context.get(), 0);
     if (!dataPath.empty() && !proj_context_set_database_path(context.get(), dataPath.c_str(), nullptr, nullptr))

@@ -55,14 +55,18 @@ Placement readGeoTiff(const Bytes &content, std::vector<std::string> *warnings)
     return result;
 }
 
-std::optional<std::array<double, 92>> readRpcTag(const Bytes &content)
+std::optional<std::array<double, 92>> readRpcTag(const Bytes &content, std::vector<std::string> *warnings)
 {
     const TiffFile tiff(content);
     const std::vector<double> found = tiff.doubles(kTagRpc);
     std::array<double, 92> values{};
-    if (found.size() != values.size() ||
-        !std::all_of(found.begin(), found.end(), [](double v) { return std::isfinite(v); }))
+    if (found.empty())
         return std::nullopt;
+    const bool isFinite = std::all_of(found.begin(), found.end(), [](double v) { return std::isfinite(v); });
+    if (found.size() != values.size() || !isFinite) {
+        warnings->push_back("The RPC coefficients of the GeoJP2 box are damaged and are not used.");
+        return std::nullopt;
+    }
     std::copy(found.begin(), found.end(), values.begin());
     return values;
 }

@@ -26,7 +26,8 @@ constexpr std::array<std::uint8_t, 16> kGeoJp2Uuid{0xb1, 0x4b, 0xf8, 0xbd, 0x08,
 /// Damage gives a warning, and what could be read before it.
 Placement readGeoTiff(const Bytes &content, std::vector<std::string> *warnings);
 
-/// The 92 doubles of the tag RPCCoefficientTag (50844), if \a content has them and they are all finite.
-std::optional<std::array<double, 92>> readRpcTag(const Bytes &content);
+/// The 92 numbers of the tag RPCCoefficientTag (50844), if \a content has it. Another count, and numbers that are none,
+/// are nothing and a warning.
+std::optional<std::array<double, 92>> readRpcTag(const Bytes &content, std::vector<std::string> *warnings);
 
 } // namespace xrv

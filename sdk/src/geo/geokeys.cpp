@@ -4,11 +4,14 @@
 
 #include <geo_normalize.h>
 #include <geo_simpletags.h>
+#include <geo_tiffp.h>
 #include <geotiff.h>
 #include <geovalues.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <memory>
@@ -57,6 +60,25 @@ TagsPtr geoTags(const TiffFile &tiff)
     if (!text.empty())
         ST_SetKey(tags.get(), kTagGeoAscii, static_cast<int>(text.size()) + 1, STT_ASCII, text.data());
     return tags;
+}
+
+/// Without a callback libgeotiff writes to standard error. The user data is a text that takes the first message.
+void keepFirstMessage(GTIF *keys, int, const char *format, ...)
+{
+    std::string *first = static_cast<std::string *>(GTIFGetUserData(keys));
+    char text[256];
+    va_list arguments;
+    va_start(arguments, format);
+    if (first->empty() && std::vsnprintf(text, sizeof text, format, arguments) > 0)
+        *first = text;
+    va_end(arguments);
+}
+
+KeysPtr keysOf(ST_TIFF *tags, std::string *message)
+{
+    TIFFMethod methods;
+    GTIFSetSimpleTagsMethods(&methods);
+    return KeysPtr(GTIFNewWithMethodsEx(tags, &methods, keepFirstMessage, message));
 }
 
 int shortKey(GTIF *keys, geokey_t key)
@@ -226,13 +248,14 @@ GeoKeys readGeoKeys(const TiffFile &tiff, std::vector<std::string> *warnings)
     const TagsPtr tags = geoTags(tiff);
     if (!tags)
         return result;
-    const KeysPtr keys(GTIFNewSimpleTags(tags.get()));
-    if (!keys) {
-        warnings->push_back("The GeoJP2 box has a damaged list of keys; its reference system is not known.");
-        return result;
+    std::string message;
+    const KeysPtr keys = keysOf(tags.get(), &message);
+    if (keys) {
+        result.isPixelPoint = shortKey(keys.get(), GTRasterTypeGeoKey) == RasterPixelIsPoint;
+        result.crs = systemOf(keys.get(), warnings);
     }
-    result.isPixelPoint = shortKey(keys.get(), GTRasterTypeGeoKey) == RasterPixelIsPoint;
-    result.crs = systemOf(keys.get(), warnings);
+    if (!keys || !message.empty())
+        warnings->push_back("The GeoJP2 box has damaged keys" + (message.empty() ? "." : " (" + message + ")."));
     return result;
 }
 

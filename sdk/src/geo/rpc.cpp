@@ -264,7 +264,7 @@ std::optional<PLKRPCData> readRpc(const Jp2Structure &structure, const std::stri
                                   std::vector<std::string> *warnings)
 {
     for (const UuidBox &box : structure.uuidBoxes) {
-        const auto numbers = box.uuid == kGeoJp2Uuid ? readRpcTag(box.content) : std::nullopt;
+        const auto numbers = box.uuid == kGeoJp2Uuid ? readRpcTag(box.content, warnings) : std::nullopt;
         if (numbers)
             return rpcOfNumbers(*numbers);
     }

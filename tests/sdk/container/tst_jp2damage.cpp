@@ -63,6 +63,15 @@ private:
     std::string sourceName = "metered";
 };
 
+Bytes repeated(const Bytes &pattern, unsigned count)
+{
+    Bytes all;
+    all.reserve(pattern.size() * count);
+    for (unsigned i = 0; i < count; ++i)
+        all.insert(all.end(), pattern.begin(), pattern.end());
+    return all;
+}
+
 Bytes start()
 {
     return join({signature(), fileType()});
@@ -159,23 +168,17 @@ void TestJp2Damage::hostile_data()
 {
     QTest::addColumn<Bytes>("boxes");
     QTest::addColumn<int>("code");
-    Bytes nested;
-    for (int i = 0; i < 1000000; ++i)
-        append(nested, join({number(8 * (1000000u - i), 4), text("asoc")}));
+    constexpr unsigned kMillion = 1000000;
+    Bytes nested = repeated(box("asoc", {}), kMillion);
+    for (unsigned i = 0; i < kMillion; ++i) {
+        const Bytes length = number(8 * (kMillion - i), 4);
+        std::copy(length.begin(), length.end(), nested.begin() + 8 * int(i));
+    }
     QTest::newRow("a million nested boxes") << nested << int(PLK_ERR_MALFORMED);
-    Bytes openNested;
-    for (int i = 0; i < 1000000; ++i)
-        append(openNested, join({number(0, 4), text("jp2h")}));
-    QTest::newRow("a million nested open boxes") << openNested << int(PLK_ERR_MALFORMED);
-    Bytes many;
-    for (int i = 0; i < 500000; ++i)
-        append(many, box("free", {}));
+    QTest::newRow("a million nested open boxes") << repeated(openBox("jp2h", {}), kMillion) << int(PLK_ERR_MALFORMED);
     QTest::newRow("half a million boxes, then the codestream")
-        << join({many, box("jp2c", kCodestream)}) << int(PLK_SUCCESS);
-    Bytes uuids;
-    for (int i = 0; i < 200000; ++i)
-        append(uuids, uuid(Bytes(16, 1), {}));
-    QTest::newRow("uuid boxes without end") << uuids << int(PLK_ERR_MALFORMED);
+        << join({repeated(box("free", {}), kMillion / 2), box("jp2c", kCodestream)}) << int(PLK_SUCCESS);
+    QTest::newRow("uuid boxes without end") << repeated(uuid(Bytes(16, 1), {}), 200000) << int(PLK_ERR_MALFORMED);
     QTest::newRow("palette without values")
         << join({jp2h({box("pclr", {4, 0, 255})}), box("jp2c", kCodestream)}) << int(PLK_SUCCESS);
     QTest::newRow("65535 definitions in 2 bytes")
@@ -195,7 +198,7 @@ void TestJp2Damage::hostile()
     QElapsedTimer timer;
     timer.start();
     QCOMPARE(xrv::readJp2Structure(source, &structure, &warnings).GetErrorNumber(), code);
-    QVERIFY2(timer.elapsed() < 1000, "slow");
+    QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
     QVERIFY(!warnings.empty() && warnings.size() < 100);
     QVERIFY(structure.depths.empty() && !structure.palette && structure.definitions.empty());
 }

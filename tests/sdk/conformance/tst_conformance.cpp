@@ -16,6 +16,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 using namespace xrv;
@@ -104,11 +105,12 @@ Difference difference(const Plane &plane, const IntRect &rect, const PgxImage &e
     return sum;
 }
 
-/// What 8-bit output makes of \a cell without a transform.
+/// What 8-bit output makes of \a cell without a transform: deep cells are shifted down, shallow ones fill the range.
 std::int64_t toByte(std::int64_t cell, int bits, bool isSigned)
 {
     const std::int64_t positive = isSigned ? cell + (std::int64_t{1} << (bits - 1)) : cell;
-    return bits > 8 ? positive >> (bits - 8) : positive << (8 - bits);
+    const double highest = static_cast<double>((std::int64_t{1} << bits) - 1);
+    return bits >= 8 ? positive >> (bits - 8) : std::llround(static_cast<double>(positive) / highest * 255.0);
 }
 
 /// All of the file that is open in \a view, one pixel per cell.

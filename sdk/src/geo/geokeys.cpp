@@ -188,7 +188,7 @@ std::optional<CrsDescription> userDefined(GTIF *keys, int model, int geographic)
     if (model == ModelTypeProjected) {
         if (const int code = utmCode(geographic, utmZone(*definition)))
             return crsOfEpsg(code);
-        crsOfDefinition(projString, &crs);
+        crsOfProjString(projString, &crs);
         if (crs.projection.empty() || crs.projection == "RAW")
             crs.projection = "USER-DEFINED";
         crs.units = unitsOfFactor(false, definition->UOMLengthInMeters);

@@ -1,1 +1,4 @@
 xrv_add_sdk_test(tst_geojp2)
+xrv_add_sdk_test(tst_georeference)
+xrv_add_sdk_test(tst_gmlinjp2)
+xrv_add_sdk_test(tst_sidefiles)

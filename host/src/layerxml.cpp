@@ -16,16 +16,16 @@ namespace Map {
 
 namespace {
 
-constexpr QLatin1String kUid("Uid");
-constexpr QLatin1String kDescription("Description");
-constexpr QLatin1String kComments("Comments");
-constexpr QLatin1String kVisible("Visible");
-constexpr QLatin1String kDataSource("DataSource");
-constexpr QLatin1String kRelative("relative");
-constexpr QLatin1String kProperties("Properties");
-constexpr QLatin1String kProperty("Property");
-constexpr QLatin1String kName("name");
-constexpr QLatin1String kClass("class");
+const QLatin1String kUid("Uid");
+const QLatin1String kDescription("Description");
+const QLatin1String kComments("Comments");
+const QLatin1String kVisible("Visible");
+const QLatin1String kDataSource("DataSource");
+const QLatin1String kRelative("relative");
+const QLatin1String kProperties("Properties");
+const QLatin1String kProperty("Property");
+const QLatin1String kName("name");
+const QLatin1String kClass("class");
 
 /// A setter may undo an earlier one (re-opening a source resets some values), so restoring is repeated until it holds.
 constexpr int kMaxRestorePasses = 3;

@@ -18,7 +18,7 @@ namespace Gui {
 namespace {
 
 constexpr int kMaxRecentAddresses = 10;
-constexpr QLatin1String kRecentAddressesKey("XRVPBrowser/RecentAddresses");
+const QLatin1String kRecentAddressesKey("XRVPBrowser/RecentAddresses");
 
 QString withoutPassword(const QString &address)
 {

@@ -88,8 +88,10 @@ void BatchRunner::takeProject(const QString &fileName)
     ProjectView &current = project.views[static_cast<size_t>(project.currentView)];
     if (firstBounds.isNull())
         firstBounds = current.worldRect;
-    for (std::unique_ptr<Layer> &layer : current.layers)
-        takeLayer(Sources::ofLayer(*layer), std::move(layer));
+    for (std::unique_ptr<Layer> &layer : current.layers) {
+        const QString source = Sources::ofLayer(*layer);
+        takeLayer(source, std::move(layer));
+    }
 }
 
 void BatchRunner::takeLayer(const QString &source, std::unique_ptr<Layer> layer)

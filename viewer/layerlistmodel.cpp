@@ -39,8 +39,11 @@ void LayerListModel::setView(MapView *view)
     if (mapView) {
         connect(mapView, &MapView::layersChanged, this, &LayerListModel::reload);
         connect(mapView, &MapView::layerUpdated, this, &LayerListModel::onLayerUpdated);
-        // The view's layers are gone when this arrives.
-        connect(mapView, &QObject::destroyed, this, &LayerListModel::reload);
+        // A widget tells of its end while guarded pointers still hold, and its layers are gone by then.
+        connect(mapView, &QObject::destroyed, this, [this] {
+            mapView.clear();
+            reload();
+        });
     }
     reload();
 }

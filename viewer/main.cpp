@@ -46,6 +46,20 @@ void ensurePlatform()
 #endif
 }
 
+/// What the toolkit grumbles about belongs into the log: standard error is for what a person has to know.
+void logToolkitMessage(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    using Korvane::Application;
+    Application::LogLevel level = Application::LogDebug;
+    if (type == QtWarningMsg)
+        level = Application::LogWarning;
+    else if (type == QtCriticalMsg || type == QtFatalMsg)
+        level = Application::LogError;
+    Application::logMessage(text, level, QDateTime::currentDateTime());
+    if (level == Application::LogError)
+        std::fprintf(stderr, "qdviewer: %s\n", qPrintable(text));
+}
+
 void nameApplication()
 {
     QCoreApplication::setOrganizationName(QStringLiteral("Korvane"));
@@ -100,6 +114,7 @@ int main(int argc, char *argv[])
 {
     ensureUtf8Locale();
     ensurePlatform();
+    qInstallMessageHandler(logToolkitMessage);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     nameApplication();

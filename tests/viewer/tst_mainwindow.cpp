@@ -1,0 +1,279 @@
+#include "mainactions.h"
+#include "mainwindow.h"
+#include "maparea.h"
+#include "preferencesdialog.h"
+#include "propertieswindow.h"
+#include "viewertest.h"
+
+#include <QDGui/ilayereditorplugin.h>
+#include <QDGui/ilayerplugin.h>
+#include <QDGui/mapview.h>
+
+#include <QAction>
+#include <QDockWidget>
+#include <QDropEvent>
+#include <QLabel>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QTabWidget>
+#include <QTimer>
+#include <QToolBar>
+#include <QUrl>
+
+#include <memory>
+
+using Korvane::Map::Layer;
+using Korvane::Map::MapView;
+using Viewer::MainWindow;
+using Viewer::MapArea;
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void bringsPluginPieces();
+    void tellsDocksOfLayers();
+    void opensSourcesInOneView();
+    void summarizesFailures();
+    void adoptsForeignSubWindows();
+    void takesDrops();
+    void leavesOtherDropsAlone();
+    void remembersDocks();
+    void propertiesFollowLayer();
+    void preferencesSaveOnOk();
+    void survivesClosingBusyViews();
+    void switchesArrangement();
+
+private:
+    QLabel *panel() const
+    {
+        return window->findChild<QDockWidget *>(QStringLiteral("QuadDock"))->findChild<QLabel *>();
+    }
+    bool drop(const QMimeData &data, const QPoint &position);
+
+    ViewerTest test;
+    std::unique_ptr<MainWindow> window;
+};
+
+void TestMainWindow::init()
+{
+    window = std::make_unique<MainWindow>(test.registry);
+    window->resize(1000, 700);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+}
+
+void TestMainWindow::cleanup()
+{
+    window.reset();
+}
+
+void TestMainWindow::bringsPluginPieces()
+{
+    const auto *dock = window->findChild<QDockWidget *>(QStringLiteral("QuadDock"));
+    QVERIFY(dock && dock->isVisible());
+    QVERIFY(window->findChild<QToolBar *>(QStringLiteral("QuadBar"))->isVisible());
+    QStringList menuTexts;
+    for (const QMenu *menu : window->findChildren<QMenu *>())
+        for (const QAction *action : menu->actions())
+            menuTexts.append(action->text());
+    QVERIFY(menuTexts.contains(QStringLiteral("Quad Action")));
+    QVERIFY(menuTexts.contains(QStringLiteral("Quad Properties")));
+    QCOMPARE(Korvane::Application::instance()->getMainWindow(), window.get());
+}
+
+void TestMainWindow::tellsDocksOfLayers()
+{
+    QCOMPARE(window->addSources({test.quad(QStringLiteral("one.quad"))}, nullptr), QStringList());
+    QCOMPARE(panel()->text(), QStringLiteral("one.quad"));
+    QVERIFY(!panel()->property("windowTitleSeen").toString().isEmpty());
+    MapView *first = window->mapArea()->currentView();
+    window->mapArea()->createView();
+    QCOMPARE(panel()->text(), QStringLiteral("none"));
+    window->mapArea()->setCurrentView(first);
+    QCOMPARE(panel()->text(), QStringLiteral("one.quad"));
+    first->removeLayer(first->getLayer(0));
+    QCOMPARE(panel()->text(), QStringLiteral("none"));
+    window->mapArea()->closeAllViews();
+    QCOMPARE(panel()->property("windowTitleSeen").toString(), QStringLiteral("none"));
+}
+
+void TestMainWindow::opensSourcesInOneView()
+{
+    const QStringList failures =
+        window->addSources({test.path(QStringLiteral("missing")), test.quad(QStringLiteral("a.quad")),
+                            test.quad(QStringLiteral("b.quad"))},
+                           nullptr);
+    QCOMPARE(failures.size(), 1);
+    QCOMPARE(window->mapArea()->views().size(), 1);
+    QCOMPARE(window->mapArea()->currentView()->getLayerCount(), 2);
+    QVERIFY(window->mainActions()->zoomToLayer->isEnabled());
+    // Where nothing can be opened, no empty view is left behind.
+    window->mapArea()->closeAllViews();
+    QCOMPARE(window->addSources({test.path(QStringLiteral("missing"))}, nullptr).size(), 1);
+    QVERIFY(window->mapArea()->views().isEmpty());
+    QVERIFY(!window->mainActions()->zoomToLayer->isEnabled());
+}
+
+void TestMainWindow::summarizesFailures()
+{
+    QStringList texts;
+    QTimer closer;
+    connect(&closer, &QTimer::timeout, this, [&] {
+        if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+            texts.append(box->text() + box->informativeText());
+            box->accept();
+        }
+    });
+    closer.start(10);
+    window->openSources(
+        {test.path(QStringLiteral("x1")), test.quad(QStringLiteral("a.quad")), test.path(QStringLiteral("x2"))});
+    window->openSources({test.path(QStringLiteral("x3"))});
+    QCOMPARE(texts.size(), 2);
+    QVERIFY2(texts[0].contains(QLatin1String("2 of 3")) && texts[0].contains(QLatin1String("x2")),
+             qPrintable(texts[0]));
+    QVERIFY2(texts[1].contains(QLatin1String("x3 does not exist")), qPrintable(texts[1]));
+}
+
+void TestMainWindow::adoptsForeignSubWindows()
+{
+    // As a plug-in does it that opens a layer by itself.
+    auto *view = new MapView;
+    window->mapArea()->addSubWindow(view)->show();
+    auto *layer = test.registry.getPlugins().first().factory->createLayer(false);
+    QVERIFY(layer->setDataSource(test.quad(QStringLiteral("own.quad"))));
+    QCOMPARE(view->addLayer(layer, -1), 0);
+    Q_EMIT window->mapArea()->subWindowActivated(window->mapArea()->activeSubWindow());
+    QCOMPARE(window->mapArea()->views(), QVector<MapView *>{view});
+    QCOMPARE(window->mapArea()->currentView(), view);
+    QCOMPARE(panel()->text(), QStringLiteral("own.quad"));
+    QCOMPARE(window->mapArea()->currentSubWindow()->windowTitle(), QStringLiteral("own.quad"));
+}
+
+bool TestMainWindow::drop(const QMimeData &data, const QPoint &position)
+{
+    QDragEnterEvent enter(position, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+    enter.ignore();
+    QApplication::sendEvent(window.get(), &enter);
+    if (!enter.isAccepted())
+        return false;
+    QDropEvent event(position, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+    event.ignore();
+    QApplication::sendEvent(window.get(), &event);
+    return event.isAccepted() && event.dropAction() == Qt::CopyAction;
+}
+
+void TestMainWindow::takesDrops()
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(test.quad(QStringLiteral("d1.quad"))),
+                  QUrl::fromLocalFile(test.quad(QStringLiteral("d2.quad")))});
+    QVERIFY(drop(data, QPoint(5, 5)));
+    QTRY_COMPARE(window->mapArea()->views().size(), 1);
+    MapView *first = window->mapArea()->currentView();
+    QTRY_COMPARE(first->getLayerCount(), 2);
+
+    // Side by side, what is dropped goes to the view under the pointer, not to the current one.
+    MapView *second = window->mapArea()->createView();
+    window->mainActions()->tile->trigger();
+    QTRY_VERIFY(first->isVisible() && second->isVisible());
+    QVERIFY(drop(data, first->mapTo(window.get(), QPoint(20, 20))));
+    QTRY_COMPARE(first->getLayerCount(), 4);
+    QCOMPARE(second->getLayerCount(), 0);
+}
+
+void TestMainWindow::leavesOtherDropsAlone()
+{
+    QMimeData data;
+    data.setText(QStringLiteral("just words"));
+    QVERIFY(!drop(data, QPoint(5, 5)));
+}
+
+void TestMainWindow::remembersDocks()
+{
+    auto *dock = window->findChild<QDockWidget *>(QStringLiteral("QuadDock"));
+    window->addDockWidget(Qt::RightDockWidgetArea, dock);
+    window->findChild<QDockWidget *>(QStringLiteral("LayerListDock"))->hide();
+    window->close();
+    window = std::make_unique<MainWindow>(test.registry);
+    window->restoreLayout();
+    window->show();
+    dock = window->findChild<QDockWidget *>(QStringLiteral("QuadDock"));
+    QCOMPARE(window->dockWidgetArea(dock), Qt::RightDockWidgetArea);
+    QVERIFY(!window->findChild<QDockWidget *>(QStringLiteral("LayerListDock"))->isVisible());
+    Korvane::Application::instance()->settings()->clear();
+}
+
+void TestMainWindow::propertiesFollowLayer()
+{
+    window->addSources({test.quad(QStringLiteral("p1.quad")), test.quad(QStringLiteral("p2.quad"))}, nullptr);
+    MapView *view = window->mapArea()->currentView();
+    window->mainActions()->layerProperties->trigger();
+    auto *properties = window->findChild<Viewer::PropertiesWindow *>();
+    QVERIFY(properties->isVisible());
+    QVERIFY(properties->windowTitle().contains(QLatin1String("p2.quad")));
+    auto *tabs = properties->findChild<QTabWidget *>();
+    QCOMPARE(tabs->count(), 2);
+    tabs->setCurrentIndex(1);
+    QCOMPARE(tabs->tabText(1), QStringLiteral("Quad Info"));
+
+    view->setActiveLayer(view->getLayer(0));
+    QVERIFY(properties->windowTitle().contains(QLatin1String("p1.quad")));
+    QCOMPARE(tabs->currentIndex(), 1);
+    properties->accept();
+    QCOMPARE(view->getLayer(0)->getComments(), QStringLiteral("applied"));
+    QCOMPARE(view->getLayer(1)->getComments(), QString());
+
+    window->mainActions()->layerProperties->trigger();
+    view->removeLayer(view->getLayer(0));
+    QVERIFY(properties->windowTitle().contains(QLatin1String("p2.quad")));
+    view->removeLayer(view->getLayer(0));
+    QVERIFY(!properties->isVisible());
+}
+
+void TestMainWindow::preferencesSaveOnOk()
+{
+    const QString key = QStringLiteral("Quad/Saved");
+    QSettings *settings = Korvane::Application::instance()->settings();
+    ILayerEditorPlugin *editor = test.registry.getPlugins().first().editor;
+    Viewer::PreferencesDialog(editor->getPreferencePages().toVector(), nullptr).reject();
+    QVERIFY(!settings->contains(key));
+    Viewer::PreferencesDialog(editor->getPreferencePages().toVector(), nullptr).accept();
+    QVERIFY(settings->value(key).toBool());
+}
+
+void TestMainWindow::survivesClosingBusyViews()
+{
+    const QString slow = test.quad(QStringLiteral("slow.quad"), "QUAD 40 20 0 0 1 slow");
+    for (int i = 0; i < 20; ++i) {
+        QCOMPARE(window->addSources({slow, slow}, nullptr), QStringList());
+        QCoreApplication::processEvents();
+        if (i % 2)
+            window->mainActions()->closeView->trigger();
+        QCoreApplication::processEvents();
+    }
+    QTRY_COMPARE(window->mapArea()->views().size(), 10);
+    window->mapArea()->closeAllViews();
+    QVERIFY(window->mapArea()->views().isEmpty());
+    QCOMPARE(panel()->text(), QStringLiteral("none"));
+}
+
+void TestMainWindow::switchesArrangement()
+{
+    for (int i = 0; i < 3; ++i)
+        window->mapArea()->createView();
+    window->mainActions()->tile->trigger();
+    QCOMPARE(window->mapArea()->arrangement(), MapArea::Arrangement::Windows);
+    QTRY_VERIFY(window->mapArea()->views().at(0)->isVisible() && window->mapArea()->views().at(2)->isVisible());
+    window->mainActions()->tabs->trigger();
+    QCOMPARE(window->mapArea()->arrangement(), MapArea::Arrangement::Tabs);
+    QCOMPARE(window->mapArea()->views().size(), 3);
+}
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"

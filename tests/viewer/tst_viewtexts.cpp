@@ -1,0 +1,69 @@
+#include "viewtexts.h"
+
+#include <QLocale>
+#include <QTest>
+
+#include <limits>
+
+namespace ViewTexts = Viewer::ViewTexts;
+
+class TestViewTexts : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates)); }
+    void tellsPixelsApart_data();
+    void tellsPixelsApart();
+    void zoom_data();
+    void zoom();
+    void followsLocale();
+};
+
+void TestViewTexts::tellsPixelsApart_data()
+{
+    QTest::addColumn<double>("unitsPerPixel");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("metres, coarse") << 240.0 << "X 299,940  Y -4,100,000";
+    QTest::newRow("metres, one") << 1.0 << "X 299,940.1  Y -4,100,000.3";
+    QTest::newRow("centimetres") << 0.01 << "X 299,940.125  Y -4,100,000.250";
+    QTest::newRow("nothing") << 0.0 << "X 299,940  Y -4,100,000";
+    QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << "X 299,940  Y -4,100,000";
+}
+
+void TestViewTexts::tellsPixelsApart()
+{
+    QFETCH(double, unitsPerPixel);
+    QTEST(ViewTexts::coordinates(QPointF(299940.125, -4100000.25), unitsPerPixel), "text");
+}
+
+void TestViewTexts::zoom_data()
+{
+    QTest::addColumn<double>("cellSize");
+    QTest::addColumn<double>("unitsPerPixel");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("native") << 60.0 << 60.0 << "100 %";
+    QTest::newRow("south up") << -60.0 << 240.0 << "25 %";
+    QTest::newRow("far out") << 1.0 << 1234.0 << "0.081 %";
+    QTest::newRow("far in") << 1.0 << 0.001 << "100,000 %";
+    QTest::newRow("third") << 1.0 << 3.0 << "33.3 %";
+    QTest::newRow("no cells") << 0.0 << 3.0 << "";
+}
+
+void TestViewTexts::zoom()
+{
+    QFETCH(double, cellSize);
+    QFETCH(double, unitsPerPixel);
+    QTEST(ViewTexts::zoomPercent(cellSize, unitsPerPixel), "text");
+}
+
+void TestViewTexts::followsLocale()
+{
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    QCOMPARE(ViewTexts::unitsPerPixel(0.25), QStringLiteral("0,25 units per pixel"));
+    QCOMPARE(ViewTexts::unitsPerPixel(2500), QStringLiteral("2.500 units per pixel"));
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+}
+
+QTEST_MAIN(TestViewTexts)
+#include "tst_viewtexts.moc"

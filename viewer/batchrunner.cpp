@@ -13,14 +13,22 @@
 #include <QDGui/pluginregistry.h>
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QJsonDocument>
-#include <QScreen>
 #include <QTextStream>
+#include <QTimer>
 
 namespace Viewer {
 
 using Korvane::Map::Layer;
 using Korvane::Map::MapView;
+
+namespace {
+
+/// The status bar's fields follow the view by timers a little later.
+constexpr int kSettleMs = 150;
+
+} // namespace
 
 BatchRunner::BatchRunner(const CommandLine &commandLine, const Korvane::PluginRegistry &registry, QTextStream &out,
                          QTextStream &err)
@@ -155,6 +163,13 @@ void BatchRunner::resizeWindow()
     QApplication::processEvents();
 }
 
+void BatchRunner::settle()
+{
+    QEventLoop loop;
+    QTimer::singleShot(kSettleMs, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
 void BatchRunner::writeWindowPicture()
 {
     resizeWindow();
@@ -174,7 +189,7 @@ void BatchRunner::writeWindowPicture()
         fail(tr("The window was not complete after %1 seconds and its picture is not written.").arg(timeoutMs / 1000));
         return;
     }
-    QApplication::processEvents();
+    settle();
     const QString error = Pictures::writePng(window->grab().toImage(), commandLine.windowFile);
     if (!error.isEmpty())
         fail(error);

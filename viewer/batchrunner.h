@@ -49,6 +49,7 @@ private:
     void writeScreenshot();
     void writeWindowPicture();
     void resizeWindow();
+    void settle();
     void fail(const QString &sentence);
 
     const CommandLine &commandLine;

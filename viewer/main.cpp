@@ -1,5 +1,6 @@
 #include "batchrunner.h"
 #include "commandline.h"
+#include "icons.h"
 #include "mainwindow.h"
 #include "pluginfolders.h"
 
@@ -7,6 +8,7 @@
 #include <QDGui/pluginregistry.h>
 
 #include <QApplication>
+#include <QFont>
 #include <QTextStream>
 #include <QTimer>
 
@@ -22,6 +24,7 @@ using namespace Viewer;
 namespace {
 
 constexpr int kUsageError = 2;
+constexpr double kOffscreenFontSize = 9.0;
 
 /// In the plain "C" locale, file names beyond ASCII would be lost between the command line and the file system.
 void ensureUtf8Locale()
@@ -66,6 +69,17 @@ void nameApplication()
     QCoreApplication::setApplicationName(QStringLiteral("qdviewer"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QDVIEWER_VERSION));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("QDViewer"));
+}
+
+void dressApplication()
+{
+    QApplication::setWindowIcon(Icons::icon(Icons::Shape::Map));
+    // The platform without a display has no desktop to take a size from, and its default is twice the usual area.
+    if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
+        QFont font = QApplication::font();
+        font.setPointSizeF(kOffscreenFontSize);
+        QApplication::setFont(font);
+    }
 }
 
 /// Loads the plug-ins of the first folder that has any: a build is not mixed with an installation.
@@ -120,6 +134,7 @@ int main(int argc, char *argv[])
     nameApplication();
     QApplication application(argc, argv);
 
+    dressApplication();
     QTextStream out(stdout);
     QTextStream err(stderr);
     out.setCodec("UTF-8");

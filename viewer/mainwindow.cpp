@@ -48,6 +48,9 @@ const QString kStateKey = QStringLiteral("Viewer/State");
 const QString kRecentKey = QStringLiteral("Viewer/RecentSources");
 const QString kFolderKey = QStringLiteral("Viewer/Folder");
 
+/// In average characters: wide enough for a layer's name and for a panel's controls.
+constexpr int kDockWidth = 44;
+
 /// Raised whenever docks or tool bars are named otherwise, so that no old state is restored.
 constexpr int kStateVersion = 1;
 
@@ -111,6 +114,7 @@ void MainWindow::placeDocks()
         docks.first()->raise();
         resizeDocks({layerDock, docks.first()}, {1, 2}, Qt::Vertical);
     }
+    resizeDocks({layerDock}, {fontMetrics().averageCharWidth() * kDockWidth}, Qt::Horizontal);
     addDockWidget(Qt::BottomDockWidgetArea, logDock);
     logDock->hide();
 }

@@ -4,6 +4,7 @@
 #include <QDGui/mapview.h>
 
 #include <QMdiSubWindow>
+#include <QTabBar>
 
 namespace Viewer {
 
@@ -19,6 +20,7 @@ MapArea::MapArea(QWidget *parent)
     setTabsMovable(true);
     setDocumentMode(true);
     setViewMode(QMdiArea::TabbedView);
+    styleTabBar();
     connect(this, &QMdiArea::subWindowActivated, this, &MapArea::onSubWindowActivated);
 }
 
@@ -40,8 +42,10 @@ MapView *MapArea::createView(const QString &title)
     adopt(window);
     records[view].givenTitle = title;
     updateTitle(view);
-    window->resize(640, 480);
-    window->show();
+    if (arrangement() == Arrangement::Windows) {
+        window->resize(view->sizeHint());
+        window->show();
+    }
     setActiveSubWindow(window);
     announceCurrent();
     Q_EMIT contentChanged();
@@ -113,11 +117,24 @@ void MapArea::setArrangement(Arrangement wanted)
     if (wanted == arrangement())
         return;
     setViewMode(wanted == Arrangement::Tabs ? QMdiArea::TabbedView : QMdiArea::SubWindowView);
-    if (wanted == Arrangement::Windows) {
-        const QList<QMdiSubWindow *> windows = subWindowList();
-        for (QMdiSubWindow *window : windows)
+    styleTabBar();
+    const QList<QMdiSubWindow *> windows = subWindowList();
+    for (QMdiSubWindow *window : windows) {
+        if (wanted == Arrangement::Tabs)
+            window->showMaximized();
+        else
             window->showNormal();
+    }
+    if (wanted == Arrangement::Windows)
         cascadeSubWindows();
+}
+
+void MapArea::styleTabBar()
+{
+    // The area makes a tab bar whenever its tabs are switched on, and stretches one tab over the whole width.
+    if (auto *bar = findChild<QTabBar *>(QString(), Qt::FindDirectChildrenOnly)) {
+        bar->setExpanding(false);
+        bar->setElideMode(Qt::ElideMiddle);
     }
 }
 
@@ -139,6 +156,8 @@ void MapArea::adopt(QMdiSubWindow *window)
     if (!view || records.contains(view))
         return;
     window->setAttribute(Qt::WA_DeleteOnClose);
+    if (arrangement() == Arrangement::Tabs)
+        window->showMaximized();
     records[view].number = nextNumber++;
     order.append(view);
     connect(view, &QObject::destroyed, this, [this, view] { forget(view); });

@@ -72,6 +72,7 @@ private:
     void updateTitle(Korvane::Map::MapView *view);
     QMdiSubWindow *windowOf(const Korvane::Map::MapView *view) const;
     void announceCurrent();
+    void styleTabBar();
 
     QHash<const QObject *, Record> records;
     QVector<Korvane::Map::MapView *> order;

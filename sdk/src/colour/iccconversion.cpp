@@ -81,7 +81,7 @@ struct IccConversion::Private
     std::array<Line, kMaxChannels> lines;
 
     // Nothing to share between threads: without the cache of the last pixel a transform is never written to.
-    bool makeTransform(cmsHPROFILE profile, int inputSpace);
+    bool makeTransform(cmsHPROFILE profile, int inputSpace, cmsUInt32Number flags = 0);
     template <typename In, typename Out>
     void convert(const std::int32_t *const *in, int width, std::int32_t *const *out) const;
     double top() const { return fullScale(8 * outputBytes); }
@@ -90,7 +90,7 @@ struct IccConversion::Private
     bool isNear(std::size_t channel, const std::int32_t *cells, const std::int32_t *results, int count) const;
 };
 
-bool IccConversion::Private::makeTransform(cmsHPROFILE profile, int inputSpace)
+bool IccConversion::Private::makeTransform(cmsHPROFILE profile, int inputSpace, cmsUInt32Number flags)
 {
     const ProfilePtr display =
         outputs == 1 ? sRgbGrey(context.get()) : ProfilePtr(cmsCreate_sRGBProfileTHR(context.get()));
@@ -98,7 +98,7 @@ bool IccConversion::Private::makeTransform(cmsHPROFILE profile, int inputSpace)
         return false;
     transform.reset(cmsCreateTransformTHR(context.get(), profile, format(inputSpace, inputs, inputBytes), display.get(),
                                           format(outputs == 1 ? PT_GRAY : PT_RGB, outputs, outputBytes),
-                                          INTENT_PERCEPTUAL, cmsFLAGS_NOCACHE));
+                                          INTENT_PERCEPTUAL, flags | cmsFLAGS_NOCACHE));
     return transform != nullptr;
 }
 
@@ -242,7 +242,9 @@ std::unique_ptr<IccConversion> IccConversion::fromLab(const Bytes &parameters, c
     }
     p->context.reset(cmsCreateContext(nullptr, nullptr));
     const ProfilePtr input(p->context ? cmsCreateLab4ProfileTHR(p->context.get(), nullptr) : nullptr);
-    if (!input || !p->makeTransform(input.get(), PT_Lab))
+    // A table of few nodes, which the transform would be made into, is too coarse where Lab leaves the gamut of the
+    // display.
+    if (!input || !p->makeTransform(input.get(), PT_Lab, cmsFLAGS_NOOPTIMIZE))
         return nullptr;
     return std::unique_ptr<IccConversion>(new IccConversion(std::move(p)));
 }

@@ -19,8 +19,8 @@ std::unique_ptr<LinearConversion> LinearConversion::extendedSRgb(const std::vect
 
 std::unique_ptr<LinearConversion> LinearConversion::reversed(const Channel &channel)
 {
-    std::unique_ptr<LinearConversion> conversion(new LinearConversion(channel.bits));
-    const double white = fullScale(channel.bits) - signOffset(channel);
+    std::unique_ptr<LinearConversion> conversion(new LinearConversion(std::min<int>(channel.bits, 31)));
+    const double white = fullScale(conversion->bits) - signOffset(channel);
     conversion->lines.push_back({-1.0, white});
     return conversion;
 }

@@ -9,15 +9,9 @@ namespace xrv {
 
 namespace {
 
-constexpr int kMaxBits = 38;
 constexpr std::uint64_t kMaxProfile = 16u << 20;
 // The largest palette: 1024 entries of 255 columns of 5 bytes.
 constexpr std::uint64_t kMaxSmallBox = 2u << 20;
-
-BitDepth depthOf(std::uint8_t code)
-{
-    return {static_cast<std::uint8_t>((code & 0x7f) + 1), (code & 0x80) != 0};
-}
 
 bool parseImageHeader(ByteCursor cursor, HeaderBoxes *header)
 {
@@ -155,6 +149,11 @@ bool isThere(std::uint32_t type, const HeaderBoxes &header)
 }
 
 } // namespace
+
+BitDepth depthOf(std::uint8_t code)
+{
+    return {static_cast<std::uint8_t>((code & 0x7f) + 1), (code & 0x80) != 0};
+}
 
 bool HeaderBoxReader::parse(std::uint32_t type, const Bytes &content, HeaderBoxes *header)
 {

@@ -9,6 +9,11 @@
 
 namespace xrv {
 
+/// ISO/IEC 15444-1 table I.7.
+constexpr int kMaxBits = 38;
+/// The depth of a code with one less than the bits and the sign in the highest bit; may be more than kMaxBits.
+BitDepth depthOf(std::uint8_t code);
+
 /// Image header box (ISO/IEC 15444-1 I.5.3.1).
 struct ImageHeader
 {

@@ -288,8 +288,8 @@ void StructureReader::fillDepths(const ImageHeader &image, const HeaderBoxes &he
     }
     found.imageWidth = image.width;
     found.imageHeight = image.height;
-    if (image.depthCode != 255) {
-        const BitDepth depth{static_cast<std::uint8_t>((image.depthCode & 0x7f) + 1), (image.depthCode & 0x80) != 0};
+    const BitDepth depth = depthOf(image.depthCode);
+    if (image.depthCode != 255 && depth.bits <= kMaxBits) {
         found.depths.assign(image.components, depth);
     } else if (header.depths.size() == image.components) {
         found.depths = header.depths;

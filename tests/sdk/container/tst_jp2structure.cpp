@@ -125,6 +125,7 @@ void TestJp2Structure::imageHeader_data()
                                          << "1 -38 8" << false;
     QTest::newRow("too few depths") << jp2h({ihdr(7, 9, 3, 255), bpcc({7, 7})}) << "" << true;
     QTest::newRow("depth of 128 bits") << jp2h({ihdr(7, 9, 1, 255), bpcc({127})}) << "" << true;
+    QTest::newRow("one depth of 127 bits") << jp2h({ihdr(7, 9, 1, 126)}) << "" << true;
     QTest::newRow("second header") << jp2h({ihdr(7, 9, 1), ihdr(1, 1, 2)}) << "8" << true;
     QTest::newRow("outside of the header") << join({ihdr(7, 9, 2), colrEnumerated(17)}) << "8 8" << true;
     QTest::newRow("none") << Bytes() << "" << true;
@@ -224,7 +225,8 @@ void TestJp2Structure::extendedHeaders()
     const Bytes file = jpx(
         {jp2h({ihdr(2, 2, 3), colrEnumerated(16), cdef({{0, 0, 1}})}),
          superBox("jpch", {label("first"), ihdr(5, 6, 1), xml("<label/>")}), superBox("jpch", {ihdr(8, 8, 2)}),
-         superBox("jplh", {superBox("cgrp", {colrEnumerated(18)}), box("creg", join({number(0, 4), number(1ull << 32, 6)}))}),
+         superBox("jplh",
+                  {superBox("cgrp", {colrEnumerated(18)}), box("creg", join({number(0, 4), number(1ull << 32, 6)}))}),
          superBox("jplh", {superBox("cgrp", {colrEnumerated(17)}), box("creg", join({number(0, 4), number(0, 6)}))}),
          box("jp2c", kCodestream), box("jp2c", {1, 2, 3})});
     const Reading reading = readFile(file);

@@ -1,0 +1,2 @@
+xrv_add_sdk_test(tst_bandmap)
+xrv_add_sdk_test(tst_colourconversion)

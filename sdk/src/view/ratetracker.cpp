@@ -16,7 +16,8 @@ void RateTracker::learn(double estimated, double measured)
     if (estimated < kTooShort)
         return;
     const double seen = std::clamp(measured / estimated, 0.1, 20.0);
-    factor += (seen - factor) * kNewest;
+    factor = measuredOnce ? factor + (seen - factor) * kNewest : seen;
+    measuredOnce = true;
 }
 
 } // namespace xrv

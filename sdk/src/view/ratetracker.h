@@ -2,7 +2,8 @@
 
 namespace xrv {
 
-/// Learns by how much reads take longer or shorter than the reader estimates, on this machine and for this file.
+/// Learns by how much reads take longer or shorter than the reader estimates, on this machine and for this file. Until
+/// a read was measured they are expected to take twice as long: the first ones also read the file's index.
 class RateTracker
 {
 public:
@@ -12,7 +13,8 @@ public:
     void learn(double estimated, double measured);
 
 private:
-    double factor = 1.0;
+    double factor = 2.0;
+    bool measuredOnce = false;
 };
 
 } // namespace xrv

@@ -183,7 +183,7 @@ void TestLogger::threadsLogWhileSinksChange()
             }
         });
     std::size_t lines = 0;
-    for (int i = 0; i < 200 || lines == 0; ++i) {
+    for (int i = 0; i < 50 || lines == 0; ++i) {
         Sink<char> narrow; // gone at once after its removal
         Sink<wchar_t> wide;
         registerNarrow(&narrow);

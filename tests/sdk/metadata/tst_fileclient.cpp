@@ -1,0 +1,390 @@
+#include "data/jp2maker.h"
+
+#include <xrv60/plkfile.h>
+#include <xrv60/plkinit.h>
+#include <xrv60/plklog.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <mutex>
+#include <thread>
+
+namespace {
+
+/// Opens what a view would open.
+class Client : public PLK::SDK::CFileClient
+{
+public:
+    PLK::CError open(const std::string &name) { return OpenFileNamed(name.c_str()); }
+    void close() { CloseFile(true); }
+};
+
+class Lines : public PLK::ILogger<wchar_t>
+{
+public:
+    Lines() { PLK::CLog::RegisterLogger(this); }
+    ~Lines() override { PLK::CLog::RegisterLogger(static_cast<PLK::ILogger<wchar_t> *>(nullptr)); }
+    void attach(void *) override {}
+    void detach(void *) override {}
+    bool isLevelEnabled(void *, int) override { return true; }
+    void write(void *, int level, const wchar_t *text) override
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        lines.append(QStringLiteral("%1 %2").arg(level).arg(QString::fromWCharArray(text)));
+    }
+    QStringList matching(const QString &word)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return lines.filter(word);
+    }
+
+private:
+    std::mutex mutex; ///< guards lines
+    QStringList lines;
+};
+
+void writeFile(const QString &name, const jp2maker::FileBytes &bytes)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::WriteOnly) ||
+        file.write(reinterpret_cast<const char *>(bytes.data()), qint64(bytes.size())) != qint64(bytes.size()))
+        qFatal("cannot write the test file");
+}
+
+} // namespace
+
+class TestFileClient : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void fileInformation();
+    void bandsAndCellTypes_data();
+    void bandsAndCellTypes();
+    void headerOfTheCodestream();
+    void placeInTheWorld();
+    void xmlBoxesInFileOrder();
+    void streamIsTheFile();
+    void statisticsOfTheCells();
+    void nothingOpen();
+    void refusedWithASentence_data();
+    void refusedWithASentence();
+    void codestreamIsBelieved();
+    void opensAndClosesAreLogged();
+    void queriesFromManyThreads();
+
+private:
+    std::string save(const QString &name, const jp2maker::FileBytes &bytes) const
+    {
+        writeFile(folder.filePath(name), bytes);
+        return folder.filePath(name).toStdString();
+    }
+    QTemporaryDir folder;
+};
+
+void TestFileClient::fileInformation()
+{
+    jp2maker::Options options;
+    options.width = 120;
+    options.height = 70;
+    options.offsetX = 3;
+    options.components.assign(4, {});
+    options.opacityLast = true;
+    const jp2maker::FileBytes bytes = jp2maker::make(options);
+    const std::string name = save(QString::fromUtf8("Übersicht 東京.jp2"), bytes);
+    Client client;
+    const PLK::CError error = client.open(name);
+    QVERIFY2(error.IsSuccess(), error.GetErrorMessage());
+    QVERIFY(client.IsOpen());
+    QCOMPARE(client.GetFileName(), name);
+    QCOMPARE(client.GetFile()->GetName(), name.c_str());
+    QCOMPARE(client.GetFile()->GetType(), PLK_FILE_JPEG2000);
+    QVERIFY(!client.GetFile()->IsRemote());
+
+    const PLKFileInfo *info = client.GetFileInfo();
+    QCOMPARE(info->nSizeX, 120u);
+    QCOMPARE(info->nSizeY, 70u);
+    QCOMPARE(int(info->nBands), 4);
+    QCOMPARE(info->eColorSpace, PLK_COLORSPACE_SRGB);
+    QCOMPARE(info->pBands[0].szDesc, "Red");
+    QCOMPARE(info->pBands[3].szDesc, "AllOpacity");
+    QCOMPARE(info->szDatum, "RAW");
+    QCOMPARE(info->szProjection, "RAW");
+    QCOMPARE(info->fOriginX, 0.0);
+    QCOMPARE(info->fOriginY, 0.0);
+    QCOMPARE(info->fCellIncrementX, 1.0);
+    QCOMPARE(info->fCellIncrementY, -1.0);
+    QCOMPARE(info->szCompressionDate, "");
+    QVERIFY(!info->pFileMetaData);
+    QCOMPARE(double(info->fActualCompressionRate), double(float(120.0 * 70.0 * 4.0 / double(bytes.size()))));
+    QCOMPARE(client.GetEPSGCode(), 0);
+    PLKRPCData *rpc = nullptr;
+    QCOMPARE(client.GetRPCData(&rpc).GetErrorNumber(), int(PLK_ERR_NOT_AVAILABLE));
+    QVERIFY(!rpc);
+}
+
+void TestFileClient::bandsAndCellTypes_data()
+{
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<bool>("isSigned");
+    QTest::addColumn<int>("type");
+    QTest::newRow("1 bit") << 1 << false << int(PLKCT_UINT8);
+    QTest::newRow("8 bits, signed") << 8 << true << int(PLKCT_INT8);
+    QTest::newRow("12 bits") << 12 << false << int(PLKCT_UINT16);
+    QTest::newRow("16 bits, signed") << 16 << true << int(PLKCT_INT16);
+}
+
+void TestFileClient::bandsAndCellTypes()
+{
+    QFETCH(int, bits);
+    QFETCH(bool, isSigned);
+    QFETCH(int, type);
+    jp2maker::Options options;
+    options.components = {{bits, isSigned}};
+    options.bareCodestream = true;
+    Client client;
+    QVERIFY(client.open(save(QStringLiteral("depth.j2k"), jp2maker::make(options))).IsSuccess());
+    QCOMPARE(int(client.GetFileInfo()->eCellType), type);
+    QCOMPARE(int(client.GetFileInfo()->pBands[0].nBits), bits);
+    QCOMPARE(client.GetFileInfo()->pBands[0].bSigned, isSigned);
+}
+
+void TestFileClient::headerOfTheCodestream()
+{
+    jp2maker::Options options;
+    options.width = 200;
+    options.height = 130;
+    options.tileWidth = options.tileHeight = 64;
+    options.components = {{12, true}, {8, false}};
+    options.levels = 2;
+    options.layerRates = {30, 10, 0};
+    options.progression = "RPCL";
+    options.precincts = {{64, 32}, {32, 32}};
+    options.codeBlockWidth = 32;
+    options.codeBlockHeight = 16;
+    options.sop = true;
+    options.comment = "made for a test";
+    Client client;
+    QVERIFY(client.open(save(QStringLiteral("header.jp2"), jp2maker::make(options))).IsSuccess());
+    const auto &jp2 = client.MetadataJp2();
+    using Size = std::pair<std::uint32_t, std::uint32_t>;
+    QCOMPARE(jp2.ComplianceProfileType(), 0);
+    QCOMPARE(jp2.Comments(), options.comment);
+    QCOMPARE(jp2.NumberOfTiles(), Size(4, 3));
+    QCOMPARE(jp2.TileSize(), Size(64, 64));
+    QCOMPARE(jp2.PrecinctSize(), (std::vector<Size>{{16, 16}, {32, 32}, {64, 32}}));
+    QCOMPARE(jp2.CodeBlock(), Size(32, 16));
+    QCOMPARE(jp2.BitDepth(), (std::vector<std::uint8_t>{12, 8}));
+    QCOMPARE(jp2.Levels(), 3);
+    QCOMPARE(jp2.Layers(), 3);
+    QCOMPARE(jp2.PrecinctProgressionOrder(), 2);
+    QCOMPARE(jp2.TransformationType(), 1);
+    QVERIFY(jp2.SOPExists());
+    QVERIFY(!jp2.EPHExists());
+    QVERIFY(!jp2.GMLJP2BoxExists());
+    QCOMPARE(client.MetadataXRV().Blocksize(), Size(0, 0));
+    client.close();
+    QCOMPARE(jp2.Levels(), 0);
+    QCOMPARE(jp2.Comments(), std::string());
+}
+
+void TestFileClient::placeInTheWorld()
+{
+    const std::string name = save(QStringLiteral("placed.jp2"), jp2maker::make({}));
+    // Of the centre of the first cell, as world files are.
+    writeFile(folder.filePath(QStringLiteral("placed.j2w")), [] {
+        const std::string text = "2.5\n0\n0\n-4\n1001.25\n1998\n";
+        return jp2maker::FileBytes(text.begin(), text.end());
+    }());
+    Client client;
+    QVERIFY(client.open(name).IsSuccess());
+    double transform[6] = {};
+    QVERIFY(client.GetWorldTransform(transform).IsSuccess());
+    const double expected[6] = {1000, 2.5, 0, 2000, 0, -4};
+    for (int i = 0; i < 6; ++i)
+        QCOMPARE(transform[i], expected[i]);
+    double x = 0, y = 0;
+    QVERIFY(client.ConvertDatasetToWorld(10, 20.5, &x, &y).IsSuccess());
+    QCOMPARE(x, 1025.0);
+    QCOMPARE(y, 1918.0);
+    QVERIFY(client.ConvertWorldToDataset(x, y, &x, &y).IsSuccess());
+    QCOMPARE(x, 10.0);
+    QCOMPARE(y, 20.5);
+    QCOMPARE(client.ConvertDatasetToWorld(0, 0, nullptr, &y).GetErrorNumber(), int(PLK_ERR_INVALID_ARGUMENT));
+}
+
+void TestFileClient::xmlBoxesInFileOrder()
+{
+    const std::string texts[] = {"<first/>", "<second>é</second>", ""};
+    jp2maker::FileBytes bytes = jp2maker::make({});
+    for (const std::string &text : texts)
+        bytes = jp2maker::withBox(bytes, "xml ", text);
+    Client client;
+    QVERIFY(client.open(save(QStringLiteral("xml.jp2"), bytes)).IsSuccess());
+    const PLKXMLBox *box = nullptr;
+    for (const std::string &text : texts) {
+        box = client.GetXMLBox(box);
+        QVERIFY(box);
+        QCOMPARE(box->nType, 0x786D6C20u);
+        QCOMPARE(box->nContentLength, std::uint64_t(text.size()));
+        std::string content(text.size(), ' ');
+        QVERIFY(client.GetStream()->Seek(box->nContentOffset));
+        QVERIFY(client.GetStream()->Read(content.data(), content.size()));
+        QCOMPARE(content, text);
+    }
+    QVERIFY(!client.GetXMLBox(box));
+    const PLKXMLBox foreign{};
+    QVERIFY(!client.GetXMLBox(&foreign));
+}
+
+void TestFileClient::streamIsTheFile()
+{
+    const jp2maker::FileBytes bytes = jp2maker::make({});
+    Client client;
+    QVERIFY(client.open(save(QStringLiteral("stream.jp2"), bytes)).IsSuccess());
+    PLK::CIOStream *stream = client.GetStream();
+    QVERIFY(!stream->IsRemote());
+    QCOMPARE(stream->GetSize(), std::uint64_t(bytes.size()));
+    jp2maker::FileBytes read(bytes.size());
+    QVERIFY(stream->Read(read.data(), 10));
+    QVERIFY(stream->Read(read.data() + 10, read.size() - 10));
+    QVERIFY(read == bytes);
+    QVERIFY(!stream->Read(read.data(), 1));
+    QVERIFY(!stream->Seek(bytes.size() + 1));
+    QVERIFY(stream->Seek(bytes.size() - 1));
+    QVERIFY(!stream->Read(read.data(), 2)); // and stays
+    QVERIFY(stream->Read(read.data(), 1));
+}
+
+void TestFileClient::statisticsOfTheCells()
+{
+    jp2maker::Options options;
+    options.width = 40;
+    options.height = 25;
+    options.components.assign(2, {});
+    options.opacityLast = true;
+    options.cell = [](int c, int x, int) { return c == 0 ? 2 * x : 255 * (x % 2); };
+    Client client;
+    QVERIFY(client.open(save(QStringLiteral("statistics.jp2"), jp2maker::make(options))).IsSuccess());
+    PLKFileStatistics *statistics = nullptr;
+    const PLK::CError error = client.GetClientStatistics(&statistics);
+    QVERIFY2(error.IsSuccess(), error.GetErrorMessage());
+    QCOMPARE(statistics->nBands, 2u);
+    const PLKBandStatistics &grey = statistics->pBandStats[0];
+    QCOMPARE(double(grey.fMin), 0.0);
+    QCOMPARE(double(grey.fMax), 78.0);
+    QCOMPARE(double(grey.fMean), 39.0);
+    QCOMPARE(grey.pHistogram[78], std::uint64_t(25));
+    QCOMPARE(double(statistics->pBandStats[1].fMean), 127.5);
+    client.close(); // the record is the caller's
+    QCOMPARE(statistics->pBandStats[1].pHistogram[255], std::uint64_t(500));
+    PLKFreeStatistics(statistics);
+}
+
+void TestFileClient::nothingOpen()
+{
+    Client client;
+    QVERIFY(!client.IsOpen());
+    QVERIFY(!client.GetFileInfo());
+    QVERIFY(!client.GetStream());
+    QVERIFY(!client.GetXMLBox(nullptr));
+    QCOMPARE(client.GetFileName(), std::string());
+    QCOMPARE(client.GetFileType(), PLK_FILE_UNKNOWN);
+    QCOMPARE(client.GetEPSGCode(), 0);
+    QCOMPARE(client.MetadataJp2().Layers(), 0);
+    PLKFileStatistics *statistics = nullptr;
+    PLKRPCData *rpc = nullptr;
+    double numbers[6];
+    QCOMPARE(client.GetClientStatistics(&statistics).GetErrorNumber(), int(PLK_ERR_NOT_OPEN));
+    QCOMPARE(client.GetRPCData(&rpc).GetErrorNumber(), int(PLK_ERR_NOT_OPEN));
+    QCOMPARE(client.GetWorldTransform(numbers).GetErrorNumber(), int(PLK_ERR_NOT_OPEN));
+    QCOMPARE(client.ConvertWorldToDataset(0, 0, numbers, numbers).GetErrorNumber(), int(PLK_ERR_NOT_OPEN));
+    PLKFreeStatistics(nullptr);
+    PLKFreeRPCData(nullptr);
+    client.close();
+}
+
+void TestFileClient::refusedWithASentence_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("code");
+    QTest::newRow("text") << folder.filePath(QStringLiteral("text.jp2")) << int(PLK_ERR_UNKNOWN_FORMAT);
+    QTest::newRow("nothing in it") << folder.filePath(QStringLiteral("empty.jp2")) << int(PLK_ERR_UNKNOWN_FORMAT);
+    QTest::newRow("missing") << folder.filePath(QStringLiteral("missing.jp2")) << int(PLK_ERR_NOT_FOUND);
+    QTest::newRow("folder") << folder.path() << int(PLK_ERR_NO_ACCESS);
+    QTest::newRow("stream") << QStringLiteral("xrvp://server/a.jp2") << int(PLK_ERR_PROTOCOL);
+}
+
+void TestFileClient::refusedWithASentence()
+{
+    QFETCH(QString, name);
+    QFETCH(int, code);
+    save(QStringLiteral("text.jp2"), jp2maker::FileBytes(2000, 'a'));
+    save(QStringLiteral("empty.jp2"), {});
+    Client client;
+    QVERIFY(client.open(save(QStringLiteral("good.jp2"), jp2maker::make({}))).IsSuccess());
+    const PLK::CError error = client.open(name.toStdString());
+    QCOMPARE(error.GetErrorNumber(), code);
+    const QString sentence = QString::fromUtf8(error.GetErrorMessage());
+    QVERIFY2(sentence.endsWith(QLatin1Char('.')) && sentence.size() > 10, error.GetErrorMessage());
+    QVERIFY(!client.IsOpen()); // the last one was closed first
+    QCOMPARE(client.MetadataJp2().Layers(), 0);
+}
+
+void TestFileClient::codestreamIsBelieved()
+{
+    jp2maker::FileBytes bytes = jp2maker::make({});
+    const std::string ihdr = "ihdr";
+    const auto box = std::search(bytes.begin(), bytes.end(), ihdr.begin(), ihdr.end());
+    QVERIFY(box != bytes.end());
+    *(box + 4) = 0x7F; // the height's highest byte
+    Lines lines;
+    Client client;
+    QVERIFY(client.open(save(QStringLiteral("claims.jp2"), bytes)).IsSuccess());
+    QCOMPARE(client.GetFileInfo()->nSizeY, 64u);
+    QCOMPARE(lines.matching(QStringLiteral("the codestream is believed")).size(), 1);
+    QVERIFY(lines.matching(QStringLiteral("the codestream is believed")).front().startsWith(QStringLiteral("40000 ")));
+}
+
+void TestFileClient::opensAndClosesAreLogged()
+{
+    const std::string name = save(QString::fromUtf8("東京.jp2"), jp2maker::make({}));
+    Lines lines;
+    {
+        Client client;
+        QVERIFY(client.open(name).IsSuccess());
+        QVERIFY(client.open(name + "x"));
+    }
+    const QString shown = QString::fromStdString(name);
+    QCOMPARE(lines.matching(QStringLiteral("30000 Opened \"%1\"").arg(shown)).size(), 1);
+    QCOMPARE(lines.matching(QStringLiteral("30000 Closed \"%1\"").arg(shown)).size(), 1);
+    QCOMPARE(lines.matching(QStringLiteral("50000 \"%1x\" was not opened").arg(shown)).size(), 1);
+}
+
+void TestFileClient::queriesFromManyThreads()
+{
+    jp2maker::Options options;
+    options.width = options.height = 300;
+    options.tileWidth = options.tileHeight = 100;
+    Client client;
+    QVERIFY(client.open(save(QStringLiteral("threads.jp2"), jp2maker::make(options))).IsSuccess());
+    std::atomic<int> good{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&] {
+            PLKFileStatistics *statistics = nullptr;
+            const bool isRight = client.GetClientStatistics(&statistics).IsSuccess() &&
+                                 statistics->pBandStats[0].fMax > 250 && client.GetFileInfo()->nSizeX == 300 &&
+                                 client.MetadataJp2().NumberOfTiles().first == 3;
+            good += isRight ? 1 : 0;
+            PLKFreeStatistics(statistics);
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(good.load(), 4);
+}
+
+QTEST_GUILESS_MAIN(TestFileClient)
+#include "tst_fileclient.moc"

@@ -36,6 +36,8 @@ XRVJP2kLayer::XRVJP2kLayer(Map::IRendererClient *client)
     , sizeOnDisk(QStringLiteral("Unknown"))
     , lastReconnectTime(QDateTime::currentMSecsSinceEpoch())
 {
+    // Under the name that the property table has for it; without it the property can be neither read nor written.
+    qRegisterMetaType<ResampleType>("XRVJP2kLayer::ResampleType");
     readSettings();
 }
 

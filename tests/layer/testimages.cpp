@@ -1,0 +1,87 @@
+#include "testimages.h"
+
+#include "layer/xrvjp2klayer.h"
+
+#include <QDGui/application.h>
+#include <QDGui/geopainter.h>
+#include <QFile>
+#include <QSettings>
+
+#include <stdexcept>
+
+using Korvane::Application;
+
+TestFolder::TestFolder()
+{
+    Application::instance()->setSettingsFile(path(QStringLiteral("settings.ini")));
+}
+
+TestFolder::~TestFolder()
+{
+    Application::instance()->setSettingsFile(QString());
+}
+
+QString TestFolder::write(const QString &name, const jp2maker::FileBytes &bytes) const
+{
+    return writeText(name, QByteArray(reinterpret_cast<const char *>(bytes.data()), static_cast<int>(bytes.size())));
+}
+
+QString TestFolder::writeText(const QString &name, const QByteArray &text) const
+{
+    QFile file(path(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+        throw std::runtime_error("cannot write a test file");
+    return file.fileName();
+}
+
+QString TestFolder::makeImage(const QString &name, const jp2maker::Options &options) const
+{
+    return write(name, jp2maker::make(options));
+}
+
+void TestFolder::setSetting(const char *key, const QVariant &value)
+{
+    Application::instance()->settings()->setValue(QLatin1String("XRVJP2kLayer/") + QLatin1String(key), value);
+}
+
+void TestFolder::removeSetting(const char *key)
+{
+    Application::instance()->settings()->remove(QLatin1String("XRVJP2kLayer/") + QLatin1String(key));
+}
+
+jp2maker::Options colourImage(int width, int height)
+{
+    jp2maker::Options options;
+    options.width = width;
+    options.height = height;
+    options.components.assign(3, jp2maker::Component());
+    options.cell = [](int component, int x, int y) {
+        const int cells[] = {x % 256, y % 256, 50};
+        return cells[component];
+    };
+    return options;
+}
+
+QRgb colourOf(int column, int row)
+{
+    return qRgb(column % 256, row % 256, 50);
+}
+
+void viewWhole(Korvane::XRVJP2kLayer &layer)
+{
+    const QRectF bounds = layer.getBounds();
+    const QSize size = layer.getSize();
+    layer.setView(size.width(), size.height(), bounds.left(), bounds.top(), bounds.right(), bounds.bottom());
+}
+
+QImage paintedWhole(Korvane::XRVJP2kLayer &layer, QColor background)
+{
+    QImage picture(layer.getSize(), QImage::Format_ARGB32);
+    picture.fill(background);
+    const QRectF world = layer.getBounds();
+    const QRect device = picture.rect();
+    Korvane::GeoPainter painter(&picture, world, device);
+    layer.paint(painter, &world, &device);
+    painter.end();
+    return picture;
+}

@@ -1,0 +1,128 @@
+#include "data/jp2maker.h"
+
+#include <QDGui/application.h>
+#include <QDGui/ilayereditorplugin.h>
+#include <QDGui/ilayerplugin.h>
+#include <QDGui/ilayerplugininfo.h>
+#include <QDGui/layer.h>
+#include <QFile>
+#include <QJsonObject>
+#include <QPluginLoader>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QtTest>
+
+#include <memory>
+#include <random>
+
+using Korvane::Application;
+
+/// The library as a host meets it.
+class TestPluginLoading : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void metadata();
+    void interfaces();
+    void instanceIsMadeAnew();
+    void layerOpensAFile();
+    void unloadedWhileDecoding();
+
+private:
+    QTemporaryDir folder;
+    QString imageFile;
+};
+
+void TestPluginLoading::initTestCase()
+{
+    Application::instance()->setSettingsFile(folder.filePath(QStringLiteral("settings.ini")));
+    jp2maker::Options options;
+    options.width = options.height = 1200;
+    options.components.assign(3, jp2maker::Component());
+    std::mt19937 random(1);
+    options.cell = [&random](int, int, int) { return int(random() & 255); };
+    const jp2maker::FileBytes bytes = jp2maker::make(options);
+    QFile file(folder.filePath(QStringLiteral("noise.jp2")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(reinterpret_cast<const char *>(bytes.data()), qint64(bytes.size()));
+    imageFile = file.fileName();
+}
+
+void TestPluginLoading::metadata()
+{
+    const QPluginLoader loader(QStringLiteral(XRV_PLUGIN_FILE));
+    const QJsonObject metadata = loader.metaData();
+    QCOMPARE(metadata[QLatin1String("IID")].toString(), QStringLiteral("com.korvane.viewer.plugin.XRVJP2kLayerPlugin"));
+    QCOMPARE(metadata[QLatin1String("className")].toString(), QStringLiteral("XRVJP2kLayerPlugin"));
+    QVERIFY(metadata[QLatin1String("MetaData")].toObject().isEmpty());
+}
+
+void TestPluginLoading::interfaces()
+{
+    QPluginLoader loader(QStringLiteral(XRV_PLUGIN_FILE));
+    QObject *instance = loader.instance();
+    QVERIFY2(instance, qPrintable(loader.errorString()));
+    QCOMPARE(instance->qt_metacast("XRVJP2kLayerPlugin"), static_cast<void *>(instance));
+    for (const char *name : {"ILayerPluginInfo", "ILayerPlugin", "ILayerEditorPlugin"}) {
+        const QByteArray id = QByteArray("com.korvane.viewer.") + name + "/1.0";
+        QVERIFY2(instance->qt_metacast(name), name);
+        QCOMPARE(instance->qt_metacast(name), instance->qt_metacast(id.constData()));
+    }
+    QVERIFY(!instance->qt_metacast("NoSuchInterface"));
+    QVERIFY(qobject_cast<ILayerPluginInfo *>(instance));
+    QVERIFY(qobject_cast<ILayerPlugin *>(instance));
+    QVERIFY(qobject_cast<ILayerEditorPlugin *>(instance));
+    // The icons come along in the library.
+    QVERIFY(!qobject_cast<ILayerPluginInfo *>(instance)->getIcon().pixmap(32).isNull());
+    QVERIFY(loader.unload());
+}
+
+void TestPluginLoading::instanceIsMadeAnew()
+{
+    QPluginLoader loader(QStringLiteral(XRV_PLUGIN_FILE));
+    QPointer<QObject> first = loader.instance();
+    QCOMPARE(loader.instance(), first.data());
+    delete first.data();
+    QObject *second = loader.instance();
+    QVERIFY(second);
+    QCOMPARE(second->metaObject()->className(), "XRVJP2kLayerPlugin");
+    QVERIFY(loader.unload());
+}
+
+void TestPluginLoading::layerOpensAFile()
+{
+    QPluginLoader loader(QStringLiteral(XRV_PLUGIN_FILE));
+    auto *factory = qobject_cast<ILayerPlugin *>(loader.instance());
+    QVERIFY(factory);
+    {
+        const std::unique_ptr<Korvane::Map::Layer> layer(factory->createLayer(false));
+        QVERIFY(layer);
+        QVERIFY(!layer->isValid());
+        QCOMPARE(layer->metaObject()->className(),
+                 qobject_cast<ILayerPluginInfo *>(loader.instance())->getClassName().toLatin1().constData());
+        QVERIFY2(layer->setDataSource(imageFile), qPrintable(layer->getLastError()));
+        QVERIFY(layer->isValid());
+        QVERIFY(!layer->parent());
+    }
+    QVERIFY(loader.unload());
+}
+
+void TestPluginLoading::unloadedWhileDecoding()
+{
+    for (unsigned long delay = 0; delay < 40; delay += 10) {
+        QPluginLoader loader(QStringLiteral(XRV_PLUGIN_FILE));
+        auto *factory = qobject_cast<ILayerPlugin *>(loader.instance());
+        QVERIFY(factory);
+        std::unique_ptr<Korvane::Map::Layer> layer(factory->createLayer(false));
+        QVERIFY(layer->setDataSource(imageFile));
+        layer->setView(1200, 1200, 0, 0, 1200, -1200);
+        QThread::msleep(delay); // so that it goes at different stages of the decoding
+        layer.reset();
+        QVERIFY2(loader.unload(), qPrintable(loader.errorString()));
+    }
+}
+
+QTEST_MAIN(TestPluginLoading)
+#include "tst_pluginloading.moc"

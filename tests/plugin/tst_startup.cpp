@@ -1,0 +1,161 @@
+#include "layer/testimages.h"
+#include "plugin/geodeticdata.h"
+#include "plugin/logsinks.h"
+#include "plugin/sdksettings.h"
+#include "plugin/xrvjp2klayerplugin.h"
+
+#include <xrv60/plkfile.h>
+
+#include <QDGui/application.h>
+#include <QDir>
+#include <QtTest>
+
+using Korvane::Application;
+
+/// What the plug-in does with the SDK when it is made: report, configuration, data path.
+class TestStartUp : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { folder.reset(); }
+    void reportOfDefaults();
+    void reportOfSettings();
+    void configuration();
+    void memoryLimit_data();
+    void memoryLimit();
+    void geodeticPath_data();
+    void geodeticPath();
+
+private:
+    QStringList report() const;
+    std::unique_ptr<TestFolder> folder;
+};
+
+void TestStartUp::init()
+{
+    folder = std::make_unique<TestFolder>();
+    setLogSinksEnabled(false); // the report alone
+    Application::instance()->clearLogHistory();
+}
+
+QStringList TestStartUp::report() const
+{
+    const XRVJP2kLayerPlugin plugin;
+    QStringList lines;
+    for (const auto &entry : Application::instance()->getLogHistory()) {
+        if (entry.level == Application::LogInfo)
+            lines.append(entry.text);
+    }
+    return lines;
+}
+
+void TestStartUp::reportOfDefaults()
+{
+    const QStringList expected = {
+        QStringLiteral("Begin XRV JPEG 2000 Plugin initialization log"),
+        QStringLiteral("      XRV Library Version : 6.0.0.1513"),
+        QStringLiteral("      XRVP local disk cache enabled : true"),
+        QStringLiteral("      XRVP local disk cache dir: ") + QDir::tempPath(),
+        QStringLiteral("      XRVP local disk cache max size (Mb): 256"),
+        QStringLiteral("      XRV apply texture dither: false"),
+        QStringLiteral("      Cache max mem (Mb): 512"),
+        QStringLiteral("      Use resilient decoding: true"),
+        QStringLiteral("      Optimize for nearest neighbour resampling: 1"),
+        QStringLiteral("      XRVP HTTP User-Agent: "),
+        QStringLiteral("      Using WinHttp (instead of WinInet) for XRVP streaming: 0"),
+        QStringLiteral("End XRV JPEG 2000 Plugin initialization log"),
+    };
+    QCOMPARE(report(), expected);
+}
+
+void TestStartUp::reportOfSettings()
+{
+    TestFolder::setSetting("TextureDither", true);
+    TestFolder::setSetting("LocalXrvpCache", false);
+    TestFolder::setSetting("XrvpCacheDir", QStringLiteral("/some/%1/folder"));
+    TestFolder::setSetting("CacheMaxMemMb", 50);
+    TestFolder::setSetting("DiskCacheMaxSizeMb", 1000);
+    TestFolder::setSetting("ResilientDecoding", false);
+    TestFolder::setSetting("OptimizeNearestNeighbour", false);
+    TestFolder::setSetting("XRVPUserAgent", QStringLiteral("Agent/1"));
+    TestFolder::setSetting("UseWinHTTPInXrvp", true);
+    const QStringList lines = report();
+    QCOMPARE(lines.size(), 12);
+    QCOMPARE(lines[2], QStringLiteral("      XRVP local disk cache enabled : false"));
+    QCOMPARE(lines[3], QStringLiteral("      XRVP local disk cache dir: /some/%1/folder"));
+    QCOMPARE(lines[4], QStringLiteral("      XRVP local disk cache max size (Mb): 1000"));
+    QCOMPARE(lines[5], QStringLiteral("      XRV apply texture dither: true"));
+    QCOMPARE(lines[6], QStringLiteral("      Cache max mem (Mb): 100"));
+    QCOMPARE(lines[7], QStringLiteral("      Use resilient decoding: false"));
+    QCOMPARE(lines[8], QStringLiteral("      Optimize for nearest neighbour resampling: 0"));
+    QCOMPARE(lines[9], QStringLiteral("      XRVP HTTP User-Agent: Agent/1"));
+    QCOMPARE(lines[10], QStringLiteral("      Using WinHttp (instead of WinInet) for XRVP streaming: 1"));
+}
+
+void TestStartUp::configuration()
+{
+    TestFolder::setSetting("TextureDither", true);
+    TestFolder::setSetting("LocalXrvpCache", false);
+    TestFolder::setSetting("XrvpCacheDir", QStringLiteral("/some/folder"));
+    TestFolder::setSetting("DiskCacheMaxSizeMb", 77);
+    TestFolder::setSetting("CacheMaxMemMb", 128);
+    TestFolder::setSetting("ResilientDecoding", false);
+    TestFolder::setSetting("OptimizeNearestNeighbour", false);
+    TestFolder::setSetting("XRVPUserAgent", QStringLiteral("Agent/1"));
+    const XRVJP2kLayerPlugin plugin;
+    const PLK::SDK::CConfig &config = PLK::SDK::CFileBase::sFilesHelper().Get()->Config();
+    QVERIFY(config.IsTextureDitherEnabled());
+    QVERIFY(!config.IsXrvpCacheEnabled());
+    QCOMPARE(config.GetXrvpCacheLocation(), std::string("/some/folder"));
+    QCOMPARE(config.GetXrvpCacheSizeMb(), 77);
+    QCOMPARE(quint64(config.GetCacheMaxmem()), quint64(128) << 20);
+    QVERIFY(!config.IsResilientDecodingEnabled());
+    QVERIFY(!config.IsOptimizeUseNearestNeighbour());
+    QCOMPARE(config.GetXrvpClientHttpUserAgent(), std::string("Agent/1"));
+    QCOMPARE(config.GetBlockingTimeMS(), 0U);
+    QCOMPARE(config.GetRefreshTimeMS(), 0U);
+    QCOMPARE(int(config.GetProjectionFormat()), 1);
+}
+
+void TestStartUp::memoryLimit_data()
+{
+    QTest::addColumn<int>("megabytes");
+    QTest::addColumn<quint64>("bytes");
+    QTest::newRow("plain") << 512 << quint64(536870912);
+    QTest::newRow("largest that fits") << 2047 << quint64(2146435072);
+    QTest::newRow("wraps to the least int") << 2048 << quint64(0xffffffff80000000ULL);
+    QTest::newRow("wraps") << 3000 << quint64(0xffffffffbb800000ULL);
+    QTest::newRow("wraps to nothing") << 4096 << quint64(0);
+}
+
+void TestStartUp::memoryLimit()
+{
+    QFETCH(int, megabytes);
+    QTEST(cacheMaxMemBytes(megabytes), "bytes");
+}
+
+void TestStartUp::geodeticPath_data()
+{
+    QTest::addColumn<QString>("executable");
+    QTest::addColumn<QChar>("separator");
+    QTest::addColumn<QString>("path");
+    const QChar back = QLatin1Char('\\');
+    QTest::newRow("folder") << QStringLiteral("C:\\a\\b\\viewer.exe") << back << QStringLiteral("C:\\a\\b\\..\\..");
+    QTest::newRow("doubled separator") << QStringLiteral("C:\\\\viewer.exe") << back << QStringLiteral("C:\\..\\..");
+    QTest::newRow("no folder") << QStringLiteral("viewer.exe") << back << QStringLiteral("viewer.exe\\..\\..");
+    QTest::newRow("empty") << QString() << back << QStringLiteral("\\..\\..");
+    QTest::newRow("slashes") << QStringLiteral("/opt/app/bin/viewer") << QChar(QLatin1Char('/'))
+                             << QStringLiteral("/opt/app/bin/../..");
+}
+
+void TestStartUp::geodeticPath()
+{
+    QFETCH(QString, executable);
+    QFETCH(QChar, separator);
+    QTEST(geodeticDataPath(executable, separator), "path");
+}
+
+QTEST_MAIN(TestStartUp)
+#include "tst_startup.moc"

@@ -3,6 +3,9 @@ set(stage_sources
     mainheader.cpp
     packedheaders.cpp
     packetorder.cpp
+    packetwalk.cpp
+    precinct.cpp
+    tagtree.cpp
     tilecodestream.cpp
     tileindex.cpp
     tileparttable.cpp

@@ -2,6 +2,7 @@
 
 #include "../io/bytecursor.h"
 #include "packedheaders.h"
+#include "packetwalk.h"
 
 #include <algorithm>
 
@@ -65,9 +66,10 @@ public:
             if (CError error = readPart(part))
                 return error;
         index->numbering.emplace(header, index->tileStyle, index->canvasRect);
-        if (!index->isPacked && !parts.empty())
-            placePackets();
-        return {};
+        if (index->isPacked || parts.empty())
+            return {};
+        placePackets();
+        return index->places.empty() && !header.isHighThroughput ? walk() : CError();
     }
 
     std::shared_ptr<TileIndex> index = std::make_shared<TileIndex>();
@@ -198,6 +200,17 @@ private:
             }
         }
         index->places = std::move(places);
+    }
+
+    CError walk()
+    {
+        if (index->numbering->count() > kMostPackets)
+            return {};
+        bool isComplete = false;
+        CError error = walkPackets(source, header, index->tileStyle, index->canvasRect, *index->numbering,
+                                   index->dataRanges, &index->places, &isComplete);
+        index->truncated |= !isComplete;
+        return error;
     }
 
     bool lengthsAddUp() const

@@ -5,6 +5,7 @@
 #include "decodepool.h"
 #include "planeops.h"
 #include "rectset.h"
+#include "tilesynthesis.h"
 
 #include <algorithm>
 #include <chrono>
@@ -18,12 +19,16 @@ namespace {
 
 /// Tile indexes kept per file, in bytes.
 constexpr std::size_t kIndexBudget = 32u << 20;
-/// Cells of one component decoded in one piece at most; bounds what the codec needs at a time.
+/// Cells of one component that OpenJPEG decodes in one piece at most; bounds what it needs at a time.
 constexpr std::int64_t kMostCellsPerJob = 4 << 20;
+/// Size of the pieces in which blocks are put together, cells.
+constexpr std::int64_t kPieceWidth = 512, kPieceHeight = 256;
+/// Coefficients that are decoded before they are put together, so that memory stays bounded.
+constexpr std::int64_t kMostCellsPerBatch = 24 << 20;
+/// What is decoded ends on this grid, so that small pans do not leave slivers.
+constexpr std::int64_t kPieceGrid = 64;
 /// Levels go on until the longer side is no longer than this.
 constexpr std::uint32_t kSmallestLevel = 64;
-/// A tile of up to this many cells is decoded whole.
-constexpr std::int64_t kSmallTile = 192 * 192;
 /// Weight of the newest measurement in the decoding rate.
 constexpr double kRateWeight = 0.3;
 /// Cost of one decode besides its cells.
@@ -55,19 +60,48 @@ IntRect scaledUp(const IntRect &rect, int bits)
     return {rect.x0 << bits, rect.y0 << bits, rect.x1 << bits, rect.y1 << bits};
 }
 
-/// Widens [a, b) within [low, high) to where no further code-block has to be decoded for it: code-blocks of the highest
-/// resolution's subbands stand on a grid of \a block cells, and the synthesis filters reach over their edges.
-void widenToCodeBlocks(std::int64_t low, std::int64_t high, std::int64_t block, std::int64_t *a, std::int64_t *b)
+/// Calls \a work for 0 to count - 1 on all cores; the first error ends it.
+template <typename Work> CError runAll(std::size_t count, const CancelFlag &cancel, Work work)
 {
-    constexpr std::int64_t kReach = 8;
-    const std::int64_t first = ((*a - kReach) / block) * block + kReach;
-    const std::int64_t last = ((*b + kReach + block - 1) / block) * block - kReach;
-    *a = std::max(low, std::min(*a, first));
-    *b = std::min(high, std::max(*b, last));
-    if (*a - low <= kReach)
-        *a = low;
-    if (high - *b <= kReach)
-        *b = high;
+    std::mutex mutex; // guards firstError
+    CError firstError;
+    DecodePool::run(count, [&](std::size_t i) {
+        CError error = cancel.isRaised() ? CError(PLK_ERR_CANCELLED, "The read was cancelled.") : work(i);
+        if (error.IsSuccess())
+            return true;
+        std::lock_guard<std::mutex> lock(mutex);
+        if (firstError.IsSuccess())
+            firstError = std::move(error);
+        return false;
+    });
+    return firstError;
+}
+
+/// Decomposition levels that all of \a components have.
+int minLevels(const TileIndex &index, const std::vector<int> &components)
+{
+    int levels = 32;
+    for (const int c : components)
+        levels = std::min(levels, index.style().components[c].decompositionLevels);
+    return levels;
+}
+
+/// Widened to kPieceGrid within \a bounds.
+IntRect onGrid(const IntRect &rect, const IntRect &bounds)
+{
+    const auto down = [](std::int64_t v) { return v / kPieceGrid * kPieceGrid; };
+    const auto up = [](std::int64_t v) { return (v + kPieceGrid - 1) / kPieceGrid * kPieceGrid; };
+    return IntRect{down(rect.x0), down(rect.y0), up(rect.x1), up(rect.y1)}.intersected(bounds);
+}
+
+/// \a rect in pieces of at most \a width by \a height.
+std::vector<IntRect> inPieces(const IntRect &rect, std::int64_t width, std::int64_t height)
+{
+    std::vector<IntRect> pieces;
+    for (std::int64_t y = rect.y0; y < rect.y1; y += height)
+        for (std::int64_t x = rect.x0; x < rect.x1; x += width)
+            pieces.push_back({x, y, std::min(rect.x1, x + width), std::min(rect.y1, y + height)});
+    return pieces;
 }
 
 } // namespace
@@ -79,6 +113,8 @@ CodestreamReader::CodestreamReader(std::shared_ptr<ByteSource> source, ByteRange
     , header(std::move(mainHeader))
     , table(this->source, codestream, *header)
     , fileNumber(TileCache::instance().fileNumber(this->source->identity()))
+    , indexes(kIndexBudget)
+    , blocks(this->source, *header, fileNumber)
 {
     describe();
     // Block decoding takes time by the bit: guess it from the compressed size until it is measured.
@@ -135,6 +171,11 @@ IntRect CodestreamReader::wantedRect(const ReadRequest &request, int component) 
     return cells.intersected(raster.levelRect(component, request.level));
 }
 
+int CodestreamReader::layersOf(const ReadRequest &request) const
+{
+    return request.qualityLayers > 0 ? std::min(request.qualityLayers, raster.qualityLayers) : raster.qualityLayers;
+}
+
 TileCache::Key CodestreamReader::key(const ReadRequest &request, std::uint32_t tile, int component) const
 {
     TileCache::Key key;
@@ -174,9 +215,9 @@ CodestreamReader::Plan CodestreamReader::plan(const ReadRequest &request)
 void CodestreamReader::planTile(const ReadRequest &request, std::uint32_t tile, Plan *plan)
 {
     const IntRect tileLevel = levelRect(tileRect(*header, tile), request.level);
-    std::vector<IntRect> missing;
+    std::vector<std::vector<IntRect>> missing;
     std::vector<int> missingComponents;
-    bool isFirst = true, isWanted = false;
+    bool isWanted = false;
     for (std::size_t i = 0; i < request.components.size(); ++i) {
         const int c = request.components[i];
         const IntRect wanted = plan->wanted[i].intersected(toComponent(tileLevel, raster.components[c]));
@@ -188,18 +229,18 @@ void CodestreamReader::planTile(const ReadRequest &request, std::uint32_t tile, 
             have.push_back(plane->rect);
             plan->cached.push_back(std::move(plane));
         }
-        isFirst &= have.empty();
-        const std::vector<IntRect> rest = subtract(wanted, have);
+        std::vector<IntRect> rest = subtract(wanted, have);
         if (rest.empty())
             continue;
+        for (IntRect &rect : rest)
+            rect = toCanvas(rect, raster.components[c]);
         missingComponents.push_back(c);
-        for (const IntRect &rect : rest)
-            missing.push_back(toCanvas(rect, raster.components[c]));
+        missing.push_back(std::move(rest));
     }
     plan->tiles += isWanted ? 1 : 0;
     plan->tilesCached += isWanted && missing.empty() ? 1 : 0;
     if (!missing.empty())
-        addJobs(request, tile, std::move(missing), missingComponents, isFirst, plan);
+        addJobs(request, tile, missing, missingComponents, plan);
 }
 
 std::vector<int> CodestreamReader::withTransformPartners(std::vector<int> components) const
@@ -215,32 +256,27 @@ std::vector<int> CodestreamReader::withTransformPartners(std::vector<int> compon
     return all;
 }
 
-void CodestreamReader::addJobs(const ReadRequest &request, std::uint32_t tile, std::vector<IntRect> missing,
-                               const std::vector<int> &components, bool isFirst, Plan *plan) const
+void CodestreamReader::addJobs(const ReadRequest &request, std::uint32_t tile,
+                               const std::vector<std::vector<IntRect>> &missing, const std::vector<int> &components,
+                               Plan *plan) const
 {
     const IntRect whole = levelRect(tileRect(*header, tile), request.level);
     const std::vector<int> all = withTransformPartners(components);
-    IntRect rect = boundingRect(missing).intersected(whole);
-    const int averagedLevels = std::max(0, request.level - (raster.codedLevels - 1));
-    if (averagedLevels == 0) {
-        const std::int64_t block = isFirst ? 128 : 512;
-        widenToCodeBlocks(whole.x0, whole.x1, block, &rect.x0, &rect.x1);
-        widenToCodeBlocks(whole.y0, whole.y1, block, &rect.y0, &rect.y1);
-    }
-    if (areaOf(whole) <= kSmallTile || areaOf(rect) * 10 >= areaOf(whole) * 9)
-        rect = whole;
-    // Pieces of bounded size, cut where the averaged cells begin.
-    std::int64_t side = 2048;
-    side = std::max<std::int64_t>(1, side >> averagedLevels);
-    if (areaOf(rect) << (2 * averagedLevels) <= kMostCellsPerJob) {
-        plan->jobs.push_back({tile, rect, all, rect == whole});
-        return;
-    }
-    for (std::int64_t y = rect.y0; y < rect.y1; y += side)
-        for (std::int64_t x = rect.x0; x < rect.x1; x += side) {
-            const IntRect piece{x, y, std::min(rect.x1, x + side), std::min(rect.y1, y + side)};
-            plan->jobs.push_back({tile, piece, all, piece == whole});
+    // As a rule all components lack the same, after a pan the two sides of an L.
+    std::vector<IntRect> rects = missing.front();
+    for (const std::vector<IntRect> &ofComponent : missing)
+        if (!(ofComponent == rects)) {
+            std::vector<IntRect> every;
+            for (const std::vector<IntRect> &one : missing)
+                every.insert(every.end(), one.begin(), one.end());
+            rects = {boundingRect(every)};
+            break;
         }
+    for (const IntRect &rect : rects) {
+        const IntRect widened = onGrid(rect, whole);
+        if (!widened.isEmpty())
+            plan->jobs.push_back({tile, widened, all});
+    }
 }
 
 ReadCost CodestreamReader::cost(const ReadRequest &request)
@@ -262,7 +298,7 @@ CError CodestreamReader::read(const ReadRequest &request, ReadResult *result)
 {
     Plan planned = plan(request);
     std::vector<Decoded> decoded(planned.jobs.size());
-    if (CError error = runJobs(request, planned.jobs, &decoded))
+    if (CError error = decodeAll(request, planned.jobs, &decoded))
         return error;
     result->planes.clear();
     result->damaged = false;
@@ -284,52 +320,173 @@ CError CodestreamReader::read(const ReadRequest &request, ReadResult *result)
     return {};
 }
 
-CError CodestreamReader::runJobs(const ReadRequest &request, const std::vector<Job> &jobs,
-                                 std::vector<Decoded> *decoded)
+CError CodestreamReader::decodeAll(const ReadRequest &request, const std::vector<Job> &jobs,
+                                   std::vector<Decoded> *decoded)
 {
-    const int threadsPerJob = jobs.empty() ? 1 : std::max(1, DecodePool::threads() / static_cast<int>(jobs.size()));
-    std::mutex errorMutex;
-    CError firstError;
-    DecodePool::run(jobs.size(), [&](std::size_t i) {
-        CError error = request.cancel.isRaised() ? CError(PLK_ERR_CANCELLED, "The read was cancelled.")
-                                                 : decode(request, jobs[i], threadsPerJob, &(*decoded)[i]);
-        if (error) {
-            std::lock_guard<std::mutex> lock(errorMutex);
-            if (firstError.IsSuccess())
-                firstError = error;
-        }
-        return error.IsSuccess();
+    if (jobs.empty())
+        return {};
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<TileIndexPtr> tileIndexes;
+    if (CError error = loadIndexes(request, jobs, &tileIndexes))
+        return error;
+    if (CError error = decodeByBlocks(request, jobs, tileIndexes, decoded))
+        return error;
+    std::vector<std::size_t> others;
+    double cells = 0.0;
+    for (std::size_t i = 0; i < jobs.size(); ++i) {
+        cells += double(areaOf(jobs[i].levelRect)) * double(jobs[i].components.size());
+        if (!TileSynthesis::supports(*header, *tileIndexes[i]))
+            others.push_back(i);
+    }
+    const int threads = others.empty() ? 1 : std::max(1, DecodePool::threads() / static_cast<int>(others.size()));
+    CError error = runAll(others.size(), request.cancel, [&](std::size_t i) {
+        const Job &job = jobs[others[i]];
+        return decodeWhole(request, job, *tileIndexes[others[i]], threads, &(*decoded)[others[i]]);
     });
-    return firstError;
+    const double elapsed = std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count();
+    if (error.IsSuccess() && cells > 50000.0)
+        nanosecondsPerCell =
+            (1.0 - kRateWeight) * nanosecondsPerCell + kRateWeight * elapsed * DecodePool::threads() / cells;
+    return error;
 }
 
-CError CodestreamReader::decode(const ReadRequest &request, const Job &job, int threads, Decoded *decoded)
+CError CodestreamReader::loadIndexes(const ReadRequest &request, const std::vector<Job> &jobs,
+                                     std::vector<TileIndexPtr> *tileIndexes)
 {
-    std::shared_ptr<const TileIndex> index;
-    CError error = tileIndex(job.tile, &index);
-    if (error.IsSuccess() && index->isMissing())
+    tileIndexes->resize(jobs.size());
+    CError error = runAll(jobs.size(), request.cancel, [&](std::size_t i) {
+        // Jobs stand by tile: the first one of a tile reads for all.
+        if (i > 0 && jobs[i - 1].tile == jobs[i].tile)
+            return CError();
+        return tileIndex(jobs[i].tile, &(*tileIndexes)[i]);
+    });
+    for (std::size_t i = 1; i < jobs.size() && error.IsSuccess(); ++i)
+        if (!(*tileIndexes)[i])
+            (*tileIndexes)[i] = (*tileIndexes)[i - 1];
+    return error;
+}
+
+namespace {
+
+/// A piece of a job that is put together in one go.
+struct Piece
+{
+    std::size_t job;
+    IntRect region; ///< on the canvas of the coded level
+    std::size_t request;
+};
+
+} // namespace
+
+CError CodestreamReader::decodeByBlocks(const ReadRequest &request, const std::vector<Job> &jobs,
+                                        const std::vector<TileIndexPtr> &tileIndexes, std::vector<Decoded> *decoded)
+{
+    for (std::size_t first = 0; first < jobs.size();) {
+        std::vector<BlockRequest> requests;
+        std::vector<Piece> pieces;
+        std::int64_t cells = 0;
+        for (; first < jobs.size() && cells < kMostCellsPerBatch; ++first) {
+            const Job &job = jobs[first];
+            const TileIndexPtr &index = tileIndexes[first];
+            if (index->isMissing() || !TileSynthesis::supports(*header, *index))
+                continue;
+            if (index->isTruncated()) {
+                (*decoded)[first].damage = "Tile " + std::to_string(job.tile) + " is incomplete.";
+                if (!request.resilient)
+                    return CError(PLK_ERR_TRUNCATED, (*decoded)[first].damage);
+            }
+            const int discarded = std::min(request.level, minLevels(*index, job.components));
+            const int averagedLevels = request.level - discarded;
+            const IntRect region =
+                scaledUp(job.levelRect, averagedLevels).intersected(levelRect(index->rect(), discarded));
+            BlockRequest blockRequest{{job.tile, index, std::min(layersOf(request), index->packets().layers())}, {}};
+            for (const int c : job.components) {
+                const IntRect rect = toComponent(region, raster.components[c]);
+                if (rect.isEmpty())
+                    continue;
+                const std::vector<BlockPlace> places = blocksFor(componentRect(index->rect(), header->components[c]),
+                                                                 index->style().components[c], c, discarded, rect);
+                blockRequest.blocks.insert(blockRequest.blocks.end(), places.begin(), places.end());
+                cells += areaOf(rect);
+            }
+            // Cut where averaged cells begin.
+            for (const IntRect &piece :
+                 inPieces(job.levelRect, std::max<std::int64_t>(1, kPieceWidth >> averagedLevels),
+                          std::max<std::int64_t>(1, kPieceHeight >> averagedLevels)))
+                pieces.push_back({first, scaledUp(piece, averagedLevels).intersected(region), requests.size()});
+            requests.push_back(std::move(blockRequest));
+        }
+        std::vector<BlockSet> sets;
+        std::string damage;
+        if (CError error = blocks.fetch(requests, request.resilient, request.cancel, &sets, &damage))
+            return error;
+        std::mutex mutex; // guards decoded
+        CError error = runAll(pieces.size(), request.cancel, [&](std::size_t i) {
+            const Piece &piece = pieces[i];
+            const Job &job = jobs[piece.job];
+            const TileToDecode &tile = requests[piece.request].tile;
+            const int discarded = std::min(request.level, minLevels(*tile.index, job.components));
+            std::vector<Plane> planes =
+                TileSynthesis(*header, tile).planes(sets[piece.request], job.components, discarded, piece.region);
+            Decoded ofPiece;
+            for (Plane &plane : planes)
+                keep(request, job, std::move(plane), request.level - discarded, &ofPiece);
+            std::lock_guard<std::mutex> lock(mutex);
+            Decoded &all = (*decoded)[piece.job];
+            all.planes.insert(all.planes.end(), ofPiece.planes.begin(), ofPiece.planes.end());
+            if (all.damage.empty())
+                all.damage = damage;
+            return CError();
+        });
+        if (error)
+            return error;
+    }
+    return {};
+}
+
+CError CodestreamReader::decodeWhole(const ReadRequest &request, const Job &job, const TileIndex &index, int threads,
+                                     Decoded *decoded)
+{
+    CError error;
+    if (index.isMissing())
         error = CError(PLK_ERR_TRUNCATED, "Tile " + std::to_string(job.tile) + " is missing.");
-    if (error.IsSuccess() && index->isTruncated())
+    if (error.IsSuccess() && index.isTruncated()) {
         decoded->damage = "Tile " + std::to_string(job.tile) + " is incomplete.";
-    if (error.IsSuccess() && index->isTruncated() && !request.resilient)
-        error = CError(PLK_ERR_TRUNCATED, decoded->damage);
-    if (error.IsSuccess())
-        error = decodeCells(request, job, *index, threads, decoded);
+        if (!request.resilient)
+            error = CError(PLK_ERR_TRUNCATED, decoded->damage);
+    }
+    if (error)
+        return settle(request, job, error, decoded);
+    const int averagedLevels = request.level - std::min(request.level, index.style().minDecompositionLevels());
+    const std::int64_t side = std::max<std::int64_t>(1, 2048 >> averagedLevels);
+    const bool isSmall = areaOf(job.levelRect) << (2 * averagedLevels) <= kMostCellsPerJob;
+    for (const IntRect &piece : isSmall ? std::vector<IntRect>{job.levelRect} : inPieces(job.levelRect, side, side)) {
+        const Job part{job.tile, piece, job.components};
+        if (request.cancel.isRaised())
+            return CError(PLK_ERR_CANCELLED, "The read was cancelled.");
+        if (CError failed = settle(request, part, decodeCells(request, part, index, threads, decoded), decoded))
+            return failed;
+    }
+    return {};
+}
+
+CError CodestreamReader::settle(const ReadRequest &request, const Job &job, CError error, Decoded *decoded)
+{
     const int code = error.GetErrorNumber();
-    if (error.IsSuccess() || !request.resilient || code == PLK_ERR_CANCELLED || code == PLK_ERR_READ ||
-        code == PLK_ERR_FILE_CHANGED || code == PLK_ERR_OUT_OF_MEMORY || code == PLK_ERR_CONNECTION_LOST)
+    const bool isDamage = code == PLK_ERR_DECODE || code == PLK_ERR_TRUNCATED || code == PLK_ERR_MALFORMED;
+    if (error.IsSuccess() || !request.resilient || !isDamage)
         return error;
     decoded->damage = error.GetErrorMessage();
     for (const int c : job.components)
         keep(request, job,
-             makePlane(c, toComponent(job.levelRect, raster.components[c]), raster.components[c].sampleType), decoded);
+             makePlane(c, toComponent(job.levelRect, raster.components[c]), raster.components[c].sampleType), 0,
+             decoded);
     return {};
 }
 
 CError CodestreamReader::decodeCells(const ReadRequest &request, const Job &job, const TileIndex &index, int threads,
                                      Decoded *decoded)
 {
-    const auto start = std::chrono::steady_clock::now();
     const int discarded = std::min(request.level, index.style().minDecompositionLevels());
     const int averagedLevels = request.level - discarded;
     const IntRect codedTile = levelRect(index.rect(), discarded);
@@ -359,57 +516,39 @@ CError CodestreamReader::decodeCells(const ReadRequest &request, const Job &job,
                       "Tile " + std::to_string(job.tile) + " cannot be decoded: " + error.GetErrorMessage());
 
     const bool isSubset = cells.size() == job.components.size();
-    double count = 0.0;
     for (std::size_t i = 0; i < job.components.size(); ++i) {
         const int c = job.components[i];
         const std::size_t at = isSubset ? i : std::size_t(c);
         const IntRect rect = toComponent(region, raster.components[c]);
         if (at >= cells.size() || cells[at].width != rect.width() || cells[at].height != rect.height())
             return CError(PLK_ERR_DECODE, "Tile " + std::to_string(job.tile) + " has another size than it should.");
-        Plane plane = planeFromCells(c, rect, raster.components[c].sampleType, cells[at]);
-        count += double(areaOf(rect));
-        keep(request, job, averagedLevels > 0 ? averaged(plane, averagedLevels) : std::move(plane), decoded);
+        keep(request, job, planeFromCells(c, rect, raster.components[c].sampleType, cells[at]), averagedLevels,
+             decoded);
     }
-    const double elapsed =
-        std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count() * threads;
-    if (count > 10000.0)
-        nanosecondsPerCell = (1.0 - kRateWeight) * nanosecondsPerCell + kRateWeight * elapsed / count;
     return {};
 }
 
-void CodestreamReader::keep(const ReadRequest &request, const Job &job, Plane plane, Decoded *decoded)
+void CodestreamReader::keep(const ReadRequest &request, const Job &job, Plane plane, int averagedLevels,
+                            Decoded *decoded)
 {
     const int component = plane.component;
-    auto shared = std::make_shared<const Plane>(std::move(plane));
+    auto shared =
+        std::make_shared<const Plane>(averagedLevels > 0 ? averaged(plane, averagedLevels) : std::move(plane));
+    if (shared->rect.isEmpty())
+        return;
     decoded->planes.push_back(shared);
     TileCache::instance().insert(key(request, job.tile, component), std::move(shared));
 }
 
-CError CodestreamReader::tileIndex(std::uint32_t tile, std::shared_ptr<const TileIndex> *index)
+CError CodestreamReader::tileIndex(std::uint32_t tile, TileIndexPtr *index)
 {
-    {
-        std::lock_guard<std::mutex> lock(indexMutex);
-        const auto found = indexByTile.find(tile);
-        if (found != indexByTile.end()) {
-            indexEntries.splice(indexEntries.begin(), indexEntries, found->second);
-            *index = found->second->index;
-            return {};
-        }
-    }
+    *index = indexes.find(tile);
+    if (*index)
+        return {};
     // Two threads may read the same index at once; that costs less than making one wait.
     if (CError error = TileIndex::read(*source, *header, table, tile, index))
         return error;
-    std::lock_guard<std::mutex> lock(indexMutex);
-    if (indexByTile.count(tile))
-        return {};
-    indexEntries.push_front({tile, *index});
-    indexByTile[tile] = indexEntries.begin();
-    indexBytes += (*index)->memoryUse();
-    while (indexBytes > kIndexBudget && indexEntries.size() > 1) {
-        indexBytes -= indexEntries.back().index->memoryUse();
-        indexByTile.erase(indexEntries.back().tile);
-        indexEntries.pop_back();
-    }
+    indexes.insert(tile, *index);
     return {};
 }
 

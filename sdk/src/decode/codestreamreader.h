@@ -1,13 +1,13 @@
 #pragma once
 
 #include "../codestream/tileindex.h"
+#include "blockstore.h"
+#include "bytebudgetmap.h"
 #include "rasterreader.h"
 #include "tilecache.h"
 
 #include <atomic>
-#include <list>
 #include <mutex>
-#include <unordered_map>
 
 namespace xrv {
 
@@ -31,14 +31,13 @@ private:
         std::uint32_t tile = 0;
         IntRect levelRect;           ///< on the level's canvas
         std::vector<int> components; ///< ascending
-        bool isWholeTile = false;
     };
     /// What a request comes down to.
     struct Plan
     {
         std::vector<IntRect> wanted; ///< per requested component, component level coordinates
         std::vector<TileCache::PlanePtr> cached;
-        std::vector<Job> jobs;
+        std::vector<Job> jobs; ///< by tile
         std::uint64_t tiles = 0, tilesCached = 0;
     };
     struct Decoded
@@ -46,22 +45,31 @@ private:
         std::vector<TileCache::PlanePtr> planes;
         std::string damage;
     };
+    using TileIndexPtr = std::shared_ptr<const TileIndex>;
 
     void describe();
     IntRect wantedRect(const ReadRequest &request, int component) const;
+    int layersOf(const ReadRequest &request) const;
     Plan plan(const ReadRequest &request);
     void planTile(const ReadRequest &request, std::uint32_t tile, Plan *plan);
-    void addJobs(const ReadRequest &request, std::uint32_t tile, std::vector<IntRect> missing,
-                 const std::vector<int> &components, bool isFirst, Plan *plan) const;
+    void addJobs(const ReadRequest &request, std::uint32_t tile, const std::vector<std::vector<IntRect>> &missing,
+                 const std::vector<int> &components, Plan *plan) const;
     std::vector<int> withTransformPartners(std::vector<int> components) const;
     TileCache::Key key(const ReadRequest &request, std::uint32_t tile, int component) const;
 
-    PLK::CError runJobs(const ReadRequest &request, const std::vector<Job> &jobs, std::vector<Decoded> *decoded);
-    PLK::CError decode(const ReadRequest &request, const Job &job, int threads, Decoded *decoded);
+    PLK::CError decodeAll(const ReadRequest &request, const std::vector<Job> &jobs, std::vector<Decoded> *decoded);
+    PLK::CError loadIndexes(const ReadRequest &request, const std::vector<Job> &jobs,
+                            std::vector<TileIndexPtr> *indexes);
+    PLK::CError decodeByBlocks(const ReadRequest &request, const std::vector<Job> &jobs,
+                               const std::vector<TileIndexPtr> &indexes, std::vector<Decoded> *decoded);
+    PLK::CError decodeWhole(const ReadRequest &request, const Job &job, const TileIndex &index, int threads,
+                            Decoded *decoded);
     PLK::CError decodeCells(const ReadRequest &request, const Job &job, const TileIndex &index, int threads,
                             Decoded *decoded);
-    void keep(const ReadRequest &request, const Job &job, Plane plane, Decoded *decoded);
-    PLK::CError tileIndex(std::uint32_t tile, std::shared_ptr<const TileIndex> *index);
+    /// Decides what an error of a tile means: nothing cells with a note of the damage, or the end of the read.
+    PLK::CError settle(const ReadRequest &request, const Job &job, PLK::CError error, Decoded *decoded);
+    void keep(const ReadRequest &request, const Job &job, Plane plane, int averagedLevels, Decoded *decoded);
+    PLK::CError tileIndex(std::uint32_t tile, TileIndexPtr *index);
 
     std::shared_ptr<ByteSource> source;
     ByteRange codestream;
@@ -71,15 +79,8 @@ private:
     std::uint64_t fileNumber;
     std::atomic<double> nanosecondsPerCell; ///< measured, one core
 
-    struct IndexEntry
-    {
-        std::uint32_t tile;
-        std::shared_ptr<const TileIndex> index;
-    };
-    std::mutex indexMutex;              ///< guards the index cache
-    std::list<IndexEntry> indexEntries; ///< most recently used first
-    std::unordered_map<std::uint32_t, std::list<IndexEntry>::iterator> indexByTile;
-    std::size_t indexBytes = 0;
+    ByteBudgetMap<std::uint32_t, TileIndex> indexes;
+    BlockStore blocks;
 };
 
 } // namespace xrv

@@ -1,9 +1,16 @@
 set(stage_sources
+    blockdecoder.cpp
+    blockstore.cpp
     codestreamreader.cpp
     decodepool.cpp
+    mqdecoder.cpp
     openjpegdecoder.cpp
     planeops.cpp
+    quantization.cpp
     rasterinfo.cpp
     rectset.cpp
+    tilebands.cpp
     tilecache.cpp
+    tilesynthesis.cpp
+    wavelet.cpp
 )

@@ -26,7 +26,7 @@ std::size_t TileCache::KeyHash::operator()(const Key &key) const
 {
     std::uint64_t h = key.file * 0x9E3779B97F4A7C15ull;
     h ^= (std::uint64_t(key.tile) << 32 | std::uint64_t(key.component) << 16 | key.layers) * 0xC2B2AE3D27D4EB4Full;
-    h ^= key.level * 0x165667B19E3779F9ull;
+    h ^= (key.level + key.block * 64) * 0x165667B19E3779F9ull;
     return static_cast<std::size_t>(h ^ h >> 29);
 }
 
@@ -48,6 +48,12 @@ std::vector<TileCache::PlanePtr> TileCache::find(const Key &key)
         entries.splice(entries.begin(), entries, entry);
     }
     return planes;
+}
+
+bool TileCache::contains(const Key &key) const
+{
+    std::lock_guard<std::mutex> lock(mutex);
+    return byKey.count(key) != 0;
 }
 
 void TileCache::insert(const Key &key, PlanePtr plane)

@@ -25,10 +25,11 @@ public:
         std::uint16_t layers = 0;
         std::uint16_t component = 0;
         std::uint8_t level = 0;
+        std::uint64_t block = 0; ///< 0: samples; otherwise the coefficients of this code-block
         bool operator==(const Key &k) const
         {
             return file == k.file && tile == k.tile && layers == k.layers && component == k.component &&
-                   level == k.level;
+                   level == k.level && block == k.block;
         }
     };
     using PlanePtr = std::shared_ptr<const Plane>;
@@ -41,6 +42,8 @@ public:
 
     /// What there is of \a key; the planes may overlap and together leave gaps. Counts as use.
     std::vector<PlanePtr> find(const Key &key);
+    /// Whether there is anything; no use.
+    bool contains(const Key &key) const;
     /// Keeps \a plane, unless it alone is larger than the budget. Planes of the same key that lie within it go.
     void insert(const Key &key, PlanePtr plane);
     /// Drops all of a file.

@@ -1,0 +1,224 @@
+#include "precinct.h"
+
+#include <algorithm>
+
+namespace xrv {
+
+namespace {
+
+/// Number of passes by their code words (table B.4).
+int readPasses(PacketBits &bits)
+{
+    if (!bits.bit())
+        return 1;
+    if (!bits.bit())
+        return 2;
+    if (unsigned n = bits.bits(2); n < 3)
+        return 3 + static_cast<int>(n);
+    if (unsigned n = bits.bits(5); n < 31)
+        return 6 + static_cast<int>(n);
+    return 37 + static_cast<int>(bits.bits(7));
+}
+
+int floorLog2(unsigned value)
+{
+    int result = 0;
+    while (value >>= 1)
+        ++result;
+    return result;
+}
+
+constexpr int kMostPasses = 164;       ///< 37 + 127, table B.4
+constexpr int kMostZeroBitPlanes = 74; ///< more than 7 guard bits and 5-bit exponents with a region of interest allow
+
+} // namespace
+
+int passesInSegment(std::uint8_t style, int firstPass)
+{
+    if (style & BlockStyle::kTerminateAll)
+        return 1;
+    if (!(style & BlockStyle::kBypass))
+        return kMostPasses;
+    // Arithmetic coding for the first ten passes, then two raw passes and one arithmetically coded one in turn.
+    if (firstPass < 10)
+        return 10 - firstPass;
+    return (firstPass - 10) % 3 == 0 ? 2 : 1;
+}
+
+IntRect BandGrid::blockRect(std::uint32_t block) const
+{
+    const std::int64_t x = firstX + block % across, y = firstY + block / across;
+    return IntRect{x << widthExponent, y << heightExponent, (x + 1) << widthExponent, (y + 1) << heightExponent}
+        .intersected(bandRect);
+}
+
+IntRect bandRect(const IntRect &rect, int orientation, int level)
+{
+    if (level == 0)
+        return rect;
+    const std::int64_t half = std::int64_t(1) << (level - 1);
+    const std::int64_t dx = orientation & 1 ? half : 0, dy = orientation & 2 ? half : 0;
+    return {ceilShift(rect.x0 - dx, level), ceilShift(rect.y0 - dy, level), ceilShift(rect.x1 - dx, level),
+            ceilShift(rect.y1 - dy, level)};
+}
+
+std::vector<BandGrid> bandGrids(const IntRect &tileComponentRect, const ComponentStyle &style, const PrecinctGrid &grid,
+                                int resolution, std::int64_t precinct)
+{
+    const bool isLowest = resolution == 0;
+    const int level = isLowest ? style.decompositionLevels : style.decompositionLevels - resolution + 1;
+    const int widthExponent = grid.widthExponent - (isLowest ? 0 : 1);
+    const int heightExponent = grid.heightExponent - (isLowest ? 0 : 1);
+    const std::int64_t px = grid.firstX + precinct % grid.across, py = grid.firstY + precinct / grid.across;
+    const IntRect precinctRect{px << widthExponent, py << heightExponent, (px + 1) << widthExponent,
+                               (py + 1) << heightExponent};
+    std::vector<BandGrid> bands;
+    for (int orientation = isLowest ? 0 : 1; orientation <= (isLowest ? 0 : 3); ++orientation) {
+        BandGrid band;
+        band.orientation = orientation;
+        band.bandRect = bandRect(tileComponentRect, orientation, level).intersected(precinctRect);
+        band.widthExponent = std::min(style.codeBlockWidthExponent, widthExponent);
+        band.heightExponent = std::min(style.codeBlockHeightExponent, heightExponent);
+        if (!band.bandRect.isEmpty()) {
+            band.firstX = band.bandRect.x0 >> band.widthExponent;
+            band.firstY = band.bandRect.y0 >> band.heightExponent;
+            band.across = static_cast<std::uint32_t>(ceilShift(band.bandRect.x1, band.widthExponent) - band.firstX);
+            band.down = static_cast<std::uint32_t>(ceilShift(band.bandRect.y1, band.heightExponent) - band.firstY);
+        }
+        bands.push_back(band);
+    }
+    return bands;
+}
+
+Precinct::Precinct(const IntRect &tileComponentRect, const ComponentStyle &style, const PrecinctGrid &grid,
+                   int resolution, std::int64_t precinct, bool usesEph)
+    : codeBlockStyle(style.codeBlockStyle)
+    , usesEph(usesEph)
+{
+    for (const BandGrid &band : bandGrids(tileComponentRect, style, grid, resolution, precinct))
+        bandStates.push_back({band, TagTree(band.across, band.down), TagTree(band.across, band.down),
+                              std::vector<BlockState>(band.count())});
+}
+
+Precinct::Outcome Precinct::parse(const std::uint8_t *data, std::size_t size, int layer, std::size_t *headerLength,
+                                  std::uint64_t *bodyLength)
+{
+    // A.8.1: the SOP marker segment may be left out packet by packet.
+    const std::size_t sop = size >= 6 && data[0] == 0xFF && data[1] == 0x91 ? 6 : 0;
+    *bodyLength = 0;
+    lastPieces.clear();
+    if (size <= sop)
+        return Outcome::NeedsMore;
+    if (!(data[sop] & 0x80)) {
+        // An empty packet, the common case in files of many layers.
+        *headerLength = sop + 1;
+    } else {
+        PacketBits bits(data + sop, size - sop);
+        bits.bit();
+        bool sound = true;
+        for (BandState &band : bandStates)
+            for (std::uint32_t block = 0; sound && block < band.blocks.size(); ++block)
+                sound = parseBlock(bits, band, block, layer, bodyLength);
+        *headerLength = sop + bits.finish();
+        if (!bits.ok() || !sound)
+            return bits.ok() ? Outcome::Damaged : Outcome::NeedsMore;
+    }
+    if (usesEph) {
+        // A.8.2; writers that promise the marker and leave it out are read all the same.
+        if (size < *headerLength + 2)
+            return Outcome::NeedsMore;
+        if (data[*headerLength] == 0xFF && data[*headerLength + 1] == 0x92)
+            *headerLength += 2;
+    }
+    std::uint64_t offset = *headerLength;
+    for (auto &[block, piece] : lastPieces) {
+        block->pieces[piece].offset = offset;
+        offset += block->pieces[piece].length;
+    }
+    return Outcome::Ok;
+}
+
+void Precinct::placeLast(std::uint64_t offset)
+{
+    for (auto &[block, piece] : lastPieces)
+        block->pieces[piece].offset += offset;
+}
+
+/// B.10.3 to B.10.6.
+bool Precinct::parseBlock(PacketBits &bits, BandState &band, std::uint32_t number, int layer, std::uint64_t *bodyLength)
+{
+    BlockState &block = band.blocks[number];
+    if (block.isIncluded) {
+        if (!bits.bit())
+            return true;
+    } else {
+        if (!band.inclusion.isBelow(bits, number, layer + 1))
+            return true;
+        const int planes = band.zeroBitPlanes.value(bits, number, kMostZeroBitPlanes);
+        if (planes >= kMostZeroBitPlanes)
+            return false;
+        block.zeroBitPlanes = static_cast<std::uint8_t>(planes);
+        block.isIncluded = true;
+    }
+    const int passes = readPasses(bits);
+    while (bits.bit()) {
+        if (++block.lengthBits > 32)
+            return false;
+    }
+    return parseLengths(bits, block, passes, layer, bodyLength);
+}
+
+/// B.10.7: one length for each codeword segment that the packet adds to.
+bool Precinct::parseLengths(PacketBits &bits, BlockState &block, int passes, int layer, std::uint64_t *bodyLength)
+{
+    if (block.passes + passes > kMostPasses)
+        return false;
+    while (passes > 0) {
+        int inSegment = 0;
+        if (codeBlockStyle & (BlockStyle::kBypass | BlockStyle::kTerminateAll)) {
+            // Passes left in the segment that is open.
+            int begun = 0;
+            for (auto piece = block.pieces.rbegin(); piece != block.pieces.rend() && !piece->endsSegment; ++piece)
+                begun += piece->passes;
+            inSegment = passesInSegment(codeBlockStyle, block.passes - begun) - begun;
+        } else {
+            inSegment = kMostPasses;
+        }
+        BlockPiece piece;
+        piece.passes = static_cast<std::uint8_t>(std::min(passes, inSegment));
+        piece.endsSegment = piece.passes == inSegment;
+        piece.layer = static_cast<std::uint16_t>(layer);
+        const int count = block.lengthBits + floorLog2(piece.passes);
+        if (count > 32)
+            return false;
+        piece.length = bits.bits(count);
+        *bodyLength += piece.length;
+        block.passes = static_cast<std::uint8_t>(block.passes + piece.passes);
+        passes -= piece.passes;
+        block.pieces.push_back(piece);
+        lastPieces.emplace_back(&block, block.pieces.size() - 1);
+    }
+    return true;
+}
+
+std::size_t Precinct::ampleHeader() const
+{
+    const bool manySegments = codeBlockStyle & (BlockStyle::kBypass | BlockStyle::kTerminateAll);
+    std::size_t blocks = 0;
+    for (const BandState &band : bandStates)
+        blocks += band.blocks.size();
+    return 64 + blocks * (manySegments ? 256 : 32);
+}
+
+std::size_t Precinct::memoryUse() const
+{
+    std::size_t sum = sizeof(*this);
+    for (const BandState &band : bandStates) {
+        sum += band.blocks.size() * (sizeof(BlockState) + 24);
+        for (const BlockState &block : band.blocks)
+            sum += block.pieces.capacity() * sizeof(BlockPiece);
+    }
+    return sum;
+}
+
+} // namespace xrv

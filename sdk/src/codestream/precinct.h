@@ -1,0 +1,100 @@
+#pragma once
+
+#include "tagtree.h"
+#include "tileindex.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace xrv {
+
+/// Code-blocks of one subband within one precinct (ISO/IEC 15444-1 B.7).
+struct BandGrid
+{
+    int orientation = 0;                       ///< 0 LL, 1 HL, 2 LH, 3 HH
+    IntRect bandRect;                          ///< the precinct's part of the subband, cells of the subband
+    int widthExponent = 6, heightExponent = 6; ///< of the code-blocks here
+    std::int64_t firstX = 0, firstY = 0;       ///< indices of the first code-block, counted from the canvas origin
+    std::uint32_t across = 0, down = 0;
+    std::uint32_t count() const { return across * down; }
+    /// Cells of code-block \a block, numbered row by row.
+    IntRect blockRect(std::uint32_t block) const;
+};
+
+/// Subband rectangle of a tile-component (B-15). \a level: decompositions from full resolution, 1 and up (for LL the
+/// last).
+IntRect bandRect(const IntRect &tileComponentRect, int orientation, int level);
+
+/// The subbands of a precinct: LL alone for the lowest resolution, HL, LH and HH for others.
+std::vector<BandGrid> bandGrids(const IntRect &tileComponentRect, const ComponentStyle &style, const PrecinctGrid &grid,
+                                int resolution, std::int64_t precinct);
+
+/// A piece of a code-block's data: some passes in one packet that belong to one codeword segment.
+struct BlockPiece
+{
+    std::uint64_t offset = 0; ///< from the start of the packet while a packet is parsed, in the file afterwards
+    std::uint32_t length = 0;
+    std::uint16_t layer = 0;
+    std::uint8_t passes = 0;
+    bool endsSegment = false; ///< the codeword segment is terminated after it
+};
+
+/// What packet headers have told of a code-block so far.
+struct BlockState
+{
+    std::vector<BlockPiece> pieces;
+    std::uint8_t zeroBitPlanes = 0;
+    std::uint8_t lengthBits = 3; ///< Lblock
+    std::uint8_t passes = 0;
+    bool isIncluded = false;
+};
+
+/// A precinct whose packets are parsed one after the other, lowest layer first.
+class Precinct
+{
+public:
+    struct BandState
+    {
+        BandGrid grid;
+        TagTree inclusion, zeroBitPlanes;
+        std::vector<BlockState> blocks;
+    };
+
+    Precinct(const IntRect &tileComponentRect, const ComponentStyle &style, const PrecinctGrid &grid, int resolution,
+             std::int64_t precinct, bool usesEph);
+
+    enum class Outcome { Ok, NeedsMore, Damaged };
+    /// Parses the header of the packet of \a layer at the start of \a data (an SOP marker segment may come before it).
+    /// \a headerLength and \a bodyLength are set on success. With NeedsMore the header reaches beyond \a data; the
+    /// state is spoiled then, as with Damaged, and a caller that can give more has to start from a copy.
+    Outcome parse(const std::uint8_t *data, std::size_t size, int layer, std::size_t *headerLength,
+                  std::uint64_t *bodyLength);
+    /// Adds \a offset to the pieces that the last parse() made.
+    void placeLast(std::uint64_t offset);
+
+    /// Bytes that surely hold the header of one packet in sound files of ordinary coding styles.
+    std::size_t ampleHeader() const;
+    const std::vector<BandState> &bands() const { return bandStates; }
+    std::size_t memoryUse() const;
+
+private:
+    bool parseBlock(PacketBits &bits, BandState &band, std::uint32_t number, int layer, std::uint64_t *bodyLength);
+    bool parseLengths(PacketBits &bits, BlockState &block, int passes, int layer, std::uint64_t *bodyLength);
+
+    std::vector<BandState> bandStates;
+    std::vector<std::pair<BlockState *, std::size_t>> lastPieces;
+    std::uint8_t codeBlockStyle;
+    bool usesEph;
+};
+
+/// Bits of the code-block style (table A.19).
+namespace BlockStyle {
+constexpr std::uint8_t kBypass = 1, kReset = 2, kTerminateAll = 4, kVerticallyCausal = 8, kPredictableTermination = 16,
+                       kSegmentationSymbols = 32, kHighThroughput = 64;
+}
+
+/// Passes that the codeword segment with its first pass numbered \a firstPass can hold (table D.9).
+int passesInSegment(std::uint8_t codeBlockStyle, int firstPass);
+
+} // namespace xrv

@@ -1,0 +1,397 @@
+#include "blockstore.h"
+
+#include "blockdecoder.h"
+#include "decodepool.h"
+#include "planeops.h"
+#include "quantization.h"
+
+#include <algorithm>
+#include <chrono>
+#include <mutex>
+
+using PLK::CError;
+
+namespace xrv {
+
+namespace {
+
+/// Parsed precincts kept per file, in bytes.
+constexpr std::size_t kPrecinctBudget = 32u << 20;
+/// Packets up to this size are read whole; of longer ones first the header, then the blocks that are wanted.
+constexpr std::uint64_t kWholePacket = 256 * 1024;
+/// Reads of one precinct or block that lie closer than this are made in one.
+constexpr std::uint64_t kJoinGap = 2048;
+/// Blocks that one thread decodes in a row.
+constexpr std::size_t kBlocksPerTask = 4;
+
+CError cancelled()
+{
+    return CError(PLK_ERR_CANCELLED, "The read was cancelled.");
+}
+
+/// Bytes of a range of the file that has been read, with what was asked for around it.
+struct Chunk
+{
+    ByteRange range;
+    Bytes bytes;
+};
+
+std::vector<ByteRange> joined(std::vector<ByteRange> ranges)
+{
+    std::sort(ranges.begin(), ranges.end(), [](const ByteRange &a, const ByteRange &b) { return a.offset < b.offset; });
+    std::vector<ByteRange> result;
+    for (const ByteRange &range : ranges) {
+        if (range.length == 0)
+            continue;
+        if (!result.empty() && range.offset <= result.back().end() + kJoinGap)
+            result.back().length = std::max(result.back().end(), range.end()) - result.back().offset;
+        else
+            result.push_back(range);
+    }
+    return result;
+}
+
+CError readChunks(ByteSource &source, std::vector<ByteRange> ranges, const CancelFlag &cancel,
+                  std::vector<Chunk> *chunks)
+{
+    ranges = joined(std::move(ranges));
+    std::vector<Bytes> bytes;
+    if (CError error = source.read(ranges, cancel, &bytes))
+        return error;
+    chunks->clear();
+    for (std::size_t i = 0; i < ranges.size(); ++i)
+        chunks->push_back({ranges[i], std::move(bytes[i])});
+    return {};
+}
+
+/// The bytes from \a offset on in \a chunks (sorted); null when they are not there.
+const std::uint8_t *bytesAt(const std::vector<Chunk> &chunks, std::uint64_t offset, std::uint64_t length)
+{
+    auto chunk = std::upper_bound(chunks.begin(), chunks.end(), offset,
+                                  [](std::uint64_t at, const Chunk &c) { return at < c.range.offset; });
+    if (chunk == chunks.begin())
+        return nullptr;
+    --chunk;
+    return offset + length <= chunk->range.end() ? chunk->bytes.data() + (offset - chunk->range.offset) : nullptr;
+}
+
+/// Coefficients in the smallest type that holds them.
+Plane toPlane(const BlockPlace &place, const std::vector<std::int32_t> &coefficients, int bitPlanes)
+{
+    Plane plane = makePlane(place.name.component, place.rect, bitPlanes <= 14 ? SampleType::Int16 : SampleType::Int32);
+    if (plane.type == SampleType::Int32) {
+        std::copy(coefficients.begin(), coefficients.end(), reinterpret_cast<std::int32_t *>(plane.bytes.data()));
+    } else {
+        auto *out = reinterpret_cast<std::int16_t *>(plane.bytes.data());
+        for (std::size_t i = 0; i < coefficients.size(); ++i)
+            out[i] = static_cast<std::int16_t>(coefficients[i]);
+    }
+    return plane;
+}
+
+/// H.1: coefficients of the region of interest are the ones above the shift; they come down again.
+void undoRegionOfInterest(int shift, std::vector<std::int32_t> *coefficients)
+{
+    for (std::int32_t &value : *coefficients) {
+        const std::int32_t magnitude = value < 0 ? -value : value;
+        if (magnitude >= std::int64_t(1) << (shift + 1)) // doubled
+            value = value < 0 ? -(magnitude >> shift) : magnitude >> shift;
+    }
+}
+
+/// What a damaged packet header has told is forgotten.
+void dropFromLayer(PrecinctIndex &index, int layer)
+{
+    for (std::vector<BlockState> &band : index.blocks)
+        for (BlockState &block : band)
+            while (!block.pieces.empty() && block.pieces.back().layer >= layer)
+                block.pieces.pop_back();
+}
+
+} // namespace
+
+std::size_t PrecinctIndex::memoryUse() const
+{
+    std::size_t sum = sizeof(*this);
+    for (const std::vector<BlockState> &band : blocks) {
+        sum += band.size() * sizeof(BlockState);
+        for (const BlockState &block : band)
+            sum += block.pieces.capacity() * sizeof(BlockPiece) + 16;
+    }
+    return sum;
+}
+
+struct BlockStore::PrecinctTask
+{
+    const BlockRequest *request = nullptr;
+    std::size_t requestNumber = 0;
+    PrecinctKey key{};
+    std::vector<const BlockPlace *> blocks;
+    std::shared_ptr<const PrecinctIndex> index;
+    std::vector<Chunk> chunks; ///< bytes at hand, sorted
+    bool isDamaged = false;
+};
+
+BlockStore::BlockStore(std::shared_ptr<ByteSource> source, const MainHeader &header, std::uint64_t fileNumber)
+    : source(std::move(source))
+    , header(header)
+    , fileNumber(fileNumber)
+    , precincts(kPrecinctBudget)
+{
+}
+
+TileCache::Key BlockStore::cacheKey(const TileToDecode &tile, const BlockName &name) const
+{
+    TileCache::Key key;
+    key.file = fileNumber;
+    key.tile = tile.tile;
+    key.layers = static_cast<std::uint16_t>(tile.layers);
+    key.component = static_cast<std::uint16_t>(name.component);
+    key.block = name.number();
+    return key;
+}
+
+std::uint64_t BlockStore::countMissing(const BlockRequest &request) const
+{
+    std::uint64_t count = 0;
+    for (const BlockPlace &place : request.blocks)
+        count += TileCache::instance().contains(cacheKey(request.tile, place.name)) ? 0 : 1;
+    return count;
+}
+
+std::vector<BlockStore::PrecinctTask> BlockStore::collectMissing(const std::vector<BlockRequest> &requests,
+                                                                 std::vector<BlockSet> *sets) const
+{
+    std::vector<PrecinctTask> tasks;
+    for (std::size_t i = 0; i < requests.size(); ++i) {
+        const BlockRequest &request = requests[i];
+        std::unordered_map<PrecinctKey, std::size_t, PrecinctKeyHash> byPrecinct;
+        for (const BlockPlace &place : request.blocks) {
+            std::vector<TileCache::PlanePtr> cached = TileCache::instance().find(cacheKey(request.tile, place.name));
+            if (!cached.empty()) {
+                (*sets)[i].insert(place.name.component, place.name.number(), std::move(cached.front()));
+                continue;
+            }
+            const PrecinctKey key{request.tile.tile, place.name.component, place.name.resolution, request.tile.layers,
+                                  place.name.precinct};
+            const auto [found, isNew] = byPrecinct.emplace(key, tasks.size());
+            if (isNew) {
+                PrecinctTask task;
+                task.request = &request;
+                task.requestNumber = i;
+                task.key = key;
+                tasks.push_back(std::move(task));
+            }
+            tasks[found->second].blocks.push_back(&place);
+        }
+    }
+    return tasks;
+}
+
+CError BlockStore::loadPrecinct(PrecinctTask &task, const CancelFlag &cancel)
+{
+    const TileIndex &index = *task.request->tile.index;
+    std::vector<ByteRange> packets;
+    for (int layer = 0; layer < task.key.layers; ++layer) {
+        const TileIndex::PacketPlace place =
+            index.place(index.packets().number(task.key.component, task.key.resolution, task.key.precinct, layer));
+        packets.push_back({place.offset, place.length});
+    }
+    task.index = precincts.find(task.key);
+    if (task.index)
+        return {};
+    std::shared_ptr<PrecinctIndex> parsed;
+    if (CError error = parsePrecinct(task, packets, cancel, &parsed))
+        return error;
+    task.index = parsed;
+    precincts.insert(task.key, parsed);
+    return {};
+}
+
+CError BlockStore::parsePrecinct(PrecinctTask &task, const std::vector<ByteRange> &packets, const CancelFlag &cancel,
+                                 std::shared_ptr<PrecinctIndex> *result)
+{
+    const TileIndex &index = *task.request->tile.index;
+    const ComponentStyle &style = index.style().components[task.key.component];
+    const IntRect rect = componentRect(index.rect(), header.components[task.key.component]);
+    const PrecinctGrid &grid = index.packets().grid(task.key.component, task.key.resolution);
+    for (std::uint64_t limit = kWholePacket;; limit *= 8) {
+        std::vector<ByteRange> ranges;
+        bool isAll = true;
+        for (const ByteRange &packet : packets) {
+            ranges.push_back({packet.offset, std::min(packet.length, limit)});
+            isAll &= packet.length <= limit;
+        }
+        if (CError error = readChunks(*source, ranges, cancel, &task.chunks))
+            return error;
+        Precinct precinct(rect, style, grid, task.key.resolution, task.key.precinct, index.style().usesEph());
+        Precinct::Outcome outcome = Precinct::Outcome::Ok;
+        int soundLayers = 0;
+        for (std::size_t layer = 0; layer < packets.size() && outcome == Precinct::Outcome::Ok; ++layer) {
+            if (packets[layer].length == 0)
+                break; // cut off; the layers before it stand
+            std::size_t headerLength = 0;
+            std::uint64_t bodyLength = 0;
+            outcome = precinct.parse(bytesAt(task.chunks, ranges[layer].offset, ranges[layer].length),
+                                     static_cast<std::size_t>(ranges[layer].length), static_cast<int>(layer),
+                                     &headerLength, &bodyLength);
+            if (outcome != Precinct::Outcome::Ok)
+                break;
+            precinct.placeLast(packets[layer].offset);
+            ++soundLayers;
+        }
+        if (outcome == Precinct::Outcome::NeedsMore && !isAll)
+            continue;
+        task.isDamaged = outcome != Precinct::Outcome::Ok;
+        auto parsed = std::make_shared<PrecinctIndex>();
+        for (const Precinct::BandState &band : precinct.bands())
+            parsed->blocks.push_back(band.blocks);
+        if (task.isDamaged)
+            dropFromLayer(*parsed, soundLayers);
+        *result = std::move(parsed);
+        return {};
+    }
+}
+
+int BlockStore::magnitudeBits(const TileToDecode &tile, const BlockPlace &place) const
+{
+    const int c = place.name.component;
+    const TileIndex::Quantization &quantization = tile.index->quantization()[c];
+    return bandQuantization(quantization.parameters, tile.index->style().components[c].isReversible,
+                            header.components[c].bits, place.name.resolution, place.orientation)
+        .magnitudeBits;
+}
+
+/// Gathers the bytes of a block's pieces, up to the first of which the file does not hold all.
+CError BlockStore::readPieces(const PrecinctTask &task, const BlockState &state, const CancelFlag &cancel,
+                              std::vector<std::uint8_t> *data, std::vector<std::uint32_t> *lengths)
+{
+    std::vector<Chunk> own;
+    const std::vector<Chunk> *chunks = &task.chunks;
+    const std::uint64_t fileSize = source->size();
+    std::vector<ByteRange> ranges;
+    bool isAtHand = true;
+    for (const BlockPiece &piece : state.pieces) {
+        const std::uint64_t offset = std::min(piece.offset, fileSize);
+        ranges.push_back({offset, std::min<std::uint64_t>(piece.length, fileSize - offset)});
+        isAtHand &= ranges.back().length == 0 || bytesAt(*chunks, ranges.back().offset, ranges.back().length);
+    }
+    if (!isAtHand) {
+        if (CError error = readChunks(*source, ranges, cancel, &own))
+            return error;
+        chunks = &own;
+    }
+    data->clear();
+    lengths->clear();
+    for (std::size_t i = 0; i < ranges.size(); ++i) {
+        const ByteRange &range = ranges[i];
+        if (range.length < state.pieces[i].length)
+            break; // cut off: passes without their bytes would decode to noise
+        lengths->push_back(static_cast<std::uint32_t>(range.length));
+        if (const std::uint8_t *bytes = range.length > 0 ? bytesAt(*chunks, range.offset, range.length) : nullptr)
+            data->insert(data->end(), bytes, bytes + range.length);
+    }
+    return {};
+}
+
+CError BlockStore::decodeBlock(const PrecinctTask &task, const BlockPlace &place, const CancelFlag &cancel,
+                               TileCache::PlanePtr *plane, bool *isSound)
+{
+    thread_local BlockDecoder decoder;
+    thread_local std::vector<std::int32_t> coefficients;
+    const TileToDecode &tile = task.request->tile;
+    const BlockState &state = task.index->blocks[place.name.band][place.name.block];
+    CodeBlock block;
+    block.width = static_cast<int>(place.rect.width());
+    block.height = static_cast<int>(place.rect.height());
+    block.orientation = place.orientation;
+    block.style = tile.index->style().components[place.name.component].codeBlockStyle;
+    const int shift = regionOfInterestShift(tile.index->quantization()[place.name.component].regionOfInterest);
+    block.bitPlanes = magnitudeBits(tile, place) + shift - state.zeroBitPlanes;
+    coefficients.resize(std::size_t(block.width) * block.height);
+    *isSound = true;
+    if (!state.pieces.empty() && block.bitPlanes > 0) {
+        std::vector<std::uint32_t> lengths;
+        if (CError error = readPieces(task, state, cancel, &block.data, &lengths))
+            return error;
+        CodewordSegment segment;
+        for (std::size_t i = 0; i < lengths.size(); ++i) {
+            segment.length += lengths[i];
+            segment.passes += state.pieces[i].passes;
+            if (!state.pieces[i].endsSegment && i + 1 < lengths.size())
+                continue;
+            block.segments.push_back(segment);
+            segment = {segment.offset + segment.length, 0, 0};
+        }
+    }
+    *isSound = decoder.decode(block, coefficients.data());
+    if (shift > 0)
+        undoRegionOfInterest(std::min(shift, 30), &coefficients);
+    *plane = std::make_shared<const Plane>(toPlane(place, coefficients, block.bitPlanes));
+    return {};
+}
+
+CError BlockStore::fetch(const std::vector<BlockRequest> &requests, bool resilient, const CancelFlag &cancel,
+                         std::vector<BlockSet> *sets, std::string *damage)
+{
+    sets->assign(requests.size(), {});
+    std::vector<PrecinctTask> tasks = collectMissing(requests, sets);
+    std::mutex mutex; // guards the results of the threads
+    CError firstError;
+    const auto note = [&](CError error) {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (error && firstError.IsSuccess())
+            firstError = std::move(error);
+        return firstError.IsSuccess();
+    };
+    const auto noteDamage = [&](const PrecinctTask &task) {
+        const std::string text = "Part of tile " + std::to_string(task.key.tile) + " is damaged.";
+        if (!resilient)
+            return note(CError(PLK_ERR_DECODE, text));
+        std::lock_guard<std::mutex> lock(mutex);
+        *damage = text;
+        return true;
+    };
+    DecodePool::run(tasks.size(), [&](std::size_t i) {
+        if (cancel.isRaised())
+            return note(cancelled());
+        return note(loadPrecinct(tasks[i], cancel)) && (!tasks[i].isDamaged || noteDamage(tasks[i]));
+    });
+    if (firstError)
+        return firstError;
+
+    std::vector<std::pair<const PrecinctTask *, std::size_t>> groups;
+    for (const PrecinctTask &task : tasks)
+        for (std::size_t block = 0; block < task.blocks.size(); block += kBlocksPerTask)
+            groups.emplace_back(&task, block);
+    std::int64_t nanoseconds = 0, cells = 0;
+    DecodePool::run(groups.size(), [&](std::size_t i) {
+        if (cancel.isRaised())
+            return note(cancelled());
+        const auto start = std::chrono::steady_clock::now();
+        const PrecinctTask &task = *groups[i].first;
+        const std::size_t end = std::min(groups[i].second + kBlocksPerTask, task.blocks.size());
+        std::int64_t decoded = 0;
+        for (std::size_t b = groups[i].second; b < end; ++b) {
+            const BlockPlace &place = *task.blocks[b];
+            TileCache::PlanePtr plane;
+            bool isSound = true;
+            if (!note(decodeBlock(task, place, cancel, &plane, &isSound)) || (!isSound && !noteDamage(task)))
+                return false;
+            TileCache::instance().insert(cacheKey(task.request->tile, place.name), plane);
+            decoded += place.rect.width() * place.rect.height();
+            std::lock_guard<std::mutex> lock(mutex);
+            (*sets)[task.requestNumber].insert(place.name.component, place.name.number(), std::move(plane));
+        }
+        std::lock_guard<std::mutex> lock(mutex);
+        nanoseconds += std::chrono::nanoseconds(std::chrono::steady_clock::now() - start).count();
+        cells += decoded;
+        return true;
+    });
+    if (cells > 10000)
+        rate =
+            rate > 0.0 ? 0.7 * rate + 0.3 * double(nanoseconds) / double(cells) : double(nanoseconds) / double(cells);
+    return firstError;
+}
+
+} // namespace xrv

@@ -1,0 +1,252 @@
+#include "tilesynthesis.h"
+
+#include "planeops.h"
+#include "quantization.h"
+#include "wavelet.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace xrv {
+
+namespace {
+
+/// Reversible coefficients lose the half that the block decoder added, towards 0; others are scaled by their step.
+inline std::int32_t dequantized(std::int32_t doubled, float, std::int32_t)
+{
+    return doubled / 2;
+}
+inline float dequantized(std::int32_t doubled, float halfStep, float)
+{
+    return static_cast<float>(doubled) * halfStep;
+}
+
+template <typename T, typename Stored>
+void copyBlock(const Plane &block, const IntRect &common, float halfStep, Grid<T> *band)
+{
+    for (std::int64_t y = common.y0; y < common.y1; ++y) {
+        const Stored *from = block.row<Stored>(y) + (common.x0 - block.rect.x0);
+        T *to = band->row(y) + (common.x0 - band->rect.x0);
+        for (std::int64_t i = 0; i < common.width(); ++i)
+            to[i] = dequantized(from[i], halfStep, T());
+    }
+}
+
+inline std::int64_t rounded(std::int32_t value)
+{
+    return value;
+}
+inline std::int64_t rounded(float value)
+{
+    return std::lrintf(std::clamp(value, -2147483648.0f, 2147483520.0f));
+}
+
+/// G.2.2, G.3.2.
+void inverseTransform(std::int32_t *a, std::int32_t *b, std::int32_t *c, std::int64_t count)
+{
+    for (std::int64_t i = 0; i < count; ++i) {
+        const std::int32_t green = a[i] - ((b[i] + c[i]) >> 2);
+        const std::int32_t red = c[i] + green, blue = b[i] + green;
+        a[i] = red;
+        b[i] = green;
+        c[i] = blue;
+    }
+}
+void inverseTransform(float *a, float *b, float *c, std::int64_t count)
+{
+    for (std::int64_t i = 0; i < count; ++i) {
+        const float red = a[i] + 1.402f * c[i];
+        const float green = a[i] - 0.344136f * b[i] - 0.714136f * c[i];
+        const float blue = a[i] + 1.772f * b[i];
+        a[i] = red;
+        b[i] = green;
+        c[i] = blue;
+    }
+}
+
+template <typename Sample, typename T>
+void storeRow(const T *from, std::int64_t count, std::int64_t shift, std::int64_t low, std::int64_t high, Sample *to)
+{
+    for (std::int64_t i = 0; i < count; ++i)
+        to[i] = static_cast<Sample>(std::clamp(rounded(from[i]) + shift, low, high));
+}
+
+/// Rows short enough for 32-bit arithmetic go a faster way.
+template <typename Sample>
+void storeRow(const float *from, std::int64_t count, std::int32_t shift, std::int32_t low, std::int32_t high,
+              Sample *to)
+{
+    const float lowest = static_cast<float>(low - shift), highest = static_cast<float>(high - shift);
+    for (std::int64_t i = 0; i < count; ++i) {
+        const float value = std::min(std::max(from[i], lowest), highest);
+        to[i] = static_cast<Sample>(static_cast<std::int32_t>(std::lrintf(value)) + shift);
+    }
+}
+
+} // namespace
+
+/// A component on its way: the grid covers the region, perhaps with rows around it.
+template <typename T> struct TileSynthesis::Component
+{
+    IntRect region;
+    Grid<T> grid;
+};
+
+bool TileSynthesis::supports(const MainHeader &header, const TileIndex &index)
+{
+    if (!index.hasPacketPlaces() || header.isHighThroughput)
+        return false;
+    const TileStyle &style = index.style();
+    for (std::size_t c = 0; c < style.components.size(); ++c)
+        if ((style.components[c].codeBlockStyle & BlockStyle::kHighThroughput) || header.components[c].bits > 26)
+            return false;
+    if (!style.multipleComponentTransform)
+        return true;
+    if (style.components.size() < 3)
+        return false;
+    for (int c = 1; c < 3; ++c)
+        if (style.components[c].isReversible != style.components[0].isReversible ||
+            header.components[c].stepX != header.components[0].stepX ||
+            header.components[c].stepY != header.components[0].stepY)
+            return false;
+    return true;
+}
+
+bool TileSynthesis::usesTransform(const std::vector<int> &components) const
+{
+    return tile.index->style().multipleComponentTransform && components.size() >= 3 && components[0] == 0;
+}
+
+template <typename T>
+void TileSynthesis::synthesizeComponent(const BlockSet &blocks, int component, int discarded, const IntRect &region,
+                                        Component<T> *result) const
+{
+    const ComponentStyle &style = tile.index->style().components[component];
+    const IntRect tileComponent = componentRect(tile.index->rect(), header.components[component]);
+    const Bytes &parameters = tile.index->quantization()[component].parameters;
+    const int levels = style.decompositionLevels;
+
+    const auto loadBand = [&](int resolution, int orientation, const IntRect &rect, Grid<T> *band) {
+        band->reset(rect);
+        const float halfStep = 0.5f * bandQuantization(parameters, style.isReversible,
+                                                       header.components[component].bits, resolution, orientation)
+                                          .stepSize;
+        std::vector<BlockPlace> places;
+        appendBlocks(tileComponent, style, component, resolution, orientation, rect, &places);
+        for (const BlockPlace &place : places) {
+            const Plane *block = blocks.find(component, place.name.number());
+            const IntRect common = place.rect.intersected(rect);
+            if (!block || common.isEmpty())
+                continue;
+            if (block->type == SampleType::Int16)
+                copyBlock<T, std::int16_t>(*block, common, halfStep, band);
+            else
+                copyBlock<T, std::int32_t>(*block, common, halfStep, band);
+        }
+    };
+
+    // What every resolution has to give, from the highest kept one down.
+    std::vector<IntRect> regions{region};
+    for (int level = discarded; level < levels; ++level)
+        regions.push_back(neededBandRect(levelRect(tileComponent, level), regions.back(), 0));
+    result->region = region;
+    Grid<T> low;
+    loadBand(0, 0, regions.back(), &low);
+    for (int level = levels - 1; level >= discarded; --level) {
+        const IntRect resolutionRect = levelRect(tileComponent, level);
+        const IntRect &wanted = regions[level - discarded];
+        Grid<T> high[3];
+        for (int orientation = 1; orientation <= 3; ++orientation)
+            loadBand(levels - level, orientation, neededBandRect(resolutionRect, wanted, orientation),
+                     &high[orientation - 1]);
+        const Grid<T> *const bands[4] = {&low, &high[0], &high[1], &high[2]};
+        Grid<T> next;
+        synthesize(resolutionRect, wanted, bands, &next);
+        low = std::move(next);
+    }
+    result->grid = std::move(low);
+}
+
+template <typename T> Plane TileSynthesis::toPlane(int component, const IntRect &rect, Component<T> &cells) const
+{
+    const MainHeader::Component &info = header.components[component];
+    Plane plane = makePlane(component, rect,
+                            info.bits <= 8    ? (info.isSigned ? SampleType::Int8 : SampleType::UInt8)
+                            : info.bits <= 16 ? (info.isSigned ? SampleType::Int16 : SampleType::UInt16)
+                                              : SampleType::Int32);
+    const std::int64_t half = std::int64_t(1) << (info.bits - 1);
+    const auto shift = static_cast<std::int32_t>(info.isSigned ? 0 : half);
+    const auto low = static_cast<std::int32_t>(info.isSigned ? -half : 0);
+    const auto high = static_cast<std::int32_t>(info.isSigned ? half - 1 : 2 * half - 1);
+    for (std::int64_t y = rect.y0; y < rect.y1; ++y) {
+        const T *from = cells.grid.row(y) + (rect.x0 - cells.grid.rect.x0);
+        std::uint8_t *to =
+            plane.bytes.data() + static_cast<std::size_t>((y - rect.y0) * rect.width()) * sampleSize(plane.type);
+        switch (plane.type) {
+        case SampleType::UInt8:
+            storeRow(from, rect.width(), shift, low, high, to);
+            break;
+        case SampleType::Int8:
+            storeRow(from, rect.width(), shift, low, high, reinterpret_cast<std::int8_t *>(to));
+            break;
+        case SampleType::UInt16:
+            storeRow(from, rect.width(), shift, low, high, reinterpret_cast<std::uint16_t *>(to));
+            break;
+        case SampleType::Int16:
+            storeRow(from, rect.width(), shift, low, high, reinterpret_cast<std::int16_t *>(to));
+            break;
+        default:
+            storeRow(from, rect.width(), shift, low, high, reinterpret_cast<std::int32_t *>(to));
+            break;
+        }
+    }
+    return plane;
+}
+
+template <typename T>
+Plane TileSynthesis::single(const BlockSet &blocks, int component, int discarded, const IntRect &region) const
+{
+    const IntRect rect = componentRect(region, header.components[component]);
+    if (rect.isEmpty())
+        return toPlane<T>(component, rect, *std::make_unique<Component<T>>());
+    Component<T> cells;
+    synthesizeComponent(blocks, component, discarded, rect, &cells);
+    return toPlane(component, rect, cells);
+}
+
+template <typename T>
+std::vector<Plane> TileSynthesis::transformed(const BlockSet &blocks, int discarded, const IntRect &region) const
+{
+    const IntRect rect = componentRect(region, header.components[0]);
+    Component<T> cells[3];
+    std::vector<Plane> result;
+    for (int c = 0; c < 3 && !rect.isEmpty(); ++c)
+        synthesizeComponent(blocks, c, discarded, rect, &cells[c]);
+    for (std::int64_t y = rect.y0; y < rect.y1; ++y)
+        inverseTransform(cells[0].grid.row(y) + (rect.x0 - cells[0].grid.rect.x0),
+                         cells[1].grid.row(y) + (rect.x0 - cells[1].grid.rect.x0),
+                         cells[2].grid.row(y) + (rect.x0 - cells[2].grid.rect.x0), rect.width());
+    for (int c = 0; c < 3; ++c)
+        result.push_back(toPlane(c, rect, cells[c]));
+    return result;
+}
+
+std::vector<Plane> TileSynthesis::planes(const BlockSet &blocks, const std::vector<int> &components, int discarded,
+                                         const IntRect &region) const
+{
+    const TileStyle &style = tile.index->style();
+    std::vector<Plane> result;
+    std::size_t next = 0;
+    if (usesTransform(components)) {
+        result = style.components[0].isReversible ? transformed<std::int32_t>(blocks, discarded, region)
+                                                  : transformed<float>(blocks, discarded, region);
+        next = 3;
+    }
+    for (; next < components.size(); ++next)
+        result.push_back(style.components[components[next]].isReversible
+                             ? single<std::int32_t>(blocks, components[next], discarded, region)
+                             : single<float>(blocks, components[next], discarded, region));
+    return result;
+}
+
+} // namespace xrv

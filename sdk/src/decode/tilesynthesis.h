@@ -1,0 +1,45 @@
+#pragma once
+
+#include "blockstore.h"
+
+#include <vector>
+
+namespace xrv {
+
+/// Turns decoded code-blocks of a tile into samples: dequantization (ISO/IEC 15444-1 annex E), inverse wavelet
+/// transformation (F), inverse component transformation (G.2, G.3) and level shift (G.1).
+class TileSynthesis
+{
+public:
+    TileSynthesis(const MainHeader &header, const TileToDecode &tile)
+        : header(header)
+        , tile(tile)
+    {
+    }
+
+    /// The tile can be decoded block by block: its packets' places are known, and its coding is what the block decoder
+    /// and the synthesis do.
+    static bool supports(const MainHeader &header, const TileIndex &index);
+
+    /// Makes planes of \a components (ascending; with a component transformation the first three together or not at
+    /// all). \a region: cells on the canvas of the level that is left when \a discarded resolutions are left out.
+    std::vector<Plane> planes(const BlockSet &blocks, const std::vector<int> &components, int discarded,
+                              const IntRect &region) const;
+
+private:
+    template <typename T> struct Component;
+    template <typename T>
+    void synthesizeComponent(const BlockSet &blocks, int component, int discarded, const IntRect &region,
+                             Component<T> *result) const;
+    template <typename T>
+    std::vector<Plane> transformed(const BlockSet &blocks, int discarded, const IntRect &region) const;
+    template <typename T>
+    Plane single(const BlockSet &blocks, int component, int discarded, const IntRect &region) const;
+    template <typename T> Plane toPlane(int component, const IntRect &rect, Component<T> &cells) const;
+    bool usesTransform(const std::vector<int> &components) const;
+
+    const MainHeader &header;
+    const TileToDecode &tile;
+};
+
+} // namespace xrv

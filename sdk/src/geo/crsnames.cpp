@@ -223,20 +223,6 @@ CrsDescription crsOfEpsg(int code)
     return known[code] = lookUp(proj.context(), code);
 }
 
-bool crsOfProjString(const std::string &definition, CrsDescription *crs)
-{
-    // Anything else would be looked for among all names of the database, which takes a tenth of a second.
-    if (definition.compare(0, 6, "+proj=") != 0)
-        return false;
-    const ProjLock proj;
-    ObjectPtr object(proj_create(proj.context(), definition.c_str()));
-    CrsDescription result;
-    if (!describe(proj.context(), std::move(object), &result))
-        return false;
-    *crs = std::move(result);
-    return true;
-}
-
 void setGeodeticDataPath(const std::string &folder)
 {
     std::error_code error;

@@ -33,10 +33,6 @@ struct CrsDescription
 /// units and axis order are known for the common systems only. Any thread.
 CrsDescription crsOfEpsg(int code);
 
-/// A system that is defined by a PROJ string ("+proj=... +type=crs"). False when PROJ does not understand it. Any
-/// thread.
-bool crsOfProjString(const std::string &definition, CrsDescription *crs);
-
 /// Prefers the proj.db in \a folder (UTF-8) to the one that PROJ finds itself. A folder without a proj.db that PROJ can
 /// use is ignored; an empty name goes back to PROJ's own. Any thread.
 void setGeodeticDataPath(const std::string &folder);

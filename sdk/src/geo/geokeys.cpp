@@ -31,10 +31,6 @@ struct KeysDeleter
 using TagsPtr = std::unique_ptr<ST_TIFF, TagsDeleter>;
 using KeysPtr = std::unique_ptr<GTIF, KeysDeleter>;
 
-struct DefinitionDeleter
-{
-    void operator()(GTIFDefn *definition) const { GTIFFreeDefn(definition); }
-};
 struct TextDeleter
 {
     void operator()(char *text) const { GTIFFreeMemory(text); }
@@ -119,30 +115,51 @@ std::string geographicName(GTIF *keys)
     return name.empty() || name == "unknown" ? "USER-DEFINED" : name;
 }
 
-double parameter(const GTIFDefn &definition, int key)
+/// NaN without the key.
+double doubleKey(GTIF *keys, geokey_t key)
 {
-    for (int i = 0; i < definition.nParms && i < MAX_GTIF_PROJPARMS; ++i) {
-        if (definition.ProjParmId[i] == key)
-            return definition.ProjParm[i];
+    double value = 0;
+    return GTIFKeyGetDOUBLE(keys, key, &value, 0, 1) == 1 ? value : std::numeric_limits<double>::quiet_NaN();
+}
+
+/// Degrees per unit of angles; 0 for units other than degrees and grads.
+double angularUnit(GTIF *keys)
+{
+    switch (shortKey(keys, GeogAngularUnitsGeoKey)) {
+    case 0:
+    case Angular_Degree:
+    case 9122: // the same with another way of representing it
+        return 1;
+    case Angular_Grad:
+        return 0.9;
+    default:
+        return 0;
     }
-    return std::numeric_limits<double>::quiet_NaN();
+}
+
+bool hasUtmParameters(GTIF *keys)
+{
+    const double falseNorthing = doubleKey(keys, ProjFalseNorthingGeoKey);
+    return shortKey(keys, ProjCoordTransGeoKey) == CT_TransverseMercator && angularUnit(keys) == 1 &&
+           doubleKey(keys, ProjNatOriginLatGeoKey) == 0 && doubleKey(keys, ProjScaleAtNatOriginGeoKey) == 0.9996 &&
+           doubleKey(keys, ProjFalseEastingGeoKey) == 500000 && (falseNorthing == 0 || falseNorthing == 1e7);
 }
 
 /// Zone of UTM, negative in the south; 0 if the projection is another one.
-int utmZone(const GTIFDefn &definition)
+int utmZone(GTIF *keys)
 {
-    if (definition.UOMLengthInMeters != 1)
+    const double unit = keyedLinearUnit(keys);
+    if (unit != 0 && unit != 1)
         return 0;
-    if (definition.MapSys == MapSys_UTM_North || definition.MapSys == MapSys_UTM_South)
-        return definition.MapSys == MapSys_UTM_North ? definition.Zone : -definition.Zone;
-    const double zone = (parameter(definition, ProjNatOriginLongGeoKey) + 183) / 6;
-    const double falseNorthing = parameter(definition, ProjFalseNorthingGeoKey);
-    const bool isUtm = definition.CTProjection == CT_TransverseMercator && zone >= 1 && zone <= 60 &&
-                       zone == std::floor(zone) && parameter(definition, ProjNatOriginLatGeoKey) == 0 &&
-                       parameter(definition, ProjScaleAtNatOriginGeoKey) == 0.9996 &&
-                       parameter(definition, ProjFalseEastingGeoKey) == 500000 &&
-                       (falseNorthing == 0 || falseNorthing == 1e7);
-    return isUtm ? static_cast<int>(falseNorthing == 0 ? zone : -zone) : 0;
+    const int conversion = shortKey(keys, ProjectionGeoKey);
+    if (conversion > 16000 && conversion <= 16060)
+        return conversion - 16000;
+    if (conversion > 16100 && conversion <= 16160)
+        return 16100 - conversion;
+    const double zone = (doubleKey(keys, ProjNatOriginLongGeoKey) + 183) / 6;
+    if (!hasUtmParameters(keys) || !(zone >= 1 && zone <= 60 && zone == std::floor(zone)))
+        return 0;
+    return static_cast<int>(doubleKey(keys, ProjFalseNorthingGeoKey) == 0 ? zone : -zone);
 }
 
 /// Code of a zone of UTM on the geographic system \a geographic; 0 if the register has none.
@@ -163,40 +180,79 @@ int utmCode(int geographic, int zone)
     return 0;
 }
 
-using DefinitionPtr = std::unique_ptr<GTIFDefn, DefinitionDeleter>;
-
-DefinitionPtr definitionOf(GTIF *keys, std::string *projString)
+/// Names of the methods in the EPSG register, or the customary ones. (libgeotiff's own way to a PROJ string writes
+/// numbers from the file into a buffer of fixed size.)
+const char *methodName(int method)
 {
-    const ProjLock proj;
-    GTIFAttachPROJContext(keys, proj.context());
-    DefinitionPtr definition(GTIFAllocDefn());
-    if (!GTIFGetDefn(keys, definition.get()))
-        return nullptr;
-    const std::unique_ptr<char, TextDeleter> text(GTIFGetProj4Defn(definition.get()));
-    if (text)
-        *projString = std::string(text.get()) + " +type=crs";
-    return definition;
+    struct Method
+    {
+        int code;
+        const char *name;
+    };
+    static constexpr Method kMethods[] = {
+        {CT_TransverseMercator, "Transverse Mercator"},
+        {CT_TransvMercator_SouthOriented, "Transverse Mercator (South Orientated)"},
+        {CT_ObliqueMercator, "Hotine Oblique Mercator (variant A)"},
+        {CT_HotineObliqueMercatorAzimuthCenter, "Hotine Oblique Mercator (variant B)"},
+        {CT_ObliqueMercator_Laborde, "Laborde Oblique Mercator"},
+        {CT_ObliqueMercator_Rosenmund, "Swiss Oblique Cylindrical"},
+        {CT_Mercator, "Mercator"},
+        {CT_LambertConfConic_2SP, "Lambert Conic Conformal (2SP)"},
+        {CT_LambertConfConic_1SP, "Lambert Conic Conformal (1SP)"},
+        {CT_LambertAzimEqualArea, "Lambert Azimuthal Equal Area"},
+        {CT_AlbersEqualArea, "Albers Equal Area"},
+        {CT_AzimuthalEquidistant, "Azimuthal Equidistant"},
+        {CT_EquidistantConic, "Equidistant Conic"},
+        {CT_Stereographic, "Stereographic"},
+        {CT_PolarStereographic, "Polar Stereographic"},
+        {CT_ObliqueStereographic, "Oblique Stereographic"},
+        {CT_Equirectangular, "Equidistant Cylindrical"},
+        {CT_CassiniSoldner, "Cassini-Soldner"},
+        {CT_Gnomonic, "Gnomonic"},
+        {CT_MillerCylindrical, "Miller Cylindrical"},
+        {CT_Orthographic, "Orthographic"},
+        {CT_Polyconic, "American Polyconic"},
+        {CT_Robinson, "Robinson"},
+        {CT_Sinusoidal, "Sinusoidal"},
+        {CT_VanDerGrinten, "Van der Grinten"},
+        {CT_NewZealandMapGrid, "New Zealand Map Grid"},
+        {CT_CylindricalEqualArea, "Lambert Cylindrical Equal Area"},
+    };
+    for (const Method &known : kMethods) {
+        if (known.code == method)
+            return known.name;
+    }
+    return "USER-DEFINED";
 }
 
-std::optional<CrsDescription> userDefined(GTIF *keys, int model, int geographic)
+std::string projectionName(GTIF *keys)
 {
-    std::string projString;
-    const DefinitionPtr definition = definitionOf(keys, &projString);
-    if (!definition)
-        return std::nullopt;
+    const int conversion = shortKey(keys, ProjectionGeoKey);
+    const ProjLock proj;
+    char *name = nullptr;
+    if (!isRegisterCode(conversion) || !GTIFGetProjTRFInfoEx(proj.context(), conversion, &name, nullptr, nullptr) ||
+        !name)
+        return methodName(shortKey(keys, ProjCoordTransGeoKey));
+    const std::unique_ptr<char, TextDeleter> owner(name);
+    return name;
+}
+
+CrsDescription userDefined(GTIF *keys, int model, int geographic)
+{
     CrsDescription crs;
     if (model == ModelTypeProjected) {
-        if (const int code = utmCode(geographic, utmZone(*definition)))
+        if (const int code = utmCode(geographic, utmZone(keys)))
             return crsOfEpsg(code);
-        crsOfProjString(projString, &crs);
-        if (crs.projection.empty() || crs.projection == "RAW")
-            crs.projection = "USER-DEFINED";
-        crs.units = unitsOfFactor(false, definition->UOMLengthInMeters);
-        crs.unitFactor = definition->UOMLengthInMeters;
-    } else {
+        crs.projection = projectionName(keys);
+        // The metre is what the keys mean where they do not say.
+        crs.unitFactor = shortKey(keys, ProjLinearUnitsGeoKey) == 0 ? 1 : keyedLinearUnit(keys);
+        crs.units = unitsOfFactor(false, crs.unitFactor);
+    } else if (model == ModelTypeGeographic) {
         crs.projection = "GEODETIC";
-        crs.units = unitsOfFactor(true, definition->UOMAngleInDegrees);
-        crs.unitFactor = definition->UOMAngleInDegrees;
+        crs.unitFactor = angularUnit(keys);
+        crs.units = unitsOfFactor(true, crs.unitFactor);
+    } else {
+        crs.projection = "GEOCENTRIC";
     }
     crs.datum = isRegisterCode(geographic) ? crsOfEpsg(geographic).datum : geographicName(keys);
     return crs;
@@ -230,13 +286,9 @@ std::optional<CrsDescription> systemOf(GTIF *keys, std::vector<std::string> *war
     if (model == 0)
         return std::nullopt;
     const int code = model == ModelTypeProjected ? projected : geographic;
-    std::optional<CrsDescription> crs;
-    if (isRegisterCode(code))
-        crs = crsOfEpsg(code);
-    else
-        crs = userDefined(keys, model, geographic);
-    if (crs && model == ModelTypeProjected)
-        applyLinearUnit(keys, &*crs, warnings);
+    CrsDescription crs = isRegisterCode(code) ? crsOfEpsg(code) : userDefined(keys, model, geographic);
+    if (model == ModelTypeProjected)
+        applyLinearUnit(keys, &crs, warnings);
     return crs;
 }
 

@@ -40,6 +40,7 @@ private slots:
     void otherUnitsThanTheCodes();
     void brokenKeysLeaveThePlace();
     void rpcTag();
+    void absurdEllipsoid();
     void damageIsNoCrash();
 };
 
@@ -200,6 +201,21 @@ void TestGeoJp2::rpcTag()
     numbers.pop_back();
     QVERIFY(!readRpcTag(GeoTiffBuilder().doubles(50844, numbers).bytes(), &warnings));
     QCOMPARE(warnings.size(), std::size_t(2));
+}
+
+/// An ellipsoid as large as a double can be, whose decimal digits are more than a text of ordinary size holds.
+void TestGeoJp2::absurdEllipsoid()
+{
+    const GeoTiffBuilder::Bytes content =
+        northUp()
+            .shorts(34735, {1, 1,     0,    6, kModel, 0,  1,    1,     kGeographic, 0, 1,    32767, kProjected, 0,
+                            1, 32767, 3075, 0, 1,      24, 2057, 34736, 1,           0, 2058, 34736, 1,          0})
+            .doubles(34736, {1.7e308})
+            .bytes();
+    std::vector<std::string> warnings;
+    const Placement placement = readGeoTiff(content, &warnings);
+    QVERIFY(placement.crs);
+    QCOMPARE(placement.crs->projection, std::string("Sinusoidal"));
 }
 
 /// Cuts, changed bytes and counts that lie. Worth most under the sanitizers; here it also shows that damage is noticed.

@@ -8,7 +8,7 @@
 
 /// In which notation projections are named.
 enum PLKProjectionFormat : int {
-    PLK_PROJECTION_NONE = 0,
+    PLK_PROJECTION_NONE = 0, ///< not at all: datum and projection are "RAW"
     PLK_PROJECTION_EPSG = 1, ///< names as the EPSG register gives them
 };
 
@@ -35,12 +35,12 @@ public:
     bool IsXrvpCacheEnabled() const;
     void SetXrvpCacheSizeMb(int megabytes);
     int GetXrvpCacheSizeMb() const;
-    /// \a folder in the local 8-bit encoding.
+    /// \a folder in the local 8-bit encoding. Null is no folder.
     void SetXrvpCacheLocation(const char *folder);
     std::string GetXrvpCacheLocation() const;
     /// Budget of the decoded-tile cache of all views in bytes. What a caller makes by sign-extending a 32-bit number
     /// (2^63 and more) is read as its low 32 bits, which is what was meant; the result is kept between 16 MiB and three
-    /// quarters of the machine's memory.
+    /// quarters of the machine's memory. 512 MiB from the start. Applies at once.
     void SetCacheMaxmem(std::uint64_t bytes);
     /// The budget in force, in bytes.
     std::uint64_t GetCacheMaxmem() const;

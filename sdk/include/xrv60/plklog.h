@@ -23,9 +23,9 @@ public:
 /// A log sink. May be called from any thread, also from several at once.
 template <typename Char> class ILogger : public virtual ILoggerBase {
 public:
-    /// A thread of the SDK begins to log. \a context is opaque.
+    /// A thread begins to log, its first message follows. \a context is opaque and stands for the thread in all calls.
     virtual void attach(void *context) = 0;
-    /// That thread will log no more.
+    /// That thread ends. Not called for threads that outlive the sink's registration.
     virtual void detach(void *context) = 0;
     /// Asked before every message.
     virtual bool isLevelEnabled(void *context, int level) = 0;
@@ -37,7 +37,8 @@ public:
 class PLK_EXPORT CLog {
 public:
     /// Installs \a logger, not owned, in place of the last one; null removes it. When this returns, the last sink is in
-    /// no call any more.
+    /// no call any more, but for calls of this very thread: a sink may remove itself. No lock is held while a sink runs; it
+    /// may log and call back into the SDK.
     static void RegisterLogger(ILogger<char> *logger);
     static void RegisterLogger(ILogger<wchar_t> *logger);
 };

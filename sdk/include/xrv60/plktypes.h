@@ -92,9 +92,9 @@ struct PLKFileInfo {
     PLKColorSpace eColorSpace;        ///< meaning of the bands
     PLKCellType eCellType;            ///< type that holds every band
     const PLKBandInfo *pBands;        ///< nBands records
-    std::uint8_t nFormatVersion;      ///< version of the file format
+    std::uint8_t nFormatVersion;      ///< version of the file format; 1 for JPEG 2000
     const char *szCompressionDate;    ///< empty where unknown; never null
-    float fActualCompressionRate;     ///< n of n:1, 0 where unknown
+    float fActualCompressionRate;     ///< n of n:1, bytes of all cells against bytes of the file; 0 where unknown
     const PLKFileMetaData *pFileMetaData; ///< authoring texts, null where the file has none
 };
 
@@ -107,7 +107,9 @@ struct PLKBandStatistics {
     float fMedian;
     float fStandardDev;
     std::uint32_t nHistBucketCount;  ///< number of entries of pHistogram
-    std::uint64_t *pHistogram;       ///< equal buckets from fMin to fMax
+    /// Bands of up to 8 bits: 256 buckets, one for each value from 0 or, signed, from -128. Deeper bands: equal buckets from
+    /// fMin to fMax, one for each value where these are no more than 65536 (fewer with more than 64 bands).
+    std::uint64_t *pHistogram;
 };
 
 /// Statistics of a file; released with PLKFreeStatistics().

@@ -1,6 +1,11 @@
 #include "filesource.h"
 
 #include "localfile.h"
+#include "utf8.h"
+
+#include "../config/logger.h"
+
+#include <xrv60/plklog.h>
 
 #include <algorithm>
 #include <cstring>
@@ -77,6 +82,17 @@ std::string FileSource::identity() const
     return fileName + '|' + file->version();
 }
 
+void FileSource::logRead(const std::vector<ByteRange> &ranges) const
+{
+    if (!logEnabled(PLK_LOG_TRACE))
+        return;
+    std::uint64_t bytes = 0;
+    for (const ByteRange &range : ranges)
+        bytes += range.length;
+    log(PLK_LOG_TRACE, wideFromUtf8("Reading " + std::to_string(bytes) + " bytes in " + std::to_string(ranges.size()) +
+                                    " ranges of \"" + fileName + "\"."));
+}
+
 std::uint64_t FileSource::size() const
 {
     return file->size();
@@ -86,6 +102,7 @@ CError FileSource::read(const std::vector<ByteRange> &ranges, const CancelFlag &
 {
     if (CError error = checkRanges(ranges))
         return error;
+    logRead(ranges);
     try {
         out->assign(ranges.size(), {});
         for (const Run &run : Run::plan(ranges)) {

@@ -33,6 +33,7 @@ private:
     PLK::CError readRun(const Run &run, const std::vector<ByteRange> &ranges, const CancelFlag &cancel,
                         std::vector<Bytes> *out) const;
     PLK::CError changedError() const;
+    void logRead(const std::vector<ByteRange> &ranges) const;
 
     std::string fileName;
     std::unique_ptr<LocalFile> file;

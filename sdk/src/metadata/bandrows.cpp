@@ -1,5 +1,9 @@
 #include "bandrows.h"
 
+#include "../config/logger.h"
+
+#include <xrv60/plklog.h>
+
 #include <algorithm>
 #include <limits>
 #include <type_traits>
@@ -118,6 +122,8 @@ CError BandRows::read(const IntRect &window, int level, bool resilient, std::vec
     ReadResult result;
     if (CError error = reader.read(request, &result))
         return error;
+    if (result.damaged)
+        log(PLK_LOG_DEBUG, "Statistics count cells that could not be decoded as 0: " + result.damage);
     for (std::size_t i = 0; i < bands.size(); ++i) {
         if (!map.isDirect(bands[i]))
             continue;

@@ -13,6 +13,7 @@
 #include <xrv60/plklog.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <new>
@@ -21,6 +22,7 @@ namespace PLK {
 
 namespace {
 
+constexpr const char *kUnnamed = "RAW";
 constexpr std::uint8_t kJpeg2000FormatVersion = 1; // there has been no other
 
 void logNamed(int level, const std::string &text)
@@ -145,8 +147,9 @@ void OpenFile::fillInfo()
     fileInfo.fOriginX = geo.transform[0];
     fileInfo.fOriginY = geo.transform[3];
     fileInfo.fCWRotationDegrees = geo.clockwiseRotationDegrees();
-    fileInfo.szDatum = geo.datum.c_str();
-    fileInfo.szProjection = geo.projection.c_str();
+    const bool isNamed = xrv::globalConfig().GetProjectionFormat() != PLK_PROJECTION_NONE;
+    fileInfo.szDatum = isNamed ? geo.datum.c_str() : kUnnamed;
+    fileInfo.szProjection = isNamed ? geo.projection.c_str() : kUnnamed;
     fileInfo.nFormatVersion = kJpeg2000FormatVersion;
     fileInfo.szCompressionDate = "";
     if (byteSource->size() > 0)
@@ -180,12 +183,17 @@ CError OpenFile::statistics(const PLKFileStatistics **result)
     const std::lock_guard<std::mutex> lock(statisticsMutex);
     if (!computedStatistics) {
         const bool resilient = xrv::globalConfig().IsResilientDecodingEnabled();
+        const auto start = std::chrono::steady_clock::now();
         try {
             if (CError error = xrv::computeStatistics(*rasterReader, map, resilient, &computedStatistics))
                 return error;
         } catch (const std::bad_alloc &) {
             return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory for the statistics of \"" + fileName + "\"."};
         }
+        const auto elapsed = std::chrono::steady_clock::now() - start;
+        logNamed(PLK_LOG_DEBUG,
+                 "Statistics of \"" + fileName + "\" took " +
+                     std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count()) + " ms.");
     }
     *result = computedStatistics.get();
     return {};

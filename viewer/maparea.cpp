@@ -156,8 +156,6 @@ void MapArea::adopt(QMdiSubWindow *window)
     if (!view || records.contains(view))
         return;
     window->setAttribute(Qt::WA_DeleteOnClose);
-    if (arrangement() == Arrangement::Tabs)
-        window->showMaximized();
     records[view].number = nextNumber++;
     order.append(view);
     connect(view, &QObject::destroyed, this, [this, view] { forget(view); });
@@ -171,6 +169,9 @@ void MapArea::adopt(QMdiSubWindow *window)
         Q_EMIT contentChanged();
     });
     updateTitle(view);
+    // Last: this activates the window, and that looks for windows to adopt.
+    if (arrangement() == Arrangement::Tabs)
+        window->showMaximized();
     Q_EMIT contentChanged();
 }
 

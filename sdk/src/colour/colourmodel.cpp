@@ -2,6 +2,7 @@
 
 #include "cmykconversion.h"
 #include "iccconversion.h"
+#include "labconversion.h"
 #include "linearconversion.h"
 #include "yccconversion.h"
 
@@ -84,19 +85,24 @@ ColourModel enumerated(const ColourSpecification &specification, const std::vect
     }
 }
 
-ColourModel converted(std::unique_ptr<IccConversion> conversion, const std::vector<Channel> &colours)
+ColourModel profiled(const Bytes &profile, const std::vector<Channel> &colours)
 {
-    ColourModel model;
+    std::unique_ptr<IccConversion> conversion = IccConversion::fromProfile(profile, colours);
     if (!conversion)
-        return model;
-    model.meaning = colours.size() == 1 ? Meaning::Grey : Meaning::Rgb;
-    model.inputs = colours.size();
+        return {};
+    ColourModel model{colours.size() == 1 ? Meaning::Grey : Meaning::Rgb, colours.size(), nullptr};
     const bool hasSign =
         std::any_of(colours.begin(), colours.end(), [](const Channel &channel) { return channel.isSigned; });
     // Cells that stay what they are keep their depth and cost nothing.
     if (hasSign || !conversion->isIdentity())
         model.conversion = std::move(conversion);
     return model;
+}
+
+ColourModel cieLab(const Bytes &parameters, const std::vector<Channel> &colours)
+{
+    std::unique_ptr<LabConversion> conversion = LabConversion::make(parameters, colours);
+    return conversion ? ColourModel{Meaning::Rgb, 3, std::move(conversion)} : ColourModel{};
 }
 
 } // namespace
@@ -117,9 +123,9 @@ ColourModel chooseColourModel(const std::optional<ColourSpecification> &specific
     const std::vector<Channel> inputs(colours.begin(), colours.begin() + static_cast<std::ptrdiff_t>(needed));
     ColourModel model;
     if (specification->kind == Kind::Icc)
-        model = converted(IccConversion::fromProfile(specification->iccProfile, inputs), inputs);
+        model = profiled(specification->iccProfile, inputs);
     else if (specification->kind == Kind::CieLab)
-        model = converted(IccConversion::fromLab(specification->enumParameters, inputs), inputs);
+        model = cieLab(specification->enumParameters, inputs);
     else
         model = enumerated(*specification, inputs);
     if (model.meaning != Meaning::None)

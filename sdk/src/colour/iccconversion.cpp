@@ -76,45 +76,43 @@ struct IccConversion::Private
     TransformPtr transform;
     int inputs = 3;
     int outputs = 3;
-    int inputBytes = 1; ///< per sample of the transform
-    int outputBytes = 1;
+    int bytes = 1; ///< per sample of the transform, in and out
     std::array<Line, kMaxChannels> lines;
 
     // Nothing to share between threads: without the cache of the last pixel a transform is never written to.
-    bool makeTransform(cmsHPROFILE profile, int inputSpace, cmsUInt32Number flags = 0);
-    template <typename In, typename Out>
-    void convert(const std::int32_t *const *in, int width, std::int32_t *const *out) const;
-    double top() const { return fullScale(8 * outputBytes); }
+    bool makeTransform(cmsHPROFILE profile, int inputSpace);
+    template <typename Sample> void convert(const std::int32_t *const *in, int width, std::int32_t *const *out) const;
+    double top() const { return fullScale(8 * bytes); }
     /// The cell for a part, 0 to 1, of a channel's range.
     std::int32_t cellOf(std::size_t channel, double part) const;
     bool isNear(std::size_t channel, const std::int32_t *cells, const std::int32_t *results, int count) const;
 };
 
-bool IccConversion::Private::makeTransform(cmsHPROFILE profile, int inputSpace, cmsUInt32Number flags)
+bool IccConversion::Private::makeTransform(cmsHPROFILE profile, int inputSpace)
 {
     const ProfilePtr display =
         outputs == 1 ? sRgbGrey(context.get()) : ProfilePtr(cmsCreate_sRGBProfileTHR(context.get()));
     if (!display)
         return false;
-    transform.reset(cmsCreateTransformTHR(context.get(), profile, format(inputSpace, inputs, inputBytes), display.get(),
-                                          format(outputs == 1 ? PT_GRAY : PT_RGB, outputs, outputBytes),
-                                          INTENT_PERCEPTUAL, flags | cmsFLAGS_NOCACHE));
+    transform.reset(cmsCreateTransformTHR(context.get(), profile, format(inputSpace, inputs, bytes), display.get(),
+                                          format(outputs == 1 ? PT_GRAY : PT_RGB, outputs, bytes), INTENT_PERCEPTUAL,
+                                          cmsFLAGS_NOCACHE));
     return transform != nullptr;
 }
 
-template <typename In, typename Out>
+template <typename Sample>
 void IccConversion::Private::convert(const std::int32_t *const *in, int width, std::int32_t *const *out) const
 {
-    constexpr float kTop = std::numeric_limits<In>::max();
-    In source[kChunk * kMaxChannels];
-    Out target[kChunk * kMaxChannels];
+    constexpr float kTop = std::numeric_limits<Sample>::max();
+    Sample source[kChunk * kMaxChannels];
+    Sample target[kChunk * kMaxChannels];
     for (int x0 = 0; x0 < width; x0 += kChunk) {
         const int count = std::min(kChunk, width - x0);
         for (int channel = 0; channel < inputs; ++channel) {
             const Line line = lines[static_cast<std::size_t>(channel)];
             for (int x = 0; x < count; ++x) {
                 const float value = static_cast<float>(in[channel][x0 + x]) * line.scale + line.offset;
-                source[x * inputs + channel] = static_cast<In>(std::min(std::max(value, 0.0f), kTop) + 0.5f);
+                source[x * inputs + channel] = static_cast<Sample>(std::min(std::max(value, 0.0f), kTop) + 0.5f);
             }
         }
         cmsDoTransform(transform.get(), source, target, static_cast<cmsUInt32Number>(count));
@@ -172,9 +170,9 @@ std::unique_ptr<IccConversion> IccConversion::fromProfile(const Bytes &profile, 
     if (p->inputs == 0 || p->inputs != static_cast<int>(channels.size()))
         return nullptr;
     p->outputs = p->inputs == 1 ? 1 : 3;
-    p->inputBytes = p->outputBytes = depthForConversion(channels) > 8 ? 2 : 1;
+    p->bytes = depthForConversion(channels) > 8 ? 2 : 1;
     for (std::size_t i = 0; i < channels.size(); ++i) {
-        const double scale = fullScale(8 * p->inputBytes) / fullScale(channels[i].bits);
+        const double scale = fullScale(8 * p->bytes) / fullScale(channels[i].bits);
         p->lines[i] = {static_cast<float>(scale), static_cast<float>(signOffset(channels[i]) * scale)};
     }
     p->context.reset(cmsCreateContext(nullptr, nullptr));
@@ -188,85 +186,22 @@ std::unique_ptr<IccConversion> IccConversion::fromProfile(const Bytes &profile, 
     return std::unique_ptr<IccConversion>(new IccConversion(std::move(p)));
 }
 
-namespace {
-
-// Ranges and offsets of L*, a*, b*; the illuminant is left aside: the display's white stands for any.
-struct LabParameters
-{
-    std::array<double, 3> range;
-    std::array<double, 3> offset;
-};
-
-LabParameters defaultLab(const std::vector<Channel> &channels)
-{
-    const double halfA = std::ldexp(1.0, channels[1].bits - 1);
-    const double threeEighthsB = std::ldexp(3.0, channels[2].bits - 3);
-    return {{100.0, 170.0, 200.0}, {0.0, halfA, threeEighthsB}};
-}
-
-bool readLab(const Bytes &bytes, LabParameters *lab)
-{
-    if (bytes.empty())
-        return true;
-    ByteCursor cursor(bytes.data(), bytes.size());
-    for (std::size_t i = 0; i < 3; ++i) {
-        lab->range[i] = cursor.u32();
-        lab->offset[i] = cursor.u32();
-        // No lightness or chroma of a picture lies in ranges such as these.
-        if (lab->range[i] < 1.0 || lab->range[i] > 65535.0)
-            return false;
-    }
-    return cursor.ok();
-}
-
-} // namespace
-
-std::unique_ptr<IccConversion> IccConversion::fromLab(const Bytes &parameters, const std::vector<Channel> &channels)
-{
-    if (channels.size() != 3)
-        return nullptr;
-    LabParameters lab = defaultLab(channels);
-    if (!readLab(parameters, &lab))
-        return nullptr;
-    auto p = std::make_unique<Private>();
-    // 16 bits even for shallow channels: the transform's codes of a* and b* are other ones than the file's.
-    p->inputBytes = 2;
-    p->outputBytes = depthForConversion(channels) > 8 ? 2 : 1;
-    for (std::size_t i = 0; i < 3; ++i) {
-        const double perCell = lab.range[i] / fullScale(channels[i].bits);
-        const double zero = (signOffset(channels[i]) - lab.offset[i]) * perCell;
-        // Lab of ICC.1:2010 6.3.4.2 in 16 bits: 0 to 100, and -128 to 127.
-        const double perUnit = i == 0 ? 65535.0 / 100.0 : 257.0;
-        p->lines[i] = {static_cast<float>(perCell * perUnit),
-                       static_cast<float>((zero + (i == 0 ? 0.0 : 128.0)) * perUnit)};
-    }
-    p->context.reset(cmsCreateContext(nullptr, nullptr));
-    const ProfilePtr input(p->context ? cmsCreateLab4ProfileTHR(p->context.get(), nullptr) : nullptr);
-    // A table of few nodes, which the transform would be made into, is too coarse where Lab leaves the gamut of the
-    // display.
-    if (!input || !p->makeTransform(input.get(), PT_Lab, cmsFLAGS_NOOPTIMIZE))
-        return nullptr;
-    return std::unique_ptr<IccConversion>(new IccConversion(std::move(p)));
-}
-
 int IccConversion::outputBits() const
 {
-    return 8 * d->outputBytes;
+    return 8 * d->bytes;
 }
 
 void IccConversion::convert(const std::int32_t *const *in, int width, std::int32_t *const *out) const
 {
-    if (d->inputBytes == 1)
-        d->convert<std::uint8_t, std::uint8_t>(in, width, out);
-    else if (d->outputBytes == 1)
-        d->convert<std::uint16_t, std::uint8_t>(in, width, out);
+    if (d->bytes == 1)
+        d->convert<std::uint8_t>(in, width, out);
     else
-        d->convert<std::uint16_t, std::uint16_t>(in, width, out);
+        d->convert<std::uint16_t>(in, width, out);
 }
 
 bool IccConversion::isIdentity() const
 {
-    if (d->inputs != d->outputs || d->inputBytes != d->outputBytes)
+    if (d->inputs != d->outputs)
         return false;
     // Greys, and each colour alone against two levels of the others.
     constexpr int kSteps = 33;

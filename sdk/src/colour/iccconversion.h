@@ -4,8 +4,8 @@
 
 #include "../io/bytesource.h"
 
-#include <array>
-#include <string>
+#include <memory>
+#include <vector>
 
 namespace xrv {
 
@@ -18,10 +18,6 @@ public:
     /// Null where the profile is damaged or is none of \a channels. Values of unequal depths are stretched to one
     /// depth.
     static std::unique_ptr<IccConversion> fromProfile(const Bytes &profile, const std::vector<Channel> &channels);
-    /// CIELab with the parameters of the colour specification box, which may be empty: ISO/IEC 15444-2 M.11.7.4. Null
-    /// where they make no sense.
-    static std::unique_ptr<IccConversion> fromLab(const Bytes &parameters, const std::vector<Channel> &channels);
-
     ~IccConversion() override;
     int outputBits() const override;
     void convert(const std::int32_t *const *in, int width, std::int32_t *const *out) const override;

@@ -1,2 +1,2 @@
 set(stage_sources bandmap.cpp channels.cpp cmykconversion.cpp colourconversion.cpp colourmodel.cpp iccconversion.cpp
-    linearconversion.cpp yccconversion.cpp)
+    labconversion.cpp linearconversion.cpp yccconversion.cpp)

@@ -43,17 +43,28 @@ check_format()
     git ls-files -z '*.cpp' '*.h' | xargs -0 -r clang-format --dry-run -Werror
 }
 
+# build PRESET [TARGET]
 build()
 {
-    cmake --preset "$1" >/dev/null && cmake --build --preset "$1"
+    cmake --preset "$1" >/dev/null && cmake --build --preset "$1" --target "${2:-all}"
 }
 
-# build_and_test PRESET [CTEST OPTION...]
-build_and_test()
+# run_tests PRESET [CTEST OPTION...]
+run_tests()
 {
     local preset=$1
     shift
-    build "$preset" && ctest --preset "$preset" -j "$(nproc)" --output-junit "$reports/$preset.xml" "$@"
+    ctest --preset "$preset" -j "$(nproc)" --output-junit "$reports/$preset.xml" "$@"
+}
+
+build_and_test()
+{
+    build "$1" && run_tests "$1"
+}
+
+build_and_test_threads()
+{
+    build "$1" thread_tests && run_tests "$1" -L threads
 }
 
 # Sum of the attribute $1 of all test reports.
@@ -83,7 +94,7 @@ else
     stage "release: build and test" build_and_test release
     stage "clang: build" build clang
     stage "address and undefined-behaviour sanitizers: build and test" build_and_test asan
-    stage "thread sanitizer: build and test" build_and_test tsan -L threads
+    stage "thread sanitizer: build and test" build_and_test_threads tsan
 fi
 summary
 [ "${#failed_stages[@]}" -eq 0 ]

@@ -1,7 +1,10 @@
 # xrv_add_test(NAME tst_x SOURCES ... LIBRARIES ... [INCLUDES ...] [LABELS ...] [SERIAL]): one test program, one ctest entry.
-# LABELS threads: is run under the thread sanitizer too. SERIAL: measures time or memory, so runs alone.
+# LABELS threads: is built and run under the thread sanitizer too. SERIAL: measures time or memory, so runs alone.
 
 include(CTest)
+
+# What has to be built for the tests with the label "threads".
+add_custom_target(thread_tests)
 
 function(xrv_add_test)
     cmake_parse_arguments(TEST "SERIAL" "NAME" "SOURCES;LIBRARIES;INCLUDES;LABELS" ${ARGN})
@@ -10,6 +13,9 @@ function(xrv_add_test)
     target_include_directories(${TEST_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${TEST_INCLUDES})
     set_target_properties(${TEST_NAME} PROPERTIES AUTOMOC ON RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
     add_test(NAME ${TEST_NAME} COMMAND ${TEST_NAME})
+    if("threads" IN_LIST TEST_LABELS)
+        add_dependencies(thread_tests ${TEST_NAME})
+    endif()
     if(TEST_SERIAL)
         set_tests_properties(${TEST_NAME} PROPERTIES RUN_SERIAL ON)
     endif()

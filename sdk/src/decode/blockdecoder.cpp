@@ -6,12 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-
-#if defined(__GNUC__)
-#define XRV_INLINE inline __attribute__((always_inline))
-#else
-#define XRV_INLINE __forceinline
-#endif
+#include <type_traits>
 
 namespace xrv {
 
@@ -21,6 +16,7 @@ namespace {
 // which cells of the 3 x 3 around it are significant, west to east and north to south; thus bit 3 (k + 1) + 1 is the
 // cell itself.
 constexpr std::uint32_t kSelf = 1u << 4;
+constexpr std::uint32_t kAllSelf = kSelf | kSelf << 3 | kSelf << 6 | kSelf << 9;
 constexpr std::uint32_t kNeighbours = 0x1EF;
 constexpr std::uint32_t kAllSignificance = (1u << 18) - 1;
 constexpr int kVisitedShift = 18;  ///< coded in this bit-plane's significance propagation pass, rows 0 to 3
@@ -131,38 +127,38 @@ struct BlockDecoder::Passes
     /// Table D.7.
     void resetContexts()
     {
-        contexts.fill(0);
-        contexts[0] = 4 * 2;
-        contexts[kRunContext] = 3 * 2;
-        contexts[kUniformContext] = 46 * 2;
+        contexts.fill(kMqStates);
+        contexts[0] = kMqStates + 4 * 2;
+        contexts[kRunContext] = kMqStates + 3 * 2;
+        contexts[kUniformContext] = kMqStates + 46 * 2;
     }
 
-    XRV_INLINE static unsigned neighbourhood(std::uint32_t word, int row) { return word >> (3 * row) & kNeighbours; }
+    // Rows are template parameters, so that every shift is by a constant.
 
-    XRV_INLINE unsigned signIndex(const std::uint32_t *word, int row) const
+    template <int kRow> XRV_INLINE static unsigned signIndex(const std::uint32_t *word)
     {
         const std::uint32_t f = *word;
-        const std::uint32_t around = f >> (3 * row);
-        const std::uint32_t north = row == 0 ? f >> 30 & 1 : f >> (kNegativeShift + row - 1) & 1;
-        const std::uint32_t south = row == 3 ? f >> 31 : f >> (kNegativeShift + row + 1) & 1;
-        return (around >> 3 & 1) | (around >> 5 & 1) << 1 | (around >> 1 & 1) << 2 | (around >> 7 & 1) << 3 |
-               (word[-1] >> (kNegativeShift + row) & 1) << 4 | (word[1] >> (kNegativeShift + row) & 1) << 5 |
+        const std::uint32_t around = f >> (3 * kRow);
+        const std::uint32_t north = kRow == 0 ? f >> 30 & 1 : f >> (kNegativeShift + kRow - 1) & 1;
+        const std::uint32_t south = kRow == 3 ? f >> 31 : f >> (kNegativeShift + kRow + 1) & 1;
+        return (around >> 3 & 1) | (around >> 4 & 2) | (around << 1 & 4) | (around >> 4 & 8) |
+               (word[-1] >> (kNegativeShift + kRow) & 1) << 4 | (word[1] >> (kNegativeShift + kRow) & 1) << 5 |
                north << 6 | south << 7;
     }
 
     /// Tells the neighbours that a cell has become significant.
-    XRV_INLINE void spread(std::uint32_t *word, int row, std::uint32_t negative) const
+    template <int kRow> XRV_INLINE void spread(std::uint32_t *word, std::uint32_t negative) const
     {
-        word[-1] |= 1u << (3 * row + 5);
-        word[0] |= kSelf << (3 * row) | negative << (kNegativeShift + row);
-        word[1] |= 1u << (3 * row + 3);
-        if (row == 0 && !isCausal) {
+        word[-1] |= 1u << (3 * kRow + 5);
+        word[0] |= kSelf << (3 * kRow) | negative << (kNegativeShift + kRow);
+        word[1] |= 1u << (3 * kRow + 3);
+        if (kRow == 0 && !isCausal) {
             std::uint32_t *above = word - pitch;
             above[-1] |= 1u << 17;
             above[0] |= 1u << 16 | negative << 31;
             above[1] |= 1u << 15;
         }
-        if (row == 3) {
+        if (kRow == 3) {
             std::uint32_t *below = word + pitch;
             below[-1] |= 1u << 2;
             below[0] |= 1u << 1 | negative << 30;
@@ -170,59 +166,70 @@ struct BlockDecoder::Passes
         }
     }
 
-    template <typename Mq> XRV_INLINE unsigned decodeSign(Mq &mq, const std::uint32_t *word, int row)
+    template <int kRow>
+    XRV_INLINE void becomeSignificant(MqDecoder &mq, std::uint32_t *word, std::int32_t *cell, std::int32_t value)
     {
-        const SignEntry entry = signTable[signIndex(word, row)];
-        return mq.decode(contexts[entry.context]) ^ entry.flip;
+        const SignEntry entry = signTable[signIndex<kRow>(word)];
+        const unsigned negative = mq.decode(contexts[entry.context]) ^ entry.flip;
+        cell[std::ptrdiff_t(kRow) * width] = negative ? -value : value;
+        spread<kRow>(word, negative);
+    }
+
+    /// Calls step(row number as a type, word, cell) for all cells in coding order (D.1); column(word) may refuse a
+    /// column.
+    template <typename Column, typename Step> XRV_INLINE void forAll(Column column, Step step)
+    {
+        using std::integral_constant;
+        for (int y = 0; y < height; y += 4) {
+            const int rows = std::min(4, height - y);
+            std::uint32_t *word = flags + std::size_t(y / 4) * pitch;
+            std::int32_t *cell = cells + std::size_t(y) * width;
+            for (const std::int32_t *const end = cell + width; cell != end; ++word, ++cell) {
+                if (!column(*word))
+                    continue;
+                step(integral_constant<int, 0>(), word, cell);
+                if (rows > 1)
+                    step(integral_constant<int, 1>(), word, cell);
+                if (rows > 2)
+                    step(integral_constant<int, 2>(), word, cell);
+                if (rows > 3)
+                    step(integral_constant<int, 3>(), word, cell);
+            }
+        }
     }
 
     /// D.3.1. \a value: one and a half of the bit-plane's weight, doubled.
     void significancePropagation(MqDecoder &decoder, std::int32_t value)
     {
         MqDecoder mq = decoder;
-        for (int y = 0; y < height; y += 4) {
-            const int rows = std::min(4, height - y);
-            std::uint32_t *word = flags + std::size_t(y / 4) * pitch;
-            std::int32_t *cell = cells + std::size_t(y) * width;
-            for (int x = 0; x < width; ++x, ++word, ++cell) {
-                if (!(*word & kAllSignificance))
-                    continue;
-                for (int row = 0; row < rows; ++row) {
-                    const std::uint32_t around = *word >> (3 * row);
-                    if ((around & kSelf) || !(around & kNeighbours))
-                        continue;
-                    if (mq.decode(contexts[significanceTable[around & kNeighbours]])) {
-                        const unsigned negative = decodeSign(mq, word, row);
-                        cell[std::size_t(row) * width] = negative ? -value : value;
-                        spread(word, row, negative);
-                    }
-                    *word |= 1u << (kVisitedShift + row);
-                }
-            }
-        }
+        forAll([](std::uint32_t f) { return (f & kAllSignificance) != 0; },
+               [&](auto rowType, std::uint32_t *word, std::int32_t *cell) {
+                   constexpr int kRow = decltype(rowType)::value;
+                   const std::uint32_t around = *word >> (3 * kRow);
+                   if ((around & kSelf) || !(around & kNeighbours))
+                       return;
+                   if (mq.decode(contexts[significanceTable[around & kNeighbours]]))
+                       becomeSignificant<kRow>(mq, word, cell, value);
+                   *word |= 1u << (kVisitedShift + kRow);
+               });
         decoder = mq;
     }
 
     void rawSignificancePropagation(RawBits &bits, std::int32_t value)
     {
-        for (int y = 0; y < height; y += 4) {
-            const int rows = std::min(4, height - y);
-            std::uint32_t *word = flags + std::size_t(y / 4) * pitch;
-            std::int32_t *cell = cells + std::size_t(y) * width;
-            for (int x = 0; x < width; ++x, ++word, ++cell) {
-                for (int row = 0; row < rows; ++row) {
-                    const std::uint32_t around = *word >> (3 * row);
-                    if ((around & kSelf) || !(around & kNeighbours))
-                        continue;
-                    if (bits.bit()) {
-                        const unsigned negative = bits.bit();
-                        cell[std::size_t(row) * width] = negative ? -value : value;
-                        spread(word, row, negative);
-                    }
-                    *word |= 1u << (kVisitedShift + row);
-                }
-            }
-        }
+        forAll([](std::uint32_t f) { return (f & kAllSignificance) != 0; },
+               [&](auto rowType, std::uint32_t *word, std::int32_t *cell) {
+                   constexpr int kRow = decltype(rowType)::value;
+                   const std::uint32_t around = *word >> (3 * kRow);
+                   if ((around & kSelf) || !(around & kNeighbours))
+                       return;
+                   if (bits.bit()) {
+                       const unsigned negative = bits.bit();
+                       cell[std::ptrdiff_t(kRow) * width] = negative ? -value : value;
+                       spread<kRow>(word, negative);
+                   }
+                   *word |= 1u << (kVisitedShift + kRow);
+               });
     }
 
     /// A cell's magnitude moves to the middle of the half that the bit says.
@@ -231,85 +238,111 @@ struct BlockDecoder::Passes
         cell += (bit ^ (cell < 0 ? 1u : 0u)) ? half : -half;
     }
 
+    /// Significant and not coded in the significance propagation pass of this bit-plane.
+    template <int kRow> XRV_INLINE static bool isToRefine(std::uint32_t f)
+    {
+        constexpr std::uint32_t kSignificant = kSelf << (3 * kRow), kVisited = 1u << (kVisitedShift + kRow);
+        return (f & (kSignificant | kVisited)) == kSignificant;
+    }
+
     /// D.3.3. \a half: half of the bit-plane's weight, doubled.
     void magnitudeRefinement(MqDecoder &decoder, std::int32_t half)
     {
         MqDecoder mq = decoder;
-        for (int y = 0; y < height; y += 4) {
-            const int rows = std::min(4, height - y);
-            std::uint32_t *word = flags + std::size_t(y / 4) * pitch;
-            std::int32_t *cell = cells + std::size_t(y) * width;
-            for (int x = 0; x < width; ++x, ++word, ++cell) {
-                std::uint32_t f = *word;
-                if (!(f & (kSelf | kSelf << 3 | kSelf << 6 | kSelf << 9)))
-                    continue;
-                for (int row = 0; row < rows; ++row) {
-                    if (!(f >> (3 * row) & kSelf) || (f >> (kVisitedShift + row) & 1))
-                        continue;
-                    const int context = f >> (kRefinedShift + row) & 1 ? kRefineContext + 2
-                                        : neighbourhood(f, row)        ? kRefineContext + 1
+        forAll([](std::uint32_t f) { return (f & kAllSelf) != 0; },
+               [&](auto rowType, std::uint32_t *word, std::int32_t *cell) {
+                   constexpr int kRow = decltype(rowType)::value;
+                   const std::uint32_t f = *word;
+                   if (!isToRefine<kRow>(f))
+                       return;
+                   const int context = f >> (kRefinedShift + kRow) & 1 ? kRefineContext + 2
+                                       : f >> (3 * kRow) & kNeighbours ? kRefineContext + 1
                                                                        : kRefineContext;
-                    refine(cell[std::size_t(row) * width], mq.decode(contexts[context]), half);
-                    f |= 1u << (kRefinedShift + row);
-                }
-                *word = f;
-            }
-        }
+                   refine(cell[std::ptrdiff_t(kRow) * width], mq.decode(contexts[context]), half);
+                   *word = f | 1u << (kRefinedShift + kRow);
+               });
         decoder = mq;
     }
 
     void rawMagnitudeRefinement(RawBits &bits, std::int32_t half)
     {
-        for (int y = 0; y < height; y += 4) {
-            const int rows = std::min(4, height - y);
-            std::uint32_t *word = flags + std::size_t(y / 4) * pitch;
-            std::int32_t *cell = cells + std::size_t(y) * width;
-            for (int x = 0; x < width; ++x, ++word, ++cell) {
-                for (int row = 0; row < rows; ++row) {
-                    if (!(*word >> (3 * row) & kSelf) || (*word >> (kVisitedShift + row) & 1))
-                        continue;
-                    refine(cell[std::size_t(row) * width], bits.bit(), half);
-                    *word |= 1u << (kRefinedShift + row);
-                }
-            }
-        }
+        forAll([](std::uint32_t f) { return (f & kAllSelf) != 0; },
+               [&](auto rowType, std::uint32_t *word, std::int32_t *cell) {
+                   constexpr int kRow = decltype(rowType)::value;
+                   if (!isToRefine<kRow>(*word))
+                       return;
+                   refine(cell[std::ptrdiff_t(kRow) * width], bits.bit(), half);
+                   *word |= 1u << (kRefinedShift + kRow);
+               });
     }
 
     /// D.3.4.
     void cleanup(MqDecoder &decoder, std::int32_t value)
     {
         MqDecoder mq = decoder;
-        for (int y = 0; y < height; y += 4) {
-            const int rows = std::min(4, height - y);
-            std::uint32_t *word = flags + std::size_t(y / 4) * pitch;
-            std::int32_t *cell = cells + std::size_t(y) * width;
-            for (int x = 0; x < width; ++x, ++word, ++cell) {
-                int row = 0;
-                bool isKnownSignificant = false;
-                if (rows == 4 && !(*word & (kAllSignificance | kAllVisited))) {
-                    if (!mq.decode(contexts[kRunContext]))
-                        continue;
-                    row = static_cast<int>(mq.decode(contexts[kUniformContext])) << 1;
-                    row |= static_cast<int>(mq.decode(contexts[kUniformContext]));
-                    isKnownSignificant = true;
-                }
-                for (; row < rows; ++row) {
-                    const std::uint32_t around = *word >> (3 * row);
-                    if (!isKnownSignificant) {
-                        if ((around & kSelf) || (*word >> (kVisitedShift + row) & 1))
-                            continue;
-                        if (!mq.decode(contexts[significanceTable[around & kNeighbours]]))
-                            continue;
-                    }
-                    isKnownSignificant = false;
-                    const unsigned negative = decodeSign(mq, word, row);
-                    cell[std::size_t(row) * width] = negative ? -value : value;
-                    spread(word, row, negative);
-                }
+        const int fullRows = height & ~3;
+        std::uint32_t *word = flags;
+        std::int32_t *cell = cells;
+        for (int y = 0; y < fullRows; y += 4, word += pitch - width, cell += 3 * std::ptrdiff_t(width))
+            for (const std::int32_t *const end = cell + width; cell != end; ++word, ++cell)
+                cleanupColumn(mq, word, cell, value);
+        if (const int rows = height - fullRows)
+            for (const std::int32_t *const end = cell + width; cell != end; ++word, ++cell) {
+                cleanupCell<0>(mq, word, cell, value);
+                if (rows > 1)
+                    cleanupCell<1>(mq, word, cell, value);
+                if (rows > 2)
+                    cleanupCell<2>(mq, word, cell, value);
                 *word &= ~kAllVisited;
             }
-        }
         decoder = mq;
+    }
+
+    template <int kRow>
+    XRV_INLINE void cleanupCell(MqDecoder &mq, std::uint32_t *word, std::int32_t *cell, std::int32_t value)
+    {
+        const std::uint32_t f = *word;
+        if (f & (kSelf << (3 * kRow) | 1u << (kVisitedShift + kRow)))
+            return;
+        if (mq.decode(contexts[significanceTable[f >> (3 * kRow) & kNeighbours]]))
+            becomeSignificant<kRow>(mq, word, cell, value);
+    }
+
+    XRV_INLINE void cleanupColumn(MqDecoder &mq, std::uint32_t *word, std::int32_t *cell, std::int32_t value)
+    {
+        if (*word & (kAllSignificance | kAllVisited)) {
+            cleanupCell<0>(mq, word, cell, value);
+            cleanupCell<1>(mq, word, cell, value);
+            cleanupCell<2>(mq, word, cell, value);
+            cleanupCell<3>(mq, word, cell, value);
+            *word &= ~kAllVisited;
+            return;
+        }
+        // Nothing around: a run of four at once, with the place of the first significant one.
+        if (!mq.decode(contexts[kRunContext]))
+            return;
+        unsigned row = mq.decode(contexts[kUniformContext]) << 1;
+        row |= mq.decode(contexts[kUniformContext]);
+        switch (row) {
+        case 0:
+            becomeSignificant<0>(mq, word, cell, value);
+            cleanupCell<1>(mq, word, cell, value);
+            cleanupCell<2>(mq, word, cell, value);
+            cleanupCell<3>(mq, word, cell, value);
+            break;
+        case 1:
+            becomeSignificant<1>(mq, word, cell, value);
+            cleanupCell<2>(mq, word, cell, value);
+            cleanupCell<3>(mq, word, cell, value);
+            break;
+        case 2:
+            becomeSignificant<2>(mq, word, cell, value);
+            cleanupCell<3>(mq, word, cell, value);
+            break;
+        default:
+            becomeSignificant<3>(mq, word, cell, value);
+            break;
+        }
     }
 
     /// Four symbols that stand after a cleanup pass (D.5); they protect, and are passed over.

@@ -3,15 +3,21 @@
 #include <cstddef>
 #include <cstdint>
 
+#if defined(__GNUC__)
+#define XRV_INLINE inline __attribute__((always_inline))
+#else
+#define XRV_INLINE __forceinline
+#endif
+
 namespace xrv {
 
 /// One state of the probability estimator for one sense of the more probable symbol (ISO/IEC 15444-1 table C.2).
 struct MqState
 {
-    std::uint32_t qe;     ///< probability estimate
-    std::uint8_t mps;     ///< more probable symbol
-    std::uint8_t nextMps; ///< index of the state after an MPS
-    std::uint8_t nextLps; ///< index of the state after an LPS, with the symbol exchanged where the table says so
+    std::uint32_t qe;       ///< probability estimate
+    std::uint32_t mps;      ///< more probable symbol
+    const MqState *nextMps; ///< the state after an MPS
+    const MqState *nextLps; ///< the state after an LPS, with the symbol exchanged where the table says so
 };
 /// Two entries per row of the table: row * 2 + MPS.
 extern const MqState kMqStates[94];
@@ -21,8 +27,8 @@ extern const MqState kMqStates[94];
 class MqDecoder
 {
 public:
-    /// Contexts are indices into kMqStates.
-    using Context = std::uint8_t;
+    /// Contexts point into kMqStates.
+    using Context = const MqState *;
 
     void start(const std::uint8_t *data)
     {
@@ -34,9 +40,9 @@ public:
         a = 0x8000;
     }
 
-    unsigned decode(Context &context)
+    XRV_INLINE unsigned decode(Context &context)
     {
-        const MqState &state = kMqStates[context];
+        const MqState &state = *context;
         unsigned symbol = state.mps;
         a -= state.qe;
         if ((c >> 16) < state.qe) {
@@ -65,7 +71,7 @@ public:
     }
 
 private:
-    void renormalize()
+    XRV_INLINE void renormalize()
     {
         do {
             if (count == 0)
@@ -76,7 +82,7 @@ private:
         } while (a < 0x8000);
     }
 
-    void readByte()
+    XRV_INLINE void readByte()
     {
         const std::uint32_t following = next[1];
         if (*next == 0xFF) {

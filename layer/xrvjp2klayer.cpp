@@ -3,6 +3,7 @@
 #include "xrvjp2krenderer.h"
 
 #include <QDGui/application.h>
+
 #include <QDateTime>
 #include <QSettings>
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <QColor>
 #include <QDGui/irasterlayerhistogram.h>
 #include <QDGui/rasterlayer.h>
+#include <xrv60/plktypes.h>
+
+#include <QColor>
 #include <QList>
 #include <QPen>
 #include <QSize>
 #include <QVector>
-
-#include <xrv60/plktypes.h>
 
 #include <memory>
 

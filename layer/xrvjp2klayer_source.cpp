@@ -7,6 +7,7 @@
 
 #include <QDGui/application.h>
 #include <QDGui/stringutil.h>
+
 #include <QDateTime>
 #include <QFileInfo>
 

@@ -5,6 +5,7 @@
 #include "xrvjp2krenderer.h"
 
 #include <QDGui/geopainter.h>
+
 #include <QDateTime>
 #include <QMutexLocker>
 

@@ -3,8 +3,9 @@
 #include "tonetable.h"
 #include "xrvjp2klayer.h"
 
-#include <QColor>
 #include <QDGui/application.h>
+
+#include <QColor>
 #include <QMutexLocker>
 #include <QPainter>
 #include <QSettings>
@@ -21,7 +22,7 @@ constexpr int kDefaultClipTransform = 99;
 
 /// A picture of more pixels than this is taken as one that cannot be made. Cells shown thousands of pixels wide are
 /// asked for whole, and the system would hand out gigabytes that it does not have.
-constexpr std::int64_t kMaxImagePixels = std::int64_t(1) << 28;
+constexpr std::int64_t kMaxImagePixels = std::int64_t(1) << 26;
 
 /// Yields \a value, a NaN included, unless it lies beyond one of the bounds.
 double clamped(double value, double low, double high)

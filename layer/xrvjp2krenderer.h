@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QDGui/geoimage.h>
+#include <xrv60/plkview.h>
+
 #include <QRect>
 #include <QRectF>
 #include <QRecursiveMutex>
 #include <QString>
-
-#include <xrv60/plkview.h>
 
 #include <array>
 #include <atomic>

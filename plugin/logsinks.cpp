@@ -1,6 +1,7 @@
 #include "logsinks.h"
 
 #include <QDGui/application.h>
+
 #include <QSettings>
 
 namespace {

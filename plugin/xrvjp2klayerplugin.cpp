@@ -5,9 +5,11 @@
 #include "layer/xrvjp2klayer.h"
 #include "logsinks.h"
 
-#include <QCoreApplication>
 #include <QDGui/application.h>
 #include <QDGui/xrvpbrowser.h>
+#include <xrv60/plkinit.h>
+
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QLocale>
@@ -15,8 +17,6 @@
 #include <QSettings>
 #include <QStringList>
 #include <QTranslator>
-
-#include <xrv60/plkinit.h>
 
 #include <memory>
 

@@ -5,6 +5,7 @@
 #include <QDGui/ilayereditorplugin.h>
 #include <QDGui/ilayerplugin.h>
 #include <QDGui/ilayerplugininfo.h>
+
 #include <QList>
 #include <QObject>
 #include <QSharedPointer>

@@ -3,10 +3,11 @@
 #include "layer/xrvjp2klayer.h"
 #include "xrvjp2klayerplugin.h"
 
-#include <QAction>
 #include <QDGui/application.h>
 #include <QDGui/mapview.h>
 #include <QDGui/xrvpbrowser.h>
+
+#include <QAction>
 #include <QDockWidget>
 #include <QMainWindow>
 #include <QMdiArea>

@@ -4,6 +4,7 @@
 
 #include <QDGui/application.h>
 #include <QDGui/geopainter.h>
+
 #include <QFile>
 #include <QSettings>
 

@@ -3,6 +3,7 @@
 
 #include <QDGui/application.h>
 #include <QDGui/irendererclient.h>
+
 #include <QDomDocument>
 #include <QMetaProperty>
 #include <QtTest>

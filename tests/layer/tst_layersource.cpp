@@ -2,6 +2,7 @@
 #include "testimages.h"
 
 #include <QDGui/application.h>
+
 #include <QFile>
 #include <QFileInfo>
 #include <QtTest>

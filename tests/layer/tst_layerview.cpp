@@ -2,6 +2,7 @@
 #include "testimages.h"
 
 #include <QDGui/geopainter.h>
+
 #include <QtTest>
 
 #include <limits>

@@ -2,6 +2,7 @@
 #include "plugin/logsinks.h"
 
 #include <QDGui/application.h>
+
 #include <QtTest>
 
 using Korvane::Application;

@@ -5,6 +5,7 @@
 #include <QDGui/ilayerplugin.h>
 #include <QDGui/ilayerplugininfo.h>
 #include <QDGui/layer.h>
+
 #include <QFile>
 #include <QJsonObject>
 #include <QPluginLoader>

@@ -4,6 +4,7 @@
 #include <QDGui/application.h>
 #include <QDGui/layer.h>
 #include <QDGui/xrvpbrowser.h>
+
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>

@@ -4,9 +4,9 @@
 #include "plugin/sdksettings.h"
 #include "plugin/xrvjp2klayerplugin.h"
 
+#include <QDGui/application.h>
 #include <xrv60/plkfile.h>
 
-#include <QDGui/application.h>
 #include <QDir>
 #include <QtTest>
 

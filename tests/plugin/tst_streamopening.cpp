@@ -1,11 +1,12 @@
 #include "layer/testimages.h"
 #include "plugin/xrvjp2klayerplugin.h"
 
-#include <QAction>
 #include <QDGui/application.h>
 #include <QDGui/layer.h>
 #include <QDGui/mapview.h>
 #include <QDGui/xrvpbrowser.h>
+
+#include <QAction>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMdiArea>

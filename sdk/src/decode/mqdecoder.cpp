@@ -29,8 +29,11 @@ constexpr Row kRows[47] = {
 
 #define XRV_MQ_ENTRY(row, symbol)                                                                                      \
     {                                                                                                                  \
-        kRows[row].qe, symbol, kMqStates + (kRows[row].nextMps * 2 + symbol),                                          \
-            kMqStates + (kRows[row].nextLps * 2 + (symbol ^ kRows[row].exchange))                                      \
+        kRows[row].qe, symbol,                                                                                         \
+        {                                                                                                              \
+            kMqStates + (kRows[row].nextMps * 2 + symbol),                                                             \
+                kMqStates + (kRows[row].nextLps * 2 + (symbol ^ kRows[row].exchange))                                  \
+        }                                                                                                              \
     }
 #define XRV_MQ_ROW(row) XRV_MQ_ENTRY(row, 0), XRV_MQ_ENTRY(row, 1)
 #define XRV_MQ_TEN(row)                                                                                                \

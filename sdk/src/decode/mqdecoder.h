@@ -3,6 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#if defined(_MSC_VER)
+#include <intrin.h>
+#endif
+
 #if defined(__GNUC__)
 #define XRV_INLINE inline __attribute__((always_inline))
 #else
@@ -14,10 +18,10 @@ namespace xrv {
 /// One state of the probability estimator for one sense of the more probable symbol (ISO/IEC 15444-1 table C.2).
 struct MqState
 {
-    std::uint32_t qe;       ///< probability estimate
-    std::uint32_t mps;      ///< more probable symbol
-    const MqState *nextMps; ///< the state after an MPS
-    const MqState *nextLps; ///< the state after an LPS, with the symbol exchanged where the table says so
+    std::uint32_t qe;  ///< probability estimate
+    std::uint32_t mps; ///< more probable symbol
+    const MqState
+        *next[2]; ///< the state after an MPS, and after an LPS with the symbol exchanged where the table says so
 };
 /// Two entries per row of the table: row * 2 + MPS.
 extern const MqState kMqStates[94];
@@ -40,46 +44,49 @@ public:
         a = 0x8000;
     }
 
+    /// The choice between the subintervals cannot be foretold, so it is made without branches: figure C.15 comes down
+    /// to an LPS when the code lies in the lower subinterval or the two have changed places, but not both.
     XRV_INLINE unsigned decode(Context &context)
     {
         const MqState &state = *context;
-        unsigned symbol = state.mps;
-        a -= state.qe;
-        if ((c >> 16) < state.qe) {
-            // The LPS subinterval, which holds the MPS when it is the larger one.
-            if (a < state.qe) {
-                context = state.nextMps;
-            } else {
-                symbol ^= 1;
-                context = state.nextLps;
-            }
-            a = state.qe;
-            renormalize();
-            return symbol;
-        }
-        c -= state.qe << 16;
+        const std::uint32_t qe = state.qe;
+        a -= qe;
+        const std::uint32_t isLower = (c >> 16) < qe;
+        const std::uint32_t isLps = isLower ^ static_cast<std::uint32_t>(a < qe);
+        const std::uint32_t lowerMask = 0u - isLower;
+        c -= (qe << 16) & ~lowerMask;
+        a ^= (a ^ qe) & lowerMask;
         if (a & 0x8000)
-            return symbol;
-        if (a < state.qe) {
-            symbol ^= 1;
-            context = state.nextLps;
-        } else {
-            context = state.nextMps;
-        }
+            return state.mps;
+        context = state.next[isLps];
         renormalize();
-        return symbol;
+        return state.mps ^ isLps;
     }
 
 private:
+    static XRV_INLINE std::uint32_t leadingZeros(std::uint32_t value)
+    {
+#if defined(__GNUC__)
+        return static_cast<std::uint32_t>(__builtin_clz(value));
+#else
+        unsigned long highest = 0;
+        _BitScanReverse(&highest, value);
+        return 31u - highest;
+#endif
+    }
+
+    /// Doubles the interval until it has its highest bit, all steps at once up to the next byte.
     XRV_INLINE void renormalize()
     {
-        do {
-            if (count == 0)
-                readByte();
-            a <<= 1;
-            c <<= 1;
-            --count;
-        } while (a < 0x8000);
+        std::uint32_t shift = leadingZeros(a) - 16;
+        a <<= shift;
+        while (shift > count) {
+            c <<= count;
+            shift -= count;
+            readByte();
+        }
+        c <<= shift;
+        count -= shift;
     }
 
     XRV_INLINE void readByte()

@@ -5,7 +5,6 @@
 #include "wavelet.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace xrv {
 
@@ -32,15 +31,6 @@ void copyBlock(const Plane &block, const IntRect &common, float halfStep, Grid<T
     }
 }
 
-inline std::int64_t rounded(std::int32_t value)
-{
-    return value;
-}
-inline std::int64_t rounded(float value)
-{
-    return std::lrintf(std::clamp(value, -2147483648.0f, 2147483520.0f));
-}
-
 /// G.2.2, G.3.2.
 void inverseTransform(std::int32_t *a, std::int32_t *b, std::int32_t *c, std::int64_t count)
 {
@@ -64,22 +54,28 @@ void inverseTransform(float *a, float *b, float *c, std::int64_t count)
     }
 }
 
-template <typename Sample, typename T>
-void storeRow(const T *from, std::int64_t count, std::int64_t shift, std::int64_t low, std::int64_t high, Sample *to)
+/// What a sample of a component may be, and what is added to the coefficients to get there.
+struct SampleRange
 {
+    std::int32_t shift, low, high;
+};
+
+template <typename Sample>
+void storeRow(const std::int32_t *from, std::int64_t count, const SampleRange &range, Sample *to)
+{
+    const std::int32_t lowest = range.low - range.shift, highest = range.high - range.shift;
     for (std::int64_t i = 0; i < count; ++i)
-        to[i] = static_cast<Sample>(std::clamp(rounded(from[i]) + shift, low, high));
+        to[i] = static_cast<Sample>(std::min(std::max(from[i], lowest), highest) + range.shift);
 }
 
-/// Rows short enough for 32-bit arithmetic go a faster way.
-template <typename Sample>
-void storeRow(const float *from, std::int64_t count, std::int32_t shift, std::int32_t low, std::int32_t high,
-              Sample *to)
+/// Rounds by cutting off what is not negative, which the compiler turns into vector instructions.
+template <typename Sample> void storeRow(const float *from, std::int64_t count, const SampleRange &range, Sample *to)
 {
-    const float lowest = static_cast<float>(low - shift), highest = static_cast<float>(high - shift);
+    const float offset = static_cast<float>(range.shift - range.low) + 0.5f;
+    const auto highest = static_cast<float>(range.high - range.low);
     for (std::int64_t i = 0; i < count; ++i) {
-        const float value = std::min(std::max(from[i], lowest), highest);
-        to[i] = static_cast<Sample>(static_cast<std::int32_t>(std::lrintf(value)) + shift);
+        const float value = std::min(std::max(from[i] + offset, 0.0f), highest + 0.25f);
+        to[i] = static_cast<Sample>(static_cast<std::int32_t>(value) + range.low);
     }
 }
 
@@ -175,28 +171,28 @@ template <typename T> Plane TileSynthesis::toPlane(int component, const IntRect 
                             : info.bits <= 16 ? (info.isSigned ? SampleType::Int16 : SampleType::UInt16)
                                               : SampleType::Int32);
     const std::int64_t half = std::int64_t(1) << (info.bits - 1);
-    const auto shift = static_cast<std::int32_t>(info.isSigned ? 0 : half);
-    const auto low = static_cast<std::int32_t>(info.isSigned ? -half : 0);
-    const auto high = static_cast<std::int32_t>(info.isSigned ? half - 1 : 2 * half - 1);
+    const SampleRange range{static_cast<std::int32_t>(info.isSigned ? 0 : half),
+                            static_cast<std::int32_t>(info.isSigned ? -half : 0),
+                            static_cast<std::int32_t>(info.isSigned ? half - 1 : 2 * half - 1)};
     for (std::int64_t y = rect.y0; y < rect.y1; ++y) {
         const T *from = cells.grid.row(y) + (rect.x0 - cells.grid.rect.x0);
         std::uint8_t *to =
             plane.bytes.data() + static_cast<std::size_t>((y - rect.y0) * rect.width()) * sampleSize(plane.type);
         switch (plane.type) {
         case SampleType::UInt8:
-            storeRow(from, rect.width(), shift, low, high, to);
+            storeRow(from, rect.width(), range, to);
             break;
         case SampleType::Int8:
-            storeRow(from, rect.width(), shift, low, high, reinterpret_cast<std::int8_t *>(to));
+            storeRow(from, rect.width(), range, reinterpret_cast<std::int8_t *>(to));
             break;
         case SampleType::UInt16:
-            storeRow(from, rect.width(), shift, low, high, reinterpret_cast<std::uint16_t *>(to));
+            storeRow(from, rect.width(), range, reinterpret_cast<std::uint16_t *>(to));
             break;
         case SampleType::Int16:
-            storeRow(from, rect.width(), shift, low, high, reinterpret_cast<std::int16_t *>(to));
+            storeRow(from, rect.width(), range, reinterpret_cast<std::int16_t *>(to));
             break;
         default:
-            storeRow(from, rect.width(), shift, low, high, reinterpret_cast<std::int32_t *>(to));
+            storeRow(from, rect.width(), range, reinterpret_cast<std::int32_t *>(to));
             break;
         }
     }

@@ -24,8 +24,9 @@ struct Band
 };
 
 /// Which bands a file has and how their cells come from the components' cells: component mapping and palette
-/// (ISO/IEC 15444-1 I.5.3.4, I.5.3.5), channel definitions (I.5.3.6), and conversion of sYCC and of embedded ICC
-/// profiles to sRGB. Immutable once made; any thread.
+/// (ISO/IEC 15444-1 I.5.3.4, I.5.3.5), channel definitions (I.5.3.6), and conversion of sYCC and its relatives, CIELab,
+/// CMYK and embedded ICC profiles to sRGB. Bands stand in the order red, green, blue (or grey), others, opacity.
+/// Immutable once made; any thread.
 class BandMap
 {
 public:
@@ -47,8 +48,9 @@ public:
     bool isDirect(int band) const;
     /// Components to read for \a bands, each once. Bands of a colour conversion need all components of it.
     std::vector<int> componentsFor(const std::vector<int> &bands) const;
-    /// Makes \a width cells of each of \a bands from the rows of componentsFor(bands), all on the same grid. Cells of
-    /// up to 31 bits; larger ones are clamped before they come here.
+    /// Makes \a width cells of each of \a bands from the rows of componentsFor(bands), in that order and all on the
+    /// same grid. No row of the one is a row of the other. Cells of up to 31 bits; larger ones are clamped before they
+    /// come here.
     void convertRow(const std::vector<int> &bands, const std::int32_t *const *componentRows, int width,
                     std::int32_t *const *bandRows) const;
 

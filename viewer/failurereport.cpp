@@ -1,5 +1,6 @@
 #include "failurereport.h"
 
+#include <QGridLayout>
 #include <QMessageBox>
 
 namespace Viewer {
@@ -8,6 +9,17 @@ namespace {
 
 /// A box that lists more than this would not fit the screen.
 constexpr int kListed = 12;
+
+/// File names wrap badly at the box's usual width.
+constexpr int kWidthInCharacters = 70;
+
+void widen(QMessageBox *box)
+{
+    if (auto *layout = qobject_cast<QGridLayout *>(box->layout())) {
+        const int width = box->fontMetrics().averageCharWidth() * kWidthInCharacters;
+        layout->addItem(new QSpacerItem(width, 0), layout->rowCount(), 0, 1, layout->columnCount());
+    }
+}
 
 } // namespace
 
@@ -32,6 +44,7 @@ void FailureReport::show(QWidget *parent, const QStringList &failures, int total
         box.setInformativeText(listed.join(QLatin1Char('\n')));
         box.setDetailedText(failures.join(QLatin1Char('\n')));
     }
+    widen(&box);
     box.exec();
 }
 

@@ -135,6 +135,8 @@ QJsonValue LayerDescriber::toJson(const QVariant &value)
     default:
         break;
     }
+    if (QMetaType::typeFlags(value.userType()) & QMetaType::IsEnumeration)
+        return value.toInt();
     if (value.canConvert<QVector<int>>() && value.userType() == qMetaTypeId<QVector<int>>())
         return intArray(value.value<QVector<int>>());
     return QJsonValue::fromVariant(value);

@@ -6,8 +6,9 @@
 
 #include <QDir>
 #include <QFormLayout>
-#include <QLabel>
+#include <QLineEdit>
 #include <QLocale>
+#include <QPalette>
 
 namespace Viewer {
 
@@ -63,11 +64,15 @@ void LayerSummaryPage::addRow(const QString &name, const QString &value)
 {
     if (value.isEmpty())
         return;
-    auto *label = new QLabel(value);
-    label->setTextFormat(Qt::PlainText);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    label->setWordWrap(true);
-    form->addRow(name, label);
+    // A line that can be selected and scrolled: paths are long and have no place to be broken at.
+    auto *field = new QLineEdit(value);
+    field->setReadOnly(true);
+    field->setFrame(false);
+    field->setCursorPosition(0);
+    QPalette transparent = field->palette();
+    transparent.setColor(QPalette::Base, Qt::transparent);
+    field->setPalette(transparent);
+    form->addRow(name, field);
 }
 
 } // namespace Viewer

@@ -21,6 +21,9 @@ namespace {
 constexpr std::size_t kIndexBudget = 32u << 20;
 /// Cells of one component that OpenJPEG decodes in one piece at most; bounds what it needs at a time.
 constexpr std::int64_t kMostCellsPerJob = 4 << 20;
+/// OpenJPEG 2.5.0 decodes parts of tiles with high-throughput code-blocks wrongly, so they are decoded whole, up to
+/// this many cells of all components together.
+constexpr std::int64_t kMostHighThroughputCells = std::int64_t(192) << 20;
 /// Size of the pieces in which blocks are put together, cells.
 constexpr std::int64_t kPieceWidth = 512, kPieceHeight = 256;
 /// Coefficients that are decoded before they are put together, so that memory stays bounded.
@@ -272,6 +275,8 @@ void CodestreamReader::addJobs(const ReadRequest &request, std::uint32_t tile,
             rects = {boundingRect(every)};
             break;
         }
+    if (header->isHighThroughput)
+        rects = {whole}; // see kMostHighThroughputCells
     for (const IntRect &rect : rects) {
         const IntRect widened = onGrid(rect, whole);
         if (!widened.isEmpty())
@@ -459,7 +464,10 @@ CError CodestreamReader::decodeWhole(const ReadRequest &request, const Job &job,
         return settle(request, job, error, decoded);
     const int averagedLevels = request.level - std::min(request.level, index.style().minDecompositionLevels());
     const std::int64_t side = std::max<std::int64_t>(1, 2048 >> averagedLevels);
-    const bool isSmall = areaOf(job.levelRect) << (2 * averagedLevels) <= kMostCellsPerJob;
+    const std::int64_t tileCells = areaOf(job.levelRect) << (2 * averagedLevels);
+    if (header->isHighThroughput && tileCells * std::int64_t(job.components.size()) > kMostHighThroughputCells)
+        return CError(PLK_ERR_UNSUPPORTED, "The tiles of this high-throughput image are too large to be decoded.");
+    const bool isSmall = header->isHighThroughput || tileCells <= kMostCellsPerJob;
     for (const IntRect &piece : isSmall ? std::vector<IntRect>{job.levelRect} : inPieces(job.levelRect, side, side)) {
         const Job part{job.tile, piece, job.components};
         if (request.cancel.isRaised())

@@ -18,12 +18,15 @@ namespace PLK {
 ///
 /// Use: Open(), then for every picture SetView() and read its lines from top to bottom.
 ///
-/// **Blocking** views (opened with progressive off) decode while lines are read.
+/// **Blocking** views (opened with progressive off) decode while lines are read. After the last line the picture begins
+/// again at the top, from cells that are still at hand: a caller that paints often reads all lines each time and need not
+/// set the view again. One that stopped half-way sets the view again to get back to the top.
 ///
 /// **Progressive** views decode on the SDK's own thread, coarse to fine. Each pass ends in one call of RefreshPass() on
 /// that thread; the lines read from within this call are those of the pass. At least a coarse and a final pass are made
 /// where the final one takes more than about 50 ms. Between passes, lines read from another thread are those of the last
-/// pass that called back.
+/// pass that called back, from the top again; before the first pass of a view they are PLK_READ_CANCELLED. Where decoding
+/// fails, the final pass calls back all the same: its lines are PLK_READ_FAILED, and GetLastError() says why.
 ///
 /// Threads and locks:
 /// - SetView() never waits for a callback or a decode in flight. It starts a new generation and returns; a caller may

@@ -37,7 +37,8 @@ public:
     /// Texture dither of lossy XRV images.
     void SetReaderDitherEnabled(bool enabled) { readerDither = enabled; }
     bool IsReaderDitherEnabled() const { return readerDither; }
-    /// Opacity cells of less than 8 bits are scaled up to 0..255.
+    /// Opacity cells of less than 8 bits are scaled up to 0..255. Takes effect with the first line of the next picture, so
+    /// it may still be set after SetView.
     void SetAutoscaleOpacitybandUpEnabled(bool enabled) { autoscaleOpacity = enabled; }
     bool IsAutoscaleOpacitybandUpEnabled() const { return autoscaleOpacity; }
 

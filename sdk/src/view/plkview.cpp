@@ -201,6 +201,7 @@ CError CView::SetView(int bandCount, const int *bands, int width, int height, do
         request.resilient = config.IsResilientDecodingEnabled();
         request.coarserNearest = config.IsOptimizeUseNearestNeighbour();
         request.refreshTimeMs = config.GetRefreshTimeMS();
+        request.blockingTimeMs = config.GetBlockingTimeMS();
         engine->setView(std::move(request));
     } catch (const std::bad_alloc &) {
         return outOfMemory();

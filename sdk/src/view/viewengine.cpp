@@ -62,8 +62,31 @@ void ViewEngine::setView(ViewRequest newRequest)
         if (isAtHand && !progressive)
             progress.finish();
     }
-    if (progressive)
+    if (progressive || (request->blockingTimeMs > 0 && !isAtHand))
         worker.submit(request);
+    if (!progressive && request->blockingTimeMs > 0 && !isAtHand)
+        waitForLines(*request);
+}
+
+void ViewEngine::waitForLines(const ViewRequest &request)
+{
+    std::unique_lock<std::mutex> lock(mutex);
+    prepared.wait_for(lock, std::chrono::milliseconds(request.blockingTimeMs),
+                      [&] { return preparedGeneration >= request.generation || request.cancel.isRaised(); });
+}
+
+void ViewEngine::prepareBlocking(const RequestPtr &request)
+{
+    std::shared_ptr<Picture> picture;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        picture = current;
+    }
+    if (&picture->request() == request.get())
+        picture->prepare(); // whoever reads its lines is told of a failure
+    const std::lock_guard<std::mutex> lock(mutex);
+    preparedGeneration = request->generation;
+    prepared.notify_all();
 }
 
 void ViewEngine::cancelReads()
@@ -183,10 +206,13 @@ void ViewEngine::decode(const RequestPtr &request)
 {
     // An exception must not leave the thread; the only one to expect is that memory ran out.
     try {
-        decodePasses(request);
+        if (progressive)
+            decodePasses(request);
+        else
+            prepareBlocking(request);
     } catch (const std::exception &) {
         setLastError({PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to decode this view."});
-        if (!request->cancel.isRaised())
+        if (progressive && !request->cancel.isRaised())
             progress.finish();
     }
 }

@@ -12,6 +12,7 @@
 #include <xrv60/plktypes.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -40,7 +41,8 @@ public:
     ~ViewEngine();
 
     bool isProgressive() const { return progressive; }
-    /// Sets \a request, whose generation is assigned here, in place of the last one, which is cancelled.
+    /// Sets \a request, whose generation is assigned here, in place of the last one, which is cancelled. A blocking
+    /// view with a blocking time is decoded on the worker's thread at once, and waited for as long as that.
     void setView(ViewRequest request);
     /// Cancels the view that is set.
     void cancelReads();
@@ -66,6 +68,8 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void decode(const RequestPtr &request);
+    void prepareBlocking(const RequestPtr &request);
+    void waitForLines(const ViewRequest &request);
     void decodePasses(const RequestPtr &request);
     std::vector<Pass> planPasses(const RequestPtr &request, int finalLevel);
     std::shared_ptr<Picture> prepare(const RequestPtr &request, const Pass &pass, PLK::CError *error);
@@ -90,8 +94,11 @@ private:
     StripPtr kept; ///< all cells of the last finished picture
     std::uint64_t generations = 0;
     bool stopping = false;
-    std::thread::id callbackThread; ///< of the callback that runs
+    std::thread::id callbackThread;       ///< of the callback that runs
+    std::uint64_t preparedGeneration = 0; ///< of the last blocking view whose first lines were decoded ahead
     PLK::CError lastReadError;
+
+    std::condition_variable prepared; ///< preparedGeneration changed
 
     ProgressWorker worker; ///< last, so that its thread ends first
 };

@@ -35,6 +35,7 @@ struct ViewRequest
     std::vector<std::shared_ptr<const ByteMap>> byteMaps; ///< one per entry of bands
     std::vector<std::shared_ptr<const ByteMap>> autoscaledByteMaps; ///< the same with opacity scaled up to 0..255
     unsigned refreshTimeMs = 0;                                     ///< shortest time between two callbacks
+    unsigned blockingTimeMs = 0; ///< longest time that setting a blocking view may wait for its first lines
     std::uint64_t generation = 0;
     CancelFlag cancel;
 };

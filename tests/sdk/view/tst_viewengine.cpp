@@ -28,6 +28,7 @@ private slots:
     void blockingViewIsReadAgainWithoutDecoding();
     void blockingProgressEndsWithTheLastLine();
     void blockingReadIsCancelledFromElsewhere();
+    void blockingTimeIsWaitedForFirstLines();
     void hugeViewIsReadInStrips();
     void manyComponentsCostNothing();
     void storm();
@@ -523,6 +524,35 @@ void TestViewEngine::blockingReadIsCancelledFromElsewhere()
     reader.onRead = nullptr;
     engine.setView(image.view({0}, 64, 64, {0, 0, 64, 64}));
     QCOMPARE(readBgra(engine).status, PLK_READ_SUCCESS);
+}
+
+void TestViewEngine::blockingTimeIsWaitedForFirstLines()
+{
+    FakeReader reader(256, 256);
+    Image image(reader);
+    SilentListener listener;
+    xrv::ViewEngine engine(image.source(), false, listener);
+    xrv::ViewRequest request = image.view({0}, 64, 64, {0, 0, 64, 64});
+    request.blockingTimeMs = 20000;
+    engine.setView(request);
+    QCOMPARE(reader.reads.load(), 1);
+    QCOMPARE(readBgra(engine).status, PLK_READ_SUCCESS);
+    QCOMPARE(reader.reads.load(), 1);
+    // What takes longer goes on; lines wait for it and do not decode once more.
+    Latch goOn;
+    reader.onRead = [&](const xrv::ReadRequest &) {
+        goOn.wait();
+        return PLK::CError();
+    };
+    request.datasetRect = {64, 64, 128, 128};
+    request.blockingTimeMs = 10;
+    QElapsedTimer timer;
+    timer.start();
+    engine.setView(request);
+    QVERIFY(timer.elapsed() < 5000);
+    goOn.open();
+    QCOMPARE(readBgra(engine).status, PLK_READ_SUCCESS);
+    QCOMPARE(reader.reads.load(), 2);
 }
 
 void TestViewEngine::hugeViewIsReadInStrips()

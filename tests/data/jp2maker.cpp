@@ -139,6 +139,11 @@ void setCoding(const Options &options, opj_cparameters_t *parameters)
     parameters->prog_order = progressionOf(options.progression);
     parameters->cblockw_init = options.codeBlockWidth;
     parameters->cblockh_init = options.codeBlockHeight;
+    parameters->mode = options.codeBlockStyle;
+    if (options.regionOfInterestShift > 0) {
+        parameters->roi_compno = 0;
+        parameters->roi_shift = options.regionOfInterestShift;
+    }
     parameters->cp_disto_alloc = 1;
     parameters->tcp_numlayers = static_cast<int>(options.layerRates.size());
     std::copy(options.layerRates.begin(), options.layerRates.end(), parameters->tcp_rates);

@@ -36,6 +36,8 @@ struct Options
     const char *progression = "LRCP"; ///< LRCP, RLCP, RPCL, PCRL or CPRL
     std::vector<std::pair<int, int>> precincts; ///< highest resolution first, halved for those left; empty: none
     int codeBlockWidth = 64, codeBlockHeight = 64;
+    int codeBlockStyle = 0;        ///< ISO/IEC 15444-1 table A.19
+    int regionOfInterestShift = 0; ///< of component 0; the encoder takes all of it as the region
     bool reversible = true;
     bool componentTransform = false; ///< needs three components of the same kind
     bool plt = false, tlm = false, sop = false, eph = false;

@@ -1,0 +1,6 @@
+add_library(test_peerdecoder STATIC ${stage_dir}/peerdecoder.cpp ${PROJECT_SOURCE_DIR}/tests/data/jp2maker.cpp)
+target_include_directories(test_peerdecoder PUBLIC ${PROJECT_SOURCE_DIR}/tests)
+target_link_libraries(test_peerdecoder PRIVATE project_options PUBLIC xrv60_objects)
+xrv_add_sdk_test(tst_rasterreader)
+target_link_libraries(tst_rasterreader PRIVATE test_peerdecoder)
+xrv_add_sdk_test(tst_tilecache)

@@ -42,6 +42,7 @@ LineMaker::LineMaker(const RasterInfo &raster, const BandMap &bandMap, RequestPt
     byteRows.assign(distinctBands.size(), std::vector<std::uint8_t>(count));
     for (std::vector<std::int32_t> &row : cellRows)
         cellRowPointers.push_back(row.data());
+    measure(level);
     chooseSampler(level);
 }
 
@@ -56,7 +57,7 @@ int LineMaker::opacityEntry() const
     return band.isOpacity && isAlone && !band.isSigned ? static_cast<int>(distinctOf.back()) : -1;
 }
 
-void LineMaker::chooseSampler(int level)
+void LineMaker::measure(int level)
 {
     for (int component : componentList) {
         const CellGrid columns(raster, component, level, CellGrid::Axis::X);
@@ -66,17 +67,20 @@ void LineMaker::chooseSampler(int level)
             (axisX.insideCount() * axisX.pitch() / columns.cellSpan() + 3.0) * static_cast<double>(size);
         rowsPerLine = std::max(rowsPerLine, axisY.pitch() / rows.cellSpan());
     }
-    bool interpolate = request->resampleMethod == PLK_RESAMPLE_BILINEAR;
+}
+
+void LineMaker::chooseSampler(int level)
+{
     const bool oneGrid = onOneGrid(level);
     // Numbers of palette entries must not be mixed; on different grids that leaves picking.
-    interpolate = interpolate && (oneGrid || !bandMap.hasPalette());
+    const bool interpolate = request->resampleMethod == PLK_RESAMPLE_BILINEAR && (oneGrid || !bandMap.hasPalette());
     std::vector<ComponentSampler> samplers = componentSamplers(level, interpolate);
     const bool isPointwise = std::all_of(samplers.begin(), samplers.end(), [](auto &s) { return s.isPointwise(); });
-    const bool weighted = opacity >= 0 && !isPremultiplied;
-    if (!isPointwise && oneGrid && (bandMap.hasPalette() || weighted)) {
+    const bool isWeighted = opacity >= 0 && !isPremultiplied;
+    if (!isPointwise && oneGrid && (bandMap.hasPalette() || isWeighted)) {
         const CellGrid columns(raster, componentList.front(), level, CellGrid::Axis::X);
         const CellGrid rows(raster, componentList.front(), level, CellGrid::Axis::Y);
-        sampler = std::make_unique<ConvertingSampler>(bandMap, distinctBands, weighted ? opacity : -1,
+        sampler = std::make_unique<ConvertingSampler>(bandMap, distinctBands, isWeighted ? opacity : -1,
                                                       std::make_shared<ColumnTaps>(columns, axisX, true),
                                                       RowTaps(rows, axisY, true));
         return;

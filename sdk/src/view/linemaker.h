@@ -36,6 +36,7 @@ public:
     void makeBil(int y, PLKCellType type, void *const *lines);
 
 private:
+    void measure(int level);
     void chooseSampler(int level);
     std::vector<ComponentSampler> componentSamplers(int level, bool interpolate) const;
     bool onOneGrid(int level) const;

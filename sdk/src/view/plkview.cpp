@@ -39,6 +39,18 @@ bool areFinite(std::initializer_list<double> numbers)
     return std::all_of(numbers.begin(), numbers.end(), [](double number) { return std::isfinite(number); });
 }
 
+CError checkView(std::size_t fileBands, int bandCount, const int *bands, int width, int height)
+{
+    if (bandCount < 1 || bandCount > kMostBands || bands == nullptr)
+        return invalid("A view shows one to four bands.");
+    for (int i = 0; i < bandCount; ++i)
+        if (bands[i] < 0 || static_cast<std::size_t>(bands[i]) >= fileBands)
+            return invalid("The view asks for a band that the file does not have.");
+    if (width < 1 || height < 1 || width > kLargestSize || height > kLargestSize)
+        return invalid("The size of a view is 1 to 65535 pixels either way.");
+    return {};
+}
+
 } // namespace
 
 /// What a view consists of, and the way from the worker's passes to the virtual callback.
@@ -74,6 +86,8 @@ public:
     }
 
     PLKReadStatus readLine(const xrv::LineTarget &target);
+    /// Everything of \a request that the view's parameters, its transforms and the configuration decide.
+    void fillSettings(const std::vector<xrv::Band> &fileBands, xrv::ViewRequest *request);
 
     CView *const owner;
     xrv::BandTables tables;
@@ -98,6 +112,22 @@ PLKReadStatus CView::Private::readLine(const xrv::LineTarget &target)
         open->setLastError(outOfMemory());
         return PLK_READ_FAILED;
     }
+}
+
+void CView::Private::fillSettings(const std::vector<xrv::Band> &fileBands, xrv::ViewRequest *request)
+{
+    for (int band : request->bands) {
+        const xrv::Band &info = fileBands[static_cast<std::size_t>(band)];
+        request->byteMaps.push_back(tables.mapOf(band, info, false));
+        request->autoscaledByteMaps.push_back(tables.mapOf(band, info, true));
+    }
+    const SDK::CConfig &config = xrv::globalConfig();
+    request->resampleMethod = owner->ParametersDecompress().GetResampleMethod();
+    request->qualityLayers = std::max(0, owner->ParametersJp2().Decompress().GetLayersToDecode());
+    request->resilient = config.IsResilientDecodingEnabled();
+    request->coarserNearest = config.IsOptimizeUseNearestNeighbour();
+    request->refreshTimeMs = config.GetRefreshTimeMS();
+    request->blockingTimeMs = config.GetBlockingTimeMS();
 }
 
 CView::CView()
@@ -166,13 +196,8 @@ CError CView::SetView(int bandCount, const int *bands, int width, int height, do
     if (!engine)
         return notOpen();
     const std::vector<xrv::Band> &fileBands = SharedFile()->bandMap().bands();
-    if (bandCount < 1 || bandCount > kMostBands || bands == nullptr)
-        return invalid("A view shows one to four bands.");
-    for (int i = 0; i < bandCount; ++i)
-        if (bands[i] < 0 || static_cast<std::size_t>(bands[i]) >= fileBands.size())
-            return invalid("The view asks for a band that the file does not have.");
-    if (width < 1 || height < 1 || width > kLargestSize || height > kLargestSize)
-        return invalid("The size of a view is 1 to 65535 pixels either way.");
+    if (CError error = checkView(fileBands.size(), bandCount, bands, width, height))
+        return error;
     if (!areFinite({x1, y1, x2, y2}) || x1 == x2 || y1 == y2)
         return invalid("The world rectangle of the view is empty or not finite.");
     try {
@@ -188,20 +213,8 @@ CError CView::SetView(int bandCount, const int *bands, int width, int height, do
         if (!areFinite({cells.left, cells.top, cells.right, cells.bottom}) || cells.left == cells.right ||
             cells.top == cells.bottom)
             return invalid("The world rectangle of the view is too large or too small for this file.");
-        for (int i = 0; i < bandCount; ++i) {
-            const int band = bands[i];
-            request.bands.push_back(band);
-            request.byteMaps.push_back(d->tables.mapOf(band, fileBands[static_cast<std::size_t>(band)], false));
-            request.autoscaledByteMaps.push_back(
-                d->tables.mapOf(band, fileBands[static_cast<std::size_t>(band)], true));
-        }
-        const SDK::CConfig &config = xrv::globalConfig();
-        request.resampleMethod = parametersDecompress.GetResampleMethod();
-        request.qualityLayers = std::max(0, parametersJp2.Decompress().GetLayersToDecode());
-        request.resilient = config.IsResilientDecodingEnabled();
-        request.coarserNearest = config.IsOptimizeUseNearestNeighbour();
-        request.refreshTimeMs = config.GetRefreshTimeMS();
-        request.blockingTimeMs = config.GetBlockingTimeMS();
+        request.bands.assign(bands, bands + bandCount);
+        d->fillSettings(fileBands, &request);
         engine->setView(std::move(request));
     } catch (const std::bad_alloc &) {
         return outOfMemory();

@@ -5,21 +5,9 @@
 
 namespace xrv {
 
-namespace {
-
-/// World coordinates bring rounding errors of a millionth of a cell and less; without them the centres of pixels fall
-/// on cells as they were meant to.
-double snapped(double edge)
-{
-    const double whole = std::round(edge);
-    return std::abs(edge - whole) < 1e-6 ? whole : edge;
-}
-
-} // namespace
-
 ViewAxis::ViewAxis(double firstEdge, double lastEdge, int pixels, std::uint32_t cells)
-    : first(snapped(firstEdge))
-    , half((snapped(lastEdge) - first) / (2.0 * pixels))
+    : first(firstEdge)
+    , half((lastEdge - firstEdge) / (2.0 * pixels))
     , pixelCount(pixels)
     , cells(cells)
 {

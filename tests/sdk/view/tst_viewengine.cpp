@@ -25,6 +25,7 @@ private slots:
     void sameViewComesAgainFromWhatIsThere();
     void refreshTimeSkipsPassesButTheFinalOne();
     void failureIsToldWithTheFinalPass();
+    void failureIsKeptWithABlockingView();
     void blockingViewIsReadAgainWithoutDecoding();
     void blockingProgressEndsWithTheLastLine();
     void blockingReadIsCancelledFromElsewhere();
@@ -244,6 +245,13 @@ void TestViewEngine::linesBelongToThePass()
     Stage stage;
     stage.setCosts({100, 5});
     stage.reader.cell = [](int, int level, std::int64_t, std::int64_t v) { return (v << level) < 32 ? 9 : level; };
+    // A caller that reads some line of each pass beforehand and so does not end at the last one.
+    stage.recorder.before = [&](const PLKSetViewInfo &info) {
+        std::vector<std::uint32_t> line(info.nSizeX);
+        xrv::LineTarget target;
+        target.bgra = line.data();
+        stage.engine->readLine(target);
+    };
     Latch coarseIsOver, goOn;
     stage.reader.onRead = [&](const xrv::ReadRequest &request) {
         if (request.level == 0) {
@@ -381,6 +389,8 @@ void TestViewEngine::listenerMayEndTheView()
     stage.recorder.answer = PLK_READ_CANCELLED;
     stage.show(0, 0);
     QVERIFY(stage.recorder.waitFor(1));
+    std::this_thread::sleep_for(50ms);
+    QCOMPARE(stage.reader.reads.load(), 1);
     stage.show(100, 100);
     QVERIFY(stage.recorder.waitFor(2));
     stage.engine->stop();
@@ -415,7 +425,7 @@ void TestViewEngine::sameViewComesAgainFromWhatIsThere()
 void TestViewEngine::refreshTimeSkipsPassesButTheFinalOne()
 {
     Stage stage;
-    stage.setCosts({100, 5});
+    stage.setCosts({5000, 100}); // so much that fast reads do not make it a quick view
     xrv::ViewRequest request = stage.image.view({0}, 64, 64, {0, 0, 64, 64});
     request.refreshTimeMs = 60000;
     stage.engine->setView(request);
@@ -443,6 +453,23 @@ void TestViewEngine::failureIsToldWithTheFinalPass()
     QCOMPARE(seen[0].status, PLK_READ_FAILED);
     QCOMPARE(seen[0].percent, 100); // nothing more will come
     QCOMPARE(stage.engine->lastError().GetErrorMessage(), "Tile 7 is damaged.");
+}
+
+void TestViewEngine::failureIsKeptWithABlockingView()
+{
+    FakeReader reader(256, 256);
+    Image image(reader);
+    SilentListener listener;
+    xrv::ViewEngine engine(image.source(), false, listener);
+    reader.onRead = [](const xrv::ReadRequest &) { return PLK::CError(PLK_ERR_TRUNCATED, "The file ends too early."); };
+    engine.setView(image.view({0}, 32, 32, {0, 0, 32, 32}));
+    for (int paint = 0; paint < 3; ++paint)
+        QCOMPARE(readBgra(engine).status, PLK_READ_FAILED);
+    QCOMPARE(reader.reads.load(), 1);
+    QCOMPARE(engine.lastError().GetErrorNumber(), int(PLK_ERR_TRUNCATED));
+    reader.onRead = nullptr;
+    engine.setView(image.view({0}, 32, 32, {0, 0, 32, 32}));
+    QCOMPARE(readBgra(engine).status, PLK_READ_SUCCESS);
 }
 
 void TestViewEngine::blockingViewIsReadAgainWithoutDecoding()

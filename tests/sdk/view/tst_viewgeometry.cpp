@@ -138,7 +138,7 @@ void TestViewGeometry::nearest_data()
     QTest::newRow("finest step above one") << unequalSteps << Look{80, 60, {5, 5, 85, 65}, 0};
     QTest::newRow("below the coded levels") << fewCoded << Look{20, 14, {3, 3, 183, 129}, 3};
     QTest::newRow("1 x N") << Shape{{0, 0, 1, 500}} << Look{3, 300, {-1, 0, 2, 450}, 0};
-    QTest::newRow("no cells at coarse levels") << Shape{{1, 3, 2, 90}} << Look{1, 20, {0, 0, 1, 87}, 0};
+    QTest::newRow("no cells at coarse levels") << Shape{{1, 3, 2, 90}} << Look{1, 20, {-1.6, 0, 2.4, 80}, 0};
 }
 
 void TestViewGeometry::nearest()

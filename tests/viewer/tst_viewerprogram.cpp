@@ -1,0 +1,223 @@
+#include "mainactions.h"
+#include "mainwindow.h"
+#include "maparea.h"
+
+#include "data/jp2maker.h"
+
+#include <QDGui/application.h>
+#include <QDGui/mapview.h>
+#include <QDGui/pluginregistry.h>
+
+#include <QAction>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QWheelEvent>
+
+#include <memory>
+#include <random>
+
+using Korvane::Map::MapView;
+using Viewer::MainWindow;
+
+/// The program as a whole with the JPEG 2000 plug-in. To be run under a thread sanitizer too.
+class TestViewerProgram : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void picturesAreExact();
+    void worksInPlainLocale();
+    void describes();
+    void endsOnDamagedFiles_data();
+    void endsOnDamagedFiles();
+    void usesTheSettingsFileGiven();
+    void handlesBusyPeople();
+
+private:
+    struct Outcome
+    {
+        int status = -1;
+        QByteArray out;
+        QByteArray err;
+    };
+
+    QString write(const QString &name, const jp2maker::FileBytes &bytes) const;
+    Outcome run(const QStringList &arguments, bool plainLocale = false) const;
+
+    QTemporaryDir folder;
+    QString gradient;
+    jp2maker::FileBytes gradientBytes;
+};
+
+static constexpr int kWidth = 200;
+static constexpr int kHeight = 150;
+/// Sanitizers and busy machines make everything slower; a hang takes for ever.
+static constexpr int kPatienceMs = 60000;
+
+QString TestViewerProgram::write(const QString &name, const jp2maker::FileBytes &bytes) const
+{
+    QFile file(folder.filePath(name));
+    const auto size = static_cast<qint64>(bytes.size());
+    if (!file.open(QIODevice::WriteOnly) || file.write(reinterpret_cast<const char *>(bytes.data()), size) != size)
+        qFatal("cannot write %s", qPrintable(file.fileName()));
+    return file.fileName();
+}
+
+TestViewerProgram::Outcome TestViewerProgram::run(const QStringList &arguments, bool plainLocale) const
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "XDG_RUNTIME_DIR"})
+        environment.remove(QLatin1String(name));
+    environment.insert(QStringLiteral("QDVIEWER_PLUGIN_PATH"), QStringLiteral(PLUGIN_FOLDER));
+    if (plainLocale)
+        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C"));
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(QDVIEWER_PROGRAM),
+                  QStringList{QStringLiteral("--settings"), folder.filePath(QStringLiteral("own.ini"))} + arguments);
+    Outcome outcome;
+    if (process.waitForFinished(kPatienceMs) && process.exitStatus() == QProcess::NormalExit)
+        outcome.status = process.exitCode();
+    outcome.out = process.readAllStandardOutput();
+    outcome.err = process.readAllStandardError();
+    return outcome;
+}
+
+void TestViewerProgram::initTestCase()
+{
+    jp2maker::Options options;
+    options.width = kWidth;
+    options.height = kHeight;
+    options.components.resize(3);
+    options.tileWidth = options.tileHeight = 64;
+    options.cell = [](int component, int x, int y) { return component == 0 ? x : component == 1 ? y : 50; };
+    gradientBytes = jp2maker::make(options);
+    gradient = write(QString::fromUtf8("Übersicht 東京.jp2"), gradientBytes);
+}
+
+void TestViewerProgram::picturesAreExact()
+{
+    const QString picture = folder.filePath(QStringLiteral("exact.png"));
+    const Outcome outcome = run({QStringLiteral("--screenshot"), picture, QStringLiteral("--size"),
+                                 QStringLiteral("%1x%2").arg(kWidth).arg(kHeight), gradient});
+    QVERIFY2(outcome.status == 0 && outcome.err.isEmpty(), outcome.err.constData());
+    const QImage image(picture);
+    QCOMPARE(image.size(), QSize(kWidth, kHeight));
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x)
+            QCOMPARE(image.pixelColor(x, y), QColor(x, y, 50));
+}
+
+void TestViewerProgram::worksInPlainLocale()
+{
+    const QString picture = folder.filePath(QString::fromUtf8("Bild 画.png"));
+    const Outcome outcome = run({QStringLiteral("--screenshot"), picture, gradient}, true);
+    QVERIFY2(outcome.status == 0, outcome.err.constData());
+    QVERIFY(QFile::exists(picture));
+}
+
+void TestViewerProgram::describes()
+{
+    const Outcome outcome = run({QStringLiteral("--describe"), gradient, folder.filePath(QStringLiteral("none.jp2"))});
+    QCOMPARE(outcome.status, 1);
+    QCOMPARE(outcome.err.count('\n'), 1);
+    const QList<QByteArray> lines = outcome.out.split('\n');
+    QCOMPARE(lines.size(), 3);
+    const QJsonObject object = QJsonDocument::fromJson(lines[0]).object();
+    QCOMPARE(object.value(QStringLiteral("width")).toInt(), kWidth);
+    QCOMPARE(object.value(QStringLiteral("height")).toInt(), kHeight);
+    QCOMPARE(object.value(QStringLiteral("numberOfBands")).toInt(), 3);
+    QCOMPARE(object.value(QStringLiteral("dataSource")).toString(), gradient);
+    QVERIFY(QJsonDocument::fromJson(lines[1]).object().contains(QStringLiteral("error")));
+}
+
+void TestViewerProgram::endsOnDamagedFiles_data()
+{
+    QTest::addColumn<int>("sixteenths");
+    for (int sixteenths : {1, 4, 9, 15})
+        QTest::newRow(qPrintable(QString::number(sixteenths))) << sixteenths;
+}
+
+void TestViewerProgram::endsOnDamagedFiles()
+{
+    QFETCH(int, sixteenths);
+    const QString picture = folder.filePath(QStringLiteral("cut.png"));
+    QFile::remove(picture);
+    jp2maker::FileBytes bytes = gradientBytes;
+    bytes.resize(bytes.size() * static_cast<size_t>(sixteenths) / 16);
+    const Outcome outcome = run({QStringLiteral("--screenshot"), picture, write(QStringLiteral("cut.jp2"), bytes)});
+    // Either what can be saved, or one sentence; never both and never neither.
+    QVERIFY2(outcome.status == 0 || outcome.status == 1, outcome.err.constData());
+    QCOMPARE(QFile::exists(picture), outcome.status == 0);
+    QCOMPARE(int(outcome.err.count('\n')), outcome.status);
+}
+
+void TestViewerProgram::usesTheSettingsFileGiven()
+{
+    {
+        QSettings settings(folder.filePath(QStringLiteral("own.ini")), QSettings::IniFormat);
+        settings.setValue(QStringLiteral("XRVJP2kLayer/DrawOutline"), true);
+        settings.setValue(QStringLiteral("XRVJP2kLayer/OutlineColor"), QColor(Qt::red));
+    }
+    const QString picture = folder.filePath(QStringLiteral("outline.png"));
+    QCOMPARE(
+        run({QStringLiteral("--screenshot"), picture, QStringLiteral("--size"), QStringLiteral("400x400"), gradient})
+            .status,
+        0);
+    // Two pixels per cell, so the picture's rows 50 to 349 are image, and the outermost of them is outline.
+    QCOMPARE(QImage(picture).pixelColor(200, 50), QColor(Qt::red));
+    QVERIFY(QFile::remove(folder.filePath(QStringLiteral("own.ini"))));
+}
+
+void TestViewerProgram::handlesBusyPeople()
+{
+    jp2maker::Options options;
+    options.width = 1500;
+    options.height = 1200;
+    options.components.resize(3);
+    options.tileWidth = options.tileHeight = 256;
+    std::mt19937 random(1); // noise takes long to decode
+    options.cell = [&random](int, int, int) { return int(random() & 255); };
+    const QString noise = write(QStringLiteral("noise.jp2"), jp2maker::make(options));
+
+    Korvane::Application::instance()->setSettingsFile(folder.filePath(QStringLiteral("window.ini")));
+    Korvane::PluginRegistry registry;
+    QCOMPARE(registry.loadFolder(QStringLiteral(PLUGIN_FOLDER)), 1);
+    MainWindow window(registry);
+    window.resize(900, 700);
+    window.show();
+    for (int round = 0; round < 12; ++round) {
+        QCOMPARE(window.addSources({noise}, nullptr), QStringList());
+        MapView *view = window.mapArea()->currentView();
+        for (int i = 0; i < 10; ++i) {
+            const QPointF pointer(100.0 + 40 * i, 300);
+            QWheelEvent wheel(pointer, view->mapToGlobal(pointer.toPoint()), QPoint(), QPoint(0, i < 7 ? 120 : -240),
+                              Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(view, &wheel);
+            QTest::mousePress(view, Qt::LeftButton, Qt::NoModifier, QPoint(200, 200));
+            QTest::mouseMove(view, QPoint(200 + 9 * i, 180));
+            QTest::mouseRelease(view, Qt::LeftButton, Qt::NoModifier, QPoint(200 + 9 * i, 180));
+            QTest::keyClick(view, i % 2 ? Qt::Key_Left : Qt::Key_Plus);
+            QCoreApplication::processEvents();
+        }
+        if (round % 3 == 0)
+            window.mainActions()->closeView->trigger();
+        else if (round % 3 == 1)
+            view->removeLayer(view->getLayer(0));
+    }
+    // Every third of the twelve was closed and goes from the event loop.
+    QTRY_COMPARE(window.mapArea()->views().size(), 8);
+    for (MapView *view : window.mapArea()->views())
+        QVERIFY(view->waitUntilComplete(kPatienceMs));
+    window.mapArea()->closeAllViews();
+}
+
+QTEST_MAIN(TestViewerProgram)
+#include "tst_viewerprogram.moc"

@@ -3,6 +3,7 @@
 #include "globalconfig.h"
 #include "logger.h"
 
+#include "../decode/decodepool.h"
 #include "../decode/tilecache.h"
 #include "../geo/crsnames.h"
 #include "../io/utf8.h"
@@ -59,6 +60,7 @@ void PLKShutdown()
     if (!startCount().leave())
         return;
     xrv::TileCache::instance().clear();
+    xrv::DecodePool::instance().stop();
     xrv::log(PLK_LOG_INFO, std::string("SDK stopped."));
 }
 

@@ -22,12 +22,11 @@ constexpr std::uint32_t kAllSignificance = (1u << 18) - 1;
 constexpr int kVisitedShift = 18;  ///< coded in this bit-plane's significance propagation pass, rows 0 to 3
 constexpr int kRefinedShift = 22;  ///< refined before, rows 0 to 3
 constexpr int kNegativeShift = 26; ///< sign, rows 0 to 3
-constexpr std::uint32_t kNegativeAbove = 1u << 30; ///< sign of the cell above row 0
-constexpr std::uint32_t kNegativeBelow = 1u << 31; ///< sign of the cell below row 3
+// bit 30: sign of the cell above row 0, bit 31: of the one below row 3
 constexpr std::uint32_t kAllVisited = 15u << kVisitedShift;
 
 // Context numbers (table D.1 to D.5): 0-8 significance, 9-13 sign, 14-16 refinement, 17 run length, 18 uniform.
-constexpr int kSignContext = 9, kRefineContext = 14, kRunContext = 17, kUniformContext = 18, kContexts = 19;
+constexpr int kRefineContext = 14, kRunContext = 17, kUniformContext = 18, kContexts = 19;
 
 /// Significance context of a neighbourhood in a subband (table D.1).
 std::uint8_t significanceContext(unsigned neighbourhood, int orientation)

@@ -1,12 +1,11 @@
 #include "blockstore.h"
 
 #include "blockdecoder.h"
-#include "decodepool.h"
+#include "parallel.h"
 #include "planeops.h"
 #include "quantization.h"
 
 #include <algorithm>
-#include <chrono>
 #include <mutex>
 
 using PLK::CError;
@@ -23,11 +22,6 @@ constexpr std::uint64_t kWholePacket = 256 * 1024;
 constexpr std::uint64_t kJoinGap = 2048;
 /// Blocks that one thread decodes in a row.
 constexpr std::size_t kBlocksPerTask = 4;
-
-CError cancelled()
-{
-    return CError(PLK_ERR_CANCELLED, "The read was cancelled.");
-}
 
 /// Bytes of a range of the file that has been read, with what was asked for around it.
 struct Chunk
@@ -337,61 +331,42 @@ CError BlockStore::fetch(const std::vector<BlockRequest> &requests, bool resilie
     sets->assign(requests.size(), {});
     std::vector<PrecinctTask> tasks = collectMissing(requests, sets);
     std::mutex mutex; // guards the results of the threads
-    CError firstError;
-    const auto note = [&](CError error) {
-        std::lock_guard<std::mutex> lock(mutex);
-        if (error && firstError.IsSuccess())
-            firstError = std::move(error);
-        return firstError.IsSuccess();
-    };
     const auto noteDamage = [&](const PrecinctTask &task) {
         const std::string text = "Part of tile " + std::to_string(task.key.tile) + " is damaged.";
         if (!resilient)
-            return note(CError(PLK_ERR_DECODE, text));
+            return CError(PLK_ERR_DECODE, text);
         std::lock_guard<std::mutex> lock(mutex);
         *damage = text;
-        return true;
+        return CError();
     };
-    DecodePool::run(tasks.size(), [&](std::size_t i) {
-        if (cancel.isRaised())
-            return note(cancelled());
-        return note(loadPrecinct(tasks[i], cancel)) && (!tasks[i].isDamaged || noteDamage(tasks[i]));
-    });
-    if (firstError)
-        return firstError;
+    if (CError error = runAll(tasks.size(), cancel, [&](std::size_t i) {
+            CError failed = loadPrecinct(tasks[i], cancel);
+            return failed.IsSuccess() && tasks[i].isDamaged ? noteDamage(tasks[i]) : failed;
+        }))
+        return error;
 
     std::vector<std::pair<const PrecinctTask *, std::size_t>> groups;
     for (const PrecinctTask &task : tasks)
         for (std::size_t block = 0; block < task.blocks.size(); block += kBlocksPerTask)
             groups.emplace_back(&task, block);
-    std::int64_t nanoseconds = 0, cells = 0;
-    DecodePool::run(groups.size(), [&](std::size_t i) {
-        if (cancel.isRaised())
-            return note(cancelled());
-        const auto start = std::chrono::steady_clock::now();
+    return runAll(groups.size(), cancel, [&](std::size_t i) {
         const PrecinctTask &task = *groups[i].first;
         const std::size_t end = std::min(groups[i].second + kBlocksPerTask, task.blocks.size());
-        std::int64_t decoded = 0;
         for (std::size_t b = groups[i].second; b < end; ++b) {
             const BlockPlace &place = *task.blocks[b];
             TileCache::PlanePtr plane;
             bool isSound = true;
-            if (!note(decodeBlock(task, place, cancel, &plane, &isSound)) || (!isSound && !noteDamage(task)))
-                return false;
+            CError error = decodeBlock(task, place, cancel, &plane, &isSound);
+            if (error.IsSuccess() && !isSound)
+                error = noteDamage(task);
+            if (error)
+                return error;
             TileCache::instance().insert(cacheKey(task.request->tile, place.name), plane);
-            decoded += place.rect.width() * place.rect.height();
             std::lock_guard<std::mutex> lock(mutex);
             (*sets)[task.requestNumber].insert(place.name.component, place.name.number(), std::move(plane));
         }
-        std::lock_guard<std::mutex> lock(mutex);
-        nanoseconds += std::chrono::nanoseconds(std::chrono::steady_clock::now() - start).count();
-        cells += decoded;
-        return true;
+        return CError();
     });
-    if (cells > 10000)
-        rate =
-            rate > 0.0 ? 0.7 * rate + 0.3 * double(nanoseconds) / double(cells) : double(nanoseconds) / double(cells);
-    return firstError;
 }
 
 } // namespace xrv

@@ -5,7 +5,6 @@
 #include "tilebands.h"
 #include "tilecache.h"
 
-#include <atomic>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -71,8 +70,6 @@ public:
     /// they are PLK_ERR_DECODE. PLK_ERR_CANCELLED.
     PLK::CError fetch(const std::vector<BlockRequest> &requests, bool resilient, const CancelFlag &cancel,
                       std::vector<BlockSet> *sets, std::string *damage);
-    /// Time that decoding has taken on average, nanoseconds per coefficient on one core; 0 before the first.
-    double nanosecondsPerCoefficient() const { return rate; }
 
 private:
     struct PrecinctKey
@@ -97,7 +94,6 @@ private:
     };
     /// A precinct with the blocks wanted of it.
     struct PrecinctTask;
-    struct Outcome;
 
     TileCache::Key cacheKey(const TileToDecode &tile, const BlockName &name) const;
     std::vector<PrecinctTask> collectMissing(const std::vector<BlockRequest> &requests,
@@ -115,7 +111,6 @@ private:
     const MainHeader &header;
     const std::uint64_t fileNumber;
     ByteBudgetMap<PrecinctKey, PrecinctIndex, PrecinctKeyHash> precincts;
-    std::atomic<double> rate{0.0};
 };
 
 } // namespace xrv

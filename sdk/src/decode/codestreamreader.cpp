@@ -2,7 +2,7 @@
 
 #include "../codestream/canvas.h"
 #include "../codestream/tilecodestream.h"
-#include "decodepool.h"
+#include "parallel.h"
 #include "planeops.h"
 #include "rectset.h"
 #include "tilesynthesis.h"
@@ -61,23 +61,6 @@ IntRect toComponent(const IntRect &canvas, const ComponentInfo &component)
 IntRect scaledUp(const IntRect &rect, int bits)
 {
     return {rect.x0 << bits, rect.y0 << bits, rect.x1 << bits, rect.y1 << bits};
-}
-
-/// Calls \a work for 0 to count - 1 on all cores; the first error ends it.
-template <typename Work> CError runAll(std::size_t count, const CancelFlag &cancel, Work work)
-{
-    std::mutex mutex; // guards firstError
-    CError firstError;
-    DecodePool::run(count, [&](std::size_t i) {
-        CError error = cancel.isRaised() ? CError(PLK_ERR_CANCELLED, "The read was cancelled.") : work(i);
-        if (error.IsSuccess())
-            return true;
-        std::lock_guard<std::mutex> lock(mutex);
-        if (firstError.IsSuccess())
-            firstError = std::move(error);
-        return false;
-    });
-    return firstError;
 }
 
 /// Decomposition levels that all of \a components have.

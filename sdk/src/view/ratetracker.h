@@ -3,7 +3,8 @@
 namespace xrv {
 
 /// Learns by how much reads take longer or shorter than the reader estimates, on this machine and for this file. Until
-/// a read was measured they are expected to take twice as long: the first ones also read the file's index.
+/// a read was measured they are expected to take three times as long: the first ones also read the file's index and
+/// start threads.
 class RateTracker
 {
 public:
@@ -13,7 +14,7 @@ public:
     void learn(double estimated, double measured);
 
 private:
-    double factor = 2.0;
+    double factor = 3.0;
     bool measuredOnce = false;
 };
 

@@ -15,6 +15,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -79,6 +80,7 @@ private:
     PLKSetViewInfo infoOf(const ViewRequest &request) const;
     StripPtr stripAtHand() const;
     void noteLine(const Picture &picture);
+    void logDamage(const StripPtr &strip);
 
     const ViewSource source;
     const bool progressive;
@@ -87,7 +89,7 @@ private:
     RateTracker rate;                 ///< worker's thread only
     Clock::time_point lastCallback{}; ///< worker's thread only
 
-    mutable std::mutex mutex; ///< guards the members up to lastReadError
+    mutable std::mutex mutex; ///< guards the members up to loggedDamage
     RequestPtr newest;
     std::shared_ptr<Picture> current; ///< what lines are read from
     bool currentIsFinal = false;
@@ -97,6 +99,7 @@ private:
     std::thread::id callbackThread;       ///< of the callback that runs
     std::uint64_t preparedGeneration = 0; ///< of the last blocking view whose first lines were decoded ahead
     PLK::CError lastReadError;
+    std::string loggedDamage; ///< what was said of the file's damage last
 
     std::condition_variable prepared; ///< preparedGeneration changed
 

@@ -4,6 +4,7 @@
 #include "../decode/rasterreader.h"
 
 #include <memory>
+#include <string>
 
 namespace xrv {
 
@@ -13,6 +14,7 @@ struct ViewSource
     std::shared_ptr<const void> owner; ///< keeps reader and bandMap alive; may be null in tests
     RasterReader *reader = nullptr;
     const BandMap *bandMap = nullptr;
+    std::string name{}; ///< UTF-8, for messages
 };
 
 } // namespace xrv

@@ -12,18 +12,19 @@ namespace Viewer {
 //     <Layer class="Korvane::SomeLayer"> what the layer itself writes </Layer>   the lowest layer first
 //   </View>
 // </QDViewerProject>
-constexpr QLatin1String kRootElement("QDViewerProject");
-constexpr QLatin1String kViewElement("View");
-constexpr QLatin1String kExtentElement("Extent");
-constexpr QLatin1String kLayerElement("Layer");
-constexpr QLatin1String kVersionAttribute("version");
-constexpr QLatin1String kCurrentAttribute("current");
-constexpr QLatin1String kArrangementAttribute("arrangement");
-constexpr QLatin1String kTitleAttribute("title");
-constexpr QLatin1String kActiveAttribute("active");
-constexpr QLatin1String kClassAttribute("class");
-constexpr QLatin1String kTabs("tabs");
-constexpr QLatin1String kWindows("windows");
+// Not constexpr: the length of a literal is no constant to every compiler here.
+inline const QLatin1String kRootElement("QDViewerProject");
+inline const QLatin1String kViewElement("View");
+inline const QLatin1String kExtentElement("Extent");
+inline const QLatin1String kLayerElement("Layer");
+inline const QLatin1String kVersionAttribute("version");
+inline const QLatin1String kCurrentAttribute("current");
+inline const QLatin1String kArrangementAttribute("arrangement");
+inline const QLatin1String kTitleAttribute("title");
+inline const QLatin1String kActiveAttribute("active");
+inline const QLatin1String kClassAttribute("class");
+inline const QLatin1String kTabs("tabs");
+inline const QLatin1String kWindows("windows");
 
 constexpr int kProjectVersion = 1;
 

@@ -20,5 +20,5 @@ function(xrv_add_test)
         set_tests_properties(${TEST_NAME} PROPERTIES RUN_SERIAL ON)
     endif()
     set_tests_properties(${TEST_NAME} PROPERTIES TIMEOUT 300 LABELS "${TEST_LABELS}" ENVIRONMENT
-        "QT_QPA_PLATFORM=offscreen;ASAN_OPTIONS=detect_leaks=1:allocator_may_return_null=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
+        "QT_QPA_PLATFORM=offscreen;ASAN_OPTIONS=detect_leaks=1:allocator_may_return_null=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endfunction()

@@ -146,17 +146,18 @@ private:
         const std::int64_t evenFirst = ceilShift(reach.x0, 1), oddFirst = reach.x0 >> 1;
         load(*bands[isHigh ? 2 : 0], y >> 1, evenFirst, &even);
         load(*bands[isHigh ? 3 : 1], y >> 1, oddFirst, &odd);
-        T *out = result->row(y) - region.x0;
+        T *out = result->row(y);
         if (reach.width() == 1) {
-            out[reach.x0] = even.empty() ? loneOdd(odd[0]) : even[0];
+            if (!region.isEmpty())
+                *out = even.empty() ? loneOdd(odd[0]) : even[0];
             return;
         }
         synthesizeLine(
             Line<T>{even.data(), odd.data(), evenFirst, std::int64_t(even.size()), oddFirst, std::int64_t(odd.size())});
         for (std::int64_t x = region.x0 + (region.x0 & 1); x < region.x1; x += 2)
-            out[x] = even[(x >> 1) - evenFirst];
+            out[x - region.x0] = even[(x >> 1) - evenFirst];
         for (std::int64_t x = region.x0 + 1 - (region.x0 & 1); x < region.x1; x += 2)
-            out[x] = odd[(x >> 1) - oddFirst];
+            out[x - region.x0] = odd[(x >> 1) - oddFirst];
     }
 
     static void load(const Grid<T> &band, std::int64_t y, std::int64_t first, std::vector<T> *line)

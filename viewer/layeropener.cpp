@@ -47,7 +47,9 @@ LayerOpener::Result LayerOpener::open(const QString &source) const
     }
     const QString name = QDir::toNativeSeparators(Sources::withoutPassword(normalized));
     if (registry.getPlugins().isEmpty())
-        return {nullptr, tr("%1 cannot be opened: no layer plug-in is loaded.").arg(name)};
+        return {nullptr, tr("%1 cannot be opened: no layer plug-in is loaded. %2")
+                             .arg(name, registry.getErrors().join(QLatin1Char(' ')))
+                             .trimmed()};
     if (firstError.isEmpty())
         firstError = tr("the format is not known");
     return {nullptr, tr("%1 cannot be opened: %2").arg(name, firstError)};

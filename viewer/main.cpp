@@ -8,7 +8,9 @@
 #include <QDGui/pluginregistry.h>
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QFont>
+#include <QSettings>
 #include <QTextStream>
 #include <QTimer>
 
@@ -23,8 +25,14 @@ using namespace Viewer;
 
 namespace {
 
+constexpr int kFailure = 1;
 constexpr int kUsageError = 2;
 constexpr double kOffscreenFontSize = 9.0;
+
+QString translated(const char *text)
+{
+    return QCoreApplication::translate("main", text);
+}
 
 /// In the plain "C" locale, file names beyond ASCII would be lost between the command line and the file system.
 void ensureUtf8Locale()
@@ -39,14 +47,18 @@ void ensureUtf8Locale()
 #endif
 }
 
-/// Without a display the toolkit would end the program; with this platform it draws in memory.
-void ensurePlatform()
+/// Without a display the toolkit would end the program; with this platform it draws in memory. Returns whether there is
+/// a window system, or one was named, that a person can be expected to see a window on.
+bool ensurePlatform()
 {
 #ifdef Q_OS_LINUX
     const bool hasDisplay = !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-    if (!hasDisplay && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    if (!hasDisplay && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+        return false;
+    }
 #endif
+    return true;
 }
 
 /// What the toolkit grumbles about belongs into the log: standard error is for what a person has to know.
@@ -94,10 +106,15 @@ void loadPlugins(Korvane::PluginRegistry *registry)
     for (const QString &error : errors)
         Korvane::Application::logMessage(error, Korvane::Application::LogWarning, QDateTime::currentDateTime());
     if (registry->getPlugins().isEmpty()) {
-        const QString text = QCoreApplication::translate("main", "No layer plug-in was found in %1.")
-                                 .arg(folders.join(QStringLiteral(", ")));
+        const QString text = translated("No layer plug-in was found in %1.").arg(folders.join(QStringLiteral(", ")));
         Korvane::Application::logMessage(text, Korvane::Application::LogError, QDateTime::currentDateTime());
     }
+}
+
+int refuse(const QString &sentence, int status)
+{
+    QTextStream(stderr) << QCoreApplication::applicationName() << ": " << sentence << '\n';
+    return status;
 }
 
 int runWindow(const CommandLine &commandLine, const Korvane::PluginRegistry &registry)
@@ -110,16 +127,21 @@ int runWindow(const CommandLine &commandLine, const Korvane::PluginRegistry &reg
     return QApplication::exec();
 }
 
-int answer(const CommandLine &commandLine, QTextStream &out, QTextStream &err)
+int answer(const CommandLine &commandLine, QTextStream &out)
 {
-    const bool isError = commandLine.outcome == CommandLine::Outcome::Error;
-    if (isError)
-        err << QCoreApplication::applicationName() << ": " << commandLine.text << '\n';
-    else
-        out << commandLine.text;
-    out.flush();
-    err.flush();
-    return isError ? kUsageError : 0;
+    if (commandLine.outcome == CommandLine::Outcome::Error)
+        return refuse(commandLine.text, kUsageError);
+    out << commandLine.text;
+    return 0;
+}
+
+/// Before the plug-ins are loaded: they read their settings as they are.
+bool useSettings(const QString &fileName)
+{
+    Korvane::Application::instance()->setSettingsFile(fileName);
+    QSettings *settings = Korvane::Application::instance()->settings();
+    settings->sync();
+    return settings->status() == QSettings::NoError && !QFileInfo(fileName).isDir();
 }
 
 } // namespace
@@ -127,7 +149,7 @@ int answer(const CommandLine &commandLine, QTextStream &out, QTextStream &err)
 int main(int argc, char *argv[])
 {
     ensureUtf8Locale();
-    ensurePlatform();
+    const bool hasWindows = ensurePlatform();
     qInstallMessageHandler(logToolkitMessage);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
@@ -140,10 +162,13 @@ int main(int argc, char *argv[])
     out.setCodec("UTF-8");
     const CommandLine commandLine = CommandLine::parse(QCoreApplication::arguments());
     if (commandLine.outcome != CommandLine::Outcome::Run)
-        return answer(commandLine, out, err);
-    // Before the plug-ins are loaded: they read their settings as they are.
-    if (!commandLine.settingsFile.isEmpty())
-        Korvane::Application::instance()->setSettingsFile(commandLine.settingsFile);
+        return answer(commandLine, out);
+    if (!commandLine.isBatch() && !hasWindows)
+        return refuse(translated("There is no display to show a window on; --screenshot, --window and --describe work "
+                                 "without one."),
+                      kFailure);
+    if (!commandLine.settingsFile.isEmpty() && !useSettings(commandLine.settingsFile))
+        return refuse(translated("The settings file %1 cannot be used.").arg(commandLine.settingsFile), kFailure);
     Korvane::PluginRegistry registry;
     loadPlugins(&registry);
     if (!commandLine.isBatch())

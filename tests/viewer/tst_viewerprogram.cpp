@@ -38,6 +38,8 @@ private Q_SLOTS:
     void endsOnDamagedFiles_data();
     void endsOnDamagedFiles();
     void usesTheSettingsFileGiven();
+    void refusesInOneLine_data();
+    void refusesInOneLine();
     void handlesBusyPeople();
 
 private:
@@ -174,6 +176,30 @@ void TestViewerProgram::usesTheSettingsFileGiven()
     // Two pixels per cell, so the picture's rows 50 to 349 are image, and the outermost of them is outline.
     QCOMPARE(QImage(picture).pixelColor(200, 50), QColor(Qt::red));
     QVERIFY(QFile::remove(folder.filePath(QStringLiteral("own.ini"))));
+}
+
+void TestViewerProgram::refusesInOneLine_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("reason");
+    const QString describe = QStringLiteral("--describe");
+    const QString settings = QStringLiteral("--settings");
+    QTest::newRow("wrong option") << QStringList{QStringLiteral("--nonsense")} << 2 << QByteArray("nonsense");
+    QTest::newRow("no display") << QStringList{gradient} << 1 << QByteArray("display");
+    QTest::newRow("settings in a folder")
+        << QStringList{describe, gradient, settings, folder.path()} << 1 << QByteArray("settings");
+    QTest::newRow("folder as source") << QStringList{describe, folder.path()} << 1 << QByteArray("folder");
+}
+
+void TestViewerProgram::refusesInOneLine()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, reason);
+    const Outcome outcome = run(arguments);
+    QTEST(outcome.status, "status");
+    QCOMPARE(int(outcome.err.count('\n')), 1);
+    QVERIFY2(outcome.err.startsWith("qdviewer: ") && outcome.err.contains(reason), outcome.err.constData());
 }
 
 void TestViewerProgram::handlesBusyPeople()

@@ -104,7 +104,7 @@ CError countGroup(RasterReader &reader, const BandMap &map, const std::vector<in
                   PLKBandStatistics *statistics)
 {
     const std::vector<Band> &bands = map.bands();
-    const StatisticsPlan plan = planStatistics(reader.info(), static_cast<int>(bands.size()));
+    const StatisticsPlan plan = planStatistics(reader.info(), static_cast<int>(bands.size()), map.hasPalette());
     std::vector<BandCounter> counters;
     for (int band : group)
         counters.emplace_back(bands[static_cast<std::size_t>(band)].bits,
@@ -125,12 +125,12 @@ CError countGroup(RasterReader &reader, const BandMap &map, const std::vector<in
 
 } // namespace
 
-StatisticsPlan planStatistics(const RasterInfo &info, int bandCount)
+StatisticsPlan planStatistics(const RasterInfo &info, int bandCount, bool fullResolutionOnly)
 {
     const std::int64_t share = kMostCellsOfAllBands / std::max(1, bandCount);
     const std::int64_t enough = std::clamp(share, kFewestCells, kEnoughCells);
     StatisticsPlan plan;
-    while (plan.level + 1 < info.codedLevels && cellsAtLevel(info, plan.level + 1) >= enough)
+    while (!fullResolutionOnly && plan.level + 1 < info.codedLevels && cellsAtLevel(info, plan.level + 1) >= enough)
         ++plan.level;
     const std::int64_t most = enough * 6; // a level has four times the cells of the next, and some for odd sizes
     plan.windows = cellsAtLevel(info, plan.level) <= most ? planStrips(info, plan.level, bandCount)

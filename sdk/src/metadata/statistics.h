@@ -23,7 +23,8 @@ struct StatisticsPlan
 
 /// The smallest resolution of the codestream with about a million cells and more, or fewer where there are so many
 /// bands (more than about 80) that they would be more than 64 million cells together.
-StatisticsPlan planStatistics(const RasterInfo &info, int bandCount);
+/// \a fullResolutionOnly: cells of other levels mean nothing, as with palettes.
+StatisticsPlan planStatistics(const RasterInfo &info, int bandCount, bool fullResolutionOnly = false);
 
 using StatisticsPtr = std::unique_ptr<PLKFileStatistics, void (*)(PLKFileStatistics *)>;
 

@@ -19,8 +19,17 @@ double millisecondsSince(std::chrono::steady_clock::time_point start)
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
+/// Levels that views may use. Indices into a palette have no mean between them, so that of such images only the full
+/// resolution shows what there is.
+int usableLevels(const ViewSource &source)
+{
+    return source.bandMap->hasPalette() ? 1 : source.reader->info().levels;
+}
+
 int finalLevelOf(const ViewSource &source, const ViewRequest &request)
 {
+    if (usableLevels(source) == 1)
+        return 0;
     return chooseLevel(source.reader->info(), componentsFor(source, request), request);
 }
 
@@ -269,7 +278,7 @@ std::vector<Pass> ViewEngine::planPasses(const RequestPtr &request, int finalLev
     if (read.datasetRect.isEmpty() || (atHand && atHand->key == cellKey(source, *request, finalLevel)))
         return {{finalLevel, 0.0, 0.0}};
     std::vector<int> levels{finalLevel};
-    for (int level = finalLevel + 1; level < source.reader->info().levels; ++level)
+    for (int level = finalLevel + 1; level < usableLevels(source); ++level)
         if (isLevelUsable(source.reader->info(), read.components, level))
             levels.push_back(level);
     const auto costOf = [&](int level) {

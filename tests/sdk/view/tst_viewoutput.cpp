@@ -20,6 +20,7 @@ private slots:
     void opacityIsScaledOnRequest();
     void premultipliedOpacityIsDividedOut();
     void paletteIsInterpolatedAsColour();
+    void paletteIsShownFromFullResolution();
     void hiddenColoursDoNotShineThrough();
     void cellsOfOtherTypesAreClamped();
     void bilinearByHand();
@@ -37,6 +38,17 @@ xrv::Jp2Structure boxesWithOpacity(std::uint16_t opacityChannel, std::uint16_t t
     for (std::uint16_t channel = 0; channel < opacityChannel; ++channel)
         boxes.definitions.push_back({channel, 0, static_cast<std::uint16_t>(channel + 1)});
     boxes.definitions.push_back({opacityChannel, type, 0});
+    return boxes;
+}
+
+/// Entries 0 and 2 are dark red and bright red, entry 1 between their numbers is blue.
+xrv::Jp2Structure boxesWithPalette()
+{
+    xrv::Jp2Structure boxes;
+    boxes.colour = xrv::ColourSpecification{};
+    boxes.colour->kind = xrv::ColourSpecification::Kind::SRgb;
+    boxes.palette = xrv::Palette{3, {{8, false}, {8, false}, {8, false}}, {100, 0, 0, 0, 0, 255, 200, 0, 0}};
+    boxes.mapping = {{0, true, 0}, {0, true, 1}, {0, true, 2}};
     return boxes;
 }
 
@@ -204,14 +216,8 @@ void TestViewOutput::premultipliedOpacityIsDividedOut()
 void TestViewOutput::paletteIsInterpolatedAsColour()
 {
     FakeReader reader(2, 1);
-    // Entries 0 and 2 are dark red and bright red, entry 1 between their numbers is blue.
     reader.cell = [](int, int, std::int64_t u, std::int64_t) { return u == 0 ? 0 : 2; };
-    xrv::Jp2Structure boxes;
-    boxes.colour = xrv::ColourSpecification{};
-    boxes.colour->kind = xrv::ColourSpecification::Kind::SRgb;
-    boxes.palette = xrv::Palette{3, {{8, false}, {8, false}, {8, false}}, {100, 0, 0, 0, 0, 255, 200, 0, 0}};
-    boxes.mapping = {{0, true, 0}, {0, true, 1}, {0, true, 2}};
-    Image image(reader, boxes);
+    Image image(reader, boxesWithPalette());
     QVERIFY(image.map.hasPalette());
     SilentListener listener;
     xrv::ViewEngine engine(image.source(), false, listener);
@@ -227,6 +233,18 @@ void TestViewOutput::paletteIsInterpolatedAsColour()
     const int reds[8] = {100, 100, 113, 138, 163, 188, 200, 200};
     for (int x = 0; x < 8; ++x)
         QCOMPARE(bytesOf(smooth.at(x, 0)), bgra(0, 0, reds[x], 255));
+}
+
+/// The numbers of a palette's entries have no mean, so the coarser levels of their component show nothing.
+void TestViewOutput::paletteIsShownFromFullResolution()
+{
+    FakeReader reader(640, 640);
+    reader.cell = [](int, int level, std::int64_t, std::int64_t) { return level == 0 ? 2 : 1; };
+    Image image(reader, boxesWithPalette());
+    SilentListener listener;
+    xrv::ViewEngine engine(image.source(), false, listener);
+    engine.setView(image.view({0, 1, 2}, 40, 40, {0, 0, 640, 640}));
+    QCOMPARE(bytesOf(readBgra(engine).at(20, 20)), bgra(0, 0, 200, 255));
 }
 
 void TestViewOutput::hiddenColoursDoNotShineThrough()

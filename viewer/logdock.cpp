@@ -38,6 +38,11 @@ LogDock::LogDock(QWidget *parent)
     layout->addWidget(table);
     layout->addWidget(makeBar());
     setWidget(content);
+    // What came while the dock was hidden has scrolled nothing.
+    connect(this, &QDockWidget::visibilityChanged, table, [this](bool visible) {
+        if (visible && isAtEnd)
+            table->scrollToBottom();
+    });
 }
 
 void LogDock::makeTable()

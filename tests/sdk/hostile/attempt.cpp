@@ -6,14 +6,36 @@
 #include <algorithm>
 #include <cstring>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
+#if defined(__GNUC__)
+// Of the sanitizers' allocator (sanitizer/allocator_interface.h), absent without them.
+extern "C" void __sanitizer_purge_allocator() __attribute__((weak));
+#endif
+
 namespace {
 
 constexpr double kMostSeconds = 2.0;
 constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 30;
 
+/// Gives back what the allocator keeps of freed memory: earlier attempts are not to count.
+void releaseFreedMemory()
+{
+#if defined(__GNUC__)
+    if (__sanitizer_purge_allocator)
+        __sanitizer_purge_allocator();
+#endif
+#if defined(__GLIBC__)
+    malloc_trim(0);
+#endif
+}
+
 /// Makes the kernel forget the process's peak so far (proc(5), clear_refs).
 void resetPeakMemory()
 {
+    releaseFreedMemory();
     QFile file(QStringLiteral("/proc/self/clear_refs"));
     if (file.open(QIODevice::WriteOnly))
         file.write("5");
@@ -93,6 +115,7 @@ QByteArray Attempt::complaint() const
 
 Attempt attempt(PLK::CView *view, const std::string &path, Damage damage)
 {
+    view->Close(true);
     return measured([&](Attempt *result) {
         auto &config = PLK::SDK::CFileBase::sFilesHelper().Get()->Config();
         config.SetResilientDecodingEnabled(damage == Damage::Resilient);

@@ -16,7 +16,8 @@ namespace PLK::SDK {
 
 /// The SDK's global configuration. Every operation may be called from any thread; it applies to what is opened, set or
 /// decoded afterwards unless it says otherwise.
-class PLK_EXPORT CConfig {
+class PLK_EXPORT CConfig
+{
 public:
     CConfig();
     ~CConfig();

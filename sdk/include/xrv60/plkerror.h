@@ -29,7 +29,8 @@ enum PLKErrorCode : int {
 namespace PLK {
 
 /// Result of an operation: a code to branch on and a sentence for a person. A plain value, cheap on success.
-class PLK_EXPORT CError {
+class PLK_EXPORT CError
+{
 public:
     CError() = default;
     /// \a message is a whole sentence in UTF-8.

@@ -18,7 +18,8 @@ class OpenFile; // private to the library
 namespace PLK::SDK {
 
 /// Makes files and holds the configuration that they share.
-class PLK_EXPORT CFileFactory {
+class PLK_EXPORT CFileFactory
+{
 public:
     CFileFactory();
     ~CFileFactory();
@@ -29,13 +30,15 @@ private:
 };
 
 /// Access to the one factory of the process.
-class PLK_EXPORT CFilesHelper {
+class PLK_EXPORT CFilesHelper
+{
 public:
     CFileFactory *Get();
 };
 
 /// An open file.
-class PLK_EXPORT CFileBase {
+class PLK_EXPORT CFileBase
+{
 public:
     virtual ~CFileBase();
     static CFilesHelper &sFilesHelper();
@@ -48,7 +51,8 @@ public:
 
 /// Opens a file and answers questions about it. All operations but Close() may be called from any thread; those that
 /// return pointers name the owner.
-class PLK_EXPORT CFileClient {
+class PLK_EXPORT CFileClient
+{
 public:
     CFileClient();
     virtual ~CFileClient();
@@ -72,14 +76,15 @@ public:
     /// The file's affine transformation as six numbers: x = t[0] + t[1] column + t[2] row, y = t[3] + t[4] column +
     /// t[5] row, of the corners of cells; rotation and shear included.
     CError GetWorldTransform(double transform[6]) const;
-    /// First XML box (\a previous null) or the one after \a previous; null at the end. Boxes come in file order, those in
-    /// superboxes included. Owned by this object.
+    /// First XML box (\a previous null) or the one after \a previous; null at the end. Boxes come in file order, those
+    /// in superboxes included. Owned by this object.
     const PLKXMLBox *GetXMLBox(const PLKXMLBox *previous) const;
     /// The file's bytes. Owned by this object, null while nothing is open. Not for use from several threads at once.
     CIOStream *GetStream() const;
-    /// Statistics of every band, opacity included, with histograms; from the smallest resolution level with about a million
-    /// cells: the whole image where it has fewer, a smaller level where there are more than about 80 bands, windows spread
-    /// over an image that has no such level. Computed at the first call and kept with the file. \a statistics is set to a record to be freed with PLKFreeStatistics().
+    /// Statistics of every band, opacity included, with histograms; from the smallest resolution level with about a
+    /// million cells: the whole image where it has fewer, a smaller level where there are more than about 80 bands,
+    /// windows spread over an image that has no such level. Computed at the first call and kept with the file. \a
+    /// statistics is set to a record to be freed with PLKFreeStatistics().
     CError GetClientStatistics(PLKFileStatistics **statistics);
     /// Rational polynomial coefficients of the file or its side files; to be freed with PLKFreeRPCData().
     /// PLK_ERR_NOT_AVAILABLE without any.

@@ -13,8 +13,8 @@ PLK_EXPORT const char *PLKGetLibraryVersion();
 
 /// Switches the stream client to WinHTTP where the platform has it; elsewhere the wish is logged and nothing changes.
 PLK_EXPORT void PLKWinHttpSetUseWinHttp(int useWinHttp);
-/// Folder of additional geodetic data (a proj.db of the caller's choice), local 8-bit encoding. Ignored where the folder
-/// has none.
+/// Folder of additional geodetic data (a proj.db of the caller's choice), local 8-bit encoding. Ignored where the
+/// folder has none.
 PLK_EXPORT void PLKSetGDTPath(const char *folder);
 
 /// Release what CView handed out. Null is ignored.

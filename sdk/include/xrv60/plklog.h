@@ -15,13 +15,15 @@ enum PLKLogLevel : int {
 namespace PLK {
 
 /// What a log sink of any text type is.
-class PLK_EXPORT ILoggerBase {
+class PLK_EXPORT ILoggerBase
+{
 public:
     virtual ~ILoggerBase();
 };
 
 /// A log sink. May be called from any thread, also from several at once.
-template <typename Char> class ILogger : public virtual ILoggerBase {
+template <typename Char> class ILogger : public virtual ILoggerBase
+{
 public:
     /// A thread begins to log, its first message follows. \a context is opaque and stands for the thread in all calls.
     virtual void attach(void *context) = 0;
@@ -34,11 +36,12 @@ public:
 };
 
 /// Where the SDK's messages go: to the narrow sink, and to the wide one those that name a wide text (file names).
-class PLK_EXPORT CLog {
+class PLK_EXPORT CLog
+{
 public:
     /// Installs \a logger, not owned, in place of the last one; null removes it. When this returns, the last sink is in
-    /// no call any more, but for calls of this very thread: a sink may remove itself. No lock is held while a sink runs; it
-    /// may log and call back into the SDK.
+    /// no call any more, but for calls of this very thread: a sink may remove itself. No lock is held while a sink
+    /// runs; it may log and call back into the SDK.
     static void RegisterLogger(ILogger<char> *logger);
     static void RegisterLogger(ILogger<wchar_t> *logger);
 };

@@ -8,7 +8,8 @@
 namespace PLK {
 
 /// The bytes of an open file, wherever they come from.
-class PLK_EXPORT CIOStream {
+class PLK_EXPORT CIOStream
+{
 public:
     virtual ~CIOStream();
     /// Yes when the bytes come over a network.

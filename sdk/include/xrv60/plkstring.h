@@ -7,7 +7,8 @@
 namespace PLK {
 
 /// A text that can be made from and turned into narrow (UTF-8) and wide form. Null pointers make an empty text.
-class PLK_EXPORT CString {
+class PLK_EXPORT CString
+{
 public:
     CString() = default;
     CString(const char *utf8);

@@ -55,14 +55,16 @@ enum PLKResampleMethod : int {
 };
 
 /// One band of a dataset.
-struct PLKBandInfo {
-    std::uint8_t nBits;       ///< bits per cell, 1 to 38
-    bool bSigned;             ///< cells are signed
-    const char *szDesc;       ///< "Red", "Green", "Blue", "Greyscale", "AllOpacity" or "Band #n" (n from 1); never null
+struct PLKBandInfo
+{
+    std::uint8_t nBits; ///< bits per cell, 1 to 38
+    bool bSigned;       ///< cells are signed
+    const char *szDesc; ///< "Red", "Green", "Blue", "Greyscale", "AllOpacity" or "Band #n" (n from 1); never null
 };
 
 /// Authoring texts of an XRV file. Every text may be null.
-struct PLKFileMetaData {
+struct PLKFileMetaData
+{
     const wchar_t *sClassification;
     const wchar_t *sAcquisitionDate;
     const wchar_t *sAcquisitionSensorName;
@@ -76,63 +78,67 @@ struct PLKFileMetaData {
 };
 
 /// What is known of an open file. Owned by the view; valid until the view is closed.
-struct PLKFileInfo {
-    std::uint32_t nSizeX;             ///< width in cells
-    std::uint32_t nSizeY;             ///< height in cells
-    std::uint16_t nBands;             ///< number of bands
-    std::uint16_t nCompressionRate;   ///< target compression rate n of n:1; 0 where the format does not tell
-    PLKCellSizeUnits eCellSizeUnits;  ///< unit of the cell increments and of the origin
-    double fCellIncrementX;           ///< world units per cell along a row
-    double fCellIncrementY;           ///< world units per cell down a column; negative for north-up images
-    double fOriginX;                  ///< world x of the top-left corner of cell (0, 0)
-    double fOriginY;                  ///< world y of the top-left corner of cell (0, 0)
-    const char *szDatum;              ///< datum name, "RAW" without geo-referencing; never null
-    const char *szProjection;         ///< projection name, "RAW" without geo-referencing; never null
-    double fCWRotationDegrees;        ///< clockwise rotation of the rows, degrees
-    PLKColorSpace eColorSpace;        ///< meaning of the bands
-    PLKCellType eCellType;            ///< type that holds every band
-    const PLKBandInfo *pBands;        ///< nBands records
-    std::uint8_t nFormatVersion;      ///< version of the file format; 1 for JPEG 2000
-    const char *szCompressionDate;    ///< empty where unknown; never null
-    float fActualCompressionRate;     ///< n of n:1, bytes of all cells against bytes of the file; 0 where unknown
+struct PLKFileInfo
+{
+    std::uint32_t nSizeX;                 ///< width in cells
+    std::uint32_t nSizeY;                 ///< height in cells
+    std::uint16_t nBands;                 ///< number of bands
+    std::uint16_t nCompressionRate;       ///< target compression rate n of n:1; 0 where the format does not tell
+    PLKCellSizeUnits eCellSizeUnits;      ///< unit of the cell increments and of the origin
+    double fCellIncrementX;               ///< world units per cell along a row
+    double fCellIncrementY;               ///< world units per cell down a column; negative for north-up images
+    double fOriginX;                      ///< world x of the top-left corner of cell (0, 0)
+    double fOriginY;                      ///< world y of the top-left corner of cell (0, 0)
+    const char *szDatum;                  ///< datum name, "RAW" without geo-referencing; never null
+    const char *szProjection;             ///< projection name, "RAW" without geo-referencing; never null
+    double fCWRotationDegrees;            ///< clockwise rotation of the rows, degrees
+    PLKColorSpace eColorSpace;            ///< meaning of the bands
+    PLKCellType eCellType;                ///< type that holds every band
+    const PLKBandInfo *pBands;            ///< nBands records
+    std::uint8_t nFormatVersion;          ///< version of the file format; 1 for JPEG 2000
+    const char *szCompressionDate;        ///< empty where unknown; never null
+    float fActualCompressionRate;         ///< n of n:1, bytes of all cells against bytes of the file; 0 where unknown
     const PLKFileMetaData *pFileMetaData; ///< authoring texts, null where the file has none
 };
 
 /// Statistics of one band.
-struct PLKBandStatistics {
+struct PLKBandStatistics
+{
     float fMode;
     float fMin;
     float fMax;
     float fMean;
     float fMedian;
     float fStandardDev;
-    std::uint32_t nHistBucketCount;  ///< number of entries of pHistogram
-    /// Bands of up to 8 bits: 256 buckets, one for each value from 0 or, signed, from -128. Deeper bands: equal buckets from
-    /// fMin to fMax, one for each value where these are no more than 65536 (fewer with more than 64 bands).
+    std::uint32_t nHistBucketCount; ///< number of entries of pHistogram
+    /// Bands of up to 8 bits: 256 buckets, one for each value from 0 or, signed, from -128. Deeper bands: equal buckets
+    /// from fMin to fMax, one for each value where these are no more than 65536 (fewer with more than 64 bands).
     std::uint64_t *pHistogram;
 };
 
 /// Statistics of a file; released with PLKFreeStatistics().
-struct PLKFileStatistics {
-    PLKBandStatistics *pBandStats;  ///< nBands records
+struct PLKFileStatistics
+{
+    PLKBandStatistics *pBandStats; ///< nBands records
     std::uint32_t nBands;
 };
 
 /// Rational polynomial coefficients: 92 doubles in the order of the RPC00B tagged record extension
 /// (STDI-0002 volume 1, appendix E). Released with PLKFreeRPCData().
-struct PLKRPCData {
-    double fErrorBias;        ///< metres
-    double fErrorRandom;      ///< metres
-    double fLineOffset;       ///< cells
-    double fSampleOffset;     ///< cells
-    double fLatitudeOffset;   ///< degrees
-    double fLongitudeOffset;  ///< degrees
-    double fHeightOffset;     ///< metres
-    double fLineScale;        ///< cells
-    double fSampleScale;      ///< cells
-    double fLatitudeScale;    ///< degrees
-    double fLongitudeScale;   ///< degrees
-    double fHeightScale;      ///< metres
+struct PLKRPCData
+{
+    double fErrorBias;       ///< metres
+    double fErrorRandom;     ///< metres
+    double fLineOffset;      ///< cells
+    double fSampleOffset;    ///< cells
+    double fLatitudeOffset;  ///< degrees
+    double fLongitudeOffset; ///< degrees
+    double fHeightOffset;    ///< metres
+    double fLineScale;       ///< cells
+    double fSampleScale;     ///< cells
+    double fLatitudeScale;   ///< degrees
+    double fLongitudeScale;  ///< degrees
+    double fHeightScale;     ///< metres
     double fLineNumerator[20];
     double fLineDenominator[20];
     double fSampleNumerator[20];
@@ -140,22 +146,24 @@ struct PLKRPCData {
 };
 
 /// A view as it was set, with its progress; handed to the refresh callback.
-struct PLKSetViewInfo {
-    std::uint32_t nSizeX;       ///< width in pixels
-    std::uint32_t nSizeY;       ///< height in pixels
-    double fTopLeftX;           ///< world rectangle
+struct PLKSetViewInfo
+{
+    std::uint32_t nSizeX; ///< width in pixels
+    std::uint32_t nSizeY; ///< height in pixels
+    double fTopLeftX;     ///< world rectangle
     double fTopLeftY;
     double fBottomRightX;
     double fBottomRightY;
-    std::uint32_t nBands;       ///< number of bands set
-    std::uint64_t nGeneration;  ///< number of the view, growing with every SetView
-    std::uint64_t nBlocksInView;       ///< blocks that the finished view is made of
-    std::uint64_t nBlocksAvailable;    ///< of these, decoded so far
+    std::uint32_t nBands;           ///< number of bands set
+    std::uint64_t nGeneration;      ///< number of the view, growing with every SetView
+    std::uint64_t nBlocksInView;    ///< blocks that the finished view is made of
+    std::uint64_t nBlocksAvailable; ///< of these, decoded so far
 };
 
 /// Place of an XML box in a file.
-struct PLKXMLBox {
-    std::uint32_t nType;            ///< box type, four characters, first one in the highest byte
-    std::uint64_t nContentOffset;   ///< from the start of the file, in bytes
-    std::uint64_t nContentLength;   ///< in bytes
+struct PLKXMLBox
+{
+    std::uint32_t nType;          ///< box type, four characters, first one in the highest byte
+    std::uint64_t nContentOffset; ///< from the start of the file, in bytes
+    std::uint64_t nContentLength; ///< in bytes
 };

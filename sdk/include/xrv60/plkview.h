@@ -19,14 +19,14 @@ namespace PLK {
 /// Use: Open(), then for every picture SetView() and read its lines from top to bottom.
 ///
 /// **Blocking** views (opened with progressive off) decode while lines are read. After the last line the picture begins
-/// again at the top, from cells that are still at hand: a caller that paints often reads all lines each time and need not
-/// set the view again. One that stopped half-way sets the view again to get back to the top.
+/// again at the top, from cells that are still at hand: a caller that paints often reads all lines each time and need
+/// not set the view again. One that stopped half-way sets the view again to get back to the top.
 ///
 /// **Progressive** views decode on the SDK's own thread, coarse to fine. Each pass ends in one call of RefreshPass() on
 /// that thread; the lines read from within this call are those of the pass. At least a coarse and a final pass are made
-/// where the final one takes more than about 50 ms. Between passes, lines read from another thread are those of the last
-/// pass that called back, from the top again; before the first pass of a view they are PLK_READ_CANCELLED. Where decoding
-/// fails, the final pass calls back all the same: its lines are PLK_READ_FAILED, and GetLastError() says why.
+/// where the final one takes more than about 50 ms. Between passes, lines read from another thread are those of the
+/// last pass that called back, from the top again; before the first pass of a view they are PLK_READ_CANCELLED. Where
+/// decoding fails, the final pass calls back all the same: its lines are PLK_READ_FAILED, and GetLastError() says why.
 ///
 /// Threads and locks:
 /// - SetView() never waits for a callback or a decode in flight. It starts a new generation and returns; a caller may
@@ -37,7 +37,8 @@ namespace PLK {
 ///   callback, nor with a lock held that the callback takes. A class that overrides RefreshPass() must call Close() in
 ///   its own destructor.
 /// - A view is driven (SetView, Close, setters) from one thread at a time.
-class PLK_EXPORT CView : public SDK::CFileClient {
+class PLK_EXPORT CView : public SDK::CFileClient
+{
 public:
     using ViewParametersDecompress = ViewParameters::ViewParametersDecompress;
     using ViewParametersJp2 = ViewParameters::ViewParametersJp2;
@@ -45,10 +46,10 @@ public:
     CView();
     ~CView() override;
 
-    /// Opens a local file (any of XRV, JP2, JPX, bare codestream; the content decides) or a stream address. A file that is
-    /// open already is closed first. \a update is reserved and must be false.
-    /// A narrow name is UTF-8. A wide name is the name itself, or the bytes of the UTF-8 name each widened to one
-    /// character: names that GetFileName() gave survive that trip.
+    /// Opens a local file (any of XRV, JP2, JPX, bare codestream; the content decides) or a stream address. A file that
+    /// is open already is closed first. \a update is reserved and must be false. A narrow name is UTF-8. A wide name is
+    /// the name itself, or the bytes of the UTF-8 name each widened to one character: names that GetFileName() gave
+    /// survive that trip.
     CError Open(const wchar_t *name, bool progressive, bool update);
     CError Open(const CString &name, bool progressive, bool update);
     /// Cancels, waits for a callback in flight and closes. \a freeCache drops the file's decoded tiles.
@@ -56,21 +57,21 @@ public:
     /// Reconnects a stream after error 76 and goes on where it stopped; success for local files.
     CError Reconnect();
 
-    /// Sets what the next lines show: \a bandCount band indices (1 to 4 entries: one as grey, three as red, green and blue,
-    /// four with opacity; indices may repeat), \a width by \a height pixels, for the world rectangle from (x1, y1) top
-    /// left to (x2, y2) bottom right. The rectangle may reach beyond the image; pixels outside are transparent black.
-    /// PLK_ERR_INVALID_ARGUMENT for a size of 0 or above 65535, an index out of range or an empty or non-finite
+    /// Sets what the next lines show: \a bandCount band indices (1 to 4 entries: one as grey, three as red, green and
+    /// blue, four with opacity; indices may repeat), \a width by \a height pixels, for the world rectangle from (x1,
+    /// y1) top left to (x2, y2) bottom right. The rectangle may reach beyond the image; pixels outside are transparent
+    /// black. PLK_ERR_INVALID_ARGUMENT for a size of 0 or above 65535, an index out of range or an empty or non-finite
     /// rectangle; the last view then stays in force.
     CError SetView(int bandCount, const int *bands, int width, int height, double x1, double y1, double x2, double y2);
     /// Makes reads of the present view return PLK_READ_CANCELLED and stops its decoding. Returns at once.
     void CancelReads();
 
-    /// Next line as \a width pixels of blue, green, red and alpha bytes. Alpha is 255 without an opacity band, 0 outside
-    /// the image. Colours are not premultiplied.
+    /// Next line as \a width pixels of blue, green, red and alpha bytes. Alpha is 255 without an opacity band, 0
+    /// outside the image. Colours are not premultiplied.
     PLKReadStatus ReadLineBGRA(void *line);
     /// Next line as one buffer per band that was set, \a width cells each, through the bands' transforms; of the cell
-    /// types only PLKCT_UINT8 applies them, others give cells as they are, converted and clamped to the type. \a lines has
-    /// as many entries as bands were set; more are left alone. Cells outside the image are 0.
+    /// types only PLKCT_UINT8 applies them, others give cells as they are, converted and clamped to the type. \a lines
+    /// has as many entries as bands were set; more are left alone. Cells outside the image are 0.
     PLKReadStatus ReadLineBIL(PLKCellType type, void *const *lines);
     /// The same for exactly four byte lines, as many as there are bands set are written.
     PLKReadStatus ReadLineBIL(std::uint8_t *const *lines, PLKCellType type);
@@ -85,8 +86,8 @@ public:
     /// Error of the last line or pass that failed.
     CError GetLastError() const;
 
-    /// Decoding progress of the view that is set, 0 to 100; 100 before the first view is set. A blocking view ends at 100
-    /// with its last line, or at once where a decoded picture is at hand.
+    /// Decoding progress of the view that is set, 0 to 100; 100 before the first view is set. A blocking view ends at
+    /// 100 with its last line, or at once where a decoded picture is at hand.
     signed char GetPercentComplete() const;
     std::uint64_t GetAllBlocksAvailable() const;
     std::uint64_t GetAllBlocksInView() const;
@@ -99,8 +100,8 @@ public:
     CError CalculateMinMaxTransforms(unsigned bandCount, const unsigned *bands,
                                      std::vector<std::unique_ptr<API::CMinMaxTransform>> *transforms, double percent,
                                      unsigned sampling);
-    /// Bands to show as red, green, blue and, where there is one, opacity. PLK_ERR_NOT_AVAILABLE for images with fewer than
-    /// three bands besides opacity.
+    /// Bands to show as red, green, blue and, where there is one, opacity. PLK_ERR_NOT_AVAILABLE for images with fewer
+    /// than three bands besides opacity.
     CError GetDefaultRGBABandList(std::vector<std::uint32_t> *bands) const;
 
     ViewParametersDecompress &ParametersDecompress() { return parametersDecompress; }

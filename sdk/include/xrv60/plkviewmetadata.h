@@ -12,7 +12,8 @@ namespace PLK::ViewMetadata {
 
 /// What the main header of a JPEG 2000 codestream tells. Empty values (0, false, no entries) while nothing is open.
 /// Marker segments: ISO/IEC 15444-1 annex A.
-class PLK_EXPORT ViewMetadataJp2 {
+class PLK_EXPORT ViewMetadataJp2
+{
 public:
     ViewMetadataJp2();
     ~ViewMetadataJp2();
@@ -54,7 +55,8 @@ private:
 };
 
 /// What an XRV file tells besides its file information.
-class PLK_EXPORT ViewMetadataXRV {
+class PLK_EXPORT ViewMetadataXRV
+{
 public:
     /// Width and height of the blocks in cells; (0, 0) for a file that is not XRV.
     std::pair<std::uint32_t, std::uint32_t> Blocksize() const { return blockSize; }

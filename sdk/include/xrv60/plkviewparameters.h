@@ -9,9 +9,11 @@
 namespace PLK::ViewParameters {
 
 /// JPEG 2000 decoding parameters of one view.
-class PLK_EXPORT ViewParametersJp2Decompress {
+class PLK_EXPORT ViewParametersJp2Decompress
+{
 public:
-    /// Quality layers to decode, 1 and up; more than the file has means all. 0 means all. Takes effect at the next SetView.
+    /// Quality layers to decode, 1 and up; more than the file has means all. 0 means all. Takes effect at the next
+    /// SetView.
     void SetLayersToDecode(int layers);
     int GetLayersToDecode() const { return layersToDecode; }
 
@@ -20,7 +22,8 @@ private:
 };
 
 /// JPEG 2000 parameters of one view.
-class PLK_EXPORT ViewParametersJp2 {
+class PLK_EXPORT ViewParametersJp2
+{
 public:
     using ViewParametersJp2Decompress = ViewParameters::ViewParametersJp2Decompress;
     ViewParametersJp2Decompress &Decompress() { return decompress; }
@@ -30,15 +33,16 @@ private:
 };
 
 /// Decoding parameters of one view, whatever its format. They take effect at the next SetView.
-class PLK_EXPORT ViewParametersDecompress {
+class PLK_EXPORT ViewParametersDecompress
+{
 public:
     void SetResampleMethod(PLKResampleMethod method) { resampleMethod = method; }
     PLKResampleMethod GetResampleMethod() const { return resampleMethod; }
     /// Texture dither of lossy XRV images.
     void SetReaderDitherEnabled(bool enabled) { readerDither = enabled; }
     bool IsReaderDitherEnabled() const { return readerDither; }
-    /// Opacity cells of less than 8 bits are scaled up to 0..255. Takes effect with the first line of the next picture, so
-    /// it may still be set after SetView.
+    /// Opacity cells of less than 8 bits are scaled up to 0..255. Takes effect with the first line of the next picture,
+    /// so it may still be set after SetView.
     void SetAutoscaleOpacitybandUpEnabled(bool enabled) { autoscaleOpacity = enabled; }
     bool IsAutoscaleOpacitybandUpEnabled() const { return autoscaleOpacity; }
 

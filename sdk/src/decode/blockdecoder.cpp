@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <type_traits>
 
 namespace xrv {
 
@@ -134,9 +133,10 @@ struct BlockDecoder::Passes
 
     // Rows are template parameters, so that every shift is by a constant.
 
-    template <int kRow> XRV_INLINE static unsigned signIndex(const std::uint32_t *word)
+    // The word of the column in hand is kept in a register (f) and stored when the column is done.
+
+    template <int kRow> XRV_INLINE static unsigned signIndex(std::uint32_t f, const std::uint32_t *word)
     {
-        const std::uint32_t f = *word;
         const std::uint32_t around = f >> (3 * kRow);
         const std::uint32_t north = kRow == 0 ? f >> 30 & 1 : f >> (kNegativeShift + kRow - 1) & 1;
         const std::uint32_t south = kRow == 3 ? f >> 31 : f >> (kNegativeShift + kRow + 1) & 1;
@@ -146,10 +146,10 @@ struct BlockDecoder::Passes
     }
 
     /// Tells the neighbours that a cell has become significant.
-    template <int kRow> XRV_INLINE void spread(std::uint32_t *word, std::uint32_t negative) const
+    template <int kRow> XRV_INLINE void spread(std::uint32_t &f, std::uint32_t *word, std::uint32_t negative) const
     {
         word[-1] |= 1u << (3 * kRow + 5);
-        word[0] |= kSelf << (3 * kRow) | negative << (kNegativeShift + kRow);
+        f |= kSelf << (3 * kRow) | negative << (kNegativeShift + kRow);
         word[1] |= 1u << (3 * kRow + 3);
         if (kRow == 0 && !isCausal) {
             std::uint32_t *above = word - pitch;
@@ -166,75 +166,106 @@ struct BlockDecoder::Passes
     }
 
     template <int kRow>
-    XRV_INLINE void becomeSignificant(MqDecoder &mq, std::uint32_t *word, std::int32_t *cell, std::int32_t value)
+    XRV_INLINE void becomeSignificant(MqDecoder &mq, std::uint32_t &f, std::uint32_t *word, std::int32_t *cell,
+                                      std::int32_t value)
     {
-        const SignEntry entry = signTable[signIndex<kRow>(word)];
+        const SignEntry entry = signTable[signIndex<kRow>(f, word)];
         const unsigned negative = mq.decode(contexts[entry.context]) ^ entry.flip;
         cell[std::ptrdiff_t(kRow) * width] = negative ? -value : value;
-        spread<kRow>(word, negative);
+        spread<kRow>(f, word, negative);
     }
 
-    /// Calls step(row number as a type, word, cell) for all cells in coding order (D.1); column(word) may refuse a
-    /// column.
-    template <typename Column, typename Step> XRV_INLINE void forAll(Column column, Step step)
+    /// Calls pass.cell<row>(f, word, cell) for all cells in coding order (D.1), but for columns that pass.skips().
+    template <typename Pass> XRV_INLINE void forAll(Pass &pass)
     {
-        using std::integral_constant;
-        for (int y = 0; y < height; y += 4) {
-            const int rows = std::min(4, height - y);
-            std::uint32_t *word = flags + std::size_t(y / 4) * pitch;
-            std::int32_t *cell = cells + std::size_t(y) * width;
+        const int fullRows = height & ~3;
+        std::uint32_t *word = flags;
+        std::int32_t *cell = cells;
+        for (int y = 0; y < fullRows; y += 4, word += pitch - width, cell += 3 * std::ptrdiff_t(width)) {
             for (const std::int32_t *const end = cell + width; cell != end; ++word, ++cell) {
-                if (!column(*word))
+                std::uint32_t f = *word;
+                if (Pass::skips(f))
                     continue;
-                step(integral_constant<int, 0>(), word, cell);
-                if (rows > 1)
-                    step(integral_constant<int, 1>(), word, cell);
-                if (rows > 2)
-                    step(integral_constant<int, 2>(), word, cell);
-                if (rows > 3)
-                    step(integral_constant<int, 3>(), word, cell);
+                pass.template visit<0>(f, word, cell);
+                pass.template visit<1>(f, word, cell);
+                pass.template visit<2>(f, word, cell);
+                pass.template visit<3>(f, word, cell);
+                *word = f;
             }
+        }
+        const int rows = height - fullRows;
+        if (rows == 0)
+            return;
+        for (const std::int32_t *const end = cell + width; cell != end; ++word, ++cell) {
+            std::uint32_t f = *word;
+            pass.template visit<0>(f, word, cell);
+            if (rows > 1)
+                pass.template visit<1>(f, word, cell);
+            if (rows > 2)
+                pass.template visit<2>(f, word, cell);
+            *word = f;
         }
     }
 
-    /// D.3.1. \a value: one and a half of the bit-plane's weight, doubled.
+    /// D.3.1.
+    struct SignificancePropagation
+    {
+        Passes &passes;
+        MqDecoder mq;
+        const std::int32_t value;
+
+        XRV_INLINE static bool skips(std::uint32_t f) { return (f & kAllSignificance) == 0; }
+        template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *word, std::int32_t *cell)
+        {
+            const std::uint32_t around = f >> (3 * kRow);
+            if ((around & kSelf) || !(around & kNeighbours))
+                return;
+            if (mq.decode(passes.contexts[passes.significanceTable[around & kNeighbours]]))
+                passes.becomeSignificant<kRow>(mq, f, word, cell, value);
+            f |= 1u << (kVisitedShift + kRow);
+        }
+    };
+
+    /// \a value: one and a half of the bit-plane's weight, doubled.
     void significancePropagation(MqDecoder &decoder, std::int32_t value)
     {
-        MqDecoder mq = decoder;
-        forAll([](std::uint32_t f) { return (f & kAllSignificance) != 0; },
-               [&](auto rowType, std::uint32_t *word, std::int32_t *cell) {
-                   constexpr int kRow = decltype(rowType)::value;
-                   const std::uint32_t around = *word >> (3 * kRow);
-                   if ((around & kSelf) || !(around & kNeighbours))
-                       return;
-                   if (mq.decode(contexts[significanceTable[around & kNeighbours]]))
-                       becomeSignificant<kRow>(mq, word, cell, value);
-                   *word |= 1u << (kVisitedShift + kRow);
-               });
-        decoder = mq;
+        SignificancePropagation pass{*this, decoder, value};
+        forAll(pass);
+        decoder = pass.mq;
     }
+
+    struct RawSignificancePropagation
+    {
+        Passes &passes;
+        RawBits &bits;
+        const std::int32_t value;
+
+        static bool skips(std::uint32_t f) { return (f & kAllSignificance) == 0; }
+        template <int kRow> void visit(std::uint32_t &f, std::uint32_t *word, std::int32_t *cell)
+        {
+            const std::uint32_t around = f >> (3 * kRow);
+            if ((around & kSelf) || !(around & kNeighbours))
+                return;
+            if (bits.bit()) {
+                const unsigned negative = bits.bit();
+                cell[std::ptrdiff_t(kRow) * passes.width] = negative ? -value : value;
+                passes.spread<kRow>(f, word, negative);
+            }
+            f |= 1u << (kVisitedShift + kRow);
+        }
+    };
 
     void rawSignificancePropagation(RawBits &bits, std::int32_t value)
     {
-        forAll([](std::uint32_t f) { return (f & kAllSignificance) != 0; },
-               [&](auto rowType, std::uint32_t *word, std::int32_t *cell) {
-                   constexpr int kRow = decltype(rowType)::value;
-                   const std::uint32_t around = *word >> (3 * kRow);
-                   if ((around & kSelf) || !(around & kNeighbours))
-                       return;
-                   if (bits.bit()) {
-                       const unsigned negative = bits.bit();
-                       cell[std::ptrdiff_t(kRow) * width] = negative ? -value : value;
-                       spread<kRow>(word, negative);
-                   }
-                   *word |= 1u << (kVisitedShift + kRow);
-               });
+        RawSignificancePropagation pass{*this, bits, value};
+        forAll(pass);
     }
 
-    /// A cell's magnitude moves to the middle of the half that the bit says.
+    /// A cell's magnitude moves to the middle of the half that the bit says: towards 0 for a 0.
     XRV_INLINE static void refine(std::int32_t &cell, unsigned bit, std::int32_t half)
     {
-        cell += (bit ^ (cell < 0 ? 1u : 0u)) ? half : -half;
+        const std::int32_t minusMask = -static_cast<std::int32_t>(bit ^ 1u ^ (static_cast<std::uint32_t>(cell) >> 31));
+        cell += (half ^ minusMask) - minusMask;
     }
 
     /// Significant and not coded in the significance propagation pass of this bit-plane.
@@ -244,35 +275,53 @@ struct BlockDecoder::Passes
         return (f & (kSignificant | kVisited)) == kSignificant;
     }
 
-    /// D.3.3. \a half: half of the bit-plane's weight, doubled.
+    /// D.3.3.
+    struct MagnitudeRefinement
+    {
+        Passes &passes;
+        MqDecoder mq;
+        const std::int32_t half;
+
+        XRV_INLINE static bool skips(std::uint32_t f) { return (f & kAllSelf) == 0; }
+        template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *, std::int32_t *cell)
+        {
+            if (!isToRefine<kRow>(f))
+                return;
+            const int first = (f >> (3 * kRow) & kNeighbours) != 0 ? kRefineContext + 1 : kRefineContext;
+            const int context = f >> (kRefinedShift + kRow) & 1 ? kRefineContext + 2 : first;
+            refine(cell[std::ptrdiff_t(kRow) * passes.width], mq.decode(passes.contexts[context]), half);
+            f |= 1u << (kRefinedShift + kRow);
+        }
+    };
+
+    /// \a half: half of the bit-plane's weight, doubled.
     void magnitudeRefinement(MqDecoder &decoder, std::int32_t half)
     {
-        MqDecoder mq = decoder;
-        forAll([](std::uint32_t f) { return (f & kAllSelf) != 0; },
-               [&](auto rowType, std::uint32_t *word, std::int32_t *cell) {
-                   constexpr int kRow = decltype(rowType)::value;
-                   const std::uint32_t f = *word;
-                   if (!isToRefine<kRow>(f))
-                       return;
-                   const int context = f >> (kRefinedShift + kRow) & 1 ? kRefineContext + 2
-                                       : f >> (3 * kRow) & kNeighbours ? kRefineContext + 1
-                                                                       : kRefineContext;
-                   refine(cell[std::ptrdiff_t(kRow) * width], mq.decode(contexts[context]), half);
-                   *word = f | 1u << (kRefinedShift + kRow);
-               });
-        decoder = mq;
+        MagnitudeRefinement pass{*this, decoder, half};
+        forAll(pass);
+        decoder = pass.mq;
     }
+
+    struct RawMagnitudeRefinement
+    {
+        Passes &passes;
+        RawBits &bits;
+        const std::int32_t half;
+
+        static bool skips(std::uint32_t f) { return (f & kAllSelf) == 0; }
+        template <int kRow> void visit(std::uint32_t &f, std::uint32_t *, std::int32_t *cell)
+        {
+            if (!isToRefine<kRow>(f))
+                return;
+            refine(cell[std::ptrdiff_t(kRow) * passes.width], bits.bit(), half);
+            f |= 1u << (kRefinedShift + kRow);
+        }
+    };
 
     void rawMagnitudeRefinement(RawBits &bits, std::int32_t half)
     {
-        forAll([](std::uint32_t f) { return (f & kAllSelf) != 0; },
-               [&](auto rowType, std::uint32_t *word, std::int32_t *cell) {
-                   constexpr int kRow = decltype(rowType)::value;
-                   if (!isToRefine<kRow>(*word))
-                       return;
-                   refine(cell[std::ptrdiff_t(kRow) * width], bits.bit(), half);
-                   *word |= 1u << (kRefinedShift + kRow);
-               });
+        RawMagnitudeRefinement pass{*this, bits, half};
+        forAll(pass);
     }
 
     /// D.3.4.
@@ -287,61 +336,62 @@ struct BlockDecoder::Passes
                 cleanupColumn(mq, word, cell, value);
         if (const int rows = height - fullRows)
             for (const std::int32_t *const end = cell + width; cell != end; ++word, ++cell) {
-                cleanupCell<0>(mq, word, cell, value);
+                std::uint32_t f = *word;
+                cleanupCell<0>(mq, f, word, cell, value);
                 if (rows > 1)
-                    cleanupCell<1>(mq, word, cell, value);
+                    cleanupCell<1>(mq, f, word, cell, value);
                 if (rows > 2)
-                    cleanupCell<2>(mq, word, cell, value);
-                *word &= ~kAllVisited;
+                    cleanupCell<2>(mq, f, word, cell, value);
+                *word = f & ~kAllVisited;
             }
         decoder = mq;
     }
 
     template <int kRow>
-    XRV_INLINE void cleanupCell(MqDecoder &mq, std::uint32_t *word, std::int32_t *cell, std::int32_t value)
+    XRV_INLINE void cleanupCell(MqDecoder &mq, std::uint32_t &f, std::uint32_t *word, std::int32_t *cell,
+                                std::int32_t value)
     {
-        const std::uint32_t f = *word;
         if (f & (kSelf << (3 * kRow) | 1u << (kVisitedShift + kRow)))
             return;
         if (mq.decode(contexts[significanceTable[f >> (3 * kRow) & kNeighbours]]))
-            becomeSignificant<kRow>(mq, word, cell, value);
+            becomeSignificant<kRow>(mq, f, word, cell, value);
     }
 
     XRV_INLINE void cleanupColumn(MqDecoder &mq, std::uint32_t *word, std::int32_t *cell, std::int32_t value)
     {
-        if (*word & (kAllSignificance | kAllVisited)) {
-            cleanupCell<0>(mq, word, cell, value);
-            cleanupCell<1>(mq, word, cell, value);
-            cleanupCell<2>(mq, word, cell, value);
-            cleanupCell<3>(mq, word, cell, value);
-            *word &= ~kAllVisited;
-            return;
+        std::uint32_t f = *word;
+        unsigned firstRow = 0;
+        if (!(f & (kAllSignificance | kAllVisited))) {
+            // Nothing around: a run of four at once, with the place of the first significant one.
+            if (!mq.decode(contexts[kRunContext]))
+                return;
+            firstRow = mq.decode(contexts[kUniformContext]) << 1;
+            firstRow |= mq.decode(contexts[kUniformContext]);
+            switch (firstRow) {
+            case 0:
+                becomeSignificant<0>(mq, f, word, cell, value);
+                break;
+            case 1:
+                becomeSignificant<1>(mq, f, word, cell, value);
+                break;
+            case 2:
+                becomeSignificant<2>(mq, f, word, cell, value);
+                break;
+            default:
+                becomeSignificant<3>(mq, f, word, cell, value);
+                break;
+            }
+            ++firstRow;
         }
-        // Nothing around: a run of four at once, with the place of the first significant one.
-        if (!mq.decode(contexts[kRunContext]))
-            return;
-        unsigned row = mq.decode(contexts[kUniformContext]) << 1;
-        row |= mq.decode(contexts[kUniformContext]);
-        switch (row) {
-        case 0:
-            becomeSignificant<0>(mq, word, cell, value);
-            cleanupCell<1>(mq, word, cell, value);
-            cleanupCell<2>(mq, word, cell, value);
-            cleanupCell<3>(mq, word, cell, value);
-            break;
-        case 1:
-            becomeSignificant<1>(mq, word, cell, value);
-            cleanupCell<2>(mq, word, cell, value);
-            cleanupCell<3>(mq, word, cell, value);
-            break;
-        case 2:
-            becomeSignificant<2>(mq, word, cell, value);
-            cleanupCell<3>(mq, word, cell, value);
-            break;
-        default:
-            becomeSignificant<3>(mq, word, cell, value);
-            break;
-        }
+        if (firstRow < 1)
+            cleanupCell<0>(mq, f, word, cell, value);
+        if (firstRow < 2)
+            cleanupCell<1>(mq, f, word, cell, value);
+        if (firstRow < 3)
+            cleanupCell<2>(mq, f, word, cell, value);
+        if (firstRow < 4)
+            cleanupCell<3>(mq, f, word, cell, value);
+        *word = f & ~kAllVisited;
     }
 
     /// Four symbols that stand after a cleanup pass (D.5); they protect, and are passed over.

@@ -18,7 +18,7 @@ namespace xrv {
 /// One state of the probability estimator for one sense of the more probable symbol (ISO/IEC 15444-1 table C.2).
 struct MqState
 {
-    std::uint32_t qe;  ///< probability estimate
+    std::int32_t qe;   ///< probability estimate, times 256
     std::uint32_t mps; ///< more probable symbol
     const MqState
         *next[2]; ///< the state after an MPS, and after an LPS with the symbol exchanged where the table says so
@@ -28,6 +28,9 @@ extern const MqState kMqStates[94];
 
 /// The MQ arithmetic decoder (ISO/IEC 15444-1 C.3). The data must be followed by two bytes of 0xFF, which end every
 /// segment: from there on the decoder feeds itself with ones.
+///
+/// Interval and code are kept times 256. Both shrink by the same estimate with every MPS, so that one number, how much
+/// both may still shrink before anything else happens, is all that most decisions touch.
 class MqDecoder
 {
 public:
@@ -37,79 +40,98 @@ public:
     void start(const std::uint8_t *data)
     {
         next = data;
-        c = static_cast<std::uint32_t>(*next) << 16;
+        code = *next << 8;
         readByte();
-        c <<= 7;
+        code <<= 7;
         count -= 7;
-        a = 0x8000;
+        interval = kLeastInterval;
+        settle();
     }
 
-    /// The choice between the subintervals cannot be foretold, so it is made without branches: figure C.15 comes down
-    /// to an LPS when the code lies in the lower subinterval or the two have changed places, but not both.
     XRV_INLINE unsigned decode(Context &context)
     {
         const MqState &state = *context;
-        const std::uint32_t qe = state.qe;
-        a -= qe;
-        const std::uint32_t isLower = (c >> 16) < qe;
-        const std::uint32_t isLps = isLower ^ static_cast<std::uint32_t>(a < qe);
-        const std::uint32_t lowerMask = 0u - isLower;
-        c -= (qe << 16) & ~lowerMask;
-        a ^= (a ^ qe) & lowerMask;
-        if (a & 0x8000)
+        slack -= state.qe;
+        if (slack >= 0)
             return state.mps;
-        context = state.next[isLps];
-        renormalize();
-        return state.mps ^ isLps;
+        return decodeRarely(context, state);
     }
 
 private:
-    static XRV_INLINE std::uint32_t leadingZeros(std::uint32_t value)
+    static constexpr std::int32_t kLeastInterval = 0x8000 << 8;
+
+    /// The choice between the subintervals cannot be foretold, so it is made without branches: figure C.15 comes down
+    /// to an LPS when the code lies in the lower subinterval or the two have changed places, but not both.
+    XRV_INLINE unsigned decodeRarely(Context &context, const MqState &state)
+    {
+        interval += slack;
+        code += slack;
+        const std::int32_t lowerMask = code >> 31; // all ones when the code lies in the lower subinterval
+        const unsigned isLps = static_cast<unsigned>(interval < state.qe) ^ static_cast<unsigned>(lowerMask & 1);
+        code += state.qe & lowerMask;
+        interval ^= (interval ^ state.qe) & lowerMask;
+        const unsigned symbol = state.mps ^ isLps;
+        context = state.next[isLps];
+        renormalize();
+        settle();
+        return symbol;
+    }
+
+    XRV_INLINE void settle()
+    {
+        slack = interval - kLeastInterval < code ? interval - kLeastInterval : code;
+        interval -= slack;
+        code -= slack;
+    }
+
+    static XRV_INLINE int leadingZeros(std::uint32_t value)
     {
 #if defined(__GNUC__)
-        return static_cast<std::uint32_t>(__builtin_clz(value));
+        return __builtin_clz(value);
 #else
         unsigned long highest = 0;
         _BitScanReverse(&highest, value);
-        return 31u - highest;
+        return 31 - static_cast<int>(highest);
 #endif
     }
 
     /// Doubles the interval until it has its highest bit, all steps at once up to the next byte.
     XRV_INLINE void renormalize()
     {
-        std::uint32_t shift = leadingZeros(a) - 16;
-        a <<= shift;
+        int shift = leadingZeros(static_cast<std::uint32_t>(interval)) - 8;
+        interval <<= shift;
         while (shift > count) {
-            c <<= count;
+            code <<= count;
             shift -= count;
             readByte();
         }
-        c <<= shift;
+        code <<= shift;
         count -= shift;
     }
 
     XRV_INLINE void readByte()
     {
-        const std::uint32_t following = next[1];
+        const int following = next[1];
         if (*next == 0xFF) {
             if (following > 0x8F) {
-                c += 0xFF00;
+                code += 0xFF;
                 count = 8;
             } else {
                 ++next;
-                c += following << 9;
+                code += following << 1;
                 count = 7;
             }
         } else {
             ++next;
-            c += following << 8;
+            code += following;
             count = 8;
         }
     }
 
     const std::uint8_t *next = nullptr;
-    std::uint32_t a = 0, c = 0, count = 0;
+    std::int32_t interval = 0, code = 0; ///< less slack
+    std::int32_t slack = 0;
+    int count = 0; ///< shifts until the next byte
 };
 
 /// Bits of raw passes (D.6), most significant first, with a stuffed bit after a byte of 0xFF. Ones after the end.

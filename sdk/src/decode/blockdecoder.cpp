@@ -27,9 +27,12 @@ constexpr std::uint32_t kAllVisited = 15u << kVisitedShift;
 // Context numbers (table D.1 to D.5): 0-8 significance, 9-13 sign, 14-16 refinement, 17 run length, 18 uniform.
 constexpr int kRefineContext = 14, kRunContext = 17, kUniformContext = 18, kContexts = 19;
 
-/// Significance context of a neighbourhood in a subband (table D.1).
+/// Significance context of a neighbourhood in a subband (table D.1): 0 when no neighbour is significant. Also 0 for a
+/// cell that is significant itself, so that the significance propagation pass has one question to ask.
 std::uint8_t significanceContext(unsigned neighbourhood, int orientation)
 {
+    if (neighbourhood & kSelf)
+        return 0;
     const auto at = [neighbourhood](int bit) { return static_cast<int>(neighbourhood >> bit & 1); };
     int h = at(3) + at(5), v = at(1) + at(7);
     const int d = at(0) + at(2) + at(6) + at(8);
@@ -217,10 +220,10 @@ struct BlockDecoder::Passes
         XRV_INLINE static bool skips(std::uint32_t f) { return (f & kAllSignificance) == 0; }
         template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *word, std::int32_t *cell)
         {
-            const std::uint32_t around = f >> (3 * kRow);
-            if ((around & kSelf) || !(around & kNeighbours))
+            const unsigned context = passes.significanceTable[f >> (3 * kRow) & (kNeighbours | kSelf)];
+            if (context == 0)
                 return;
-            if (mq.decode(passes.contexts[passes.significanceTable[around & kNeighbours]]))
+            if (mq.decode(passes.contexts[context]))
                 passes.becomeSignificant<kRow>(mq, f, word, cell, value);
             f |= 1u << (kVisitedShift + kRow);
         }

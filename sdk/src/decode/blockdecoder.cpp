@@ -216,11 +216,12 @@ struct BlockDecoder::Passes
         Passes &passes;
         MqDecoder mq;
         const std::int32_t value;
+        const std::uint8_t *const table;
 
         XRV_INLINE static bool skips(std::uint32_t f) { return (f & kAllSignificance) == 0; }
         template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *word, std::int32_t *cell)
         {
-            const unsigned context = passes.significanceTable[f >> (3 * kRow) & (kNeighbours | kSelf)];
+            const unsigned context = table[f >> (3 * kRow) & (kNeighbours | kSelf)];
             if (context == 0)
                 return;
             if (mq.decode(passes.contexts[context]))
@@ -232,7 +233,7 @@ struct BlockDecoder::Passes
     /// \a value: one and a half of the bit-plane's weight, doubled.
     void significancePropagation(MqDecoder &decoder, std::int32_t value)
     {
-        SignificancePropagation pass{*this, decoder, value};
+        SignificancePropagation pass{*this, decoder, value, significanceTable};
         forAll(pass);
         decoder = pass.mq;
     }

@@ -19,9 +19,10 @@ Window wholeScene(int imageWidth, int imageHeight)
     return {(imageWidth - width) / 2, (imageHeight - height) / 2, width, height, kPictureWidth, kPictureHeight};
 }
 
+/// Begins off the grid of the tiles, as a person's views do.
 Walk walk(const char *name, int imageWidth, int imageHeight, int cellsPerPixel)
 {
-    Window window = windowAt(0, 0, cellsPerPixel);
+    Window window = windowAt(331, 0, cellsPerPixel);
     int stepX = window.width / 4;
     const int stepY = window.height / 8;
     window.y = std::max(0, (imageHeight - window.height - kPans * stepY) / 2);

@@ -28,8 +28,6 @@ constexpr std::int64_t kMostHighThroughputCells = std::int64_t(192) << 20;
 constexpr std::int64_t kPieceWidth = 512, kPieceHeight = 256;
 /// Coefficients that are decoded before they are put together, so that memory stays bounded.
 constexpr std::int64_t kMostCellsPerBatch = 24 << 20;
-/// What is decoded ends on this grid, so that small pans do not leave slivers.
-constexpr std::int64_t kPieceGrid = 64;
 /// Levels go on until the longer side is no longer than this.
 constexpr std::uint32_t kSmallestLevel = 64;
 /// Weight of the newest measurement in the decoding rate.
@@ -46,21 +44,9 @@ SampleType sampleTypeFor(const MainHeader::Component &component)
     return SampleType::Int32;
 }
 
-/// The canvas rectangle of which \a rect is the part of one component.
-IntRect toCanvas(const IntRect &rect, const ComponentInfo &component)
+std::string incompleteTile(std::uint32_t tile)
 {
-    return {rect.x0 * component.stepX, rect.y0 * component.stepY, rect.x1 * component.stepX, rect.y1 * component.stepY};
-}
-
-IntRect toComponent(const IntRect &canvas, const ComponentInfo &component)
-{
-    return {ceilDiv(canvas.x0, component.stepX), ceilDiv(canvas.y0, component.stepY),
-            ceilDiv(canvas.x1, component.stepX), ceilDiv(canvas.y1, component.stepY)};
-}
-
-IntRect scaledUp(const IntRect &rect, int bits)
-{
-    return {rect.x0 << bits, rect.y0 << bits, rect.x1 << bits, rect.y1 << bits};
+    return "Tile " + std::to_string(tile) + " is incomplete.";
 }
 
 /// Decomposition levels that all of \a components have.
@@ -72,24 +58,6 @@ int minLevels(const TileIndex &index, const std::vector<int> &components)
     return levels;
 }
 
-/// Widened to kPieceGrid within \a bounds.
-IntRect onGrid(const IntRect &rect, const IntRect &bounds)
-{
-    const auto down = [](std::int64_t v) { return v / kPieceGrid * kPieceGrid; };
-    const auto up = [](std::int64_t v) { return (v + kPieceGrid - 1) / kPieceGrid * kPieceGrid; };
-    return IntRect{down(rect.x0), down(rect.y0), up(rect.x1), up(rect.y1)}.intersected(bounds);
-}
-
-/// \a rect in pieces of at most \a width by \a height.
-std::vector<IntRect> inPieces(const IntRect &rect, std::int64_t width, std::int64_t height)
-{
-    std::vector<IntRect> pieces;
-    for (std::int64_t y = rect.y0; y < rect.y1; y += height)
-        for (std::int64_t x = rect.x0; x < rect.x1; x += width)
-            pieces.push_back({x, y, std::min(rect.x1, x + width), std::min(rect.y1, y + height)});
-    return pieces;
-}
-
 } // namespace
 
 CodestreamReader::CodestreamReader(std::shared_ptr<ByteSource> source, ByteRange codestream,
@@ -99,6 +67,7 @@ CodestreamReader::CodestreamReader(std::shared_ptr<ByteSource> source, ByteRange
     , header(std::move(mainHeader))
     , table(this->source, codestream, *header)
     , fileNumber(TileCache::instance().fileNumber(this->source->identity()))
+    , planner(*header, raster, fileNumber)
     , indexes(kIndexBudget)
     , blocks(this->source, *header, fileNumber)
 {
@@ -140,142 +109,15 @@ void CodestreamReader::describe()
     raster.levels = std::max(raster.levels, std::min(raster.codedLevels, 32));
 }
 
-IntRect CodestreamReader::wantedRect(const ReadRequest &request, int component) const
-{
-    const ComponentInfo &info = raster.components[component];
-    const std::int64_t originX = ceilDiv(raster.canvasX0, raster.minStepX);
-    const std::int64_t originY = ceilDiv(raster.canvasY0, raster.minStepY);
-    const IntRect dataset = request.datasetRect.intersected({0, 0, raster.width, raster.height});
-    if (dataset.isEmpty())
-        return {};
-    const std::int64_t stepX = std::int64_t(info.stepX) << request.level, stepY = std::int64_t(info.stepY)
-                                                                                  << request.level;
-    const IntRect cells{(dataset.x0 + originX) * raster.minStepX / stepX - 1,
-                        (dataset.y0 + originY) * raster.minStepY / stepY - 1,
-                        ceilDiv((dataset.x1 + originX) * raster.minStepX, stepX) + 1,
-                        ceilDiv((dataset.y1 + originY) * raster.minStepY, stepY) + 1};
-    return cells.intersected(raster.levelRect(component, request.level));
-}
-
-int CodestreamReader::layersOf(const ReadRequest &request) const
-{
-    return request.qualityLayers > 0 ? std::min(request.qualityLayers, raster.qualityLayers) : raster.qualityLayers;
-}
-
-TileCache::Key CodestreamReader::key(const ReadRequest &request, std::uint32_t tile, int component) const
-{
-    TileCache::Key key;
-    key.file = fileNumber;
-    key.tile = tile;
-    key.level = static_cast<std::uint8_t>(request.level);
-    const int layers =
-        request.qualityLayers > 0 ? std::min(request.qualityLayers, raster.qualityLayers) : raster.qualityLayers;
-    key.layers = static_cast<std::uint16_t>(layers);
-    key.component = static_cast<std::uint16_t>(component);
-    return key;
-}
-
-CodestreamReader::Plan CodestreamReader::plan(const ReadRequest &request)
-{
-    Plan plan;
-    std::vector<IntRect> canvasRects;
-    for (const int c : request.components) {
-        plan.wanted.push_back(wantedRect(request, c));
-        if (!plan.wanted.back().isEmpty())
-            canvasRects.push_back(scaledUp(toCanvas(plan.wanted.back(), raster.components[c]), request.level));
-    }
-    if (canvasRects.empty())
-        return plan;
-    const IntRect canvas =
-        boundingRect(canvasRects).intersected({raster.canvasX0, raster.canvasY0, raster.canvasX1, raster.canvasY1});
-    const std::int64_t column0 = (canvas.x0 - header->tileX0) / header->tileWidth;
-    const std::int64_t column1 = ceilDiv(canvas.x1 - header->tileX0, header->tileWidth);
-    const std::int64_t row0 = (canvas.y0 - header->tileY0) / header->tileHeight;
-    const std::int64_t row1 = ceilDiv(canvas.y1 - header->tileY0, header->tileHeight);
-    for (std::int64_t row = row0; row < row1; ++row)
-        for (std::int64_t column = column0; column < column1; ++column)
-            planTile(request, static_cast<std::uint32_t>(row * header->tilesAcross + column), &plan);
-    return plan;
-}
-
-void CodestreamReader::planTile(const ReadRequest &request, std::uint32_t tile, Plan *plan)
-{
-    const IntRect tileLevel = levelRect(tileRect(*header, tile), request.level);
-    std::vector<std::vector<IntRect>> missing;
-    std::vector<int> missingComponents;
-    bool isWanted = false;
-    for (std::size_t i = 0; i < request.components.size(); ++i) {
-        const int c = request.components[i];
-        const IntRect wanted = plan->wanted[i].intersected(toComponent(tileLevel, raster.components[c]));
-        if (wanted.isEmpty())
-            continue;
-        isWanted = true;
-        std::vector<IntRect> have;
-        for (TileCache::PlanePtr &plane : TileCache::instance().find(key(request, tile, c))) {
-            have.push_back(plane->rect);
-            plan->cached.push_back(std::move(plane));
-        }
-        std::vector<IntRect> rest = subtract(wanted, have);
-        if (rest.empty())
-            continue;
-        for (IntRect &rect : rest)
-            rect = toCanvas(rect, raster.components[c]);
-        missingComponents.push_back(c);
-        missing.push_back(std::move(rest));
-    }
-    plan->tiles += isWanted ? 1 : 0;
-    plan->tilesCached += isWanted && missing.empty() ? 1 : 0;
-    if (!missing.empty())
-        addJobs(request, tile, missing, missingComponents, plan);
-}
-
-std::vector<int> CodestreamReader::withTransformPartners(std::vector<int> components) const
-{
-    std::sort(components.begin(), components.end());
-    components.erase(std::unique(components.begin(), components.end()), components.end());
-    if (header->components.size() < 3 || !header->style.multipleComponentTransform || components.front() > 2)
-        return components;
-    std::vector<int> all{0, 1, 2};
-    for (const int c : components)
-        if (c > 2)
-            all.push_back(c);
-    return all;
-}
-
-void CodestreamReader::addJobs(const ReadRequest &request, std::uint32_t tile,
-                               const std::vector<std::vector<IntRect>> &missing, const std::vector<int> &components,
-                               Plan *plan) const
-{
-    const IntRect whole = levelRect(tileRect(*header, tile), request.level);
-    const std::vector<int> all = withTransformPartners(components);
-    // As a rule all components lack the same, after a pan the two sides of an L.
-    std::vector<IntRect> rects = missing.front();
-    for (const std::vector<IntRect> &ofComponent : missing)
-        if (!(ofComponent == rects)) {
-            std::vector<IntRect> every;
-            for (const std::vector<IntRect> &one : missing)
-                every.insert(every.end(), one.begin(), one.end());
-            rects = {boundingRect(every)};
-            break;
-        }
-    if (header->isHighThroughput)
-        rects = {whole}; // see kMostHighThroughputCells
-    for (const IntRect &rect : rects) {
-        const IntRect widened = onGrid(rect, whole);
-        if (!widened.isEmpty())
-            plan->jobs.push_back({tile, widened, all});
-    }
-}
-
 ReadCost CodestreamReader::cost(const ReadRequest &request)
 {
-    const Plan planned = plan(request);
+    const DecodePlan planned = planner.plan(request);
     ReadCost cost;
     cost.blocks = planned.tiles;
     cost.blocksCached = planned.tilesCached;
     const int averagedLevels = std::max(0, request.level - (raster.codedLevels - 1));
     double cells = 0.0;
-    for (const Job &job : planned.jobs)
+    for (const DecodeJob &job : planned.jobs)
         cells += std::ldexp(double(areaOf(job.levelRect)) * double(job.components.size()), 2 * averagedLevels);
     cost.milliseconds = (cells * nanosecondsPerCell * 1e-6 + double(planned.jobs.size()) * kMillisecondsPerJob) /
                         double(DecodePool::threads());
@@ -284,7 +126,7 @@ ReadCost CodestreamReader::cost(const ReadRequest &request)
 
 CError CodestreamReader::read(const ReadRequest &request, ReadResult *result)
 {
-    Plan planned = plan(request);
+    DecodePlan planned = planner.plan(request);
     std::vector<Decoded> decoded(planned.jobs.size());
     if (CError error = decodeAll(request, planned.jobs, &decoded))
         return error;
@@ -308,7 +150,7 @@ CError CodestreamReader::read(const ReadRequest &request, ReadResult *result)
     return {};
 }
 
-CError CodestreamReader::decodeAll(const ReadRequest &request, const std::vector<Job> &jobs,
+CError CodestreamReader::decodeAll(const ReadRequest &request, const std::vector<DecodeJob> &jobs,
                                    std::vector<Decoded> *decoded)
 {
     if (jobs.empty())
@@ -328,7 +170,7 @@ CError CodestreamReader::decodeAll(const ReadRequest &request, const std::vector
     }
     const int threads = others.empty() ? 1 : std::max(1, DecodePool::threads() / static_cast<int>(others.size()));
     CError error = runAll(others.size(), request.cancel, [&](std::size_t i) {
-        const Job &job = jobs[others[i]];
+        const DecodeJob &job = jobs[others[i]];
         return decodeWhole(request, job, *tileIndexes[others[i]], threads, &(*decoded)[others[i]]);
     });
     const double elapsed = std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count();
@@ -338,7 +180,7 @@ CError CodestreamReader::decodeAll(const ReadRequest &request, const std::vector
     return error;
 }
 
-CError CodestreamReader::loadIndexes(const ReadRequest &request, const std::vector<Job> &jobs,
+CError CodestreamReader::loadIndexes(const ReadRequest &request, const std::vector<DecodeJob> &jobs,
                                      std::vector<TileIndexPtr> *tileIndexes)
 {
     tileIndexes->resize(jobs.size());
@@ -354,92 +196,102 @@ CError CodestreamReader::loadIndexes(const ReadRequest &request, const std::vect
     return error;
 }
 
-namespace {
-
-/// A piece of a job that is put together in one go.
-struct Piece
+struct CodestreamReader::Batch
 {
-    std::size_t job;
-    IntRect region; ///< on the canvas of the coded level
-    std::size_t request;
+    /// A piece of a job that is put together in one go.
+    struct Piece
+    {
+        std::size_t job;
+        std::size_t request;
+        int discarded;  ///< resolutions left out
+        IntRect region; ///< on the canvas of the coded level
+    };
+    std::vector<BlockRequest> requests;
+    std::vector<Piece> pieces;
+    std::int64_t cells = 0;
 };
 
-} // namespace
-
-CError CodestreamReader::decodeByBlocks(const ReadRequest &request, const std::vector<Job> &jobs,
+CError CodestreamReader::decodeByBlocks(const ReadRequest &request, const std::vector<DecodeJob> &jobs,
                                         const std::vector<TileIndexPtr> &tileIndexes, std::vector<Decoded> *decoded)
 {
-    for (std::size_t first = 0; first < jobs.size();) {
-        std::vector<BlockRequest> requests;
-        std::vector<Piece> pieces;
-        std::int64_t cells = 0;
-        for (; first < jobs.size() && cells < kMostCellsPerBatch; ++first) {
-            const Job &job = jobs[first];
-            const TileIndexPtr &index = tileIndexes[first];
+    for (std::size_t next = 0; next < jobs.size();) {
+        Batch batch;
+        for (; next < jobs.size() && batch.cells < kMostCellsPerBatch; ++next) {
+            const TileIndexPtr &index = tileIndexes[next];
             if (index->isMissing() || !TileSynthesis::supports(*header, *index))
                 continue;
-            if (index->isTruncated()) {
-                (*decoded)[first].damage = "Tile " + std::to_string(job.tile) + " is incomplete.";
-                if (!request.resilient)
-                    return CError(PLK_ERR_TRUNCATED, (*decoded)[first].damage);
-            }
-            const int discarded = std::min(request.level, minLevels(*index, job.components));
-            const int averagedLevels = request.level - discarded;
-            const IntRect region =
-                scaledUp(job.levelRect, averagedLevels).intersected(levelRect(index->rect(), discarded));
-            BlockRequest blockRequest{{job.tile, index, std::min(layersOf(request), index->packets().layers())}, {}};
-            for (const int c : job.components) {
-                const IntRect rect = toComponent(region, raster.components[c]);
-                if (rect.isEmpty())
-                    continue;
-                const std::vector<BlockPlace> places = blocksFor(componentRect(index->rect(), header->components[c]),
-                                                                 index->style().components[c], c, discarded, rect);
-                blockRequest.blocks.insert(blockRequest.blocks.end(), places.begin(), places.end());
-                cells += areaOf(rect);
-            }
-            // Cut where averaged cells begin.
-            for (const IntRect &piece :
-                 inPieces(job.levelRect, std::max<std::int64_t>(1, kPieceWidth >> averagedLevels),
-                          std::max<std::int64_t>(1, kPieceHeight >> averagedLevels)))
-                pieces.push_back({first, scaledUp(piece, averagedLevels).intersected(region), requests.size()});
-            requests.push_back(std::move(blockRequest));
+            if (CError error = addToBatch(request, jobs, next, index, &batch, &(*decoded)[next]))
+                return error;
         }
-        std::vector<BlockSet> sets;
-        std::string damage;
-        if (CError error = blocks.fetch(requests, request.resilient, request.cancel, &sets, &damage))
-            return error;
-        std::mutex mutex; // guards decoded
-        CError error = runAll(pieces.size(), request.cancel, [&](std::size_t i) {
-            const Piece &piece = pieces[i];
-            const Job &job = jobs[piece.job];
-            const TileToDecode &tile = requests[piece.request].tile;
-            const int discarded = std::min(request.level, minLevels(*tile.index, job.components));
-            std::vector<Plane> planes =
-                TileSynthesis(*header, tile).planes(sets[piece.request], job.components, discarded, piece.region);
-            Decoded ofPiece;
-            for (Plane &plane : planes)
-                keep(request, job, std::move(plane), request.level - discarded, &ofPiece);
-            std::lock_guard<std::mutex> lock(mutex);
-            Decoded &all = (*decoded)[piece.job];
-            all.planes.insert(all.planes.end(), ofPiece.planes.begin(), ofPiece.planes.end());
-            if (all.damage.empty())
-                all.damage = damage;
-            return CError();
-        });
-        if (error)
+        if (CError error = decodeBatch(request, jobs, batch, decoded))
             return error;
     }
     return {};
 }
 
-CError CodestreamReader::decodeWhole(const ReadRequest &request, const Job &job, const TileIndex &index, int threads,
-                                     Decoded *decoded)
+CError CodestreamReader::addToBatch(const ReadRequest &request, const std::vector<DecodeJob> &jobs, std::size_t number,
+                                    const TileIndexPtr &index, Batch *batch, Decoded *decoded) const
+{
+    const DecodeJob &job = jobs[number];
+    if (index->isTruncated()) {
+        decoded->damage = incompleteTile(job.tile);
+        if (!request.resilient)
+            return CError(PLK_ERR_TRUNCATED, decoded->damage);
+    }
+    const int discarded = std::min(request.level, minLevels(*index, job.components));
+    const int averagedLevels = request.level - discarded;
+    const IntRect region = scaledUp(job.levelRect, averagedLevels).intersected(levelRect(index->rect(), discarded));
+    BlockRequest blockRequest{{job.tile, index, std::min(planner.layersOf(request), index->packets().layers())}, {}};
+    for (const int c : job.components) {
+        const IntRect rect = toComponent(region, raster.components[c]);
+        if (rect.isEmpty())
+            continue;
+        const std::vector<BlockPlace> places = blocksFor(componentRect(index->rect(), header->components[c]),
+                                                         index->style().components[c], c, discarded, rect);
+        blockRequest.blocks.insert(blockRequest.blocks.end(), places.begin(), places.end());
+        batch->cells += areaOf(rect);
+    }
+    // Cut where averaged cells begin.
+    for (const IntRect &piece : inPieces(job.levelRect, std::max<std::int64_t>(1, kPieceWidth >> averagedLevels),
+                                         std::max<std::int64_t>(1, kPieceHeight >> averagedLevels)))
+        batch->pieces.push_back(
+            {number, batch->requests.size(), discarded, scaledUp(piece, averagedLevels).intersected(region)});
+    batch->requests.push_back(std::move(blockRequest));
+    return {};
+}
+
+CError CodestreamReader::decodeBatch(const ReadRequest &request, const std::vector<DecodeJob> &jobs, const Batch &batch,
+                                     std::vector<Decoded> *decoded)
+{
+    std::vector<BlockSet> sets;
+    std::string damage;
+    if (CError error = blocks.fetch(batch.requests, request.resilient, request.cancel, &sets, &damage))
+        return error;
+    std::mutex mutex; // guards decoded
+    return runAll(batch.pieces.size(), request.cancel, [&](std::size_t i) {
+        const Batch::Piece &piece = batch.pieces[i];
+        const DecodeJob &job = jobs[piece.job];
+        const TileSynthesis synthesis(*header, batch.requests[piece.request].tile);
+        Decoded ofPiece;
+        for (Plane &plane : synthesis.planes(sets[piece.request], job.components, piece.discarded, piece.region))
+            keep(request, job, std::move(plane), request.level - piece.discarded, &ofPiece);
+        std::lock_guard<std::mutex> lock(mutex);
+        Decoded &all = (*decoded)[piece.job];
+        all.planes.insert(all.planes.end(), ofPiece.planes.begin(), ofPiece.planes.end());
+        if (all.damage.empty())
+            all.damage = damage;
+        return CError();
+    });
+}
+
+CError CodestreamReader::decodeWhole(const ReadRequest &request, const DecodeJob &job, const TileIndex &index,
+                                     int threads, Decoded *decoded)
 {
     CError error;
     if (index.isMissing())
         error = CError(PLK_ERR_TRUNCATED, "Tile " + std::to_string(job.tile) + " is missing.");
     if (error.IsSuccess() && index.isTruncated()) {
-        decoded->damage = "Tile " + std::to_string(job.tile) + " is incomplete.";
+        decoded->damage = incompleteTile(job.tile);
         if (!request.resilient)
             error = CError(PLK_ERR_TRUNCATED, decoded->damage);
     }
@@ -452,7 +304,7 @@ CError CodestreamReader::decodeWhole(const ReadRequest &request, const Job &job,
         return CError(PLK_ERR_UNSUPPORTED, "The tiles of this high-throughput image are too large to be decoded.");
     const bool isSmall = header->isHighThroughput || tileCells <= kMostCellsPerJob;
     for (const IntRect &piece : isSmall ? std::vector<IntRect>{job.levelRect} : inPieces(job.levelRect, side, side)) {
-        const Job part{job.tile, piece, job.components};
+        const DecodeJob part{job.tile, piece, job.components};
         if (request.cancel.isRaised())
             return CError(PLK_ERR_CANCELLED, "The read was cancelled.");
         if (CError failed = settle(request, part, decodeCells(request, part, index, threads, decoded), decoded))
@@ -461,7 +313,7 @@ CError CodestreamReader::decodeWhole(const ReadRequest &request, const Job &job,
     return {};
 }
 
-CError CodestreamReader::settle(const ReadRequest &request, const Job &job, CError error, Decoded *decoded)
+CError CodestreamReader::settle(const ReadRequest &request, const DecodeJob &job, CError error, Decoded *decoded)
 {
     const int code = error.GetErrorNumber();
     const bool isDamage = code == PLK_ERR_DECODE || code == PLK_ERR_TRUNCATED || code == PLK_ERR_MALFORMED;
@@ -475,8 +327,8 @@ CError CodestreamReader::settle(const ReadRequest &request, const Job &job, CErr
     return {};
 }
 
-CError CodestreamReader::decodeCells(const ReadRequest &request, const Job &job, const TileIndex &index, int threads,
-                                     Decoded *decoded)
+CError CodestreamReader::decodeCells(const ReadRequest &request, const DecodeJob &job, const TileIndex &index,
+                                     int threads, Decoded *decoded)
 {
     const int discarded = std::min(request.level, index.style().minDecompositionLevels());
     const int averagedLevels = request.level - discarded;
@@ -519,7 +371,7 @@ CError CodestreamReader::decodeCells(const ReadRequest &request, const Job &job,
     return {};
 }
 
-void CodestreamReader::keep(const ReadRequest &request, const Job &job, Plane plane, int averagedLevels,
+void CodestreamReader::keep(const ReadRequest &request, const DecodeJob &job, Plane plane, int averagedLevels,
                             Decoded *decoded)
 {
     const int component = plane.component;
@@ -528,7 +380,7 @@ void CodestreamReader::keep(const ReadRequest &request, const Job &job, Plane pl
     if (shared->rect.isEmpty())
         return;
     decoded->planes.push_back(shared);
-    TileCache::instance().insert(key(request, job.tile, component), std::move(shared));
+    TileCache::instance().insert(planner.key(request, job.tile, component), std::move(shared));
 }
 
 CError CodestreamReader::tileIndex(std::uint32_t tile, TileIndexPtr *index)

@@ -29,7 +29,7 @@ constexpr Row kRows[47] = {
 
 #define XRV_MQ_ENTRY(row, symbol)                                                                                      \
     {                                                                                                                  \
-        kRows[row].qe << 8, symbol,                                                                                         \
+        kRows[row].qe << 8, symbol,                                                                                    \
         {                                                                                                              \
             kMqStates + (kRows[row].nextMps * 2 + symbol),                                                             \
                 kMqStates + (kRows[row].nextLps * 2 + (symbol ^ kRows[row].exchange))                                  \

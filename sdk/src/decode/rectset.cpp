@@ -1,5 +1,7 @@
 #include "rectset.h"
 
+#include "../codestream/canvas.h"
+
 #include <algorithm>
 
 namespace xrv {
@@ -48,6 +50,31 @@ IntRect boundingRect(const std::vector<IntRect> &rects)
         bounds = {std::min(bounds.x0, rect.x0), std::min(bounds.y0, rect.y0), std::max(bounds.x1, rect.x1),
                   std::max(bounds.y1, rect.y1)};
     return bounds;
+}
+
+std::vector<IntRect> inPieces(const IntRect &rect, std::int64_t width, std::int64_t height)
+{
+    std::vector<IntRect> pieces;
+    for (std::int64_t y = rect.y0; y < rect.y1; y += height)
+        for (std::int64_t x = rect.x0; x < rect.x1; x += width)
+            pieces.push_back({x, y, std::min(rect.x1, x + width), std::min(rect.y1, y + height)});
+    return pieces;
+}
+
+IntRect toCanvas(const IntRect &rect, const ComponentInfo &component)
+{
+    return {rect.x0 * component.stepX, rect.y0 * component.stepY, rect.x1 * component.stepX, rect.y1 * component.stepY};
+}
+
+IntRect toComponent(const IntRect &canvas, const ComponentInfo &component)
+{
+    return {ceilDiv(canvas.x0, component.stepX), ceilDiv(canvas.y0, component.stepY),
+            ceilDiv(canvas.x1, component.stepX), ceilDiv(canvas.y1, component.stepY)};
+}
+
+IntRect scaledUp(const IntRect &rect, int bits)
+{
+    return {rect.x0 << bits, rect.y0 << bits, rect.x1 << bits, rect.y1 << bits};
 }
 
 } // namespace xrv

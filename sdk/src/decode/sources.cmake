@@ -2,6 +2,7 @@ set(stage_sources
     blockdecoder.cpp
     blockstore.cpp
     codestreamreader.cpp
+    decodeplanner.cpp
     decodepool.cpp
     mqdecoder.cpp
     openjpegdecoder.cpp

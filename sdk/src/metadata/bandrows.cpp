@@ -1,6 +1,7 @@
 #include "bandrows.h"
 
 #include "../config/logger.h"
+#include "../decode/planerow.h"
 
 #include <xrv60/plklog.h>
 
@@ -17,25 +18,6 @@ namespace {
 std::int64_t ceilDivided(std::int64_t value, std::int64_t divisor)
 {
     return (value + divisor - 1) / divisor;
-}
-
-/// Calls \a use with a pointer to row \a y of \a plane in its own type.
-template <typename Use> void withRow(const Plane &plane, std::int64_t y, Use use)
-{
-    switch (plane.type) {
-    case SampleType::UInt8:
-        return use(plane.row<std::uint8_t>(y));
-    case SampleType::Int8:
-        return use(plane.row<std::int8_t>(y));
-    case SampleType::UInt16:
-        return use(plane.row<std::uint16_t>(y));
-    case SampleType::Int16:
-        return use(plane.row<std::int16_t>(y));
-    case SampleType::Int32:
-        return use(plane.row<std::int32_t>(y));
-    case SampleType::UInt32:
-        return use(plane.row<std::uint32_t>(y));
-    }
 }
 
 /// Nearest cell of \a plane for every cell [x0, x1) of row \a y of a grid with steps \a stepX and \a stepY.

@@ -1,5 +1,7 @@
 #include "planerows.h"
 
+#include "../decode/planerow.h"
+
 #include <algorithm>
 #include <limits>
 #include <type_traits>
@@ -8,24 +10,10 @@ namespace xrv {
 
 namespace {
 
-/// Calls \a use with a pointer to the typed cells of \a row.
-template <typename Use> void withRow(const Plane &plane, std::int64_t row, Use use)
+/// The row nearest to \a row that there is.
+template <typename Use> void withNearestRow(const Plane &plane, std::int64_t row, Use use)
 {
-    const std::int64_t y = std::clamp(row, plane.rect.y0, plane.rect.y1 - 1);
-    switch (plane.type) {
-    case SampleType::UInt8:
-        return use(plane.row<std::uint8_t>(y));
-    case SampleType::Int8:
-        return use(plane.row<std::int8_t>(y));
-    case SampleType::UInt16:
-        return use(plane.row<std::uint16_t>(y));
-    case SampleType::Int16:
-        return use(plane.row<std::int16_t>(y));
-    case SampleType::Int32:
-        return use(plane.row<std::int32_t>(y));
-    case SampleType::UInt32:
-        return use(plane.row<std::uint32_t>(y));
-    }
+    withRow(plane, std::clamp(row, plane.rect.y0, plane.rect.y1 - 1), use);
 }
 
 template <typename Cell> std::int32_t toInt32(Cell cell)
@@ -76,7 +64,7 @@ template <typename Cell> void pickOrBlend(const Cell *row, const ColumnTaps &tap
 void readRow(const Plane &plane, std::int64_t row, std::int32_t *cells)
 {
     const std::int64_t width = plane.rect.width();
-    withRow(plane, row, [=](auto *from) {
+    withNearestRow(plane, row, [=](auto *from) {
         for (std::int64_t i = 0; i < width; ++i)
             cells[i] = toInt32(from[i]);
     });
@@ -84,12 +72,12 @@ void readRow(const Plane &plane, std::int64_t row, std::int32_t *cells)
 
 void pickRow(const Plane &plane, std::int64_t row, const ColumnTaps &taps, std::int32_t *cells)
 {
-    withRow(plane, row, [&](auto *from) { pick(from, taps, cells, [](auto cell) { return toInt32(cell); }); });
+    withNearestRow(plane, row, [&](auto *from) { pick(from, taps, cells, [](auto cell) { return toInt32(cell); }); });
 }
 
 void pickBytes(const Plane &plane, std::int64_t row, const ColumnTaps &taps, const ByteMap &map, std::uint8_t *bytes)
 {
-    withRow(plane, row, [&](auto *from) {
+    withNearestRow(plane, row, [&](auto *from) {
         using Cell = std::remove_const_t<std::remove_pointer_t<decltype(from)>>;
         const std::uint8_t *table = map.tableForStored(sizeof(Cell), std::is_signed_v<Cell>);
         if (table == nullptr)
@@ -103,7 +91,7 @@ void pickBytes(const Plane &plane, std::int64_t row, const ColumnTaps &taps, con
 
 void blendRow(const Plane &plane, std::int64_t row, const ColumnTaps &taps, double *cells)
 {
-    withRow(plane, row, [&](auto *from) { pickOrBlend(from, taps, cells); });
+    withNearestRow(plane, row, [&](auto *from) { pickOrBlend(from, taps, cells); });
 }
 
 void blendRow(const double *row, const ColumnTaps &taps, double *cells)

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "../codestream/mainheader.h"
+#include "rasterreader.h"
+#include "tilecache.h"
+
+#include <vector>
+
+namespace xrv {
+
+/// A piece of a tile that has to be decoded.
+struct DecodeJob
+{
+    std::uint32_t tile = 0;
+    IntRect levelRect;           ///< on the level's canvas
+    std::vector<int> components; ///< ascending
+};
+
+/// What a request comes down to.
+struct DecodePlan
+{
+    std::vector<IntRect> wanted; ///< per requested component, component level coordinates
+    std::vector<TileCache::PlanePtr> cached;
+    std::vector<DecodeJob> jobs; ///< by tile
+    std::uint64_t tiles = 0, tilesCached = 0;
+};
+
+/// Finds out what of a request is in the tile cache and which pieces of which tiles have to be decoded. Any thread.
+class DecodePlanner
+{
+public:
+    DecodePlanner(const MainHeader &header, const RasterInfo &raster, std::uint64_t fileNumber)
+        : header(header)
+        , raster(raster)
+        , fileNumber(fileNumber)
+    {
+    }
+
+    DecodePlan plan(const ReadRequest &request) const;
+    /// Quality layers to decode, 1 and up.
+    int layersOf(const ReadRequest &request) const;
+    /// Key of a component's samples in the tile cache.
+    TileCache::Key key(const ReadRequest &request, std::uint32_t tile, int component) const;
+
+private:
+    IntRect wantedRect(const ReadRequest &request, int component) const;
+    void planTile(const ReadRequest &request, std::uint32_t tile, DecodePlan *plan) const;
+    void addJobs(const ReadRequest &request, std::uint32_t tile, const std::vector<std::vector<IntRect>> &missing,
+                 const std::vector<int> &components, DecodePlan *plan) const;
+    std::vector<int> withTransformPartners(std::vector<int> components) const;
+
+    const MainHeader &header;
+    const RasterInfo &raster;
+    const std::uint64_t fileNumber;
+};
+
+} // namespace xrv

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "rasterreader.h"
+
+namespace xrv {
+
+/// Calls \a use with a pointer to row \a y of \a plane in its own type.
+template <typename Use> void withRow(const Plane &plane, std::int64_t y, Use use)
+{
+    switch (plane.type) {
+    case SampleType::UInt8:
+        return use(plane.row<std::uint8_t>(y));
+    case SampleType::Int8:
+        return use(plane.row<std::int8_t>(y));
+    case SampleType::UInt16:
+        return use(plane.row<std::uint16_t>(y));
+    case SampleType::Int16:
+        return use(plane.row<std::int16_t>(y));
+    case SampleType::Int32:
+        return use(plane.row<std::int32_t>(y));
+    case SampleType::UInt32:
+        return use(plane.row<std::uint32_t>(y));
+    }
+}
+
+} // namespace xrv

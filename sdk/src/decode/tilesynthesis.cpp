@@ -3,6 +3,7 @@
 #include "planeops.h"
 #include "quantization.h"
 #include "wavelet.h"
+#include "wrappingsum.h"
 
 #include <algorithm>
 
@@ -35,8 +36,8 @@ void copyBlock(const Plane &block, const IntRect &common, float halfStep, Grid<T
 void inverseTransform(std::int32_t *a, std::int32_t *b, std::int32_t *c, std::int64_t count)
 {
     for (std::int64_t i = 0; i < count; ++i) {
-        const std::int32_t green = a[i] - ((b[i] + c[i]) >> 2);
-        const std::int32_t red = c[i] + green, blue = b[i] + green;
+        const std::int32_t green = differenceOf(a[i], sumOf(b[i], c[i]) >> 2);
+        const std::int32_t red = sumOf(c[i], green), blue = sumOf(b[i], green);
         a[i] = red;
         b[i] = green;
         c[i] = blue;
@@ -68,13 +69,14 @@ void storeRow(const std::int32_t *from, std::int64_t count, const SampleRange &r
         to[i] = static_cast<Sample>(std::min(std::max(from[i], lowest), highest) + range.shift);
 }
 
-/// Rounds by cutting off what is not negative, which the compiler turns into vector instructions.
+/// Rounds by cutting off what is not negative, which the compiler turns into vector instructions. What is no number
+/// becomes the lowest sample.
 template <typename Sample> void storeRow(const float *from, std::int64_t count, const SampleRange &range, Sample *to)
 {
     const float offset = static_cast<float>(range.shift - range.low) + 0.5f;
     const auto highest = static_cast<float>(range.high - range.low);
     for (std::int64_t i = 0; i < count; ++i) {
-        const float value = std::min(std::max(from[i] + offset, 0.0f), highest + 0.25f);
+        const float value = std::min(highest + 0.25f, std::max(0.0f, from[i] + offset));
         to[i] = static_cast<Sample>(static_cast<std::int32_t>(value) + range.low);
     }
 }

@@ -1,6 +1,7 @@
 #include "wavelet.h"
 
 #include "../codestream/canvas.h"
+#include "wrappingsum.h"
 
 #include <algorithm>
 #include <cstring>
@@ -26,13 +27,13 @@ IntRect reached(const IntRect &resolutionRect, const IntRect &region)
 void liftEven(std::int32_t *to, const std::int32_t *a, const std::int32_t *b, std::int64_t count)
 {
     for (std::int64_t i = 0; i < count; ++i)
-        to[i] -= (a[i] + b[i] + 2) >> 2;
+        to[i] = differenceOf(to[i], sumOf(sumOf(a[i], b[i]), 2) >> 2);
 }
 
 void liftOdd(std::int32_t *to, const std::int32_t *a, const std::int32_t *b, std::int64_t count)
 {
     for (std::int64_t i = 0; i < count; ++i)
-        to[i] += (a[i] + b[i]) >> 1;
+        to[i] = sumOf(to[i], sumOf(a[i], b[i]) >> 1);
 }
 
 void lift(float *to, const float *a, const float *b, float factor, std::int64_t count)

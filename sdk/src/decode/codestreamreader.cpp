@@ -168,10 +168,9 @@ CError CodestreamReader::decodeAll(const ReadRequest &request, const std::vector
         if (!TileSynthesis::supports(*header, *tileIndexes[i]))
             others.push_back(i);
     }
-    const int threads = others.empty() ? 1 : std::max(1, DecodePool::threads() / static_cast<int>(others.size()));
     CError error = runAll(others.size(), request.cancel, [&](std::size_t i) {
         const DecodeJob &job = jobs[others[i]];
-        return decodeWhole(request, job, *tileIndexes[others[i]], threads, &(*decoded)[others[i]]);
+        return decodeWhole(request, job, *tileIndexes[others[i]], &(*decoded)[others[i]]);
     });
     const double elapsed = std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count();
     if (error.IsSuccess() && cells > 50000.0)
@@ -285,7 +284,7 @@ CError CodestreamReader::decodeBatch(const ReadRequest &request, const std::vect
 }
 
 CError CodestreamReader::decodeWhole(const ReadRequest &request, const DecodeJob &job, const TileIndex &index,
-                                     int threads, Decoded *decoded)
+                                     Decoded *decoded)
 {
     CError error;
     if (index.isMissing())
@@ -307,7 +306,7 @@ CError CodestreamReader::decodeWhole(const ReadRequest &request, const DecodeJob
         const DecodeJob part{job.tile, piece, job.components};
         if (request.cancel.isRaised())
             return CError(PLK_ERR_CANCELLED, "The read was cancelled.");
-        if (CError failed = settle(request, part, decodeCells(request, part, index, threads, decoded), decoded))
+        if (CError failed = settle(request, part, decodeCells(request, part, index, decoded), decoded))
             return failed;
     }
     return {};
@@ -328,7 +327,7 @@ CError CodestreamReader::settle(const ReadRequest &request, const DecodeJob &job
 }
 
 CError CodestreamReader::decodeCells(const ReadRequest &request, const DecodeJob &job, const TileIndex &index,
-                                     int threads, Decoded *decoded)
+                                     Decoded *decoded)
 {
     const int discarded = std::min(request.level, index.style().minDecompositionLevels());
     const int averagedLevels = request.level - discarded;
@@ -347,14 +346,11 @@ CError CodestreamReader::decodeCells(const ReadRequest &request, const DecodeJob
     decode.isWholeTile = region == codedTile;
     decode.area =
         scaledUp(region, small.levelsToDiscard).intersected(levelRect(index.rect(), discarded - small.levelsToDiscard));
-    decode.isStrict = !request.resilient;
-    decode.threads = threads;
     const bool hasTransform = index.style().multipleComponentTransform && job.components.front() <= 2;
     if (small.hasAllComponents && !hasTransform && job.components.size() < header->components.size())
         decode.components = job.components;
     std::vector<DecodedComponent> cells;
-    std::string warning;
-    if (CError error = decodeWithOpenJpeg(decode, &cells, &warning))
+    if (CError error = decodeWithOpenJpeg(decode, &cells))
         return CError(error.GetErrorNumber(),
                       "Tile " + std::to_string(job.tile) + " cannot be decoded: " + error.GetErrorMessage());
 
@@ -406,7 +402,11 @@ CError RasterReader::open(std::shared_ptr<ByteSource> source, ByteRange codestre
     auto header = std::make_unique<MainHeader>();
     if (CError error = readMainHeader(*source, codestream, header.get()))
         return error;
-    *reader = std::make_unique<CodestreamReader>(std::move(source), codestream, std::move(header));
+    auto made = std::make_unique<CodestreamReader>(std::move(source), codestream, std::move(header));
+    if (made->info().width == 0 || made->info().height == 0)
+        return CError(PLK_ERR_MALFORMED,
+                      "The image has no cells: its components are sampled more coarsely than it is large.");
+    *reader = std::move(made);
     return {};
 }
 

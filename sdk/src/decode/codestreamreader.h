@@ -47,10 +47,8 @@ private:
                            const TileIndexPtr &index, Batch *batch, Decoded *decoded) const;
     PLK::CError decodeBatch(const ReadRequest &request, const std::vector<DecodeJob> &jobs, const Batch &batch,
                             std::vector<Decoded> *decoded);
-    PLK::CError decodeWhole(const ReadRequest &request, const DecodeJob &job, const TileIndex &index, int threads,
-                            Decoded *decoded);
-    PLK::CError decodeCells(const ReadRequest &request, const DecodeJob &job, const TileIndex &index, int threads,
-                            Decoded *decoded);
+    PLK::CError decodeWhole(const ReadRequest &request, const DecodeJob &job, const TileIndex &index, Decoded *decoded);
+    PLK::CError decodeCells(const ReadRequest &request, const DecodeJob &job, const TileIndex &index, Decoded *decoded);
     /// Decides what an error of a tile means: nothing cells with a note of the damage, or the end of the read.
     PLK::CError settle(const ReadRequest &request, const DecodeJob &job, PLK::CError error, Decoded *decoded);
     void keep(const ReadRequest &request, const DecodeJob &job, Plane plane, int averagedLevels, Decoded *decoded);

@@ -66,12 +66,6 @@ OPJ_BOOL seekTo(OPJ_OFF_T position, void *user)
     return OPJ_TRUE;
 }
 
-/// What the codec says during one decode.
-struct Messages
-{
-    std::string error, warning;
-};
-
 std::string trimmed(const char *text)
 {
     std::string result = text;
@@ -80,18 +74,12 @@ std::string trimmed(const char *text)
     return result;
 }
 
+/// Keeps the first error.
 void keepError(const char *text, void *user)
 {
-    auto *messages = static_cast<Messages *>(user);
-    if (messages->error.empty())
-        messages->error = trimmed(text);
-}
-
-void keepWarning(const char *text, void *user)
-{
-    auto *messages = static_cast<Messages *>(user);
-    if (messages->warning.empty())
-        messages->warning = trimmed(text);
+    auto *error = static_cast<std::string *>(user);
+    if (error->empty())
+        *error = trimmed(text);
 }
 
 /// One decode from header to cells.
@@ -104,13 +92,11 @@ public:
     {
     }
 
-    CError run(std::vector<DecodedComponent> *components, std::string *damage)
+    CError run(std::vector<DecodedComponent> *components)
     {
         const bool decoded = open() && select() && opj_decode(codec.get(), stream.get(), image.get());
         if (!decoded)
-            return CError(PLK_ERR_DECODE,
-                          messages.error.empty() ? "The tile cannot be decoded." : messages.error + ".");
-        *damage = messages.warning;
+            return CError(PLK_ERR_DECODE, errorText.empty() ? "The tile cannot be decoded." : errorText + ".");
         return takeCells(components);
     }
 
@@ -126,17 +112,14 @@ private:
         opj_stream_set_seek_function(stream.get(), seekTo);
         opj_stream_set_user_data(stream.get(), &reader, nullptr);
         opj_stream_set_user_data_length(stream.get(), request.codestream->bytes.size());
-        opj_set_error_handler(codec.get(), keepError, &messages);
-        opj_set_warning_handler(codec.get(), keepWarning, &messages);
+        opj_set_error_handler(codec.get(), keepError, &errorText);
         opj_dparameters_t parameters;
         opj_set_default_decoder_parameters(&parameters);
         parameters.cp_reduce = static_cast<OPJ_UINT32>(request.codestream->levelsToDiscard);
         parameters.cp_layer = static_cast<OPJ_UINT32>(request.codestream->layersToDecode);
         if (!opj_setup_decoder(codec.get(), &parameters))
             return false;
-        opj_decoder_set_strict_mode(codec.get(), request.isStrict ? OPJ_TRUE : OPJ_FALSE);
-        if (request.threads > 1)
-            opj_codec_set_threads(codec.get(), request.threads);
+        opj_decoder_set_strict_mode(codec.get(), OPJ_TRUE);
         opj_image_t *header = nullptr;
         const bool read = opj_read_header(stream.get(), codec.get(), &header);
         image.reset(header);
@@ -179,7 +162,7 @@ private:
 
     const OpenJpegRequest &request;
     MemoryReader reader;
-    Messages messages;
+    std::string errorText; ///< what the codec said first
     StreamPtr stream;
     CodecPtr codec;
     ImagePtr image;
@@ -187,11 +170,10 @@ private:
 
 } // namespace
 
-CError decodeWithOpenJpeg(const OpenJpegRequest &request, std::vector<DecodedComponent> *components,
-                          std::string *damage)
+CError decodeWithOpenJpeg(const OpenJpegRequest &request, std::vector<DecodedComponent> *components)
 {
     try {
-        return Decode(request).run(components, damage);
+        return Decode(request).run(components);
     } catch (const std::bad_alloc &) {
         return CError(PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to decode a tile.");
     }

@@ -15,8 +15,6 @@ struct OpenJpegRequest
     IntRect area;                ///< on the codestream's canvas; all of the tile decodes fastest
     bool isWholeTile = false;    ///< area is all of the tile
     std::vector<int> components; ///< to decode, indices in the codestream; all when empty
-    bool isStrict = false;       ///< damage is an error
-    int threads = 1;
 };
 
 /// Cells of one component as OpenJPEG gives them.
@@ -26,9 +24,10 @@ struct DecodedComponent
     std::vector<std::int32_t> cells; ///< rows packed
 };
 
-/// Decodes with OpenJPEG. PLK_ERR_DECODE with what the codec said, PLK_ERR_OUT_OF_MEMORY. \a damage is set to the
-/// codec's first warning about missing or damaged data when it went on all the same.
-PLK::CError decodeWithOpenJpeg(const OpenJpegRequest &request, std::vector<DecodedComponent> *components,
-                               std::string *damage);
+/// Decodes with OpenJPEG. PLK_ERR_DECODE with what the codec said, PLK_ERR_OUT_OF_MEMORY.
+///
+/// Damage is always an error, and the codec has no threads of its own: when it is to go on with damaged data, or
+/// decodes them on several threads, release 2.5.0 reads beyond its buffers.
+PLK::CError decodeWithOpenJpeg(const OpenJpegRequest &request, std::vector<DecodedComponent> *components);
 
 } // namespace xrv

@@ -98,6 +98,8 @@ private slots:
     void componentsOneByOne();
     void cutShort();
     void manyComponents();
+    void damagedBytes();
+    void noCells();
 };
 
 void TestRasterReader::agreesWithPeer_data()
@@ -350,6 +352,68 @@ void TestRasterReader::manyComponents()
     const std::vector<PeerComponent> peer = decodeWithPeer(bytes, 0, 0);
     for (std::int64_t i = 0; i < 64; ++i)
         QCOMPARE(cellAt(result.planes[0], i % 8, i / 8), std::int64_t(peer[698].cells[std::size_t(i)]));
+}
+
+/// Bytes changed at random: an answer or an error with a sentence, never more; the sanitizers look on.
+void TestRasterReader::damagedBytes()
+{
+    std::vector<Bytes> files;
+    for (int kind = 0; kind < 4; ++kind) {
+        Options options = base(150, 110, kind == 1 ? 3 : 1);
+        options.plt = kind == 0;
+        options.reversible = kind != 2;
+        options.componentTransform = kind == 1;
+        options.codeBlockStyle = kind == 3 ? 13 : 0;
+        options.layerRates = {20, 0};
+        options.tileWidth = options.tileHeight = 80;
+        options.cell = [&options](int c, int x, int y) { return textured(options, c, x, y); };
+        files.push_back(jp2maker::make(options));
+    }
+    std::mt19937 random(20);
+    int refused = 0, damaged = 0, answered = 0;
+    for (int round = 0; round < 400; ++round) {
+        Bytes bytes = files[round % files.size()];
+        for (int change = 0; change < 4; ++change) {
+            const std::size_t reach = change == 0 ? std::min<std::size_t>(200, bytes.size()) : bytes.size();
+            bytes[random() % reach] = static_cast<std::uint8_t>(random());
+        }
+        auto source = std::make_shared<MemorySource>(bytes, "damaged" + std::to_string(round));
+        std::unique_ptr<RasterReader> reader;
+        PLK::CError error = RasterReader::open(source, ByteRange{0, bytes.size()}, &reader);
+        if (error.IsSuccess()) {
+            ReadResult result;
+            ReadRequest request =
+                requestFor(*reader, {0, 0, 200, 200}, int(random() % unsigned(reader->info().levels)));
+            request.components.resize(std::min<std::size_t>(3, request.components.size()));
+            request.resilient = true;
+            error = reader->read(request, &result);
+            answered += error.IsSuccess() ? 1 : 0;
+            damaged += error.IsSuccess() && result.damaged ? 1 : 0;
+            reader->dropCached();
+        }
+        refused += error.IsSuccess() ? 0 : 1;
+        QVERIFY(error.IsSuccess() || *error.GetErrorMessage() != '\0');
+    }
+    QVERIFY(refused > 20);
+    QVERIFY(damaged > 20);
+    QVERIFY(answered > 100);
+}
+
+/// Components sampled more coarsely than the image is large.
+void TestRasterReader::noCells()
+{
+    Bytes bytes = jp2maker::make(base(40, 40));
+    // SIZ: the image is moved to the columns 1 to 3, the component's step is 200.
+    const auto put = [&bytes](std::size_t at, std::uint32_t value) {
+        for (std::size_t i = 0; i < 4; ++i)
+            bytes[at + i] = static_cast<std::uint8_t>(value >> (24 - 8 * i));
+    };
+    put(8, 3);
+    put(16, 1);
+    bytes[43] = 200;
+    auto source = std::make_shared<MemorySource>(bytes, "no cells");
+    std::unique_ptr<RasterReader> reader;
+    QCOMPARE(RasterReader::open(source, ByteRange{0, bytes.size()}, &reader).GetErrorNumber(), int(PLK_ERR_MALFORMED));
 }
 
 QTEST_APPLESS_MAIN(TestRasterReader)

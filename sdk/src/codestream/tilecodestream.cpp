@@ -318,16 +318,7 @@ private:
         for (const std::uint32_t packet : packets)
             if (packet != kEmpty && index.place(packet).length > 0)
                 ranges.push_back({index.place(packet).offset, index.place(packet).length});
-        std::sort(ranges.begin(), ranges.end(),
-                  [](const ByteRange &a, const ByteRange &b) { return a.offset < b.offset; });
-        std::vector<ByteRange> joined;
-        for (const ByteRange &range : ranges) {
-            if (!joined.empty() && range.offset <= joined.back().end() + kJoinGap)
-                joined.back().length = std::max(joined.back().end(), range.end()) - joined.back().offset;
-            else
-                joined.push_back(range);
-        }
-        return joined;
+        return joinedRanges(std::move(ranges), kJoinGap);
     }
 
     CError appendPackets()

@@ -30,25 +30,10 @@ struct Chunk
     Bytes bytes;
 };
 
-std::vector<ByteRange> joined(std::vector<ByteRange> ranges)
-{
-    std::sort(ranges.begin(), ranges.end(), [](const ByteRange &a, const ByteRange &b) { return a.offset < b.offset; });
-    std::vector<ByteRange> result;
-    for (const ByteRange &range : ranges) {
-        if (range.length == 0)
-            continue;
-        if (!result.empty() && range.offset <= result.back().end() + kJoinGap)
-            result.back().length = std::max(result.back().end(), range.end()) - result.back().offset;
-        else
-            result.push_back(range);
-    }
-    return result;
-}
-
 CError readChunks(ByteSource &source, std::vector<ByteRange> ranges, const CancelFlag &cancel,
                   std::vector<Chunk> *chunks)
 {
-    ranges = joined(std::move(ranges));
+    ranges = joinedRanges(std::move(ranges), kJoinGap);
     std::vector<Bytes> bytes;
     if (CError error = source.read(ranges, cancel, &bytes))
         return error;
@@ -143,14 +128,6 @@ TileCache::Key BlockStore::cacheKey(const TileToDecode &tile, const BlockName &n
     key.component = static_cast<std::uint16_t>(name.component);
     key.block = name.number();
     return key;
-}
-
-std::uint64_t BlockStore::countMissing(const BlockRequest &request) const
-{
-    std::uint64_t count = 0;
-    for (const BlockPlace &place : request.blocks)
-        count += TileCache::instance().contains(cacheKey(request.tile, place.name)) ? 0 : 1;
-    return count;
 }
 
 std::vector<BlockStore::PrecinctTask> BlockStore::collectMissing(const std::vector<BlockRequest> &requests,

@@ -64,8 +64,6 @@ class BlockStore
 public:
     BlockStore(std::shared_ptr<ByteSource> source, const MainHeader &header, std::uint64_t fileNumber);
 
-    /// Which of the blocks are not in the cache.
-    std::uint64_t countMissing(const BlockRequest &request) const;
     /// One set for each request. Damaged blocks are left out when \a resilient, with a sentence in \a damage; otherwise
     /// they are PLK_ERR_DECODE. PLK_ERR_CANCELLED.
     PLK::CError fetch(const std::vector<BlockRequest> &requests, bool resilient, const CancelFlag &cancel,

@@ -35,15 +35,6 @@ constexpr double kRateWeight = 0.3;
 /// Cost of one decode besides its cells.
 constexpr double kMillisecondsPerJob = 0.3;
 
-SampleType sampleTypeFor(const MainHeader::Component &component)
-{
-    if (component.bits <= 8)
-        return component.isSigned ? SampleType::Int8 : SampleType::UInt8;
-    if (component.bits <= 16)
-        return component.isSigned ? SampleType::Int16 : SampleType::UInt16;
-    return SampleType::Int32;
-}
-
 std::string incompleteTile(std::uint32_t tile)
 {
     return "Tile " + std::to_string(tile) + " is incomplete.";
@@ -92,8 +83,8 @@ void CodestreamReader::describe()
     raster.isLossless = true;
     for (std::size_t c = 0; c < header->components.size(); ++c) {
         const MainHeader::Component &component = header->components[c];
-        raster.components.push_back(
-            {component.bits, component.isSigned, component.stepX, component.stepY, sampleTypeFor(component)});
+        raster.components.push_back({component.bits, component.isSigned, component.stepX, component.stepY,
+                                     sampleTypeFor(component.bits, component.isSigned)});
         raster.minStepX = std::min<std::uint32_t>(raster.minStepX, component.stepX);
         raster.minStepY = std::min<std::uint32_t>(raster.minStepY, component.stepY);
         raster.isLossless &= header->style.components[c].isReversible;

@@ -17,6 +17,15 @@ std::size_t sampleSize(SampleType type)
     }
 }
 
+SampleType sampleTypeFor(int bits, bool isSigned)
+{
+    if (bits <= 8)
+        return isSigned ? SampleType::Int8 : SampleType::UInt8;
+    if (bits <= 16)
+        return isSigned ? SampleType::Int16 : SampleType::UInt16;
+    return SampleType::Int32;
+}
+
 IntRect RasterInfo::levelRect(int component, int level) const
 {
     MainHeader::Component steps;

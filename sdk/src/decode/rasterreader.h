@@ -32,6 +32,8 @@ struct MainHeader;
 /// How cells of a plane are stored.
 enum class SampleType : std::uint8_t { UInt8, Int8, UInt16, Int16, Int32, UInt32 };
 std::size_t sampleSize(SampleType type);
+/// The smallest type for components of \a bits, 1 to 31.
+SampleType sampleTypeFor(int bits, bool isSigned);
 
 /// A component of the codestream.
 struct ComponentInfo

@@ -168,10 +168,7 @@ void TileSynthesis::synthesizeComponent(const BlockSet &blocks, int component, i
 template <typename T> Plane TileSynthesis::toPlane(int component, const IntRect &rect, Component<T> &cells) const
 {
     const MainHeader::Component &info = header.components[component];
-    Plane plane = makePlane(component, rect,
-                            info.bits <= 8    ? (info.isSigned ? SampleType::Int8 : SampleType::UInt8)
-                            : info.bits <= 16 ? (info.isSigned ? SampleType::Int16 : SampleType::UInt16)
-                                              : SampleType::Int32);
+    Plane plane = makePlane(component, rect, sampleTypeFor(info.bits, info.isSigned));
     const std::int64_t half = std::int64_t(1) << (info.bits - 1);
     const SampleRange range{static_cast<std::int32_t>(info.isSigned ? 0 : half),
                             static_cast<std::int32_t>(info.isSigned ? -half : 0),

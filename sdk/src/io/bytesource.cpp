@@ -1,6 +1,23 @@
 #include "bytesource.h"
 
+#include <algorithm>
+
 namespace xrv {
+
+std::vector<ByteRange> joinedRanges(std::vector<ByteRange> ranges, std::uint64_t gap)
+{
+    std::sort(ranges.begin(), ranges.end(), [](const ByteRange &a, const ByteRange &b) { return a.offset < b.offset; });
+    std::vector<ByteRange> joined;
+    for (const ByteRange &range : ranges) {
+        if (range.length == 0)
+            continue;
+        if (!joined.empty() && range.offset <= joined.back().end() + gap)
+            joined.back().length = std::max(joined.back().end(), range.end()) - joined.back().offset;
+        else
+            joined.push_back(range);
+    }
+    return joined;
+}
 
 PLK::CError ByteSource::read(ByteRange range, Bytes *out, const CancelFlag &cancel)
 {

@@ -21,6 +21,9 @@ struct ByteRange
     std::uint64_t end() const { return offset + length; }
 };
 
+/// \a ranges in file order, those that lie within \a gap bytes of each other as one. Empty ones are left out.
+std::vector<ByteRange> joinedRanges(std::vector<ByteRange> ranges, std::uint64_t gap);
+
 /// Where the bytes of a file come from. Any thread may read, several at once.
 class ByteSource
 {

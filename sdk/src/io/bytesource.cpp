@@ -19,6 +19,11 @@ std::vector<ByteRange> joinedRanges(std::vector<ByteRange> ranges, std::uint64_t
     return joined;
 }
 
+PLK::CError ByteSource::prefetch(const std::vector<ByteRange> &, const CancelFlag &)
+{
+    return {};
+}
+
 PLK::CError ByteSource::read(ByteRange range, Bytes *out, const CancelFlag &cancel)
 {
     std::vector<Bytes> parts;

@@ -43,6 +43,11 @@ public:
     virtual PLK::CError read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel,
                              std::vector<Bytes> *out) = 0;
 
+    /// Says that \a ranges will be read soon, in pieces and in any order: a distant source fetches what it lacks of
+    /// them in as few requests as it can, and returns when it has them or cannot get them. Nothing need be prefetched.
+    /// Same errors as read().
+    virtual PLK::CError prefetch(const std::vector<ByteRange> &ranges, const CancelFlag &cancel);
+
     /// One range.
     PLK::CError read(ByteRange range, Bytes *out, const CancelFlag &cancel = {});
 

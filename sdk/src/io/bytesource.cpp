@@ -24,6 +24,15 @@ PLK::CError ByteSource::prefetch(const std::vector<ByteRange> &, const CancelFla
     return {};
 }
 
+void ByteSource::remember(const std::string &, const Bytes &)
+{
+}
+
+bool ByteSource::recall(const std::string &, Bytes *)
+{
+    return false;
+}
+
 PLK::CError ByteSource::read(ByteRange range, Bytes *out, const CancelFlag &cancel)
 {
     std::vector<Bytes> parts;

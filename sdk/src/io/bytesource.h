@@ -48,6 +48,12 @@ public:
     /// Same errors as read().
     virtual PLK::CError prefetch(const std::vector<ByteRange> &ranges, const CancelFlag &cancel);
 
+    /// Keeps what was found out about this version of the file for the next visit, where there is a place for it.
+    /// \a name tells one such piece of knowledge from another.
+    virtual void remember(const std::string &name, const Bytes &knowledge);
+    /// False when nothing is known. Comes from outside the process: to be checked like the file.
+    virtual bool recall(const std::string &name, Bytes *knowledge);
+
     /// One range.
     PLK::CError read(ByteRange range, Bytes *out, const CancelFlag &cancel = {});
 

@@ -112,7 +112,7 @@ void TestStartUp::configuration()
     QCOMPARE(config.GetXrvpCacheSizeMb(), 77);
     QCOMPARE(quint64(config.GetCacheMaxmem()), quint64(128) << 20);
     QVERIFY(!config.IsResilientDecodingEnabled());
-    QVERIFY(!config.IsOptimizeUseNearestNeighbour());
+    QVERIFY(!config.GetOptimizeUseNearestNeighbour());
     QCOMPARE(config.GetXrvpClientHttpUserAgent(), std::string("Agent/1"));
     QCOMPARE(config.GetBlockingTimeMS(), 0U);
     QCOMPARE(config.GetRefreshTimeMS(), 0U);

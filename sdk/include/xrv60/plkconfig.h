@@ -50,7 +50,7 @@ public:
     bool IsResilientDecodingEnabled() const;
     /// Nearest-neighbour views may take their cells from a coarser resolution level.
     void SetOptimizeUseNearestNeighbour(bool enabled);
-    bool IsOptimizeUseNearestNeighbour() const;
+    bool GetOptimizeUseNearestNeighbour() const;
     /// \a userAgent in the local 8-bit encoding.
     void SetXrvpClientHttpUserAgent(const char *userAgent);
     std::string GetXrvpClientHttpUserAgent() const;

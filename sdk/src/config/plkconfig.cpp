@@ -161,7 +161,7 @@ void CConfig::SetOptimizeUseNearestNeighbour(bool enabled)
     values->optimizeNearestNeighbour = enabled;
 }
 
-bool CConfig::IsOptimizeUseNearestNeighbour() const
+bool CConfig::GetOptimizeUseNearestNeighbour() const
 {
     return values->optimizeNearestNeighbour;
 }

@@ -125,7 +125,7 @@ void CView::Private::fillSettings(const std::vector<xrv::Band> &fileBands, xrv::
     request->resampleMethod = owner->ParametersDecompress().GetResampleMethod();
     request->qualityLayers = std::max(0, owner->ParametersJp2().Decompress().GetLayersToDecode());
     request->resilient = config.IsResilientDecodingEnabled();
-    request->coarserNearest = config.IsOptimizeUseNearestNeighbour();
+    request->coarserNearest = config.GetOptimizeUseNearestNeighbour();
     request->refreshTimeMs = config.GetRefreshTimeMS();
     request->blockingTimeMs = config.GetBlockingTimeMS();
 }

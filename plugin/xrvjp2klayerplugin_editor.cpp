@@ -1,6 +1,8 @@
 // User interface that the plug-in brings to the host, and the opening of streams.
 
 #include "layer/xrvjp2klayer.h"
+#include "panels/xrvjp2kpreferences.h"
+#include "panels/xrvjp2kproperties.h"
 #include "xrvjp2klayerplugin.h"
 
 #include <QDGui/application.h>
@@ -43,7 +45,13 @@ MapView *activeOrNewMapView(QMdiArea &area)
 
 QList<QDockWidget *> XRVJP2kLayerPlugin::getDockWidgets()
 {
-    return {};
+    auto *dock = new QDockWidget(tr("XRV JPEG 2000 Properties"));
+    dock->setObjectName(QStringLiteral("XRV JPEG 2000 Properties"));
+    dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable |
+                      QDockWidget::DockWidgetFloatable);
+    dock->setAllowedAreas(Qt::AllDockWidgetAreas);
+    dock->setWidget(new XRVJP2kProperties);
+    return {dock};
 }
 
 QList<QWidget *> XRVJP2kLayerPlugin::getInfoPages()
@@ -68,7 +76,7 @@ QList<QAction *> XRVJP2kLayerPlugin::getActions()
 
 QList<QWidget *> XRVJP2kLayerPlugin::getPreferencePages()
 {
-    return {};
+    return {new XRVJP2kPreferences};
 }
 
 QAction *XRVJP2kLayerPlugin::makeOpenAction(const QIcon &icon, const QString &text)

@@ -1,0 +1,319 @@
+#include "xrvjp2kpreferences.h"
+
+#include "plugin/logsinks.h"
+#include "ui_xrvjp2kpreferences.h"
+
+#include <QDGui/application.h>
+#include <QDGui/stringutil.h>
+#include <QDGui/system.h>
+
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QSettings>
+#include <QUrl>
+
+#include <algorithm>
+
+using Korvane::Application;
+using Korvane::Util::String::formatFileSize;
+
+namespace {
+
+constexpr quint64 kMostMemoryMb = 2048;
+constexpr quint64 kUsualMemoryMb = 512;
+constexpr int kLeastMemoryPercent = 10;
+constexpr quint64 kMostDiskMb = 500;
+constexpr int kLeastDiskPercent = 20;
+constexpr int kDefaultClipPercent = 99;
+
+// What init() writes and what a moved slider writes differ by the blanks.
+constexpr const char *kSizeFormat = "%2.2f";
+constexpr const char *kIndentedSizeFormat = "  %2.2f";
+
+QString keyOf(const char *name)
+{
+    return QLatin1String("XRVJP2kLayer/") + QLatin1String(name);
+}
+
+QVariant stored(const char *name, const QVariant &defaultValue)
+{
+    return Application::instance()->settings()->value(keyOf(name), defaultValue);
+}
+
+void store(const char *name, const QVariant &value)
+{
+    Application::instance()->settings()->setValue(keyOf(name), value);
+}
+
+QString defaultCacheFolder()
+{
+    return QDir::tempPath() + QLatin1String("/QDViewerXrvpCache");
+}
+
+QString megabytesText(quint64 megabytes, const char *format)
+{
+    return formatFileSize(megabytes << 20, format);
+}
+
+/// Kept within what a slider can take: a settings file may hold any size, and a machine may not tell its memory.
+int percentOf(quint64 size, quint64 whole)
+{
+    const double percent = static_cast<double>(size) / static_cast<double>(std::max<quint64>(whole, 1)) * 100.0;
+    return static_cast<int>(std::min(percent, 100.0));
+}
+
+} // namespace
+
+XRVJP2kPreferences::XRVJP2kPreferences(QWidget *parent)
+    : QWidget(parent)
+    , ui(std::make_unique<Ui::XRVJP2kPreferencesClass>())
+{
+    ui->setupUi(this);
+    setObjectName(QStringLiteral("XRV JP2"));
+    totalMemory = static_cast<qint64>(Korvane::System::getTotalRAM());
+    maximumMemory = std::min(static_cast<quint64>(totalMemory >> 2), kMostMemoryMb);
+    recommendedMemory = std::min(maximumMemory, kUsualMemoryMb);
+    readSettings();
+    connectWidgets();
+    init();
+}
+
+XRVJP2kPreferences::~XRVJP2kPreferences()
+{
+    Application::instance()->settings()->sync();
+}
+
+void XRVJP2kPreferences::readSettings()
+{
+    streamCacheEnabled = stored("LocalXrvpCache", true).toBool();
+    memoryCacheSize = stored("CacheMaxMemMb", kUsualMemoryMb).toULongLong();
+    cacheFolder = stored("XrvpCacheDir", defaultCacheFolder()).toString();
+    diskCacheSize = stored("DiskCacheMaxSizeMb", kMostDiskMb).toULongLong();
+    textureDither = stored("TextureDither", false).toBool();
+    resilientDecoding = stored("ResilientDecoding", true).toBool();
+    optimizeNonProgressive = stored("OptimizeNonProgressive", false).toBool();
+    nearestNeighbour = stored("OptimizeNearestNeighbour", true).toBool();
+    adaptiveRendering = stored("AdaptiveRendering", false).toBool();
+    clipPercent = stored("DefaultClipTransform", kDefaultClipPercent).toInt();
+    openProgressive = stored("OpenProgressive", true).toBool();
+    useWinHttp = stored("UseWinHTTPInXrvp", false).toBool();
+    userAgent = stored("XRVPUserAgent", QGuiApplication::applicationDisplayName()).toString();
+    logSdkEvents = stored("LogXrvEvents", true).toBool();
+}
+
+void XRVJP2kPreferences::connectWidgets()
+{
+    using Page = XRVJP2kPreferences;
+    // sliderMoved: a size changes only while a handle is dragged, not when a widget is filled.
+    connect(ui->xrvpMemCacheDirSizeSlider, &QSlider::sliderMoved, this, &Page::onCacheDirSliderMove);
+    connect(ui->xrvpDiskCacheSizeSlider, &QSlider::sliderMoved, this, &Page::onDiskCacheSliderMove);
+    connect(ui->diskCacheGroupBox, &QGroupBox::clicked, this, &Page::onEnableXRVPCache);
+    connect(ui->diskCacheButton, &QToolButton::clicked, this, &Page::onChooseXRVPCacheDir);
+    connect(ui->clipPercent, QOverload<int>::of(&QSpinBox::valueChanged), this, &Page::onClipPercent);
+    connect(ui->useBilinearSampling, &QCheckBox::clicked, this, &Page::onUseBilinear);
+    connect(ui->useResilientDecoding, &QCheckBox::clicked, this, &Page::onUseResilientDecoding);
+    connect(ui->useAdaptiveRendering, &QCheckBox::clicked, this, &Page::onUseAdaptiveRendering);
+    connect(ui->useXrvTexture, &QCheckBox::clicked, this, &Page::onUseTexturing);
+    connect(ui->useWinHTTPInXRVP, &QCheckBox::clicked, this, &Page::onUseWinHTTPInXRVP);
+    connect(ui->useOpenProgressive, &QCheckBox::clicked, this, &Page::onAlwaysOpenProgressive);
+    connect(ui->clearDiskCacheButton, &QPushButton::clicked, this, &Page::onClearDiskCache);
+    connect(ui->viewFilesButton, &QPushButton::clicked, this, &Page::onViewFiles);
+    connect(ui->defaultsButton, &QPushButton::clicked, this, &Page::onDefaults);
+    connect(ui->logXrvMessages, &QCheckBox::clicked, this, &Page::onLogXrv);
+}
+
+void XRVJP2kPreferences::init()
+{
+    showCaches();
+    showLayerDefaults();
+    ui->userAgentLineEdit->setText(userAgent);
+}
+
+void XRVJP2kPreferences::showCaches()
+{
+    ui->xrvpMemCacheDirSizeSlider->setRange(kLeastMemoryPercent, 100);
+    ui->xrvpMemCacheDirSizeSlider->setValue(percentOf(memoryCacheSize, maximumMemory));
+    ui->xrvpCacheDirLabel->setText(megabytesText(memoryCacheSize, kSizeFormat));
+    QString advice = ui->memCacheLabel->text();
+    ui->memCacheLabel->setText(
+        advice.replace(QLatin1String("${MEMORY}"), megabytesText(recommendedMemory, kSizeFormat)));
+
+    ui->diskCacheGroupBox->setChecked(streamCacheEnabled);
+    ui->xrvpDiskCacheLocationEdit->setText(cacheFolder);
+    ui->xrvpDiskCacheSizeSlider->setRange(kLeastDiskPercent, 100);
+    ui->xrvpDiskCacheSizeSlider->setValue(percentOf(diskCacheSize, kMostDiskMb));
+    ui->xrvpDiskCacheSizeLabel->setText(formatFileSize(cacheBytesUsed(), kSizeFormat));
+    ui->xrvpDiskCacheLabel->setText(megabytesText(diskCacheSize, kIndentedSizeFormat));
+}
+
+void XRVJP2kPreferences::showLayerDefaults()
+{
+    ui->useBilinearSampling->setChecked(!nearestNeighbour);
+    ui->useAdaptiveRendering->setChecked(adaptiveRendering);
+    ui->useXrvTexture->setChecked(textureDither);
+    ui->useOpenProgressive->setChecked(openProgressive);
+    ui->clipPercent->setValue(clipPercent);
+    // A stored number that is no percentage is not to be saved again as something else than is shown.
+    clipPercent = ui->clipPercent->value();
+    ui->useWinHTTPInXRVP->setChecked(useWinHttp);
+    ui->useResilientDecoding->setChecked(resilientDecoding);
+    ui->logXrvMessages->setChecked(logSdkEvents);
+}
+
+QStringList XRVJP2kPreferences::cacheFiles() const
+{
+    // A folder without a name would be the one that the program runs in.
+    if (cacheFolder.isEmpty())
+        return {};
+    return QDir(cacheFolder)
+        .entryList({QStringLiteral("*.data"), QStringLiteral("*.cache")}, QDir::Files, QDir::Unsorted);
+}
+
+quint64 XRVJP2kPreferences::cacheBytesUsed() const
+{
+    const QDir folder(cacheFolder);
+    quint64 bytes = 0;
+    const QStringList names = cacheFiles();
+    for (const QString &name : names)
+        bytes += static_cast<quint64>(QFileInfo(folder, name).size());
+    return bytes;
+}
+
+void XRVJP2kPreferences::onSavePrefs()
+{
+    userAgent = ui->userAgentLineEdit->text();
+    store("TextureDither", textureDither);
+    store("LocalXrvpCache", streamCacheEnabled);
+    store("XrvpCacheDir", cacheFolder);
+    store("CacheMaxMemMb", memoryCacheSize);
+    store("DiskCacheMaxSizeMb", diskCacheSize);
+    store("ResilientDecoding", resilientDecoding);
+    store("OptimizeNonProgressive", optimizeNonProgressive);
+    store("OptimizeNearestNeighbour", nearestNeighbour);
+    store("AdaptiveRendering", adaptiveRendering);
+    store("DefaultClipTransform", static_cast<uint>(clipPercent));
+    store("OpenProgressive", openProgressive);
+    store("UseWinHTTPInXrvp", useWinHttp);
+    store("XRVPUserAgent", userAgent);
+    store("LogXrvEvents", logSdkEvents);
+    Application::instance()->settings()->remove(keyOf("LogLevel")); // of earlier versions
+    setLogSinksEnabled(logSdkEvents);
+}
+
+void XRVJP2kPreferences::onCacheDirSliderMove(int value)
+{
+    memoryCacheSize = static_cast<quint64>(static_cast<double>(maximumMemory) * (value / 100.0));
+    ui->xrvpCacheDirLabel->setText(megabytesText(memoryCacheSize, kIndentedSizeFormat));
+}
+
+void XRVJP2kPreferences::onDiskCacheSliderMove(int value)
+{
+    diskCacheSize = static_cast<quint64>(value / 100.0 * static_cast<double>(kMostDiskMb));
+    ui->xrvpDiskCacheLabel->setText(megabytesText(diskCacheSize, kIndentedSizeFormat));
+}
+
+void XRVJP2kPreferences::onEnableXRVPCache(bool checked)
+{
+    streamCacheEnabled = checked;
+}
+
+void XRVJP2kPreferences::onChooseXRVPCacheDir(bool)
+{
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, tr("Choose XRVP Cache Directory"), cacheFolder,
+                                          QFileDialog::ShowDirsOnly | QFileDialog::DontResolveSymlinks);
+    if (folder.isNull())
+        return;
+    if (!QDir(folder).exists()) {
+        QMessageBox::warning(this, tr("Error"), tr("Directory does not exist!"));
+        return;
+    }
+    cacheFolder = folder;
+}
+
+void XRVJP2kPreferences::onClipPercent(int value)
+{
+    clipPercent = value;
+}
+
+void XRVJP2kPreferences::onUseBilinear(bool checked)
+{
+    nearestNeighbour = !checked;
+}
+
+void XRVJP2kPreferences::onUseResilientDecoding(bool checked)
+{
+    resilientDecoding = checked;
+}
+
+void XRVJP2kPreferences::onUseAdaptiveRendering(bool checked)
+{
+    adaptiveRendering = checked;
+}
+
+void XRVJP2kPreferences::onUseTexturing(bool checked)
+{
+    textureDither = checked;
+}
+
+void XRVJP2kPreferences::onUseWinHTTPInXRVP(bool checked)
+{
+    useWinHttp = checked;
+}
+
+void XRVJP2kPreferences::onAlwaysOpenProgressive(bool checked)
+{
+    openProgressive = checked;
+}
+
+void XRVJP2kPreferences::onClearDiskCache(bool)
+{
+    const QString question =
+        tr("Clearing the XRVP disk cache cannot be undone.\n\nAre you sure you want to clear the disk cache?");
+    if (QMessageBox::question(this, tr("Disk Cache"), question, QMessageBox::Ok | QMessageBox::Cancel) !=
+        QMessageBox::Ok)
+        return;
+    QDir folder(cacheFolder);
+    bool isCleared = true;
+    const QStringList names = cacheFiles();
+    for (const QString &name : names)
+        isCleared = folder.remove(name) && isCleared;
+    if (!isCleared) {
+        QMessageBox::warning(this, tr("Disk Cache"),
+                             tr("Not all files could be removed. Close all map views before clearing the cache."));
+    }
+}
+
+void XRVJP2kPreferences::onViewFiles(bool)
+{
+    const QDir folder(cacheFolder);
+    if (!folder.exists())
+        folder.mkpath(QStringLiteral("."));
+    if (!QDesktopServices::openUrl(QUrl(cacheFolder, QUrl::TolerantMode))) {
+        QMessageBox::warning(this, tr("Error"), tr("Could not open local XRVP cache folder '%1'.").arg(cacheFolder));
+    }
+}
+
+void XRVJP2kPreferences::onDefaults(bool)
+{
+    textureDither = true;
+    streamCacheEnabled = true;
+    memoryCacheSize = recommendedMemory;
+    cacheFolder = defaultCacheFolder();
+    diskCacheSize = kMostDiskMb;
+    resilientDecoding = true;
+    optimizeNonProgressive = false;
+    nearestNeighbour = true;
+    clipPercent = kDefaultClipPercent;
+    useWinHttp = false;
+    userAgent.clear();
+    logSdkEvents = true;
+    init();
+}
+
+void XRVJP2kPreferences::onLogXrv(bool bLogXrv)
+{
+    logSdkEvents = bLogXrv;
+}

@@ -19,12 +19,14 @@ constexpr std::uint64_t kWindow = 256 * 1024;
 class Walker
 {
 public:
-    Walker(ByteSource &source, const std::vector<ByteRange> &data)
-        : source(source)
+    Walker(ByteSource &source, const std::vector<ByteRange> &data, const CancelFlag &cancel, std::size_t part,
+           std::uint64_t position)
+        : position(position)
+        , part(part)
+        , source(source)
         , data(data)
+        , cancel(cancel)
     {
-        if (!data.empty())
-            position = data[0].offset;
     }
 
     /// Moves on to the next tile-part when the present one is used up; false after the last.
@@ -45,7 +47,7 @@ public:
             return {};
         windowStart = position;
         return source.read(ByteRange{position, std::min(std::max(count, kWindow), data[part].end() - position)},
-                           &window);
+                           &window, cancel);
     }
     const std::uint8_t *bytes() const { return window.data() + (position - windowStart); }
     std::size_t available() const
@@ -55,12 +57,13 @@ public:
     std::uint64_t left() const { return data[part].end() - position; }
     bool hasAll() const { return available() == left(); }
 
-    std::uint64_t position = 0;
+    std::uint64_t position;
+    std::size_t part;
 
 private:
     ByteSource &source;
     const std::vector<ByteRange> &data;
-    std::size_t part = 0;
+    const CancelFlag &cancel;
     Bytes window;
     std::uint64_t windowStart = 0;
 };
@@ -87,16 +90,15 @@ public:
         std::unique_ptr<Precinct> &precinct = precincts[packet / numbering.layers()];
         if (precinct)
             return precinct;
-        // The last resolution that begins at or before the packet; empty ones begin where the next does.
-        auto first = std::upper_bound(firsts.begin(), firsts.end(), packet,
-                                      [](std::uint32_t number, const First &f) { return number < f.packet; });
-        --first;
-        const std::int64_t index = (packet - first->packet) / numbering.layers();
-        precinct = std::make_unique<Precinct>(rects[first->component], style.components[first->component],
-                                              numbering.grid(first->component, first->resolution), first->resolution,
+        const First &first = firstOf(packet);
+        const std::int64_t index = (packet - first.packet) / numbering.layers();
+        precinct = std::make_unique<Precinct>(rects[first.component], style.components[first.component],
+                                              numbering.grid(first.component, first.resolution), first.resolution,
                                               index, style.usesEph());
         return precinct;
     }
+
+    int resolution(std::uint32_t packet) const { return firstOf(packet).resolution; }
 
 private:
     struct First
@@ -104,6 +106,14 @@ private:
         std::uint32_t packet;
         int component, resolution;
     };
+    /// The last resolution that begins at or before the packet; empty ones begin where the next does.
+    const First &firstOf(std::uint32_t packet) const
+    {
+        const auto after = std::upper_bound(firsts.begin(), firsts.end(), packet,
+                                            [](std::uint32_t number, const First &f) { return number < f.packet; });
+        return *(after - 1);
+    }
+
     const PacketNumbering &numbering;
     const TileStyle &style;
     std::vector<IntRect> rects;
@@ -134,37 +144,64 @@ CError parseHere(Walker &walker, std::unique_ptr<Precinct> &precinct, int layer,
     }
 }
 
+/// Steps over the packet at the walker's position. \a isSound is false where the data end or contradict themselves;
+/// \a place then has what there is.
+CError stepOver(Walker &walker, PrecinctTable &precincts, std::uint32_t packet, int layers, PacketPlace *place,
+                bool *isSound)
+{
+    *isSound = false;
+    if (!walker.atPacket())
+        return {};
+    const int layer = static_cast<int>(packet % static_cast<std::uint32_t>(layers));
+    std::unique_ptr<Precinct> &precinct = precincts.of(packet);
+    std::uint64_t length = 0;
+    CError error = parseHere(walker, precinct, layer, &length, isSound);
+    if (error || !*isSound)
+        return error;
+    const std::uint64_t there = std::min(length, walker.left());
+    *place = {walker.position, static_cast<std::uint32_t>(std::min<std::uint64_t>(there, 0xFFFFFFFFu))};
+    *isSound = there == length;
+    walker.position += there;
+    if (layer == layers - 1)
+        precinct.reset();
+    return {};
+}
+
 } // namespace
 
-CError walkPackets(ByteSource &source, const MainHeader &header, const TileStyle &style, const IntRect &tile,
-                   const PacketNumbering &numbering, const std::vector<ByteRange> &data,
-                   std::vector<TileIndex::PacketPlace> *places, bool *isComplete)
+bool isByResolution(const TileStyle &style)
 {
-    places->assign(static_cast<std::size_t>(numbering.count()), {});
-    *isComplete = false;
-    Walker walker(source, data);
-    PrecinctTable precincts(header, style, tile, numbering);
-    const int lastLayer = numbering.layers() - 1;
-    for (const std::uint32_t packet : packetOrder(header, style, tile, numbering)) {
-        if (!walker.atPacket())
-            return {};
-        const int layer = static_cast<int>(packet % numbering.layers());
-        std::unique_ptr<Precinct> &precinct = precincts.of(packet);
-        std::uint64_t length = 0;
-        bool isSound = false;
-        if (CError error = parseHere(walker, precinct, layer, &length, &isSound))
-            return error;
-        if (!isSound)
-            return {};
-        const std::uint64_t there = std::min(length, walker.left());
-        (*places)[packet] = {walker.position, static_cast<std::uint32_t>(std::min<std::uint64_t>(there, 0xFFFFFFFFu))};
-        if (there < length)
-            return {};
-        walker.position += length;
-        if (layer == lastLayer)
-            precinct.reset();
+    constexpr std::uint8_t kRlcp = 1, kRpcl = 2;
+    return style.progressionChanges.empty() && (style.progression == kRlcp || style.progression == kRpcl);
+}
+
+CError walkPackets(ByteSource &source, const MainHeader &header, const TileStyle &style, const IntRect &tile,
+                   const PacketNumbering &numbering, const std::vector<ByteRange> &data, int resolution,
+                   const CancelFlag &cancel, PacketWalk *walk)
+{
+    PacketWalk ahead = *walk;
+    if (ahead.places.empty()) {
+        ahead.places.assign(static_cast<std::size_t>(numbering.count()), {});
+        ahead.position = data.empty() ? 0 : data[0].offset;
     }
-    *isComplete = true;
+    Walker walker(source, data, cancel, ahead.part, ahead.position);
+    // Where a walk by resolution pauses, every precinct that was begun has all of its layers: no state is left behind.
+    PrecinctTable precincts(header, style, tile, numbering);
+    const bool mayPause = isByResolution(style);
+    const std::vector<std::uint32_t> order = packetOrder(header, style, tile, numbering);
+    for (; ahead.next < order.size() && !ahead.isBroken; ++ahead.next) {
+        const std::uint32_t packet = order[ahead.next];
+        if (mayPause && precincts.resolution(packet) > resolution)
+            break;
+        bool isSound = false;
+        if (CError error = stepOver(walker, precincts, packet, numbering.layers(), &ahead.places[packet], &isSound))
+            return error;
+        ahead.isBroken = !isSound;
+    }
+    ahead.isFinished = ahead.isBroken || ahead.next == order.size();
+    ahead.position = walker.position;
+    ahead.part = walker.part;
+    *walk = std::move(ahead);
     return {};
 }
 

@@ -1,15 +1,35 @@
 #pragma once
 
 #include "packetorder.h"
-#include "tileindex.h"
 
 namespace xrv {
 
-/// Finds the packets of a tile without packet lengths, by reading one packet header after the other. \a places is
-/// indexed by packet number; packets that are not there have length 0. \a isComplete is false when the data end early
-/// or contradict themselves; what came before stands. Fails only when \a source fails or the walk is cancelled.
+/// A packet's bytes in the file; length 0 for one that is not there.
+struct PacketPlace
+{
+    std::uint64_t offset = 0;
+    std::uint32_t length = 0;
+};
+
+/// How far the packets of a tile without packet lengths have been followed, one packet header after the other.
+struct PacketWalk
+{
+    std::vector<PacketPlace> places; ///< by packet number; packets that are not there, or not reached, have length 0
+    std::size_t next = 0;            ///< number in the codestream's order of the packet to come
+    std::uint64_t position = 0;      ///< in the file, of that packet
+    std::size_t part = 0;            ///< its tile-part
+    bool isFinished = false;         ///< nothing is left to be found
+    bool isBroken = false;           ///< the data end early or contradict themselves; what came before stands
+};
+
+/// Walks on until the packets of all resolutions up to \a resolution are found, or all packets where the codestream
+/// does not have them in order of resolution. Fails only when \a source fails or \a cancel is raised; \a walk then
+/// stands where it was.
 PLK::CError walkPackets(ByteSource &source, const MainHeader &header, const TileStyle &style, const IntRect &tile,
-                        const PacketNumbering &numbering, const std::vector<ByteRange> &data,
-                        std::vector<TileIndex::PacketPlace> *places, bool *isComplete);
+                        const PacketNumbering &numbering, const std::vector<ByteRange> &data, int resolution,
+                        const CancelFlag &cancel, PacketWalk *walk);
+
+/// The packets come in order of resolution, so that a walk to the low ones is short (A.6.1: RLCP, RPCL).
+bool isByResolution(const TileStyle &style);
 
 } // namespace xrv

@@ -7,6 +7,6 @@ set(stage_sources
     precinct.cpp
     tagtree.cpp
     tilecodestream.cpp
-    tileindex.cpp
+    tileindexreader.cpp
     tileparttable.cpp
 )

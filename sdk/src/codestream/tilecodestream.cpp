@@ -340,7 +340,7 @@ private:
 
     void appendPacket(std::uint32_t packet, const std::vector<ByteRange> &ranges, const std::vector<Bytes> &data)
     {
-        const TileIndex::PacketPlace place = packet == kEmpty ? TileIndex::PacketPlace() : index.place(packet);
+        const PacketPlace place = packet == kEmpty ? PacketPlace() : index.place(packet);
         if (place.length == 0) {
             out.u8(0); // B.10.3: a zero bit is an empty packet
             if (index.style().usesEph())

@@ -1,16 +1,14 @@
 #pragma once
 
-#include "packetorder.h"
-#include "tileparttable.h"
+#include "packetwalk.h"
 
-#include <memory>
 #include <optional>
 #include <vector>
 
 namespace xrv {
 
 /// What is known of one tile of a codestream: its coding style, the bytes of its tile-parts and, where they can be
-/// told, the place of every packet. Immutable.
+/// told, the places of its packets. Made by TileIndexReader; immutable.
 class TileIndex
 {
 public:
@@ -20,25 +18,16 @@ public:
         Bytes parameters;       ///< Sqcd and SPqcd
         Bytes regionOfInterest; ///< Srgn and SPrgn, empty without
     };
-    /// A packet's bytes in the file; length 0 for one that is not there.
-    struct PacketPlace
-    {
-        std::uint64_t offset = 0;
-        std::uint32_t length = 0;
-    };
-
-    /// Reads the tile-part headers of \a tile.
-    static PLK::CError read(ByteSource &source, const MainHeader &header, TilePartTable &table, std::uint32_t tile,
-                            std::shared_ptr<const TileIndex> *index);
-
     const IntRect &rect() const { return canvasRect; }
     const TileStyle &style() const { return tileStyle; }
     const PacketNumbering &packets() const { return *numbering; }
     const std::vector<Quantization> &quantization() const { return quantizations; }
 
     /// Packets can be asked for one by one.
-    bool hasPacketPlaces() const { return !places.empty(); }
-    const PacketPlace &place(std::uint32_t packet) const { return places[packet]; }
+    bool hasPacketPlaces() const { return !walk.places.empty(); }
+    /// The places of the packets of resolutions up to \a resolution are known, as far as they will ever be.
+    bool knowsPlaces(int resolution) const { return !isWalkable || walk.isFinished || resolution <= walkedResolution; }
+    const PacketPlace &place(std::uint32_t packet) const { return walk.places[packet]; }
 
     /// Bytes of the tile-parts after their headers.
     const std::vector<ByteRange> &data() const { return dataRanges; }
@@ -48,10 +37,10 @@ public:
     const Bytes &packedHeaders() const { return packed; }
     bool hasPackedHeaders() const { return isPacked; }
 
-    bool isTruncated() const { return truncated; }
+    bool isTruncated() const { return truncated || walk.isBroken; }
     /// No tile-part of this tile was found.
     bool isMissing() const { return dataRanges.empty(); }
-    std::size_t memoryUse() const { return sizeof(*this) + places.size() * sizeof(PacketPlace) + packed.size(); }
+    std::size_t memoryUse() const { return sizeof(*this) + walk.places.size() * sizeof(PacketPlace) + packed.size(); }
 
 private:
     friend class TileIndexReader;
@@ -60,11 +49,13 @@ private:
     TileStyle tileStyle;
     std::optional<PacketNumbering> numbering;
     std::vector<Quantization> quantizations;
-    std::vector<PacketPlace> places;
+    PacketWalk walk;           ///< finished where packet lengths give the places
+    int walkedResolution = -1; ///< of a walk that is not finished
     std::vector<ByteRange> dataRanges;
     std::vector<MarkerSegment> tileSegments;
     Bytes packed;
     bool isPacked = false;
+    bool isWalkable = false; ///< packet headers can be followed
     bool truncated = false;
 };
 

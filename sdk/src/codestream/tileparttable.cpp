@@ -1,6 +1,7 @@
 #include "tileparttable.h"
 
 #include "../io/bytecursor.h"
+#include "bytewriter.h"
 
 #include <algorithm>
 
@@ -10,15 +11,21 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint64_t kSotSegment = 12;    ///< bytes of an SOT marker segment with its marker
-constexpr std::uint64_t kShortestPart = 14;  ///< SOT segment and SOD marker
-constexpr std::size_t kMostParts = 4u << 20; ///< no sound file comes near
+constexpr std::uint64_t kSotSegment = 12;      ///< bytes of an SOT marker segment with its marker
+constexpr std::uint64_t kShortestPart = 14;    ///< SOT segment and SOD marker
+constexpr std::uint32_t kMostParts = 4u << 20; ///< no sound file comes near
+
+// What is remembered of a walk: for each tile-part its tile, its length and TNsot.
+constexpr char kWalkedName[] = "tile-parts";
+constexpr std::size_t kWalkedEntry = 2 + 4 + 1;
+constexpr std::size_t kMostWalkedBytes = 1u << 20;
 
 struct Sot
 {
     std::uint16_t marker = 0;
     std::uint16_t tile = 0;
     std::uint32_t length = 0;
+    std::uint8_t partsOfTile = 0;
 };
 
 Sot parseSot(const Bytes &bytes)
@@ -29,6 +36,8 @@ Sot parseSot(const Bytes &bytes)
     in.skip(2);
     sot.tile = in.u16();
     sot.length = in.u32();
+    in.skip(1);
+    sot.partsOfTile = in.u8();
     return sot;
 }
 
@@ -41,19 +50,22 @@ TilePartTable::TilePartTable(std::shared_ptr<ByteSource> source, ByteRange codes
 {
 }
 
-CError TilePartTable::find(std::uint32_t tile, std::vector<TilePart> *parts)
+CError TilePartTable::find(std::uint32_t tile, std::uint64_t readAhead, const CancelFlag &cancel,
+                           std::vector<TilePart> *parts)
 {
     std::lock_guard<std::mutex> lock(mutex);
-    if (!isBuilt) {
-        if (CError error = build())
-            return error;
-        isBuilt = true;
-    }
-    parts->clear();
-    auto at = std::lower_bound(entries.begin(), entries.end(), tile,
-                               [](const Entry &entry, std::uint32_t wanted) { return entry.tile < wanted; });
-    for (; at != entries.end() && at->tile == tile; ++at)
-        parts->push_back(at->part);
+    if (!isStarted)
+        start(cancel);
+    const std::uint32_t partsBefore = partCount;
+    CError error;
+    while (error.IsSuccess() && !isSettled(tile))
+        error = walkOn(readAhead, cancel);
+    if (partCount > partsBefore)
+        remember();
+    if (error)
+        return error;
+    const auto found = tiles.find(tile);
+    *parts = found == tiles.end() ? std::vector<TilePart>() : found->second.parts;
     return {};
 }
 
@@ -63,94 +75,151 @@ std::string TilePartTable::damage() const
     return damageText;
 }
 
-CError TilePartTable::build()
+void TilePartTable::start(const CancelFlag &cancel)
 {
-    if (!buildFromTlm()) {
-        entries.clear();
-        if (CError error = buildByWalking())
-            return error;
+    clear();
+    if (buildFromTlm(cancel)) {
+        isComplete = true;
+    } else {
+        clear();
+        recall();
     }
-    sortByTile();
-    return {};
+    // A check that was broken off says nothing about the table.
+    isStarted = !cancel.isRaised();
 }
 
-void TilePartTable::append(std::uint32_t tile, std::uint64_t offset, std::uint64_t length)
+void TilePartTable::clear()
+{
+    tiles.clear();
+    walked.clear();
+    partCount = 0;
+    position = codestream.offset + header.length;
+}
+
+void TilePartTable::append(std::uint32_t tile, std::uint64_t length)
 {
     TilePart part;
-    part.sequence = static_cast<std::uint32_t>(entries.size());
-    part.isTruncated = offset + length > codestream.end();
-    part.range = {offset, std::min(length, codestream.end() - offset)};
-    entries.push_back({tile, part});
+    part.sequence = partCount++;
+    part.isTruncated = position + length > codestream.end();
+    part.range = {position, std::min(length, codestream.end() - position)};
+    tiles[tile].parts.push_back(part);
+    lastTile = tile;
+    position += length;
 }
 
-void TilePartTable::sortByTile()
+/// All tile-parts of \a tile are known. Some writers announce one too few (TNsot), so the tile-part behind the last one
+/// must be known to be another tile's.
+bool TilePartTable::isSettled(std::uint32_t tile) const
 {
-    std::stable_sort(entries.begin(), entries.end(), [](const Entry &a, const Entry &b) { return a.tile < b.tile; });
+    if (isComplete)
+        return true;
+    const auto found = tiles.find(tile);
+    if (found == tiles.end() || lastTile == tile)
+        return false;
+    return found->second.announced != 0 && found->second.parts.size() >= found->second.announced;
 }
 
 /// A.7.1. Writers get TLM wrong, so the place that it gives for the last tile-part is looked at before it is believed.
-bool TilePartTable::buildFromTlm()
+bool TilePartTable::buildFromTlm(const CancelFlag &cancel)
 {
-    if (header.tlm.empty())
-        return false;
     std::vector<const MarkerSegment *> segments;
     for (const MarkerSegment &segment : header.tlm)
         segments.push_back(&segment);
     std::stable_sort(segments.begin(), segments.end(), [](const MarkerSegment *a, const MarkerSegment *b) {
         return !a->payload.empty() && !b->payload.empty() && a->payload[0] < b->payload[0];
     });
-    std::uint64_t offset = codestream.offset + header.length;
-    for (const MarkerSegment *segment : segments) {
-        ByteCursor in(segment->payload.data(), segment->payload.size());
-        in.skip(1);
-        const std::uint8_t form = in.u8();
-        const int tileBytes = form >> 4 & 3;
-        const int lengthBytes = form & 0x40 ? 4 : 2;
-        if (tileBytes == 3)
+    for (const MarkerSegment *segment : segments)
+        if (!appendFromTlm(*segment))
             return false;
-        while (in.ok() && in.remaining() >= std::size_t(tileBytes + lengthBytes)) {
-            const std::uint32_t tile = tileBytes == 0   ? static_cast<std::uint32_t>(entries.size())
-                                       : tileBytes == 1 ? in.u8()
-                                                        : in.u16();
-            const std::uint64_t length = lengthBytes == 4 ? in.u32() : in.u16();
-            if (length < kShortestPart || tile >= header.tileCount() || offset >= codestream.end())
-                return false;
-            append(tile, offset, length);
-            offset += length;
-        }
-    }
-    if (entries.empty() || offset > codestream.end())
+    if (partCount == 0 || position > codestream.end())
         return false;
     Bytes bytes;
-    if (source->read(ByteRange{entries.back().part.range.offset, kSotSegment}, &bytes))
+    if (source->read(ByteRange{tiles[lastTile].parts.back().range.offset, kSotSegment}, &bytes, cancel))
         return false;
     const Sot sot = parseSot(bytes);
-    return sot.marker == Marker::kSOT && sot.tile == entries.back().tile;
+    return sot.marker == Marker::kSOT && sot.tile == lastTile;
 }
 
-CError TilePartTable::buildByWalking()
+bool TilePartTable::appendFromTlm(const MarkerSegment &segment)
 {
-    std::uint64_t offset = codestream.offset + header.length;
-    while (offset + kSotSegment <= codestream.end() && entries.size() < kMostParts) {
-        Bytes bytes;
-        if (CError error = source->read(ByteRange{offset, kSotSegment}, &bytes))
-            return error;
-        const Sot sot = parseSot(bytes);
-        if (sot.marker == Marker::kEOC)
-            return {};
-        if (sot.marker != Marker::kSOT || sot.tile >= header.tileCount() ||
-            (sot.length != 0 && sot.length < kShortestPart)) {
-            damageText = "A tile-part is missing at byte " + std::to_string(offset) + ".";
-            return {};
-        }
-        // A.4.2: a length of 0 reaches to the end of the codestream.
-        const std::uint64_t length = sot.length != 0 ? sot.length : codestream.end() - offset;
-        append(sot.tile, offset, length);
-        offset += length;
+    ByteCursor in(segment.payload.data(), segment.payload.size());
+    in.skip(1);
+    const std::uint8_t form = in.u8();
+    const int tileBytes = form >> 4 & 3;
+    const int lengthBytes = form & 0x40 ? 4 : 2;
+    if (tileBytes == 3)
+        return false;
+    while (in.ok() && in.remaining() >= std::size_t(tileBytes + lengthBytes)) {
+        const std::uint32_t tile = tileBytes == 0 ? partCount : tileBytes == 1 ? in.u8() : in.u16();
+        const std::uint64_t length = lengthBytes == 4 ? in.u32() : in.u16();
+        if (length < kShortestPart || tile >= header.tileCount() || position >= codestream.end())
+            return false;
+        append(tile, length);
     }
-    if (offset > codestream.end())
-        damageText = "The file ends within a tile-part.";
+    return true;
+}
+
+CError TilePartTable::walkOn(std::uint64_t readAhead, const CancelFlag &cancel)
+{
+    if (position + kSotSegment > codestream.end() || partCount >= kMostParts) {
+        endWalk(position > codestream.end() ? "The file ends within a tile-part." : "");
+        return {};
+    }
+    const std::uint64_t length = std::min(std::max(readAhead, kSotSegment), codestream.end() - position);
+    Bytes bytes;
+    if (CError error = source->read(ByteRange{position, length}, &bytes, cancel))
+        return error;
+    const Sot sot = parseSot(bytes);
+    if (sot.marker == Marker::kEOC) {
+        endWalk({});
+    } else if (sot.marker != Marker::kSOT || sot.tile >= header.tileCount() ||
+               (sot.length != 0 && sot.length < kShortestPart)) {
+        endWalk("A tile-part is missing at byte " + std::to_string(position) + ".");
+    } else {
+        appendWalked(sot.tile, sot.length, sot.partsOfTile);
+    }
     return {};
+}
+
+void TilePartTable::appendWalked(std::uint16_t tile, std::uint32_t length, std::uint8_t partsOfTile)
+{
+    ByteWriter out(&walked);
+    out.u16(tile);
+    out.u32(length);
+    out.u8(partsOfTile);
+    // A.4.2: a length of 0 reaches to the end of the codestream.
+    append(tile, length != 0 ? length : codestream.end() - position);
+    if (partsOfTile != 0)
+        tiles[tile].announced = partsOfTile;
+}
+
+void TilePartTable::endWalk(std::string damage)
+{
+    isComplete = true;
+    damageText = std::move(damage);
+}
+
+/// Takes up a walk where an earlier visit left it. What is not sound ends it there: the walk goes on from the file.
+void TilePartTable::recall()
+{
+    Bytes known;
+    if (!source->recall(kWalkedName, &known))
+        return;
+    ByteCursor in(known.data(), std::min(known.size(), kMostWalkedBytes));
+    while (in.remaining() >= kWalkedEntry && position + kShortestPart <= codestream.end()) {
+        const std::uint16_t tile = in.u16();
+        const std::uint32_t length = in.u32();
+        const std::uint8_t partsOfTile = in.u8();
+        if (tile >= header.tileCount() || (length != 0 && length < kShortestPart))
+            return;
+        appendWalked(tile, length, partsOfTile);
+    }
+}
+
+void TilePartTable::remember() const
+{
+    if (!walked.empty() && walked.size() <= kMostWalkedBytes)
+        source->remember(kWalkedName, walked);
 }
 
 } // namespace xrv

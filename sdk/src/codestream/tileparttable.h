@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <mutex>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace xrv {
@@ -17,35 +19,50 @@ struct TilePart
 };
 
 /// Where the tile-parts of a codestream lie: from the TLM marker segments where there are any and they hold, else by
-/// walking from one tile-part to the next. Made at the first question. Any thread.
+/// walking from one tile-part to the next, no further than each question needs. What a walk finds of a distant file is
+/// remembered for the next visit. Any thread.
 class TilePartTable
 {
 public:
     TilePartTable(std::shared_ptr<ByteSource> source, ByteRange codestream, const MainHeader &header);
 
-    /// The tile-parts of \a tile in codestream order; none when they are missing.
-    PLK::CError find(std::uint32_t tile, std::vector<TilePart> *parts);
+    /// The tile-parts of \a tile in codestream order; none when they are missing. A walk reads \a readAhead bytes of
+    /// each tile-part on its way, which a distant source then has at hand.
+    PLK::CError find(std::uint32_t tile, std::uint64_t readAhead, const CancelFlag &cancel,
+                     std::vector<TilePart> *parts);
     /// A sentence about damage that the walk has met, empty without.
     std::string damage() const;
 
 private:
-    struct Entry
+    struct PartsOfTile
     {
-        std::uint32_t tile;
-        TilePart part;
+        std::vector<TilePart> parts;
+        std::uint8_t announced = 0; ///< TNsot, 0 when it is not known yet
     };
-    PLK::CError build();
-    bool buildFromTlm();
-    PLK::CError buildByWalking();
-    void append(std::uint32_t tile, std::uint64_t offset, std::uint64_t length);
-    void sortByTile();
+
+    void start(const CancelFlag &cancel);
+    bool buildFromTlm(const CancelFlag &cancel);
+    bool appendFromTlm(const MarkerSegment &segment);
+    void clear();
+    void append(std::uint32_t tile, std::uint64_t length);
+    bool isSettled(std::uint32_t tile) const;
+    PLK::CError walkOn(std::uint64_t readAhead, const CancelFlag &cancel);
+    void appendWalked(std::uint16_t tile, std::uint32_t length, std::uint8_t partsOfTile);
+    void endWalk(std::string damage);
+    void recall();
+    void remember() const;
 
     std::shared_ptr<ByteSource> source;
     ByteRange codestream;
     const MainHeader &header;
     mutable std::mutex mutex; ///< guards what follows
-    bool isBuilt = false;
-    std::vector<Entry> entries; ///< sorted by tile, each tile's in codestream order
+    bool isStarted = false;
+    bool isComplete = false;
+    std::unordered_map<std::uint32_t, PartsOfTile> tiles;
+    std::uint32_t lastTile = 0; ///< that of the tile-part found last
+    std::uint32_t partCount = 0;
+    std::uint64_t position = 0; ///< in the file, behind the tile-part found last
+    Bytes walked;               ///< what remember() keeps
     std::string damageText;
 };
 

@@ -20,6 +20,10 @@ constexpr std::size_t kPrecinctBudget = 32u << 20;
 constexpr std::uint64_t kWholePacket = 256 * 1024;
 /// Reads of one precinct or block that lie closer than this are made in one.
 constexpr std::uint64_t kJoinGap = 2048;
+// When fewer than one in so many of a precinct's blocks are wanted, packets are not fetched whole; their headers take
+// about so much to begin with.
+constexpr std::size_t kFewBlocks = 4;
+constexpr std::uint64_t kShortHeader = 512, kHeaderPerBlock = 6;
 /// Blocks that one thread decodes in a row.
 constexpr std::size_t kBlocksPerTask = 4;
 
@@ -159,20 +163,68 @@ std::vector<BlockStore::PrecinctTask> BlockStore::collectMissing(const std::vect
     return tasks;
 }
 
-CError BlockStore::loadPrecinct(PrecinctTask &task, const CancelFlag &cancel)
+/// Where the packets of the precinct lie, by layer.
+std::vector<ByteRange> BlockStore::packetsOf(const PrecinctTask &task) const
 {
     const TileIndex &index = *task.request->tile.index;
     std::vector<ByteRange> packets;
     for (int layer = 0; layer < task.key.layers; ++layer) {
-        const TileIndex::PacketPlace place =
+        const PacketPlace place =
             index.place(index.packets().number(task.key.component, task.key.resolution, task.key.precinct, layer));
         packets.push_back({place.offset, place.length});
     }
-    task.index = precincts.find(task.key);
+    return packets;
+}
+
+/// Bytes of each packet that are read at first: from a distant source no more than the headers when few of the
+/// precinct's blocks are wanted.
+std::uint64_t BlockStore::firstRead(const PrecinctTask &task) const
+{
+    if (!source->isRemote())
+        return kWholePacket;
+    const TileIndex &index = *task.request->tile.index;
+    std::uint64_t blocks = 0;
+    for (const BandGrid &band : bandGrids(componentRect(index.rect(), header.components[task.key.component]),
+                                          index.style().components[task.key.component],
+                                          index.packets().grid(task.key.component, task.key.resolution),
+                                          task.key.resolution, task.key.precinct))
+        blocks += band.count();
+    return task.blocks.size() * kFewBlocks < blocks ? kShortHeader + blocks * kHeaderPerBlock : kWholePacket;
+}
+
+/// Has a distant source fetch the packets of precincts that are not parsed yet.
+CError BlockStore::prefetchPackets(std::vector<PrecinctTask> &tasks, const CancelFlag &cancel)
+{
+    std::vector<ByteRange> ranges;
+    for (PrecinctTask &task : tasks) {
+        task.index = precincts.find(task.key);
+        if (task.index)
+            continue;
+        const std::uint64_t limit = firstRead(task);
+        for (const ByteRange &packet : packetsOf(task))
+            ranges.push_back({packet.offset, std::min(packet.length, limit)});
+    }
+    return source->prefetch(ranges, cancel);
+}
+
+/// Has a distant source fetch the bytes of the blocks that came with no packet.
+CError BlockStore::prefetchPieces(const std::vector<PrecinctTask> &tasks, const CancelFlag &cancel)
+{
+    std::vector<ByteRange> ranges;
+    for (const PrecinctTask &task : tasks)
+        for (const BlockPlace *place : task.blocks)
+            for (const ByteRange &range : piecesOf(task.index->blocks[place->name.band][place->name.block]))
+                if (!bytesAt(task.chunks, range.offset, range.length))
+                    ranges.push_back(range);
+    return source->prefetch(ranges, cancel);
+}
+
+CError BlockStore::loadPrecinct(PrecinctTask &task, const CancelFlag &cancel)
+{
     if (task.index)
         return {};
     std::shared_ptr<PrecinctIndex> parsed;
-    if (CError error = parsePrecinct(task, packets, cancel, &parsed))
+    if (CError error = parsePrecinct(task, packetsOf(task), cancel, &parsed))
         return error;
     task.index = parsed;
     precincts.insert(task.key, parsed);
@@ -186,7 +238,7 @@ CError BlockStore::parsePrecinct(PrecinctTask &task, const std::vector<ByteRange
     const ComponentStyle &style = index.style().components[task.key.component];
     const IntRect rect = componentRect(index.rect(), header.components[task.key.component]);
     const PrecinctGrid &grid = index.packets().grid(task.key.component, task.key.resolution);
-    for (std::uint64_t limit = kWholePacket;; limit *= 8) {
+    for (std::uint64_t limit = firstRead(task);; limit *= 8) {
         std::vector<ByteRange> ranges;
         bool isAll = true;
         for (const ByteRange &packet : packets) {
@@ -233,20 +285,28 @@ int BlockStore::magnitudeBits(const TileToDecode &tile, const BlockPlace &place)
         .magnitudeBits;
 }
 
+/// Where the pieces of a block lie in the file, as far as it reaches.
+std::vector<ByteRange> BlockStore::piecesOf(const BlockState &state) const
+{
+    const std::uint64_t fileSize = source->size();
+    std::vector<ByteRange> ranges;
+    for (const BlockPiece &piece : state.pieces) {
+        const std::uint64_t offset = std::min(piece.offset, fileSize);
+        ranges.push_back({offset, std::min<std::uint64_t>(piece.length, fileSize - offset)});
+    }
+    return ranges;
+}
+
 /// Gathers the bytes of a block's pieces, up to the first of which the file does not hold all.
 CError BlockStore::readPieces(const PrecinctTask &task, const BlockState &state, const CancelFlag &cancel,
                               std::vector<std::uint8_t> *data, std::vector<std::uint32_t> *lengths)
 {
     std::vector<Chunk> own;
     const std::vector<Chunk> *chunks = &task.chunks;
-    const std::uint64_t fileSize = source->size();
-    std::vector<ByteRange> ranges;
+    const std::vector<ByteRange> ranges = piecesOf(state);
     bool isAtHand = true;
-    for (const BlockPiece &piece : state.pieces) {
-        const std::uint64_t offset = std::min(piece.offset, fileSize);
-        ranges.push_back({offset, std::min<std::uint64_t>(piece.length, fileSize - offset)});
-        isAtHand &= ranges.back().length == 0 || bytesAt(*chunks, ranges.back().offset, ranges.back().length);
-    }
+    for (const ByteRange &range : ranges)
+        isAtHand &= range.length == 0 || bytesAt(*chunks, range.offset, range.length);
     if (!isAtHand) {
         if (CError error = readChunks(*source, ranges, cancel, &own))
             return error;
@@ -316,11 +376,16 @@ CError BlockStore::fetch(const std::vector<BlockRequest> &requests, bool resilie
         *damage = text;
         return CError();
     };
+    if (CError error = prefetchPackets(tasks, cancel))
+        return error;
     if (CError error = runAll(tasks.size(), cancel, [&](std::size_t i) {
             CError failed = loadPrecinct(tasks[i], cancel);
             return failed.IsSuccess() && tasks[i].isDamaged ? noteDamage(tasks[i]) : failed;
         }))
         return error;
+    if (source->isRemote())
+        if (CError error = prefetchPieces(tasks, cancel))
+            return error;
 
     std::vector<std::pair<const PrecinctTask *, std::size_t>> groups;
     for (const PrecinctTask &task : tasks)

@@ -96,6 +96,11 @@ private:
     TileCache::Key cacheKey(const TileToDecode &tile, const BlockName &name) const;
     std::vector<PrecinctTask> collectMissing(const std::vector<BlockRequest> &requests,
                                              std::vector<BlockSet> *sets) const;
+    std::vector<ByteRange> packetsOf(const PrecinctTask &task) const;
+    std::vector<ByteRange> piecesOf(const BlockState &state) const;
+    std::uint64_t firstRead(const PrecinctTask &task) const;
+    PLK::CError prefetchPackets(std::vector<PrecinctTask> &tasks, const CancelFlag &cancel);
+    PLK::CError prefetchPieces(const std::vector<PrecinctTask> &tasks, const CancelFlag &cancel);
     PLK::CError loadPrecinct(PrecinctTask &task, const CancelFlag &cancel);
     PLK::CError parsePrecinct(PrecinctTask &task, const std::vector<ByteRange> &packets, const CancelFlag &cancel,
                               std::shared_ptr<PrecinctIndex> *index);

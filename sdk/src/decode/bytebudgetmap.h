@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <iterator>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -35,17 +36,18 @@ public:
     void insert(const Key &key, ValuePtr value)
     {
         std::lock_guard<std::mutex> lock(mutex);
-        if (byKey.count(key))
-            return;
-        const std::size_t size = value->memoryUse();
-        entries.push_front({key, std::move(value), size});
-        byKey[key] = entries.begin();
-        used += size;
-        while (used > budget && entries.size() > 1) {
-            used -= entries.back().size;
-            byKey.erase(entries.back().key);
-            entries.pop_back();
-        }
+        if (!byKey.count(key))
+            add(key, std::move(value));
+    }
+
+    /// Keeps the last value that comes for a key.
+    void replace(const Key &key, ValuePtr value)
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        const auto found = byKey.find(key);
+        if (found != byKey.end())
+            remove(found->second);
+        add(key, std::move(value));
     }
 
 private:
@@ -55,10 +57,29 @@ private:
         ValuePtr value;
         std::size_t size;
     };
+    using EntryAt = typename std::list<Entry>::iterator;
+
+    void add(const Key &key, ValuePtr value)
+    {
+        const std::size_t size = value->memoryUse();
+        entries.push_front({key, std::move(value), size});
+        byKey[key] = entries.begin();
+        used += size;
+        while (used > budget && entries.size() > 1)
+            remove(std::prev(entries.end()));
+    }
+
+    void remove(EntryAt entry)
+    {
+        used -= entry->size;
+        byKey.erase(entry->key);
+        entries.erase(entry);
+    }
+
     const std::size_t budget;
     std::mutex mutex;         ///< guards everything below
     std::list<Entry> entries; ///< most recently used first
-    std::unordered_map<Key, typename std::list<Entry>::iterator, Hash> byKey;
+    std::unordered_map<Key, EntryAt, Hash> byKey;
     std::size_t used = 0;
 };
 

@@ -17,8 +17,6 @@ namespace xrv {
 
 namespace {
 
-/// Tile indexes kept per file, in bytes.
-constexpr std::size_t kIndexBudget = 32u << 20;
 /// Cells of one component that OpenJPEG decodes in one piece at most; bounds what it needs at a time.
 constexpr std::int64_t kMostCellsPerJob = 4 << 20;
 /// OpenJPEG 2.5.0 decodes parts of tiles with high-throughput code-blocks wrongly, so they are decoded whole, up to
@@ -56,10 +54,9 @@ CodestreamReader::CodestreamReader(std::shared_ptr<ByteSource> source, ByteRange
     : source(std::move(source))
     , codestream(codestream)
     , header(std::move(mainHeader))
-    , table(this->source, codestream, *header)
     , fileNumber(TileCache::instance().fileNumber(this->source->identity()))
     , planner(*header, raster, fileNumber)
-    , indexes(kIndexBudget)
+    , indexes(this->source, codestream, *header)
     , blocks(this->source, *header, fileNumber)
 {
     describe();
@@ -173,17 +170,10 @@ CError CodestreamReader::decodeAll(const ReadRequest &request, const std::vector
 CError CodestreamReader::loadIndexes(const ReadRequest &request, const std::vector<DecodeJob> &jobs,
                                      std::vector<TileIndexPtr> *tileIndexes)
 {
-    tileIndexes->resize(jobs.size());
-    CError error = runAll(jobs.size(), request.cancel, [&](std::size_t i) {
-        // Jobs stand by tile: the first one of a tile reads for all.
-        if (i > 0 && jobs[i - 1].tile == jobs[i].tile)
-            return CError();
-        return tileIndex(jobs[i].tile, &(*tileIndexes)[i]);
-    });
-    for (std::size_t i = 1; i < jobs.size() && error.IsSuccess(); ++i)
-        if (!(*tileIndexes)[i])
-            (*tileIndexes)[i] = (*tileIndexes)[i - 1];
-    return error;
+    std::vector<std::uint32_t> tiles;
+    for (const DecodeJob &job : jobs)
+        tiles.push_back(job.tile);
+    return indexes.load(tiles, request.level, request.cancel, tileIndexes);
 }
 
 struct CodestreamReader::Batch
@@ -368,18 +358,6 @@ void CodestreamReader::keep(const ReadRequest &request, const DecodeJob &job, Pl
         return;
     decoded->planes.push_back(shared);
     TileCache::instance().insert(planner.key(request, job.tile, component), std::move(shared));
-}
-
-CError CodestreamReader::tileIndex(std::uint32_t tile, TileIndexPtr *index)
-{
-    *index = indexes.find(tile);
-    if (*index)
-        return {};
-    // Two threads may read the same index at once; that costs less than making one wait.
-    if (CError error = TileIndex::read(*source, *header, table, tile, index))
-        return error;
-    indexes.insert(tile, *index);
-    return {};
 }
 
 void CodestreamReader::dropCached()

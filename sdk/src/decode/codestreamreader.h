@@ -1,11 +1,10 @@
 #pragma once
 
-#include "../codestream/tileindex.h"
 #include "blockstore.h"
-#include "bytebudgetmap.h"
 #include "decodeplanner.h"
 #include "rasterreader.h"
 #include "tilecache.h"
+#include "tileindexstore.h"
 
 #include <atomic>
 #include <mutex>
@@ -33,7 +32,7 @@ private:
     };
     /// Jobs whose blocks are decoded before they are put together.
     struct Batch;
-    using TileIndexPtr = std::shared_ptr<const TileIndex>;
+    using TileIndexPtr = TileIndexStore::TileIndexPtr;
 
     void describe();
 
@@ -52,18 +51,16 @@ private:
     /// Decides what an error of a tile means: nothing cells with a note of the damage, or the end of the read.
     PLK::CError settle(const ReadRequest &request, const DecodeJob &job, PLK::CError error, Decoded *decoded);
     void keep(const ReadRequest &request, const DecodeJob &job, Plane plane, int averagedLevels, Decoded *decoded);
-    PLK::CError tileIndex(std::uint32_t tile, TileIndexPtr *index);
 
     std::shared_ptr<ByteSource> source;
     ByteRange codestream;
     std::unique_ptr<MainHeader> header;
-    TilePartTable table;
     RasterInfo raster;
     std::uint64_t fileNumber;
     DecodePlanner planner;
     std::atomic<double> nanosecondsPerCell; ///< measured, one core
 
-    ByteBudgetMap<std::uint32_t, TileIndex> indexes;
+    TileIndexStore indexes;
     BlockStore blocks;
 };
 

@@ -12,6 +12,7 @@ set(stage_sources
     rectset.cpp
     tilebands.cpp
     tilecache.cpp
+    tileindexstore.cpp
     tilesynthesis.cpp
     wavelet.cpp
 )

@@ -1,0 +1,242 @@
+#include "tileindexreader.h"
+
+#include "../io/bytecursor.h"
+#include "packedheaders.h"
+
+#include <algorithm>
+
+using PLK::CError;
+
+namespace xrv {
+
+namespace {
+
+constexpr std::uint64_t kFirstRead = 1024;
+constexpr std::uint64_t kLongestTileHeader = 64 * 1024 * 1024;
+
+/// Packet lengths of one tile-part: 7 bits a byte, the highest bit says that more follow (A.7.3).
+std::vector<std::uint32_t> packetLengths(std::vector<MarkerSegment> &segments)
+{
+    std::stable_sort(segments.begin(), segments.end(), [](const MarkerSegment &a, const MarkerSegment &b) {
+        return !a.payload.empty() && !b.payload.empty() && a.payload[0] < b.payload[0];
+    });
+    std::vector<std::uint32_t> lengths;
+    std::uint32_t value = 0;
+    for (const MarkerSegment &segment : segments) {
+        for (std::size_t i = 1; i < segment.payload.size(); ++i) {
+            value = value << 7 | (segment.payload[i] & 0x7F);
+            if (!(segment.payload[i] & 0x80)) {
+                lengths.push_back(value);
+                value = 0;
+            }
+        }
+    }
+    return lengths;
+}
+
+/// \a part begins as a tile-part of \a tile does (A.4.2). Tables of tile-parts can be wrong.
+bool isOwnPart(const Bytes &part, std::uint32_t tile)
+{
+    ByteCursor in(part.data(), part.size());
+    const std::uint16_t marker = in.u16();
+    in.skip(2);
+    const std::uint16_t number = in.u16();
+    in.skip(6);
+    return in.ok() && marker == Marker::kSOT && number == tile;
+}
+
+} // namespace
+
+TileIndexReader::TileIndexReader(ByteSource &source, const MainHeader &header, std::uint32_t tile)
+    : source(source)
+    , header(header)
+    , tile(tile)
+    , cocSet(header.components.size(), false)
+    , qccSet(header.components.size(), false)
+{
+    made->canvasRect = tileRect(header, tile);
+    made->tileStyle = header.style;
+    made->quantizations.resize(header.components.size());
+    for (const MarkerSegment &segment : header.segments)
+        applyQuantization(segment);
+    qccSet.assign(qccSet.size(), false);
+}
+
+TileIndexReader::TileIndexReader(ByteSource &source, const MainHeader &header, const TileIndex &known)
+    : source(source)
+    , header(header)
+    , made(std::make_shared<TileIndex>(known))
+{
+}
+
+CError TileIndexReader::readHeaders(const std::vector<TilePart> &parts, std::uint64_t readAhead,
+                                    const CancelFlag &cancel)
+{
+    made->isPacked = !header.packedHeaders.empty();
+    for (const TilePart &part : parts)
+        if (CError error = readPart(part, readAhead, cancel))
+            return error;
+    made->numbering.emplace(header, made->tileStyle, made->canvasRect);
+    const bool canPlace = !made->isPacked && !made->isMissing() && made->numbering->count() <= kMostPackets;
+    if (canPlace)
+        placePackets();
+    made->isWalkable = canPlace && !header.isHighThroughput;
+    return {};
+}
+
+CError TileIndexReader::walk(int resolution, const CancelFlag &cancel)
+{
+    CError error = walkPackets(source, header, made->tileStyle, made->canvasRect, *made->numbering, made->dataRanges,
+                               resolution, cancel, &made->walk);
+    if (error.IsSuccess())
+        made->walkedResolution = std::max(made->walkedResolution, resolution);
+    return error;
+}
+
+CError TileIndexReader::readPart(const TilePart &part, std::uint64_t readAhead, const CancelFlag &cancel)
+{
+    made->truncated |= part.isTruncated;
+    std::vector<MarkerSegment> segments;
+    std::size_t position = 0;
+    bool isComplete = false;
+    if (CError error = readPartHeader(part, readAhead, cancel, &segments, &position, &isComplete))
+        return error;
+    if (!isComplete) {
+        made->truncated = true;
+        return {};
+    }
+    std::vector<MarkerSegment> plt;
+    for (MarkerSegment &segment : segments)
+        if (CError error = applySegment(segment, &plt))
+            return error;
+    if (!header.packedHeaders.empty())
+        appendPacked(packedHeadersOfPart(header.packedHeaders, part.sequence));
+    made->dataRanges.push_back({part.range.offset + position, part.range.length - position});
+    lengths.push_back(packetLengths(plt));
+    return {};
+}
+
+/// \a position is set to where the packets begin, after the SOD marker.
+CError TileIndexReader::readPartHeader(const TilePart &part, std::uint64_t readAhead, const CancelFlag &cancel,
+                                       std::vector<MarkerSegment> *segments, std::size_t *position, bool *isComplete)
+{
+    for (std::uint64_t want = std::max(kFirstRead, readAhead);; want *= 8) {
+        const std::uint64_t have = std::min(want, part.range.length);
+        Bytes bytes;
+        if (CError error = source.read(ByteRange{part.range.offset, have}, &bytes, cancel))
+            return error;
+        segments->clear();
+        *position = 12;
+        bool incomplete = false;
+        if (isOwnPart(bytes, tile) && readSegments(bytes, position, {Marker::kSOD}, segments, &incomplete)) {
+            *position += 2;
+            *isComplete = true;
+            return {};
+        }
+        if (!incomplete || have == part.range.length || have >= kLongestTileHeader) {
+            *isComplete = false;
+            return {};
+        }
+    }
+}
+
+CError TileIndexReader::applySegment(MarkerSegment &segment, std::vector<MarkerSegment> *plt)
+{
+    switch (segment.marker) {
+    case Marker::kPLT:
+        plt->push_back(std::move(segment));
+        return {};
+    case Marker::kPPT:
+        made->isPacked = true;
+        if (segment.payload.size() > 1)
+            appendPacked(Bytes(segment.payload.begin() + 1, segment.payload.end()));
+        return {};
+    case Marker::kPOC:
+        // The tile's own progression replaces that of the main header (A.6.6).
+        if (!hasOwnProgression)
+            made->tileStyle.progressionChanges.clear();
+        hasOwnProgression = true;
+        break;
+    case Marker::kCOD:
+    case Marker::kCOC:
+    case Marker::kQCD:
+    case Marker::kQCC:
+    case Marker::kRGN:
+        break;
+    default:
+        return {};
+    }
+    applyQuantization(segment);
+    CError error = made->tileStyle.apply(segment, &cocSet);
+    made->tileSegments.push_back(std::move(segment));
+    return error;
+}
+
+void TileIndexReader::appendPacked(const Bytes &bytes)
+{
+    made->packed.insert(made->packed.end(), bytes.begin(), bytes.end());
+}
+
+void TileIndexReader::applyQuantization(const MarkerSegment &segment)
+{
+    ByteCursor in(segment.payload.data(), segment.payload.size());
+    if (segment.marker == Marker::kQCD) {
+        for (std::size_t c = 0; c < qccSet.size(); ++c)
+            if (!qccSet[c])
+                made->quantizations[c].parameters = segment.payload;
+        return;
+    }
+    if (segment.marker != Marker::kQCC && segment.marker != Marker::kRGN)
+        return;
+    const std::size_t c = header.components.size() < 257 ? in.u8() : in.u16();
+    if (!in.ok() || c >= header.components.size())
+        return;
+    const Bytes rest(in.here(), in.here() + in.remaining());
+    if (segment.marker == Marker::kQCC) {
+        made->quantizations[c].parameters = rest;
+        qccSet[c] = true;
+    } else {
+        made->quantizations[c].regionOfInterest = rest;
+    }
+}
+
+/// From the packet lengths, where every tile-part has them and they add up to its bytes.
+void TileIndexReader::placePackets()
+{
+    const PacketNumbering &numbering = *made->numbering;
+    if (!lengthsAddUp())
+        return;
+    const std::vector<std::uint32_t> order = packetOrder(header, made->tileStyle, made->canvasRect, numbering);
+    std::vector<PacketPlace> places(static_cast<std::size_t>(numbering.count()));
+    std::size_t next = 0;
+    for (std::size_t part = 0; part < lengths.size(); ++part) {
+        std::uint64_t offset = made->dataRanges[part].offset;
+        for (const std::uint32_t length : lengths[part]) {
+            if (next == order.size())
+                return;
+            if (offset + length <= made->dataRanges[part].end())
+                places[order[next]] = {offset, length};
+            ++next;
+            offset += length;
+        }
+    }
+    made->walk.places = std::move(places);
+    made->walk.isFinished = true;
+}
+
+bool TileIndexReader::lengthsAddUp() const
+{
+    for (std::size_t part = 0; part < lengths.size(); ++part) {
+        std::uint64_t sum = 0;
+        for (const std::uint32_t length : lengths[part])
+            sum += length;
+        const std::uint64_t available = made->dataRanges[part].length;
+        if (lengths[part].empty() && available > 0)
+            return false;
+        if (made->truncated ? sum < available : sum != available)
+            return false;
+    }
+    return true;
+}
+
+} // namespace xrv

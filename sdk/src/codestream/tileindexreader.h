@@ -1,0 +1,47 @@
+#pragma once
+
+#include "tileindex.h"
+#include "tileparttable.h"
+
+#include <memory>
+#include <vector>
+
+namespace xrv {
+
+/// Makes the index of a tile: reads the headers of its tile-parts and, without packet lengths there, follows the
+/// packets as far as they are wanted.
+class TileIndexReader
+{
+public:
+    TileIndexReader(ByteSource &source, const MainHeader &header, std::uint32_t tile);
+    /// Goes on where \a known ends.
+    TileIndexReader(ByteSource &source, const MainHeader &header, const TileIndex &known);
+
+    /// \a readAhead: bytes of a tile-part that are at hand, or are worth reading at once. A tile without \a parts is
+    /// missing.
+    PLK::CError readHeaders(const std::vector<TilePart> &parts, std::uint64_t readAhead, const CancelFlag &cancel);
+    /// Finds the packets of resolutions up to \a resolution where the index does not know them.
+    PLK::CError walk(int resolution, const CancelFlag &cancel);
+
+    const std::shared_ptr<TileIndex> &index() const { return made; }
+
+private:
+    PLK::CError readPart(const TilePart &part, std::uint64_t readAhead, const CancelFlag &cancel);
+    PLK::CError readPartHeader(const TilePart &part, std::uint64_t readAhead, const CancelFlag &cancel,
+                               std::vector<MarkerSegment> *segments, std::size_t *position, bool *isComplete);
+    PLK::CError applySegment(MarkerSegment &segment, std::vector<MarkerSegment> *plt);
+    void appendPacked(const Bytes &bytes);
+    void applyQuantization(const MarkerSegment &segment);
+    void placePackets();
+    bool lengthsAddUp() const;
+
+    ByteSource &source;
+    const MainHeader &header;
+    std::uint32_t tile = 0;
+    std::shared_ptr<TileIndex> made = std::make_shared<TileIndex>();
+    std::vector<bool> cocSet, qccSet;
+    bool hasOwnProgression = false;
+    std::vector<std::vector<std::uint32_t>> lengths; ///< of the packets, per tile-part
+};
+
+} // namespace xrv

@@ -1,0 +1,171 @@
+#include "tileindexstore.h"
+
+#include "parallel.h"
+
+#include <algorithm>
+
+using PLK::CError;
+
+namespace xrv {
+
+namespace {
+
+/// Tile indexes kept per file, in bytes.
+constexpr std::size_t kIndexBudget = 32u << 20;
+
+// How much of a tile-part its header takes is not known before it is read: packet lengths take about this share of it.
+constexpr std::uint64_t kHeaderShare = 512;
+constexpr std::uint64_t kShortestHeader = 256, kLongestHeader = 64 * 1024;
+/// The cells of low resolutions take more bits each than those of the others: times this.
+constexpr std::uint64_t kLowResolutionBits = 2;
+/// Discarded resolutions from which on the rest is little enough to be read along with the header.
+constexpr int kFewResolutions = 2;
+constexpr std::uint64_t kLongestReadAhead = 256 * 1024;
+
+/// Bytes of tiles without packet lengths that are asked for at a time.
+constexpr std::uint64_t kWalkBatch = 8u << 20;
+
+/// The highest resolution that is needed without the \a discarded ones.
+int neededResolution(const TileIndex &index, int discarded)
+{
+    int most = 0, fewest = 32;
+    for (const ComponentStyle &component : index.style().components) {
+        most = std::max(most, int(component.decompositionLevels));
+        fewest = std::min(fewest, int(component.decompositionLevels));
+    }
+    return most - std::min(discarded, fewest);
+}
+
+/// The low resolutions' packets come first.
+bool beginsWithLowResolutions(const TileStyle &style)
+{
+    return isByResolution(style) ||
+           (style.layers == 1 && style.progression == 0 && style.progressionChanges.empty()); // LRCP
+}
+
+/// Bytes of a tile that a walk will look at, as far as that can be told.
+std::vector<ByteRange> walkedRanges(const TileIndex &index, int discarded)
+{
+    std::vector<ByteRange> ranges = index.data();
+    if (!isByResolution(index.style()))
+        return ranges;
+    std::uint64_t left = 0;
+    for (const ByteRange &range : ranges)
+        left += range.length;
+    left = std::min(left, left / (std::uint64_t(1) << std::min(2 * discarded, 62)) * kLowResolutionBits);
+    for (ByteRange &range : ranges) {
+        range.length = std::min(range.length, left);
+        left -= range.length;
+    }
+    return ranges;
+}
+
+} // namespace
+
+struct TileIndexStore::Task
+{
+    std::uint32_t tile = 0;
+    std::size_t place = 0; ///< in the answer
+    std::unique_ptr<TileIndexReader> reader;
+    bool isFresh = false; ///< nothing is known of the tile yet
+    std::vector<TilePart> parts;
+};
+
+TileIndexStore::TileIndexStore(std::shared_ptr<ByteSource> source, ByteRange codestream, const MainHeader &header)
+    : source(source)
+    , codestream(codestream)
+    , header(header)
+    , table(source, codestream, header)
+    , indexes(kIndexBudget)
+{
+}
+
+CError TileIndexStore::load(const std::vector<std::uint32_t> &tiles, int discarded, const CancelFlag &cancel,
+                            std::vector<TileIndexPtr> *found)
+{
+    found->assign(tiles.size(), nullptr);
+    std::vector<Task> tasks;
+    for (std::size_t i = 0; i < tiles.size(); ++i) {
+        if (i > 0 && tiles[i] == tiles[i - 1])
+            continue;
+        TileIndexPtr &index = (*found)[i];
+        index = indexes.find(tiles[i]);
+        if (index && index->knowsPlaces(neededResolution(*index, discarded)))
+            continue;
+        Task task{tiles[i], i, nullptr, !index, {}};
+        task.reader = index ? std::make_unique<TileIndexReader>(*source, header, *index)
+                            : std::make_unique<TileIndexReader>(*source, header, tiles[i]);
+        tasks.push_back(std::move(task));
+    }
+    if (CError error = readHeaders(tasks, discarded, cancel))
+        return error;
+    if (CError error = walk(tasks, discarded, cancel))
+        return error;
+    for (const Task &task : tasks) {
+        (*found)[task.place] = task.reader->index();
+        indexes.replace(task.tile, task.reader->index());
+    }
+    for (std::size_t i = 1; i < tiles.size(); ++i)
+        if (!(*found)[i])
+            (*found)[i] = (*found)[i - 1];
+    return {};
+}
+
+/// Bytes from the start of a tile-part that are worth having at once: its header, and the packets of an overview.
+std::uint64_t TileIndexStore::readAhead(int discarded) const
+{
+    const std::uint64_t bytesOfTile = codestream.length / header.tileCount();
+    std::uint64_t ahead = std::clamp(bytesOfTile / kHeaderShare, kShortestHeader, kLongestHeader);
+    if (discarded >= kFewResolutions && beginsWithLowResolutions(header.style))
+        ahead += bytesOfTile / (std::uint64_t(1) << std::min(2 * discarded, 62)) * kLowResolutionBits;
+    return std::min(ahead, kLongestReadAhead);
+}
+
+CError TileIndexStore::readHeaders(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel)
+{
+    const std::uint64_t ahead = source->isRemote() ? readAhead(discarded) : 0;
+    std::vector<ByteRange> ranges;
+    for (Task &task : tasks) {
+        if (!task.isFresh)
+            continue;
+        if (CError error = table.find(task.tile, ahead, cancel, &task.parts))
+            return error;
+        for (const TilePart &part : task.parts)
+            ranges.push_back({part.range.offset, std::min(part.range.length, ahead)});
+    }
+    if (CError error = source->prefetch(ranges, cancel))
+        return error;
+    return runAll(tasks.size(), cancel, [&](std::size_t i) {
+        return tasks[i].isFresh ? tasks[i].reader->readHeaders(tasks[i].parts, ahead, cancel) : CError();
+    });
+}
+
+CError TileIndexStore::walk(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel)
+{
+    std::vector<const Task *> toWalk;
+    for (const Task &task : tasks)
+        if (!task.reader->index()->knowsPlaces(neededResolution(*task.reader->index(), discarded)))
+            toWalk.push_back(&task);
+    for (std::size_t first = 0; first < toWalk.size();) {
+        std::vector<ByteRange> ranges;
+        std::uint64_t bytes = 0;
+        std::size_t last = first;
+        for (; last < toWalk.size() && bytes < kWalkBatch; ++last) {
+            for (const ByteRange &range : walkedRanges(*toWalk[last]->reader->index(), discarded)) {
+                ranges.push_back(range);
+                bytes += range.length;
+            }
+        }
+        if (CError error = source->prefetch(ranges, cancel))
+            return error;
+        if (CError error = runAll(last - first, cancel, [&](std::size_t i) {
+                TileIndexReader &reader = *toWalk[first + i]->reader;
+                return reader.walk(neededResolution(*reader.index(), discarded), cancel);
+            }))
+            return error;
+        first = last;
+    }
+    return {};
+}
+
+} // namespace xrv

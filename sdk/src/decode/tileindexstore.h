@@ -1,0 +1,42 @@
+#pragma once
+
+#include "../codestream/tileindex.h"
+#include "../codestream/tileindexreader.h"
+#include "../codestream/tileparttable.h"
+#include "bytebudgetmap.h"
+
+#include <memory>
+#include <vector>
+
+namespace xrv {
+
+/// Gives the indexes of tiles, those of earlier questions from memory. Asks a distant source for what many tiles need
+/// in few requests. Any thread.
+class TileIndexStore
+{
+public:
+    using TileIndexPtr = std::shared_ptr<const TileIndex>;
+
+    TileIndexStore(std::shared_ptr<ByteSource> source, ByteRange codestream, const MainHeader &header);
+
+    /// One index for each of \a tiles, with the packets that decoding without the \a discarded highest resolutions
+    /// needs. PLK_ERR_CANCELLED and the errors of the source.
+    PLK::CError load(const std::vector<std::uint32_t> &tiles, int discarded, const CancelFlag &cancel,
+                     std::vector<TileIndexPtr> *found);
+
+private:
+    /// A tile whose index is being made.
+    struct Task;
+
+    std::uint64_t readAhead(int discarded) const;
+    PLK::CError readHeaders(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel);
+    PLK::CError walk(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel);
+
+    std::shared_ptr<ByteSource> source;
+    const ByteRange codestream;
+    const MainHeader &header;
+    TilePartTable table;
+    ByteBudgetMap<std::uint32_t, TileIndex> indexes;
+};
+
+} // namespace xrv

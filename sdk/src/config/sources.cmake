@@ -1,1 +1,1 @@
-set(stage_sources logger.cpp physicalmemory.cpp plkconfig.cpp plkfile.cpp plkinit.cpp)
+set(stage_sources faultlog.cpp logger.cpp physicalmemory.cpp plkconfig.cpp plkfile.cpp plkinit.cpp)

@@ -1,9 +1,7 @@
 #include "bandrows.h"
 
-#include "../config/logger.h"
+#include "../config/faultlog.h"
 #include "../decode/planerow.h"
-
-#include <xrv60/plklog.h>
 
 #include <algorithm>
 #include <limits>
@@ -43,10 +41,12 @@ void gatherRow(const Plane &plane, std::int64_t x0, std::int64_t x1, std::int64_
 
 } // namespace
 
-BandRows::BandRows(RasterReader &rasterReader, const BandMap &bandMap, std::vector<int> groupOfBands)
+BandRows::BandRows(RasterReader &rasterReader, const BandMap &bandMap, std::vector<int> groupOfBands,
+                   FaultLog *faultLog)
     : reader(rasterReader)
     , map(bandMap)
     , bands(std::move(groupOfBands))
+    , faults(faultLog)
 {
     for (int band : bands)
         if (!map.isDirect(band))
@@ -104,8 +104,8 @@ CError BandRows::read(const IntRect &window, int level, bool resilient, std::vec
     ReadResult result;
     if (CError error = reader.read(request, &result))
         return error;
-    if (result.damaged)
-        log(PLK_LOG_DEBUG, "Statistics count cells that could not be decoded as 0: " + result.damage);
+    if (result.damaged && faults)
+        faults->damaged(result.damage);
     for (std::size_t i = 0; i < bands.size(); ++i) {
         if (!map.isDirect(bands[i]))
             continue;

@@ -11,13 +11,16 @@
 
 namespace xrv {
 
+class FaultLog;
+
 /// Reads cells of a group of bands and hands them to their counters: bands that are a component's cells straight from
 /// the decoded planes, on their own grid where they are subsampled, others row by row through the palette or colour
 /// conversion.
 class BandRows
 {
 public:
-    BandRows(RasterReader &reader, const BandMap &map, std::vector<int> bands);
+    /// \a faults, which may be null, is told of damage.
+    BandRows(RasterReader &reader, const BandMap &map, std::vector<int> bands, FaultLog *faults);
 
     /// Adds the cells of \a window (dataset cells) at \a level to \a counters, one for each band. Windows that touch
     /// give no cell twice. Errors are those of the reader.
@@ -38,6 +41,7 @@ private:
     RasterReader &reader;
     const BandMap &map;
     const std::vector<int> bands;
+    FaultLog *const faults;
     std::vector<int> converted; ///< those of the bands that are no component's cells
     std::vector<int> convertedComponents;
 };

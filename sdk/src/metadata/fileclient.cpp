@@ -4,6 +4,7 @@
 #include "sourcestream.h"
 #include "statistics.h"
 
+#include "../config/faultlog.h"
 #include "../config/logger.h"
 #include "../io/utf8.h"
 
@@ -158,8 +159,10 @@ CError CFileClient::GetClientStatistics(PLKFileStatistics **statistics)
     if (!used)
         return notOpen();
     const PLKFileStatistics *kept = nullptr;
-    if (CError error = used->statistics(&kept))
+    if (CError error = used->statistics(&kept)) {
+        used->faults()->failed(error);
         return error;
+    }
     try {
         *statistics = xrv::copyStatistics(*kept);
     } catch (const std::bad_alloc &) {

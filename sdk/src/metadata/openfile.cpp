@@ -3,6 +3,7 @@
 #include "statistics.h"
 #include "viewmetadatavalues.h"
 
+#include "../config/faultlog.h"
 #include "../config/globalconfig.h"
 #include "../config/logger.h"
 #include "../io/filenames.h"
@@ -56,6 +57,7 @@ CError OpenFile::open(const std::string &name, std::shared_ptr<OpenFile> *file)
 {
     std::shared_ptr<OpenFile> opened(new OpenFile);
     opened->fileName = name;
+    opened->faultLog = std::make_shared<xrv::FaultLog>(name);
     std::vector<std::string> warnings;
     CError error;
     try {
@@ -87,7 +89,7 @@ CError OpenFile::openParts(std::vector<std::string> *warnings)
     findPlace(warnings);
     fillInfo();
     const xrv::RasterInfo &raster = rasterReader->info();
-    logNamed(PLK_LOG_INFO, "Opened \"" + fileName + "\": " + std::to_string(raster.width) + " x " +
+    logNamed(PLK_LOG_INFO, "Opened \"" + fileName + "\": " + typeName() + ", " + std::to_string(raster.width) + " x " +
                                std::to_string(raster.height) + " cells, " + std::to_string(fileInfo.nBands) +
                                " bands, " + std::to_string(byteSource->size()) + " bytes.");
     return {};
@@ -105,6 +107,13 @@ CError OpenFile::openRaster(std::vector<std::string> *warnings)
     for (const xrv::BoxPlace &box : boxes.xmlBoxes)
         xmls.push_back({box.type, box.content.offset, box.content.length});
     return {};
+}
+
+std::string OpenFile::typeName() const
+{
+    if (fileType == PLK_FILE_XRV)
+        return "XRV file";
+    return boxes.isBareCodestream ? "JPEG 2000 codestream" : "JPEG 2000 file";
 }
 
 void OpenFile::compareWithHeaderBox(std::vector<std::string> *warnings) const
@@ -185,7 +194,8 @@ CError OpenFile::statistics(const PLKFileStatistics **result)
         const bool resilient = xrv::globalConfig().IsResilientDecodingEnabled();
         const auto start = std::chrono::steady_clock::now();
         try {
-            if (CError error = xrv::computeStatistics(*rasterReader, map, resilient, &computedStatistics))
+            if (CError error =
+                    xrv::computeStatistics(*rasterReader, map, resilient, &computedStatistics, faultLog.get()))
                 return error;
         } catch (const std::bad_alloc &) {
             return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory for the statistics of \"" + fileName + "\"."};

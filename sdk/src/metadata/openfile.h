@@ -15,6 +15,10 @@
 #include <string>
 #include <vector>
 
+namespace xrv {
+class FaultLog;
+}
+
 namespace PLK {
 
 /// Everything known of one open file: its bytes, boxes, raster, bands and place in the world. Shared by the views'
@@ -28,6 +32,8 @@ public:
     ~OpenFile();
 
     const std::string &name() const { return fileName; }
+    /// Told of damage that is met later, and of failures.
+    const std::shared_ptr<xrv::FaultLog> &faults() const { return faultLog; }
     /// Name of the file in the file system, empty for streams.
     const std::string &localName() const { return localFileName; }
     PLKFileType type() const { return fileType; }
@@ -54,8 +60,10 @@ private:
     void fillInfo();
     void fillBandInfos();
     double uncompressedBytes() const;
+    std::string typeName() const;
 
     std::string fileName, localFileName;
+    std::shared_ptr<xrv::FaultLog> faultLog;
     PLKFileType fileType = PLK_FILE_UNKNOWN;
     std::shared_ptr<xrv::ByteSource> byteSource;
     xrv::Jp2Structure boxes;

@@ -101,7 +101,7 @@ CError countOnce(BandRows &rows, const StatisticsPlan &plan, bool resilient, std
 }
 
 CError countGroup(RasterReader &reader, const BandMap &map, const std::vector<int> &group, bool resilient,
-                  PLKBandStatistics *statistics)
+                  PLKBandStatistics *statistics, FaultLog *faults)
 {
     const std::vector<Band> &bands = map.bands();
     const StatisticsPlan plan = planStatistics(reader.info(), static_cast<int>(bands.size()), map.hasPalette());
@@ -109,7 +109,7 @@ CError countGroup(RasterReader &reader, const BandMap &map, const std::vector<in
     for (int band : group)
         counters.emplace_back(bands[static_cast<std::size_t>(band)].bits,
                               bands[static_cast<std::size_t>(band)].isSigned, bucketLimit(bands.size()));
-    BandRows rows(reader, map, group);
+    BandRows rows(reader, map, group, faults);
     bool again = true;
     while (again) {
         if (CError error = countOnce(rows, plan, resilient, &counters))
@@ -138,7 +138,8 @@ StatisticsPlan planStatistics(const RasterInfo &info, int bandCount, bool fullRe
     return plan;
 }
 
-CError computeStatistics(RasterReader &reader, const BandMap &map, bool resilient, StatisticsPtr *statistics)
+CError computeStatistics(RasterReader &reader, const BandMap &map, bool resilient, StatisticsPtr *statistics,
+                         FaultLog *faults)
 {
     const std::size_t bandCount = map.bands().size();
     StatisticsPtr result(new PLKFileStatistics{nullptr, 0}, PLKFreeStatistics);
@@ -146,7 +147,7 @@ CError computeStatistics(RasterReader &reader, const BandMap &map, bool resilien
     result->nBands = static_cast<std::uint32_t>(bandCount);
     for (std::size_t begin = 0; begin < bandCount;) {
         const std::vector<int> group = nextGroup(map.bands(), begin);
-        if (CError error = countGroup(reader, map, group, resilient, result->pBandStats))
+        if (CError error = countGroup(reader, map, group, resilient, result->pBandStats, faults))
             return error;
         begin += group.size();
     }

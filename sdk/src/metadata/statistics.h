@@ -12,6 +12,8 @@
 
 namespace xrv {
 
+class FaultLog;
+
 /// The part of an image that its statistics are made of.
 struct StatisticsPlan
 {
@@ -31,8 +33,9 @@ using StatisticsPtr = std::unique_ptr<PLKFileStatistics, void (*)(PLKFileStatist
 /// Statistics and histograms of all bands, opacity included. Bands of up to 8 bits have 256 buckets, one per value from
 /// 0 or, signed, from -128. Deeper ones have one bucket for each value from the smallest to the largest, or equal
 /// buckets between these where that would be more than 65536 (fewer with more than 64 bands). Errors are those of the
-/// reader.
-PLK::CError computeStatistics(RasterReader &reader, const BandMap &map, bool resilient, StatisticsPtr *statistics);
+/// reader. Cells that could not be decoded count as 0; \a faults, which may be null, is told.
+PLK::CError computeStatistics(RasterReader &reader, const BandMap &map, bool resilient, StatisticsPtr *statistics,
+                              FaultLog *faults = nullptr);
 
 /// Lowest and highest value that are left when (100 - \a percent) / 2 per cent of the cells are cut off at either end;
 /// smallest and largest for 100 and more. The second is never below the first.

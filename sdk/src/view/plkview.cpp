@@ -159,7 +159,7 @@ CError CView::Open(const CString &name, bool progressive, bool update)
         if (const CError error = OpenFileNamed(name))
             return error;
         const std::shared_ptr<OpenFile> &file = SharedFile();
-        const xrv::ViewSource source{file, &file->reader(), &file->bandMap(), file->name()};
+        const xrv::ViewSource source{file, &file->reader(), &file->bandMap(), file->name(), file->faults()};
         d->setEngine(std::make_shared<xrv::ViewEngine>(source, progressive, *d));
     } catch (const std::bad_alloc &) {
         CloseFile(true);

@@ -1,6 +1,13 @@
 #include "stripreader.h"
 
+#include "../config/faultlog.h"
+#include "../config/logger.h"
+#include "../io/utf8.h"
+
+#include <xrv60/plklog.h>
+
 #include <algorithm>
+#include <chrono>
 
 namespace xrv {
 
@@ -36,6 +43,7 @@ PLK::CError StripReader::read(int fromLine, int toLine)
     fresh->toLine = toLine;
     fresh->blocksInView = blocksInView();
     const ReadRequest read = readRequest(source, *request, key.level, fromLine, toLine);
+    const auto start = Clock::now();
     if (read.datasetRect.isEmpty()) {
         fresh->cells.planes.resize(key.components.size());
     } else if (const PLK::CError error = source.reader->read(read, &fresh->cells)) {
@@ -44,7 +52,24 @@ PLK::CError StripReader::read(int fromLine, int toLine)
     if (fresh->cells.planes.size() != key.components.size())
         return {PLK_ERR_DECODE, "The decoder gave another number of components than was asked for."};
     strip = std::move(fresh);
+    logRead(Clock::now() - start);
     return {};
+}
+
+void StripReader::logRead(Clock::duration time) const
+{
+    // The file's damage is met by every view of it; who logs it says it once.
+    if (strip->cells.damaged && source.faults)
+        source.faults->damaged(strip->cells.damage);
+    if (!logEnabled(PLK_LOG_TRACE))
+        return;
+    const auto microseconds = std::chrono::duration_cast<std::chrono::microseconds>(time).count();
+    log(PLK_LOG_TRACE,
+        wideFromUtf8("\"" + source.name + "\": view " + std::to_string(request->generation) + ", level " +
+                     std::to_string(key.level) + ": lines " + std::to_string(strip->fromLine) + " to " +
+                     std::to_string(strip->toLine - 1) + " of " + std::to_string(request->height) + ", " +
+                     std::to_string(request->width) + " pixels each, were decoded in " +
+                     std::to_string(microseconds / 1000) + "." + std::to_string(microseconds % 1000 / 100) + " ms."));
 }
 
 std::uint64_t StripReader::blocksInView()

@@ -5,6 +5,7 @@
 #include "viewrequest.h"
 #include "viewsource.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 
@@ -39,7 +40,10 @@ public:
     const StripPtr &current() const { return strip; }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     PLK::CError read(int fromLine, int toLine);
+    void logRead(Clock::duration time) const;
     std::uint64_t blocksInView();
 
     ViewSource source;

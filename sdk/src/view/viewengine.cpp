@@ -1,11 +1,8 @@
 #include "viewengine.h"
 
-#include "../config/logger.h"
-#include "../io/utf8.h"
+#include "../config/faultlog.h"
 #include "levelchooser.h"
 #include "passplanner.h"
-
-#include <xrv60/plklog.h>
 
 #include <algorithm>
 #include <new>
@@ -146,7 +143,6 @@ void ViewEngine::noteLine(const Picture &picture)
 {
     const int lines = picture.linesRead(), height = picture.request().height;
     const StripPtr strip = picture.strip();
-    logDamage(strip);
     const std::lock_guard<std::mutex> lock(mutex);
     if (picture.request().cancel.isRaised() || current.get() != &picture || !currentIsFinal)
         return;
@@ -159,20 +155,6 @@ void ViewEngine::noteLine(const Picture &picture)
         progress.setBlocks(strip->blocksInView, 0);
         progress.advance(progressive ? 0.0 : 100.0 * lines / height, share);
     }
-}
-
-/// A damaged file is shown as far as it can be; that something is missing is said once and not with every view.
-void ViewEngine::logDamage(const StripPtr &strip)
-{
-    if (!strip || !strip->cells.damaged)
-        return;
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (loggedDamage == strip->cells.damage)
-            return;
-        loggedDamage = strip->cells.damage;
-    }
-    log(PLK_LOG_WARNING, wideFromUtf8("\"" + source.name + "\": " + strip->cells.damage));
 }
 
 bool ViewEngine::isViewSet() const
@@ -220,6 +202,8 @@ PLK::CError ViewEngine::lastError() const
 
 void ViewEngine::setLastError(PLK::CError error)
 {
+    if (source.faults)
+        source.faults->failed(error);
     const std::lock_guard<std::mutex> lock(mutex);
     lastReadError = std::move(error);
 }

@@ -80,7 +80,6 @@ private:
     PLKSetViewInfo infoOf(const ViewRequest &request) const;
     StripPtr stripAtHand() const;
     void noteLine(const Picture &picture);
-    void logDamage(const StripPtr &strip);
 
     const ViewSource source;
     const bool progressive;
@@ -89,7 +88,7 @@ private:
     RateTracker rate;                 ///< worker's thread only
     Clock::time_point lastCallback{}; ///< worker's thread only
 
-    mutable std::mutex mutex; ///< guards the members up to loggedDamage
+    mutable std::mutex mutex; ///< guards the members up to lastReadError
     RequestPtr newest;
     std::shared_ptr<Picture> current; ///< what lines are read from
     bool currentIsFinal = false;
@@ -99,7 +98,6 @@ private:
     std::thread::id callbackThread;       ///< of the callback that runs
     std::uint64_t preparedGeneration = 0; ///< of the last blocking view whose first lines were decoded ahead
     PLK::CError lastReadError;
-    std::string loggedDamage; ///< what was said of the file's damage last
 
     std::condition_variable prepared; ///< preparedGeneration changed
 

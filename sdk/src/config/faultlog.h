@@ -1,0 +1,34 @@
+#pragma once
+
+#include <xrv60/plkerror.h>
+
+#include <mutex>
+#include <set>
+#include <string>
+
+namespace xrv {
+
+/// Tells the log what is wrong with one open file. Every view meets the same damage in many tiles, so that each kind of
+/// fault, the same words whatever the numbers in them, is told once; only the most detailed level is told of the rest.
+/// Any thread.
+class FaultLog
+{
+public:
+    /// \a fileName is UTF-8.
+    explicit FaultLog(std::string fileName);
+
+    /// Damage that the file is shown in spite of: a warning.
+    void damaged(const std::string &sentence);
+    /// Something could not be done: an error, or worse when memory ran out. A cancelled operation is no fault.
+    void failed(const PLK::CError &error);
+
+private:
+    void note(int level, const std::string &sentence);
+    bool isNewKind(int level, const std::string &sentence);
+
+    const std::string name;
+    std::mutex mutex; ///< guards kinds
+    std::set<std::string> kinds;
+};
+
+} // namespace xrv

@@ -54,6 +54,10 @@ public:
     /// \a userAgent in the local 8-bit encoding.
     void SetXrvpClientHttpUserAgent(const char *userAgent);
     std::string GetXrvpClientHttpUserAgent() const;
+    /// PEM file of certificates that servers of "xrvps://" addresses may be vouched for by, besides the system's; local
+    /// 8-bit encoding. Null or empty: the file that the environment names in SSL_CERT_FILE, if any.
+    void SetXrvpClientCaFile(const char *file);
+    std::string GetXrvpClientCaFile() const;
     void SetProjectionFormat(PLKProjectionFormat format);
     PLKProjectionFormat GetProjectionFormat() const;
 

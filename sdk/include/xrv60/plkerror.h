@@ -23,6 +23,10 @@ enum PLKErrorCode : int {
     PLK_ERR_DECODE = 14,           ///< the codestream cannot be decoded
     PLK_ERR_CANCELLED = 15,        ///< cancelled by a newer view, a cancel or a close; no failure
     PLK_ERR_PROTOCOL = 16,         ///< an address of a protocol that is not served
+    PLK_ERR_UNREACHABLE = 17,      ///< the image server cannot be reached, or is out of service
+    PLK_ERR_SERVER = 18,           ///< the image server answers against the rules of the web
+    PLK_ERR_TOO_LARGE = 19,        ///< the server gives the file as a whole only, and it is larger than the cache
+    PLK_ERR_UNTRUSTED = 20,        ///< the certificate of the image server is not trusted
     PLK_ERR_CONNECTION_LOST = 76,  ///< the connection to the image server is lost
 };
 

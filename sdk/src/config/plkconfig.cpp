@@ -51,6 +51,7 @@ struct CConfig::Values
     mutable std::mutex textMutex; ///< guards the texts below
     std::string xrvpCacheLocation;
     std::string userAgent;
+    std::string caFile;
 
     void setText(std::string Values::*text, const char *value)
     {
@@ -174,6 +175,16 @@ void CConfig::SetXrvpClientHttpUserAgent(const char *userAgent)
 std::string CConfig::GetXrvpClientHttpUserAgent() const
 {
     return values->textOf(&Values::userAgent);
+}
+
+void CConfig::SetXrvpClientCaFile(const char *file)
+{
+    values->setText(&Values::caFile, file);
+}
+
+std::string CConfig::GetXrvpClientCaFile() const
+{
+    return values->textOf(&Values::caFile);
 }
 
 void CConfig::SetProjectionFormat(PLKProjectionFormat format)

@@ -7,6 +7,7 @@
 #include "../decode/tilecache.h"
 #include "../geo/crsnames.h"
 #include "../io/utf8.h"
+#include "../stream/httpclient.h"
 
 #include <xrv60/plklog.h>
 
@@ -61,6 +62,7 @@ void PLKShutdown()
         return;
     xrv::TileCache::instance().clear();
     xrv::DecodePool::instance().stop();
+    xrv::HttpClient::instance().stop();
     xrv::log(PLK_LOG_INFO, std::string("SDK stopped."));
 }
 

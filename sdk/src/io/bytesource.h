@@ -54,6 +54,12 @@ public:
     /// False when nothing is known. Comes from outside the process: to be checked like the file.
     virtual bool recall(const std::string &name, Bytes *knowledge);
 
+    /// Why nothing more can be had from this source until it is reconnected or opened anew: PLK_ERR_CONNECTION_LOST or
+    /// PLK_ERR_FILE_CHANGED. Returns at once.
+    virtual PLK::CError condition() const { return {}; }
+    /// Lets a source whose connection was lost try again with the next read. Returns at once.
+    virtual void reconnect() {}
+
     /// One range.
     PLK::CError read(ByteRange range, Bytes *out, const CancelFlag &cancel = {});
 

@@ -3,24 +3,16 @@
 #include "filenames.h"
 #include "filesource.h"
 
+#include "../stream/streamsource.h"
+
 namespace xrv {
 
 using PLK::CError;
 
-namespace {
-
-/// The source of an "xrvp://" or "xrvps://" address belongs here.
-CError openStream(const std::string &address, std::shared_ptr<ByteSource> *)
-{
-    return {PLK_ERR_PROTOCOL, "Streams cannot be read by this build yet: \"" + address + "\"."};
-}
-
-} // namespace
-
 CError openSource(const std::string &name, std::shared_ptr<ByteSource> *source)
 {
     if (isStreamAddress(name))
-        return openStream(name, source);
+        return StreamSource::open(name, StreamOptions::fromConfig(), source);
     if (hasScheme(name, "jpip") || hasScheme(name, "jpips"))
         return {PLK_ERR_PROTOCOL, "The JPIP protocol is not supported: \"" + name + "\"."};
     if (hasScheme(name, "http") || hasScheme(name, "https"))

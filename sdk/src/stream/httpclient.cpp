@@ -1,0 +1,308 @@
+#include "httpclient.h"
+
+#include "httptransfer.h"
+
+#include <algorithm>
+#include <new>
+
+namespace xrv {
+
+namespace {
+
+constexpr auto kCancelPoll = std::chrono::milliseconds(5);
+constexpr int kLongestWait = 200;       // milliseconds, while something is on its way
+constexpr int kLongestIdleWait = 60000; // until somebody wakes it
+constexpr long kConnectionsKept = 24;
+
+struct MultiDeleter
+{
+    void operator()(CURLM *multi) const { curl_multi_cleanup(multi); }
+};
+
+void initialiseLibrary()
+{
+    static std::once_flag once;
+    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
+}
+
+} // namespace
+
+/// A request with its answer, shared by the thread that waits and the one that works.
+struct HttpClient::Exchange
+{
+    explicit Exchange(const HttpRequest &asked)
+        : request(asked)
+    {
+    }
+    const HttpRequest request;
+    std::atomic<bool> abandoned{false}; ///< nobody waits any more
+    bool isDone = false;                ///< under the loop's mutex, as is the answer
+    HttpAnswer answer;
+};
+
+/// What the thread does. Shared with those who wait, so that it outlives a stop.
+class HttpClient::Loop
+{
+public:
+    Loop();
+    ~Loop();
+    void run();
+    void requestStop();
+    bool add(const std::vector<ExchangePtr> &exchanges);
+    void await(const std::vector<ExchangePtr> &exchanges, const CancelFlag &cancel);
+
+private:
+    struct Active
+    {
+        ExchangePtr exchange;
+        std::unique_ptr<HttpTransfer> transfer;
+    };
+    using ActiveList = std::list<Active>;
+
+    bool takeIn();
+    void startQueued();
+    void start(const ExchangePtr &exchange);
+    void dropAbandoned();
+    void collectFinished();
+    void endStalled();
+    ActiveList::iterator remove(ActiveList::iterator it, HttpAnswer answer);
+    void finish(const ExchangePtr &exchange, HttpAnswer answer);
+    void cancelEverything();
+
+    std::mutex mutex; ///< guards arrivals, stopping and the answers
+    std::condition_variable answered;
+    std::vector<ExchangePtr> arrivals;
+    bool stopping = false;
+
+    // Of the loop's thread.
+    std::deque<ExchangePtr> queue;
+    ActiveList active;
+    std::map<std::string, int> load; ///< requests on their way, by server
+    std::unique_ptr<CURLM, MultiDeleter> multi;
+};
+
+HttpClient::Loop::Loop()
+{
+    initialiseLibrary();
+    multi.reset(curl_multi_init());
+    if (!multi)
+        throw std::bad_alloc();
+    curl_multi_setopt(multi.get(), CURLMOPT_PIPELINING, long(CURLPIPE_MULTIPLEX));
+    curl_multi_setopt(multi.get(), CURLMOPT_MAXCONNECTS, kConnectionsKept);
+}
+
+HttpClient::Loop::~Loop() = default;
+
+void HttpClient::Loop::requestStop()
+{
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        stopping = true;
+    }
+    curl_multi_wakeup(multi.get());
+}
+
+bool HttpClient::Loop::add(const std::vector<ExchangePtr> &exchanges)
+{
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (stopping)
+            return false;
+        arrivals.insert(arrivals.end(), exchanges.begin(), exchanges.end());
+    }
+    curl_multi_wakeup(multi.get());
+    return true;
+}
+
+void HttpClient::Loop::await(const std::vector<ExchangePtr> &exchanges, const CancelFlag &cancel)
+{
+    std::unique_lock<std::mutex> lock(mutex);
+    const auto allDone = [&] {
+        return std::all_of(exchanges.begin(), exchanges.end(), [](const ExchangePtr &one) { return one->isDone; });
+    };
+    while (!allDone() && !cancel.isRaised())
+        answered.wait_for(lock, kCancelPoll); // the flag tells nobody when it is raised
+    bool isAbandoned = false;
+    for (const ExchangePtr &exchange : exchanges) {
+        if (exchange->isDone)
+            continue;
+        exchange->abandoned = true;
+        exchange->isDone = true;
+        exchange->answer.outcome = HttpOutcome::Cancelled;
+        isAbandoned = true;
+    }
+    lock.unlock();
+    if (isAbandoned)
+        curl_multi_wakeup(multi.get());
+}
+
+void HttpClient::Loop::run()
+{
+    while (takeIn()) {
+        dropAbandoned();
+        startQueued();
+        int running = 0;
+        curl_multi_perform(multi.get(), &running);
+        collectFinished();
+        endStalled();
+        startQueued();
+        curl_multi_poll(multi.get(), nullptr, 0, active.empty() ? kLongestIdleWait : kLongestWait, nullptr);
+    }
+    cancelEverything();
+}
+
+bool HttpClient::Loop::takeIn()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    queue.insert(queue.end(), arrivals.begin(), arrivals.end());
+    arrivals.clear();
+    return !stopping;
+}
+
+void HttpClient::Loop::startQueued()
+{
+    for (auto it = queue.begin(); it != queue.end();) {
+        if (!(*it)->abandoned && load[(*it)->request.server] >= kMostPerServer) {
+            ++it;
+            continue;
+        }
+        if (!(*it)->abandoned)
+            start(*it);
+        it = queue.erase(it);
+    }
+}
+
+void HttpClient::Loop::start(const ExchangePtr &exchange)
+{
+    try {
+        auto transfer = std::make_unique<HttpTransfer>(exchange->request);
+        curl_easy_setopt(transfer->handle(), CURLOPT_PIPEWAIT, 1L);
+        if (curl_multi_add_handle(multi.get(), transfer->handle()) != CURLM_OK)
+            throw std::bad_alloc();
+        active.push_back({exchange, std::move(transfer)});
+        ++load[exchange->request.server];
+    } catch (const std::bad_alloc &) {
+        HttpAnswer answer;
+        answer.failure = "there is not enough memory";
+        finish(exchange, std::move(answer));
+    }
+}
+
+HttpClient::Loop::ActiveList::iterator HttpClient::Loop::remove(ActiveList::iterator it, HttpAnswer answer)
+{
+    const auto counted = load.find(it->exchange->request.server);
+    if (--counted->second == 0)
+        load.erase(counted);
+    curl_multi_remove_handle(multi.get(), it->transfer->handle());
+    const ExchangePtr exchange = it->exchange;
+    it = active.erase(it);
+    finish(exchange, std::move(answer));
+    return it;
+}
+
+void HttpClient::Loop::finish(const ExchangePtr &exchange, HttpAnswer answer)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (exchange->isDone)
+        return;
+    exchange->answer = std::move(answer);
+    exchange->isDone = true;
+    answered.notify_all();
+}
+
+void HttpClient::Loop::dropAbandoned()
+{
+    for (auto it = active.begin(); it != active.end();)
+        it = it->exchange->abandoned ? remove(it, {}) : std::next(it);
+}
+
+void HttpClient::Loop::collectFinished()
+{
+    int left = 0;
+    while (CURLMsg *message = curl_multi_info_read(multi.get(), &left)) {
+        if (message->msg != CURLMSG_DONE)
+            continue;
+        CURL *const handle = message->easy_handle;
+        const CURLcode code = message->data.result;
+        const auto it = std::find_if(active.begin(), active.end(),
+                                     [&](const Active &one) { return one.transfer->handle() == handle; });
+        if (it != active.end())
+            remove(it, it->transfer->finish(code));
+    }
+}
+
+void HttpClient::Loop::endStalled()
+{
+    const HttpTransfer::Clock::time_point now = HttpTransfer::Clock::now();
+    for (auto it = active.begin(); it != active.end();)
+        it = it->transfer->isStalled(now) ? remove(it, it->transfer->finishStalled()) : std::next(it);
+}
+
+void HttpClient::Loop::cancelEverything()
+{
+    HttpAnswer cancelled;
+    cancelled.outcome = HttpOutcome::Cancelled;
+    for (auto it = active.begin(); it != active.end();)
+        it = remove(it, cancelled);
+    takeIn();
+    for (const ExchangePtr &exchange : queue)
+        finish(exchange, cancelled);
+    queue.clear();
+}
+
+HttpClient &HttpClient::instance()
+{
+    static auto *client = new HttpClient;
+    return *client;
+}
+
+HttpClient::HttpClient() = default;
+
+HttpClient::~HttpClient()
+{
+    stop();
+}
+
+std::shared_ptr<HttpClient::Loop> HttpClient::startedLoop()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (!loop) {
+        loop = std::make_shared<Loop>();
+        thread = std::thread([running = loop] { running->run(); });
+    }
+    return loop;
+}
+
+std::vector<HttpAnswer> HttpClient::perform(const std::vector<HttpRequest> &requests, const CancelFlag &cancel)
+{
+    std::vector<ExchangePtr> exchanges;
+    for (const HttpRequest &request : requests)
+        exchanges.push_back(std::make_shared<Exchange>(request));
+    const std::shared_ptr<Loop> used = startedLoop();
+    std::vector<HttpAnswer> answers(requests.size());
+    if (!used->add(exchanges)) {
+        for (HttpAnswer &answer : answers)
+            answer.outcome = HttpOutcome::Cancelled;
+        return answers;
+    }
+    used->await(exchanges, cancel);
+    for (std::size_t i = 0; i < exchanges.size(); ++i)
+        answers[i] = std::move(exchanges[i]->answer);
+    return answers;
+}
+
+void HttpClient::stop()
+{
+    std::thread ending;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (loop)
+            loop->requestStop();
+        loop.reset();
+        ending.swap(thread);
+    }
+    if (ending.joinable())
+        ending.join();
+}
+
+} // namespace xrv

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "httpexchange.h"
+
+#include <condition_variable>
+#include <deque>
+#include <list>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace xrv {
+
+/// Speaks HTTP(S) for all streams of the process, on one thread of its own: connections are kept and shared, a few
+/// requests per server are on their way at a time, the others wait. Any thread may call.
+class HttpClient
+{
+public:
+    /// Never destroyed: threads that outlive the library's static objects may still read.
+    static HttpClient &instance();
+
+    HttpClient();
+    ~HttpClient();
+
+    /// Carries out \a requests, side by side where there are several, and waits for the answers, in the same order.
+    /// When \a cancel is raised it returns within milliseconds, with what is not there as cancelled.
+    std::vector<HttpAnswer> perform(const std::vector<HttpRequest> &requests, const CancelFlag &cancel);
+
+    /// Ends the thread and closes all connections; what waits is cancelled. The next request starts it again.
+    void stop();
+
+    static constexpr int kMostPerServer = 6;
+
+private:
+    struct Exchange;
+    class Loop;
+    using ExchangePtr = std::shared_ptr<Exchange>;
+
+    std::shared_ptr<Loop> startedLoop();
+
+    std::mutex mutex; ///< guards the members below
+    std::shared_ptr<Loop> loop;
+    std::thread thread;
+};
+
+} // namespace xrv

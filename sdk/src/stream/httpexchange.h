@@ -1,0 +1,53 @@
+#pragma once
+
+#include "../io/bytesource.h"
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace xrv {
+
+/// One request to a server. Times in milliseconds.
+struct HttpRequest
+{
+    std::string url;    ///< without user and password
+    std::string server; ///< "https://host:port"
+    std::string user, password;
+    bool sendsCredentials = false;
+    std::string range;                ///< "0-99,200-299"; empty asks for the whole
+    std::vector<std::string> headers; ///< further ones, "Name: value"
+    std::string userAgent, caFile;
+    int connectTimeout = 0, stallTimeout = 0;
+    std::uint64_t partialLimit = 0; ///< bytes taken of the body of a 206, more is "too long"
+    std::uint64_t wholeLimit = 0;   ///< the same of a 200
+};
+
+/// How an exchange ended.
+enum class HttpOutcome {
+    Complete,    ///< the answer is whole
+    Cut,         ///< the connection broke with the answer's head or part of its body there
+    Unreachable, ///< no connection, or nothing of an answer
+    TimedOut,    ///< stalled; part of the answer may be there
+    TooLong,     ///< more than was to be taken: the body is as long as the limit
+    Distrusted,  ///< the server's certificate is not trusted
+    Cancelled,
+    Invalid, ///< no HTTP, or headers beyond all bounds
+};
+
+/// What came back.
+struct HttpAnswer
+{
+    HttpOutcome outcome = HttpOutcome::Unreachable;
+    std::string failure;                                      ///< in English, no credentials, when not complete
+    int status = 0;                                           ///< 0 without an answer
+    std::vector<std::pair<std::string, std::string>> headers; ///< names in lower case
+    Bytes body;
+    /// Of the last header of this \a name (lower case); empty without.
+    std::string header(const std::string &name) const;
+    bool hasHeader(const std::string &name) const;
+};
+
+} // namespace xrv

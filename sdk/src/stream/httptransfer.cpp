@@ -1,0 +1,211 @@
+#include "httptransfer.h"
+
+#include "../io/filenames.h"
+#include "../io/utf8.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+namespace xrv {
+
+namespace {
+
+constexpr std::size_t kMostHeaderBytes = 65536;
+constexpr std::size_t kMostErrorBody = 65536;      // pages that explain an error are passed over
+constexpr std::uint64_t kLeastPerStallTime = 1024; // a drip that would take hours is a stall too
+constexpr long kBufferSize = 131072;
+
+std::string trimmed(const std::string &text)
+{
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
+}
+
+} // namespace
+
+std::string HttpAnswer::header(const std::string &name) const
+{
+    for (auto it = headers.rbegin(); it != headers.rend(); ++it)
+        if (it->first == name)
+            return it->second;
+    return {};
+}
+
+bool HttpAnswer::hasHeader(const std::string &name) const
+{
+    return std::any_of(headers.begin(), headers.end(), [&](const auto &header) { return header.first == name; });
+}
+
+HttpTransfer::HttpTransfer(const HttpRequest &request)
+    : request(request)
+    , windowStart(Clock::now())
+    , easy(curl_easy_init())
+{
+    if (!easy)
+        throw std::bad_alloc();
+    setUp();
+}
+
+HttpTransfer::~HttpTransfer() = default;
+
+void HttpTransfer::setUp()
+{
+    std::vector<std::string> lines = request.headers;
+    lines.push_back("Accept: */*");
+    lines.push_back("Accept-Encoding: identity"); // a compressed piece of a file is of no use
+    for (const std::string &line : lines) {
+        curl_slist *longer = curl_slist_append(headerLines.get(), line.c_str());
+        if (!longer)
+            throw std::bad_alloc();
+        (void)headerLines.release();
+        headerLines.reset(longer);
+    }
+    CURL *const curl = easy.get();
+    curl_easy_setopt(curl, CURLOPT_URL, request.url.c_str());
+    curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headerLines.get());
+    if (!request.range.empty())
+        curl_easy_setopt(curl, CURLOPT_RANGE, request.range.c_str());
+    if (!request.userAgent.empty())
+        curl_easy_setopt(curl, CURLOPT_USERAGENT, request.userAgent.c_str());
+    curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 0L); // the caller checks where to
+    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(curl, CURLOPT_TCP_KEEPALIVE, 1L);
+    curl_easy_setopt(curl, CURLOPT_BUFFERSIZE, kBufferSize);
+    curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT_MS, long(request.connectTimeout));
+    curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, errorText);
+    curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, &HttpTransfer::onHeader);
+    curl_easy_setopt(curl, CURLOPT_HEADERDATA, this);
+    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &HttpTransfer::onBody);
+    curl_easy_setopt(curl, CURLOPT_WRITEDATA, this);
+    setUpSecurity();
+}
+
+void HttpTransfer::setUpSecurity()
+{
+    CURL *const curl = easy.get();
+#if LIBCURL_VERSION_NUM >= 0x075500
+    curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
+#else
+    curl_easy_setopt(curl, CURLOPT_PROTOCOLS, long(CURLPROTO_HTTP | CURLPROTO_HTTPS));
+#endif
+    curl_easy_setopt(curl, CURLOPT_SSL_VERIFYPEER, 1L);
+    curl_easy_setopt(curl, CURLOPT_SSL_VERIFYHOST, 2L);
+    const char *const ofEnvironment = std::getenv("SSL_CERT_FILE");
+    const std::string caFile = !request.caFile.empty() ? request.caFile : ofEnvironment ? ofEnvironment : "";
+    if (!caFile.empty())
+        curl_easy_setopt(curl, CURLOPT_CAINFO, caFile.c_str());
+    if (!request.sendsCredentials)
+        return;
+    curl_easy_setopt(curl, CURLOPT_HTTPAUTH, long(CURLAUTH_BASIC));
+    curl_easy_setopt(curl, CURLOPT_USERNAME, request.user.c_str());
+    curl_easy_setopt(curl, CURLOPT_PASSWORD, request.password.c_str());
+}
+
+std::size_t HttpTransfer::onHeader(char *data, std::size_t size, std::size_t count, void *self)
+{
+    try {
+        return static_cast<HttpTransfer *>(self)->takeHeader(std::string(data, size * count)) ? size * count : 0;
+    } catch (const std::bad_alloc &) {
+        return 0;
+    }
+}
+
+std::size_t HttpTransfer::onBody(char *data, std::size_t size, std::size_t count, void *self)
+{
+    try {
+        return static_cast<HttpTransfer *>(self)->takeBody(data, size * count) ? size * count : 0;
+    } catch (const std::bad_alloc &) {
+        return 0;
+    }
+}
+
+bool HttpTransfer::takeHeader(const std::string &line)
+{
+    headerBytes += line.size();
+    windowBytes += line.size();
+    if (headerBytes > kMostHeaderBytes) {
+        hasBadHeaders = true;
+        return false;
+    }
+    if (line.compare(0, 5, "HTTP/") == 0) { // also after an interim answer or that of a proxy
+        answer.headers.clear();
+        const std::size_t blank = line.find(' ');
+        answer.status = blank == std::string::npos ? 0 : std::atoi(line.c_str() + blank);
+        return true;
+    }
+    const std::size_t colon = line.find(':');
+    if (colon != std::string::npos)
+        answer.headers.emplace_back(asciiLower(trimmed(line.substr(0, colon))), trimmed(line.substr(colon + 1)));
+    return true;
+}
+
+std::uint64_t HttpTransfer::bodyLimit() const
+{
+    if (answer.status == 206)
+        return request.partialLimit;
+    return answer.status == 200 ? request.wholeLimit : kMostErrorBody;
+}
+
+bool HttpTransfer::takeBody(const char *data, std::size_t length)
+{
+    windowBytes += length;
+    const std::uint64_t room = bodyLimit() - std::min<std::uint64_t>(bodyLimit(), answer.body.size());
+    const auto taken = static_cast<std::size_t>(std::min<std::uint64_t>(room, length));
+    answer.body.insert(answer.body.end(), data, data + taken);
+    isTooLong = taken < length;
+    return !isTooLong;
+}
+
+bool HttpTransfer::isStalled(Clock::time_point now)
+{
+    if (now - windowStart < std::chrono::milliseconds(request.stallTimeout))
+        return false;
+    if (windowBytes < kLeastPerStallTime)
+        return true;
+    windowStart = now;
+    windowBytes = 0;
+    return false;
+}
+
+HttpOutcome HttpTransfer::outcomeOf(CURLcode code) const
+{
+    switch (code) {
+    case CURLE_OK:
+        return HttpOutcome::Complete;
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_ISSUER_ERROR:
+        return HttpOutcome::Distrusted;
+    case CURLE_WRITE_ERROR: // one of our own callbacks wanted no more
+        return isTooLong ? HttpOutcome::TooLong : HttpOutcome::Invalid;
+    case CURLE_UNSUPPORTED_PROTOCOL:
+    case CURLE_URL_MALFORMAT:
+    case CURLE_WEIRD_SERVER_REPLY:
+    case CURLE_BAD_CONTENT_ENCODING:
+        return HttpOutcome::Invalid;
+    case CURLE_OPERATION_TIMEDOUT:
+        return HttpOutcome::TimedOut;
+    default:
+        return answer.status != 0 ? HttpOutcome::Cut : HttpOutcome::Unreachable;
+    }
+}
+
+HttpAnswer HttpTransfer::finish(CURLcode code)
+{
+    answer.outcome = hasBadHeaders ? HttpOutcome::Invalid : outcomeOf(code);
+    if (answer.outcome == HttpOutcome::TooLong)
+        answer.failure = "the answer is longer than what was asked for";
+    else if (answer.outcome != HttpOutcome::Complete)
+        answer.failure = errorText[0] != 0 ? errorText : curl_easy_strerror(code);
+    return std::move(answer);
+}
+
+HttpAnswer HttpTransfer::finishStalled()
+{
+    answer.outcome = HttpOutcome::TimedOut;
+    answer.failure = "nothing came for " + std::to_string(request.stallTimeout / 1000.0).substr(0, 4) + " seconds";
+    return std::move(answer);
+}
+
+} // namespace xrv

@@ -1,0 +1,372 @@
+#include "rangefetcher.h"
+
+#include "../config/logger.h"
+#include "../io/utf8.h"
+#include "rangeanswer.h"
+
+#include <xrv60/plklog.h>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+namespace xrv {
+
+using PLK::CError;
+
+namespace {
+
+constexpr std::uint64_t kPartOverhead = 1024; // headers of a part, generously
+constexpr std::uint64_t kAnswerSlack = 4096;
+constexpr std::uint64_t kProgressThatCounts = 4096;
+constexpr int kMostRounds = 1000; // each but a few brings at least that much
+constexpr auto kCancelPoll = std::chrono::milliseconds(5);
+
+CError cancelledError()
+{
+    return {PLK_ERR_CANCELLED, "Reading was cancelled."};
+}
+
+bool isTransient(int status)
+{
+    return status == 408 || status == 429 || status == 500 || status == 502 || status == 503 || status == 504;
+}
+
+std::string sizeText(std::uint64_t bytes)
+{
+    return std::to_string((bytes + (1 << 20) - 1) >> 20) + " MB";
+}
+
+} // namespace
+
+/// What the answers of one round of requests amount to.
+class RangeFetcher::Round
+{
+public:
+    CError trouble;           ///< worth another try
+    int pause = -1;           ///< milliseconds the server wants to be left alone
+    bool isFallback = false;  ///< another way of asking was found to be needed
+    std::uint64_t gained = 0; ///< bytes that were lacking
+};
+
+/// How often and after what pauses to try.
+class RangeFetcher::Patience
+{
+public:
+    explicit Patience(const StreamOptions &streamOptions)
+        : options(streamOptions)
+        , backOff(streamOptions.firstBackOff)
+    {
+    }
+
+    /// Waits before the next try; false when there is to be none.
+    bool goOn(const Round &round, const CancelFlag &cancel)
+    {
+        if (++rounds > kMostRounds)
+            return false;
+        if (round.isFallback)
+            return true;
+        if (round.gained >= kProgressThatCounts) {
+            failures = 0;
+            backOff = options.firstBackOff;
+        }
+        if (++failures >= options.tries || round.pause > options.longestRetryAfter)
+            return false;
+        wait(std::max(round.pause, backOff), cancel);
+        backOff *= 2;
+        return true;
+    }
+
+private:
+    static void wait(int milliseconds, const CancelFlag &cancel)
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+        while (!cancel.isRaised() && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for(kCancelPoll);
+    }
+
+    const StreamOptions &options;
+    int backOff;
+    int failures = 0, rounds = 0;
+};
+
+RangeFetcher::RangeFetcher(ServerLink &link)
+    : link(link)
+{
+}
+
+std::uint64_t RangeFetcher::wholeLimit() const
+{
+    const StreamOptions &options = link.options();
+    return options.cacheEnabled ? options.cacheBytes : options.wholeInMemory;
+}
+
+CError RangeFetcher::tooLarge(const HttpAnswer &answer) const
+{
+    const std::string length = answer.header("content-length");
+    const bool isNumber =
+        !length.empty() && length.size() < 19 && length.find_first_not_of("0123456789") == std::string::npos;
+    return {PLK_ERR_TOO_LARGE, "The server of " + quotedName() + " gives files as a whole only, and this one " +
+                                   (isNumber ? "(" + sizeText(std::stoull(length)) + ") " : std::string()) +
+                                   "is larger than the " + sizeText(wholeLimit()) + " that the stream cache may take."};
+}
+
+CError RangeFetcher::open(const FileVersion &known, const CancelFlag &cancel, const Sink &sink, FileVersion *version)
+{
+    Patience patience(link.options());
+    for (;;) {
+        const std::uint64_t firstBytes = std::max<std::uint64_t>(1, link.options().firstBytes);
+        HttpRequest request = link.request("0-" + std::to_string(firstBytes - 1), firstBytes + kAnswerSlack);
+        request.wholeLimit = wholeLimit();
+        request.headers = known.revalidationHeaders();
+        const HttpAnswer answer = link.ask({request}, cancel).front();
+        if (answer.outcome == HttpOutcome::Cancelled)
+            return cancelledError();
+        Round round;
+        const CError error = takeOpening(answer, known, sink, version, &round);
+        if (error || !round.trouble)
+            return error;
+        logRetry(round.trouble);
+        if (!patience.goOn(round, cancel))
+            return round.trouble;
+    }
+}
+
+CError RangeFetcher::takeOpening(const HttpAnswer &answer, const FileVersion &known, const Sink &sink,
+                                 FileVersion *version, Round *round)
+{
+    if (answer.status == 304 && known.isTellable()) {
+        *version = known;
+        return {};
+    }
+    ContentRange range;
+    if (answer.status == 416 && ContentRange::parse(answer.header("content-range"), &range) && range.total == 0) {
+        *version = FileVersion::of(answer, 0);
+        return {};
+    }
+    if (answer.status == 200 && answer.outcome == HttpOutcome::TooLong)
+        return tooLarge(answer);
+    if (answer.status == 206 || (answer.status == 200 && answer.outcome == HttpOutcome::Complete))
+        return takeFirstBytes(answer, sink, version, round);
+    return takeFailure(answer, true, round);
+}
+
+CError RangeFetcher::takeFirstBytes(const HttpAnswer &answer, const Sink &sink, FileVersion *version, Round *round)
+{
+    if (isCompressed(answer)) {
+        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " answers with compressed bytes."};
+        return {};
+    }
+    if (answer.status == 200) {
+        *version = FileVersion::of(answer, answer.body.size());
+        takesNoRanges = answer.body.size() > link.options().firstBytes;
+        sink(0, answer.body.data(), answer.body.size());
+        return {};
+    }
+    std::vector<RangePiece> pieces;
+    std::string fault;
+    if (readPieces(answer, &pieces, &fault) && (pieces.empty() || !pieces.front().contentRange.hasTotal))
+        fault = "its answer does not say how long the file is";
+    else if (fault.empty() && pieces.front().contentRange.range.offset != 0)
+        fault = "its answer carries other bytes than were asked for";
+    if (!fault.empty()) {
+        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " cannot be used: " + fault + '.'};
+        return {};
+    }
+    *version = FileVersion::of(answer, pieces.front().contentRange.total);
+    sink(0, pieces.front().data, pieces.front().length);
+    return {};
+}
+
+void RangeFetcher::logRequests(const std::vector<RangeGroup> &groups) const
+{
+    if (!logEnabled(PLK_LOG_TRACE))
+        return;
+    for (const RangeGroup &group : groups)
+        log(PLK_LOG_TRACE, wideFromUtf8("Asking for " + std::to_string(group.byteCount()) + " bytes in " +
+                                        std::to_string(group.ranges.size()) + " ranges of " + quotedName() + '.'));
+}
+
+void RangeFetcher::logRetry(const CError &error) const
+{
+    if (logEnabled(PLK_LOG_DEBUG))
+        log(PLK_LOG_DEBUG, wideFromUtf8(quotedName() + ", to be tried again: " + error.GetErrorMessage()));
+}
+
+std::vector<HttpAnswer> RangeFetcher::askFor(const std::vector<RangeGroup> &groups, const FileVersion &version,
+                                             const CancelFlag &cancel)
+{
+    std::vector<HttpRequest> requests;
+    for (const RangeGroup &group : groups) {
+        const std::uint64_t limit = group.byteCount() + group.ranges.size() * kPartOverhead + kAnswerSlack;
+        requests.push_back(takesNoRanges ? link.request({}, wholeLimit()) : link.request(group.text(), limit));
+        const std::string condition = version.conditionHeader();
+        if (!condition.empty())
+            requests.back().headers.push_back(condition);
+    }
+    logRequests(groups);
+    return link.ask(std::move(requests), cancel);
+}
+
+CError RangeFetcher::fetch(const std::vector<ByteRange> &ranges, const FileVersion &version, const CancelFlag &cancel,
+                           const Sink &sink)
+{
+    ByteRangeSet lacking(ranges);
+    const std::string server = link.address().server();
+    Patience patience(link.options());
+    while (!lacking.isEmpty()) {
+        std::vector<RangeGroup> groups{{{ByteRange{0, version.length}}}};
+        if (!takesNoRanges)
+            groups = planRequests(lacking, ServerTraits::instance().takesSeveralRanges(server));
+        const std::vector<HttpAnswer> answers = askFor(groups, version, cancel);
+        Round round;
+        const Sink take = [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
+            for (const ByteRange &wanted : lacking.within({offset, length}))
+                round.gained += wanted.length;
+            lacking.remove(ByteRange{offset, length});
+            sink(offset, data, length);
+        };
+        CError failure;
+        for (std::size_t i = 0; i < answers.size(); ++i)
+            if (CError error = takeAnswer(groups[i], answers[i], version, take, &round))
+                failure = failure ? failure : error; // what the others brought is good all the same
+        if (failure)
+            return failure;
+        if (lacking.isEmpty())
+            break;
+        if (round.trouble)
+            logRetry(round.trouble);
+        if ((round.trouble || round.gained == 0) && !patience.goOn(round, cancel))
+            return round.trouble ? round.trouble
+                                 : CError(PLK_ERR_SERVER, "The server of " + quotedName() +
+                                                              " does not give the bytes that it is asked for.");
+        if (cancel.isRaised())
+            return cancelledError();
+    }
+    return {};
+}
+
+CError RangeFetcher::takeAnswer(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
+                                const Sink &sink, Round *round)
+{
+    const CError changed{PLK_ERR_FILE_CHANGED,
+                         "The file " + quotedName() + " was changed on the server. Open it again."};
+    if (answer.outcome == HttpOutcome::Cancelled)
+        return cancelledError();
+    if (answer.status == 412 || answer.status == 416)
+        return changed;
+    if (answer.status != 200 && answer.status != 206)
+        return takeFailure(answer, false, round);
+    if (!version.agreesWith(answer))
+        return changed;
+    if (answer.outcome == HttpOutcome::Invalid || isCompressed(answer)) {
+        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " answers with what cannot be used" +
+                                              (answer.failure.empty() ? "" : ": " + answer.failure) + '.'};
+        return {};
+    }
+    CError error = answer.status == 206 ? takePartial(group, answer, version, sink, round)
+                                        : takeWhole(group, answer, version, sink, round);
+    if (!error && !round->trouble && (answer.outcome == HttpOutcome::Cut || answer.outcome == HttpOutcome::TimedOut))
+        return takeFailure(answer, false, round);
+    return error;
+}
+
+CError RangeFetcher::takePartial(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
+                                 const Sink &sink, Round *round)
+{
+    std::vector<RangePiece> pieces;
+    std::string fault;
+    readPieces(answer, &pieces, &fault);
+    ByteRangeSet asked(group.ranges);
+    for (const RangePiece &piece : pieces) {
+        const ContentRange &place = piece.contentRange;
+        if (place.hasTotal && place.total != version.length)
+            return {PLK_ERR_FILE_CHANGED, "The file " + quotedName() + " was changed on the server: it is " +
+                                              std::to_string(place.total) + " bytes long now. Open it again."};
+        const ByteRange came{place.range.offset, piece.length};
+        if (came.end() > version.length || (piece.length > 0 && asked.within(came).empty())) {
+            fault = "its answer carries other bytes than were asked for";
+            continue;
+        }
+        sink(came.offset, piece.data, came.length);
+        asked.remove(came);
+    }
+    const bool isSeveral = group.ranges.size() > 1;
+    if (isSeveral && pieces.size() > 1)
+        ServerTraits::instance().setTakesSeveralRanges(link.address().server(), true);
+    if (!fault.empty()) {
+        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " cannot be used: " + fault + '.'};
+    } else if (isSeveral && pieces.size() == 1 && !asked.isEmpty()) {
+        ServerTraits::instance().setTakesSeveralRanges(link.address().server(), false);
+        round->isFallback = true;
+        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " gives one range at a time."};
+    } else if (!asked.isEmpty() && answer.outcome == HttpOutcome::Complete) {
+        round->trouble = {PLK_ERR_CONNECTION_LOST,
+                          "The server of " + quotedName() + " sent fewer bytes than it was asked for."};
+    }
+    return {};
+}
+
+CError RangeFetcher::takeWhole(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
+                               const Sink &sink, Round *round)
+{
+    const bool isAskedFor = takesNoRanges;
+    if (isAskedFor && answer.outcome == HttpOutcome::TooLong)
+        return tooLarge(answer);
+    if (isAskedFor && answer.outcome == HttpOutcome::Complete && answer.body.size() != version.length)
+        return {PLK_ERR_FILE_CHANGED, "The file " + quotedName() + " was changed on the server. Open it again."};
+    if (isAskedFor) {
+        sink(0, answer.body.data(), std::min<std::uint64_t>(answer.body.size(), version.length));
+        return {};
+    }
+    round->isFallback = true;
+    if (group.ranges.size() > 1) {
+        ServerTraits::instance().setTakesSeveralRanges(link.address().server(), false);
+        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " does not take several ranges at once."};
+    } else {
+        takesNoRanges = true;
+        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " gives files as a whole only."};
+    }
+    return {};
+}
+
+CError RangeFetcher::takeFailure(const HttpAnswer &answer, bool isOpening, Round *round) const
+{
+    const std::string of = "The server of " + quotedName();
+    const std::string status = std::to_string(answer.status);
+    const int lostCode = isOpening ? PLK_ERR_UNREACHABLE : PLK_ERR_CONNECTION_LOST;
+    if (answer.outcome == HttpOutcome::Distrusted)
+        return {PLK_ERR_UNTRUSTED, of + " cannot prove that it is the one it claims to be: " + answer.failure + '.'};
+    if (answer.outcome == HttpOutcome::Invalid)
+        return {PLK_ERR_SERVER, of + " answers with what cannot be used: " + answer.failure + '.'};
+    switch (answer.status) {
+    case 401:
+    case 407:
+        return {PLK_ERR_NO_ACCESS, of + " wants a user name and password, or does not accept these."};
+    case 403:
+        return {PLK_ERR_NO_ACCESS, of + " does not allow to read it."};
+    case 404:
+    case 410:
+        if (isOpening)
+            return {PLK_ERR_NOT_FOUND, "There is no file " + quotedName() + " on the server."};
+        return {PLK_ERR_FILE_CHANGED, "The file " + quotedName() + " vanished from the server while it was open."};
+    default:
+        break;
+    }
+    if (isTransient(answer.status)) {
+        round->pause = std::max(round->pause, retryAfter(answer));
+        round->trouble = {lostCode, of + " is out of service at present (status " + status + ")."};
+        return {};
+    }
+    const bool isBroken =
+        answer.status == 0 || answer.outcome == HttpOutcome::Cut || answer.outcome == HttpOutcome::TimedOut;
+    if (!isBroken || answer.status >= 300)
+        return {PLK_ERR_SERVER, of + " answers with status " + status + ", which does not help."};
+    const std::string what = answer.status == 0 ? " cannot be reached: " : " broke off: ";
+    round->trouble = {lostCode, isOpening ? of + what + answer.failure + '.'
+                                          : "The connection to the server of " + quotedName() +
+                                                " is lost: " + answer.failure + '.'};
+    return {};
+}
+
+} // namespace xrv

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "byterangeset.h"
+#include "servertraits.h"
+
+#include <string>
+#include <vector>
+
+namespace xrv {
+
+/// What one request asks for.
+struct RangeGroup
+{
+    std::vector<ByteRange> ranges; ///< in file order, apart from each other
+    std::uint64_t byteCount() const;
+    /// As the request's Range header names them: "0-99,200-299".
+    std::string text() const;
+};
+
+/// Skipping fewer bytes than these costs more than reading them. In a multipart answer a part costs some 120 bytes of
+/// its own; a request of its own costs a round trip, in which a link of 20 Mbit/s and 50 ms carries 125 KB, but shares
+/// it with those beside it.
+constexpr std::uint64_t kPartGap = 512;
+constexpr std::uint64_t kRequestGap = 32768;
+
+/// The requests that bring \a lacking, given what the server is known to do. While that is unknown, one request finds
+/// it out and the rest follow with the next plan.
+std::vector<RangeGroup> planRequests(const ByteRangeSet &lacking, ServerTraits::Answer severalRanges);
+
+} // namespace xrv

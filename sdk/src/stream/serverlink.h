@@ -1,0 +1,46 @@
+#pragma once
+
+#include "httpexchange.h"
+#include "streamaddress.h"
+#include "streamoptions.h"
+
+#include <mutex>
+
+namespace xrv {
+
+/// The way to one address: makes its requests, follows redirects as far as they may be followed, and remembers where
+/// they led. Any thread.
+class ServerLink
+{
+public:
+    ServerLink(StreamAddress address, StreamOptions options);
+
+    const StreamAddress &address() const { return streamAddress; }
+    const StreamOptions &options() const { return streamOptions; }
+    /// A request for the bytes \a range ("0-99,200-299", empty for all), of which at most \a limit are taken.
+    HttpRequest request(const std::string &range, std::uint64_t limit) const;
+    /// Carries out \a requests with their redirects. An answer with a redirect that must not be followed is Invalid and
+    /// says why.
+    std::vector<HttpAnswer> ask(std::vector<HttpRequest> requests, const CancelFlag &cancel);
+
+private:
+    struct Target
+    {
+        std::string url, server;
+        bool isOwn = true; ///< the address's own server, which may have its password
+    };
+    Target ownTarget() const;
+    Target target() const;
+    void setTarget(const Target &found);
+    void apply(const Target &to, HttpRequest *request) const;
+    std::string redirect(const HttpAnswer &answer, Target *to) const;
+    std::vector<HttpAnswer> askFrom(const Target &start, const std::vector<HttpRequest> &requests,
+                                    const CancelFlag &cancel);
+
+    const StreamAddress streamAddress;
+    const StreamOptions streamOptions;
+    mutable std::mutex mutex; ///< guards current
+    Target current;           ///< where the address led to last
+};
+
+} // namespace xrv

@@ -1,0 +1,210 @@
+#include "streamsource.h"
+
+#include "../config/logger.h"
+#include "../io/utf8.h"
+
+#include <xrv60/plklog.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <new>
+
+namespace xrv {
+
+using PLK::CError;
+
+namespace {
+
+constexpr auto kCancelPoll = std::chrono::milliseconds(5);
+
+std::uint64_t nextNumber()
+{
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
+
+} // namespace
+
+/// Bytes that one thread fetches and the others wait for. Ends with this object.
+class StreamSource::Claim
+{
+public:
+    /// Claims what nobody else has of \a wanted.
+    Claim(StreamSource *source, const ByteRangeSet &wanted)
+        : source(source)
+        , claimed(wanted)
+    {
+        const std::lock_guard<std::mutex> lock(source->mutex);
+        claimed.remove(source->underWay);
+        for (const ByteRange &range : claimed.ranges())
+            source->underWay.add(range);
+    }
+    ~Claim()
+    {
+        const std::lock_guard<std::mutex> lock(source->mutex);
+        source->underWay.remove(claimed);
+        source->landed.notify_all();
+    }
+    Claim(const Claim &) = delete;
+    Claim &operator=(const Claim &) = delete;
+
+    const ByteRangeSet &ranges() const { return claimed; }
+
+private:
+    StreamSource *const source;
+    ByteRangeSet claimed;
+};
+
+StreamSource::StreamSource(const StreamAddress &address, const StreamOptions &options)
+    : printableAddress(address.printable())
+    , link(address, options)
+    , fetcher(link)
+{
+}
+
+StreamSource::~StreamSource()
+{
+    SegmentStore::instance().release(fileNumber, newestPin);
+}
+
+CError StreamSource::open(const std::string &address, const StreamOptions &options, std::shared_ptr<ByteSource> *source)
+{
+    StreamAddress parsed;
+    if (CError error = StreamAddress::parse(address, &parsed))
+        return error;
+    std::shared_ptr<StreamSource> opened(new StreamSource(parsed, options));
+    if (CError error = opened->connect())
+        return error;
+    *source = std::move(opened);
+    return {};
+}
+
+CError StreamSource::connect()
+{
+    Bytes first;
+    const RangeFetcher::Sink keep = [&](std::uint64_t, const std::uint8_t *data, std::uint64_t length) {
+        first.assign(data, data + length);
+    };
+    if (CError error = fetcher.open({}, {}, keep, &version))
+        return error;
+    if (!version.isTellable())
+        uniqueMark = '|' + std::to_string(nextNumber());
+    fileNumber = SegmentStore::instance().fileNumber(identity());
+    newestPin = nextNumber();
+    SegmentStore::instance().put(fileNumber, 0, first.data(), first.size(), newestPin);
+    return {};
+}
+
+CError StreamSource::condition() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return trouble;
+}
+
+void StreamSource::reconnect()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (trouble.GetErrorNumber() == PLK_ERR_CONNECTION_LOST)
+        trouble = {};
+}
+
+void StreamSource::setCondition(const CError &error)
+{
+    const int code = error.GetErrorNumber();
+    if (code != PLK_ERR_CONNECTION_LOST && code != PLK_ERR_FILE_CHANGED)
+        return;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (trouble.GetErrorNumber() == code || trouble.GetErrorNumber() == PLK_ERR_FILE_CHANGED)
+            return;
+        trouble = error;
+    }
+    if (code == PLK_ERR_FILE_CHANGED)
+        SegmentStore::instance().drop(fileNumber);
+    if (logEnabled(PLK_LOG_WARNING))
+        log(PLK_LOG_WARNING, wideFromUtf8(error.GetErrorMessage()));
+}
+
+CError StreamSource::fetch(const ByteRangeSet &lacking, const CancelFlag &cancel, std::uint64_t pin,
+                           const RangeFetcher::Sink &sink)
+{
+    const CError error = fetcher.fetch(lacking.ranges(), version, cancel,
+                                       [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
+                                           SegmentStore::instance().put(fileNumber, offset, data, length, pin);
+                                           sink(offset, data, length);
+                                       });
+    setCondition(error);
+    return error;
+}
+
+/// Until some of what other threads fetch has come, or they gave up.
+CError StreamSource::waitForOthers(const CancelFlag &cancel)
+{
+    std::unique_lock<std::mutex> lock(mutex);
+    landed.wait_for(lock, kCancelPoll); // the flag tells nobody when it is raised
+    return cancel.isRaised() ? CError(PLK_ERR_CANCELLED, "Reading was cancelled.") : CError();
+}
+
+CError StreamSource::read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel, std::vector<Bytes> *out)
+{
+    if (CError error = checkRanges(ranges))
+        return error;
+    try {
+        RangeAssembly assembly(ranges, out);
+        for (;;) {
+            const CError state = condition();
+            if (state.GetErrorNumber() == PLK_ERR_FILE_CHANGED)
+                return state;
+            SegmentStore::instance().collect(fileNumber, &assembly);
+            if (assembly.lacking().isEmpty())
+                return {};
+            if (state)
+                return state;
+            const Claim claim(this, assembly.lacking());
+            const CError error = claim.ranges().isEmpty()
+                                     ? waitForOthers(cancel)
+                                     : fetch(claim.ranges(), cancel, 0,
+                                             [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
+                                                 assembly.add(offset, data, length);
+                                             });
+            if (error)
+                return error;
+        }
+    } catch (const std::bad_alloc &) {
+        return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to read from \"" + name() + "\"."};
+    }
+}
+
+CError StreamSource::prefetch(const std::vector<ByteRange> &ranges, const CancelFlag &cancel)
+{
+    if (CError error = checkRanges(ranges))
+        return error;
+    const std::uint64_t pin = nextNumber();
+    std::uint64_t oldPin = pin;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        std::swap(oldPin, newestPin);
+    }
+    try {
+        ByteRangeSet lacking = SegmentStore::instance().missing(fileNumber, ranges, pin);
+        SegmentStore::instance().release(fileNumber, oldPin);
+        while (!lacking.isEmpty()) {
+            if (CError state = condition())
+                return state;
+            const Claim claim(this, lacking);
+            const CError error = claim.ranges().isEmpty() ? waitForOthers(cancel)
+                                                          : fetch(claim.ranges(), cancel, pin, [](auto, auto, auto) {});
+            if (error)
+                return error;
+            lacking.remove(claim.ranges());
+            if (claim.ranges().isEmpty())
+                lacking = SegmentStore::instance().missing(fileNumber, lacking.ranges(), pin);
+        }
+    } catch (const std::bad_alloc &) {
+        return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to read from \"" + name() + "\"."};
+    }
+    return {};
+}
+
+} // namespace xrv

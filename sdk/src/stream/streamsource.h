@@ -1,0 +1,63 @@
+#pragma once
+
+#include "rangefetcher.h"
+#include "segmentstore.h"
+#include "serverlink.h"
+
+#include "../io/bytesource.h"
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+
+namespace xrv {
+
+/// A file on a web server, read by byte ranges. What came is kept in memory, within bounds, and shared by all sources
+/// of the same version of the file. Answers are never mixed: once the file changed on the server every read fails with
+/// PLK_ERR_FILE_CHANGED. After a connection was lost, reads of what is not at hand fail at once with
+/// PLK_ERR_CONNECTION_LOST until reconnect().
+class StreamSource : public ByteSource
+{
+public:
+    /// \a address as StreamAddress takes it. Asks the server; the errors of StreamAddress::parse() and
+    /// RangeFetcher::open().
+    static PLK::CError open(const std::string &address, const StreamOptions &options,
+                            std::shared_ptr<ByteSource> *source);
+    ~StreamSource() override;
+
+    const std::string &name() const override { return printableAddress; }
+    std::uint64_t size() const override { return version.length; }
+    bool isRemote() const override { return true; }
+    std::string identity() const override { return printableAddress + '|' + version.text() + uniqueMark; }
+    using ByteSource::read;
+    PLK::CError read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel, std::vector<Bytes> *out) override;
+    PLK::CError prefetch(const std::vector<ByteRange> &ranges, const CancelFlag &cancel) override;
+    PLK::CError condition() const override;
+    void reconnect() override;
+
+private:
+    class Claim;
+
+    explicit StreamSource(const StreamAddress &address, const StreamOptions &options);
+    PLK::CError connect();
+    PLK::CError fetch(const ByteRangeSet &lacking, const CancelFlag &cancel, std::uint64_t pin,
+                      const RangeFetcher::Sink &sink);
+    PLK::CError checkCondition() const;
+    void setCondition(const PLK::CError &error);
+    PLK::CError waitForOthers(const CancelFlag &cancel);
+
+    const std::string printableAddress;
+    ServerLink link;
+    RangeFetcher fetcher;
+    FileVersion version;
+    std::string uniqueMark; ///< tells apart what the server gives nothing to tell apart by
+    std::uint64_t fileNumber = 0;
+
+    mutable std::mutex mutex; ///< guards the members below
+    std::condition_variable landed;
+    ByteRangeSet underWay; ///< what some thread is fetching
+    PLK::CError trouble;   ///< see condition()
+    std::uint64_t newestPin = 0;
+};
+
+} // namespace xrv

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+/// A real nginx that serves a folder on a port of the loopback device, for as long as this object lives.
+class NginxServer
+{
+public:
+    /// False where nginx is not installed.
+    static bool isInstalled();
+    ~NginxServer();
+
+    /// Serves \a folder. Waits until the server answers.
+    bool start(const QString &folder);
+    void stop();
+    quint16 port() const { return listeningPort; }
+    /// "xrvp://127.0.0.1:port/name"
+    std::string address(const QString &name) const;
+    /// What was asked since the last call: "status body-bytes-sent range-header", one per request.
+    QStringList takeLog();
+
+private:
+    bool writeConfig(const QString &folder) const;
+    QString filePath(const QString &name) const { return place.filePath(name); }
+
+    QTemporaryDir place;
+    QProcess process;
+    quint16 listeningPort = 0;
+    int linesTaken = 0;
+};

@@ -2,6 +2,7 @@ set(stage_sources
     canvas.cpp
     mainheader.cpp
     packedheaders.cpp
+    packetindex.cpp
     packetorder.cpp
     packetwalk.cpp
     precinct.cpp

@@ -88,6 +88,7 @@ struct Jp2Structure
     std::vector<UuidBox> uuidBoxes; ///< in file order
     std::vector<LabelledXml> gml;   ///< in file order, empty without a "gml.data" association
     bool hasGmlBox = false;
+    std::vector<BoxPlace> otherBoxes; ///< of the outermost level and of unknown types, complete ones, in file order
 };
 
 /// Reads the boxes of \a source. Recognises the format by content; anything else is PLK_ERR_UNKNOWN_FORMAT. Damage in

@@ -119,8 +119,12 @@ void StructureReader::handle(const Box &box, Place *place)
         fileTypeFound(box);
         return;
     default:
-        if (place->header && headerReader.read(box, place->header) && !place->inHeader)
-            warnings.add("Box '" + boxTypeName(box.type) + "' stands outside of the header.");
+        if (place->header && headerReader.read(box, place->header)) {
+            if (!place->inHeader)
+                warnings.add("Box '" + boxTypeName(box.type) + "' stands outside of the header.");
+        } else if (place->depth == 0 && box.missing == 0) {
+            found.otherBoxes.push_back({box.type, box.content});
+        }
     }
 }
 

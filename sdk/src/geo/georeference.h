@@ -14,7 +14,7 @@ namespace xrv {
 /// Where an image lies in the world.
 struct GeoReference
 {
-    enum class Origin { None, GeoJp2, Gml, WorldFile };
+    enum class Origin { None, GeoJp2, Gml, WorldFile, XrvInfo };
     Origin origin = Origin::None;
     /// Of the corners of cells: x = t[0] + t[1] column + t[2] row, y = t[3] + t[4] column + t[5] row. x is easting or
     /// longitude and y northing or latitude, whatever the axis order of the reference system.

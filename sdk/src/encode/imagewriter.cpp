@@ -1,0 +1,374 @@
+#include "imagewriter.h"
+
+#include "boxes.h"
+#include "codestreamassembler.h"
+#include "tileencoder.h"
+
+#include "../codestream/canvas.h"
+#include "../container/boxtype.h"
+#include "../metadata/bandcounter.h"
+#include "../xrv/xrvboxes.h"
+
+#include <xrv60/plkinit.h>
+
+#include <algorithm>
+#include <cmath>
+#include <ctime>
+#include <mutex>
+#include <new>
+#include <thread>
+
+namespace xrv {
+
+using PLK::CError;
+
+namespace {
+
+constexpr std::uint32_t kUsualBlockSize = 1024;
+constexpr int kUsualLevels = 5;
+constexpr std::uint32_t kSmallestOverview = 512; ///< cells across that the lowest resolution should have at most
+constexpr std::size_t kMostTiles = 65535;        ///< ISO/IEC 15444-1 A.4.2
+constexpr std::size_t kMostBands = 255;
+constexpr int kMostBits = 16;
+constexpr std::size_t kMostBucketsOfAllBands = std::size_t(4) << 20;
+constexpr double kShareOfCoding = 0.95; ///< of the time; the rest is copying
+
+std::string now()
+{
+    const std::time_t seconds = std::time(nullptr);
+    std::tm parts{};
+#ifdef _WIN32
+    gmtime_s(&parts, &seconds);
+#else
+    gmtime_r(&seconds, &parts);
+#endif
+    char text[32];
+    return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts));
+}
+
+bool isPowerOfTwo(std::uint32_t number)
+{
+    return number != 0 && (number & (number - 1)) == 0;
+}
+
+CError unsupported(const char *sentence)
+{
+    return {PLK_ERR_UNSUPPORTED, sentence};
+}
+
+/// One compression.
+class Writer
+{
+public:
+    Writer(ImageSource &source, const WriteOptions &options)
+        : source(source)
+        , options(options)
+        , image(source.description())
+        , statistics(nullptr, PLKFreeStatistics)
+    {
+    }
+
+    CError run(const std::string &path)
+    {
+        if (CError error = check())
+            return error;
+        OutputFile output;
+        if (CError error = output.open(path))
+            return error;
+        CodestreamAssembler assembler(makeLayout());
+        if (CError error = assembler.open(path))
+            return error;
+        if (CError error = encodeAll(&assembler))
+            return error;
+        if (CError error = assembler.finish())
+            return error;
+        makeStatisticsRecord();
+        if (CError error = output.write(makeStart(assembler)))
+            return error;
+        const auto copied = [this](double share) {
+            report(kShareOfCoding + (1.0 - kShareOfCoding) * share);
+            return !options.cancel.isRaised();
+        };
+        if (CError error = assembler.write(&output, copied))
+            return error;
+        return output.commit();
+    }
+
+private:
+    CError check()
+    {
+        const std::size_t bands = image.bands.size();
+        blockSize = options.blockSize != 0 ? options.blockSize : kUsualBlockSize;
+        if (image.width == 0 || image.height == 0 || bands == 0)
+            return unsupported("The image has no cells.");
+        if (bands > kMostBands)
+            return unsupported("Images of more than 255 bands cannot be written.");
+        for (const XrvBand &band : image.bands)
+            if (band.bits < 1 || band.bits > kMostBits)
+                return unsupported("Cells of more than 16 bits cannot be written.");
+        if (!isPowerOfTwo(blockSize) || blockSize < 64 || blockSize > 16384)
+            return {PLK_ERR_INVALID_ARGUMENT, "The block size must be a power of two from 64 to 16384."};
+        if (options.layers < 1 || options.layers > 32)
+            return {PLK_ERR_INVALID_ARGUMENT, "The number of quality layers must be 1 to 32."};
+        if (!options.isLossless && !(options.rate >= 1.0 && options.rate <= 1000.0))
+            return {PLK_ERR_INVALID_ARGUMENT, "The rate must be 1 to 1000."};
+        if (makeLayout().tileCount() > kMostTiles)
+            return unsupported("The image has too many blocks; take larger ones.");
+        makeCoding();
+        for (const XrvBand &band : image.bands)
+            counters.emplace_back(band.bits, band.isSigned,
+                                  std::clamp(kMostBucketsOfAllBands / bands, std::size_t(256), std::size_t(65536)));
+        return {};
+    }
+
+    CodestreamAssembler::Layout makeLayout() const
+    {
+        return {image.width, image.height, blockSize, blockSize, image.bands};
+    }
+
+    void makeCoding()
+    {
+        const XrvBand &first = image.bands.front();
+        const auto isAlike = [&first](const XrvBand &band) {
+            return band.bits == first.bits && band.isSigned == first.isSigned;
+        };
+        coding.bands = image.bands;
+        coding.isLossless = options.isLossless;
+        coding.rate = options.rate;
+        coding.layers = options.layers;
+        coding.hasColourTransform = image.colourSpace == PLK_COLORSPACE_SRGB && image.bands.size() >= 3 &&
+                                    std::all_of(image.bands.begin(), image.bands.begin() + 3, isAlike);
+        coding.levels = kUsualLevels;
+        while (std::max(image.width, image.height) >> coding.levels > kSmallestOverview)
+            ++coding.levels;
+        // Lower resolutions of a block than a few cells gain nothing.
+        while (coding.levels > 0 && blockSize >> coding.levels < 16)
+            --coding.levels;
+    }
+
+    CError encodeAll(CodestreamAssembler *assembler)
+    {
+        const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
+        const auto count = options.threads > 0 ? static_cast<unsigned>(options.threads) : cores;
+        std::vector<std::thread> threads;
+        for (unsigned i = 1; i < count; ++i)
+            threads.emplace_back([this, assembler] { work(assembler); });
+        work(assembler);
+        for (std::thread &thread : threads)
+            thread.join();
+        return firstError;
+    }
+
+    void work(CodestreamAssembler *assembler)
+    {
+        bool goesOn = true;
+        while (goesOn) {
+            CError error;
+            try {
+                error = encodeNext(assembler, &goesOn);
+            } catch (const std::bad_alloc &) {
+                error = CError(PLK_ERR_OUT_OF_MEMORY, "There is not enough memory; take smaller blocks.");
+            }
+            if (error) {
+                const std::lock_guard<std::mutex> lock(mutex);
+                if (firstError.IsSuccess())
+                    firstError = error;
+                hasFailed = true;
+                return;
+            }
+        }
+    }
+
+    IntRect rectOf(std::uint32_t tile) const
+    {
+        const std::uint32_t across = (image.width + blockSize - 1) / blockSize;
+        const std::int64_t x = std::int64_t(tile % across) * blockSize, y = std::int64_t(tile / across) * blockSize;
+        return IntRect{x, y, x + blockSize, y + blockSize}.intersected({0, 0, image.width, image.height});
+    }
+
+    CError encodeNext(CodestreamAssembler *assembler, bool *goesOn)
+    {
+        std::unique_ptr<TileEncoder> encoder;
+        std::uint32_t tile = 0;
+        {
+            // Sources go from top to bottom, so one thread reads while the others encode.
+            const std::lock_guard<std::mutex> lock(sourceMutex);
+            *goesOn = nextTile < makeLayout().tileCount() && !hasStopped();
+            if (!*goesOn)
+                return options.cancel.isRaised() ? cancelled() : CError();
+            tile = nextTile++;
+            encoder = std::make_unique<TileEncoder>(coding, rectOf(tile));
+            if (CError error = readTile(rectOf(tile), encoder->planes()))
+                return error;
+        }
+        EncodedTile encoded;
+        if (CError error = encoder->encode(&encoded))
+            return error;
+        encoder.reset();
+        const std::lock_guard<std::mutex> lock(mutex);
+        CError error = assembler->add(tile, encoded);
+        ++tilesDone;
+        report(kShareOfCoding * tilesDone / makeLayout().tileCount());
+        return error;
+    }
+
+    CError readTile(const IntRect &rect, const std::vector<std::int32_t *> &planes)
+    {
+        if (CError error = source.read(rect, planes))
+            return error;
+        const auto cells = static_cast<std::size_t>(rect.width() * rect.height());
+        for (std::size_t band = 0; band < planes.size(); ++band)
+            counters[band].add(planes[band], cells);
+        return {};
+    }
+
+    bool hasStopped()
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return hasFailed || options.cancel.isRaised();
+    }
+    static CError cancelled() { return {PLK_ERR_CANCELLED, "The compression was cancelled."}; }
+    void report(double share) const
+    {
+        if (options.progress)
+            options.progress(share);
+    }
+
+    void makeStatisticsRecord()
+    {
+        statistics.reset(new PLKFileStatistics{nullptr, 0});
+        statistics->pBandStats = new PLKBandStatistics[counters.size()]();
+        statistics->nBands = static_cast<std::uint32_t>(counters.size());
+        for (std::size_t band = 0; band < counters.size(); ++band)
+            counters[band].finish(&statistics->pBandStats[band]);
+    }
+
+    /// All that comes before the codestream, with the header of its box.
+    Bytes makeStart(const CodestreamAssembler &assembler) const
+    {
+        const Bytes streamHeader = makeBoxHeader(boxType("jp2c"), assembler.length());
+        Bytes start = options.kind == FileKind::GeoJp2 ? makeJp2Boxes() : makeXrvBoxes(assembler, 0.0f);
+        if (options.kind == FileKind::Xrv) {
+            // The size of the file does not depend on what the rate is.
+            const double size = static_cast<double>(start.size() + streamHeader.size() + assembler.length());
+            start = makeXrvBoxes(assembler, static_cast<float>(uncompressedBytes() / size));
+        }
+        start.insert(start.end(), streamHeader.begin(), streamHeader.end());
+        return start;
+    }
+
+    double uncompressedBytes() const
+    {
+        double bytes = 0.0;
+        for (const XrvBand &band : image.bands)
+            bytes += static_cast<double>(image.width) * image.height * ((band.bits + 7) / 8);
+        return bytes;
+    }
+
+    static void append(Bytes *bytes, const Bytes &more) { bytes->insert(bytes->end(), more.begin(), more.end()); }
+
+    Bytes makeJp2Boxes() const
+    {
+        Bytes bytes = makeJp2Start();
+        append(&bytes, makeHeaderBox(image));
+        appendGeoBox(&bytes);
+        appendXmls(&bytes);
+        return bytes;
+    }
+
+    Bytes makeXrvBoxes(const CodestreamAssembler &assembler, float actualRate) const
+    {
+        Bytes bytes(kXrvSignature.begin(), kXrvSignature.end());
+        append(&bytes, makeBox(kVersionBox, Bytes{kXrvMajorVersion, kXrvMinorVersion, 0, 0}));
+        append(&bytes, makeBox(kFileInfoBox, makeFileInfo(makeInfo(actualRate))));
+        append(&bytes, makeBox(kBandsBox, makeBands(image.bands)));
+        append(&bytes, makeHeaderBox(image));
+        if (std::any_of(image.texts.begin(), image.texts.end(), [](const auto &text) { return text.has_value(); }))
+            append(&bytes, makeBox(kTextsBox, makeTexts(image.texts)));
+        if (image.rpc)
+            append(&bytes, makeBox(kRpcBox, makeRpc(*image.rpc)));
+        appendGeoBox(&bytes);
+        append(&bytes, makeBox(kStatisticsBox, makeStatistics(*statistics)));
+        appendXmls(&bytes);
+        append(&bytes, makeBox(kPacketIndexBox, assembler.index().content()));
+        return bytes;
+    }
+
+    void appendGeoBox(Bytes *bytes) const
+    {
+        GeoTags tags = image.geoTags.isEmpty() ? makeGeoTags(image.place) : image.geoTags;
+        if (image.rpc) {
+            const auto *first = reinterpret_cast<const double *>(&*image.rpc);
+            tags.rpc.assign(first, first + sizeof(PLKRPCData) / sizeof(double));
+        }
+        append(bytes, makeGeoBox(tags));
+    }
+
+    void appendXmls(Bytes *bytes) const
+    {
+        for (const std::string &xml : image.xmls)
+            append(bytes, makeBox(boxType("xml "), xml));
+    }
+
+    XrvFileInfo makeInfo(float actualRate) const
+    {
+        XrvFileInfo info;
+        info.cellType = cellType();
+        info.colourSpace = image.colourSpace;
+        info.units = image.place.units;
+        info.isLossless = options.isLossless;
+        info.hasPlace = image.place.origin != GeoReference::Origin::None;
+        info.bands = static_cast<std::uint16_t>(image.bands.size());
+        info.targetRate = options.isLossless ? 0 : static_cast<std::uint16_t>(std::lround(options.rate));
+        info.actualRate = actualRate;
+        info.blockWidth = info.blockHeight = blockSize;
+        info.transform = image.place.transform;
+        info.epsg = image.place.epsg;
+        info.datum = image.place.datum;
+        info.projection = image.place.projection;
+        info.compressionDate = options.compressionDate.empty() ? date : options.compressionDate;
+        return info;
+    }
+
+    /// The smallest that holds every band.
+    PLKCellType cellType() const
+    {
+        int bits = 1, signedBits = 0;
+        for (const XrvBand &band : image.bands)
+            (band.isSigned ? signedBits : bits) = std::max<int>(band.isSigned ? signedBits : bits, band.bits);
+        if (signedBits == 0)
+            return bits <= 8 ? PLKCT_UINT8 : PLKCT_UINT16;
+        const int needed = std::max(signedBits, bits + 1);
+        return needed <= 8 ? PLKCT_INT8 : needed <= 16 ? PLKCT_INT16 : PLKCT_INT32;
+    }
+
+    ImageSource &source;
+    const WriteOptions &options;
+    const ImageDescription &image;
+    const std::string date = now();
+    std::uint32_t blockSize = kUsualBlockSize;
+    TileCoding coding;
+    std::mutex sourceMutex; ///< guards source, counters and nextTile
+    std::vector<BandCounter> counters;
+    std::uint32_t nextTile = 0;
+    std::mutex mutex; ///< guards what follows and the assembler
+    bool hasFailed = false;
+    CError firstError;
+    std::uint32_t tilesDone = 0;
+    StatisticsPtr statistics;
+};
+
+} // namespace
+
+CError writeImage(ImageSource &source, const WriteOptions &options, const std::string &path)
+{
+    try {
+        return Writer(source, options).run(path);
+    } catch (const std::bad_alloc &) {
+        return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory; take smaller blocks."};
+    } catch (const std::exception &exception) {
+        return {PLK_ERR_DECODE, exception.what()};
+    }
+}
+
+} // namespace xrv

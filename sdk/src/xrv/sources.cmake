@@ -1,0 +1,1 @@
+set(stage_sources xrvrecords.cpp xrvstructure.cpp)

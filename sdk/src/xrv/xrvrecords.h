@@ -1,0 +1,84 @@
+#pragma once
+
+#include "../io/bytesource.h"
+
+#include <xrv60/plktypes.h>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace xrv {
+
+using StatisticsPtr = std::unique_ptr<PLKFileStatistics, void (*)(PLKFileStatistics *)>;
+
+/// Version of the format that this library writes. It reads every minor version of this major one.
+constexpr std::uint8_t kXrvMajorVersion = 1;
+constexpr std::uint8_t kXrvMinorVersion = 0;
+
+/// File information of an XRV file (docs/xrv-format.md, box 'finf').
+struct XrvFileInfo
+{
+    PLKCellType cellType = PLKCT_UINT8;
+    PLKColorSpace colourSpace = PLK_COLORSPACE_NONE;
+    PLKCellSizeUnits units = PLK_UNITS_INVALID;
+    bool isLossless = false;
+    bool hasPlace = false;                         ///< transform is a place in the world
+    std::uint16_t bands = 0;                       ///< number of bands
+    std::uint16_t targetRate = 0;                  ///< n of n:1, 0 for lossless
+    float actualRate = 0.0f;                       ///< bytes of all cells against bytes of the file, 0 where unknown
+    std::uint32_t blockWidth = 0, blockHeight = 0; ///< cells
+    std::array<double, 6> transform{0.0, 1.0, 0.0, 0.0, 0.0, -1.0}; ///< see GeoReference::transform
+    std::int32_t epsg = 0;                                          ///< 0: none
+    std::string datum = "RAW", projection = "RAW";                  ///< UTF-8
+    std::string compressionDate;                                    ///< ISO 8601, UTC
+};
+
+/// One band (box 'band').
+struct XrvBand
+{
+    std::uint8_t bits = 8;
+    bool isSigned = false;
+    std::string description; ///< UTF-8
+};
+
+/// The authoring texts in their order in the file (box 'auth').
+enum class XrvText {
+    Classification,
+    AcquisitionDate,
+    AcquisitionSensorName,
+    CompressionSoftware,
+    Author,
+    Copyright,
+    Company,
+    Email,
+    Address,
+    Telephone,
+};
+constexpr std::size_t kXrvTexts = 10;
+/// UTF-8; an empty text is there, no text is not.
+using XrvTexts = std::array<std::optional<std::string>, kXrvTexts>;
+
+// Contents of the boxes. Every parse function checks all lengths and counts before it uses them, and gives nothing
+// where they contradict themselves; what follows the known fields is left to later minor versions.
+
+Bytes makeFileInfo(const XrvFileInfo &info);
+std::optional<XrvFileInfo> parseFileInfo(const Bytes &content);
+
+Bytes makeBands(const std::vector<XrvBand> &bands);
+std::optional<std::vector<XrvBand>> parseBands(const Bytes &content);
+
+Bytes makeTexts(const XrvTexts &texts);
+std::optional<XrvTexts> parseTexts(const Bytes &content);
+
+Bytes makeStatistics(const PLKFileStatistics &statistics);
+/// \a bands: the number that the file has. Null where the content is damaged or for another number of bands.
+StatisticsPtr parseStatistics(const Bytes &content, std::size_t bands);
+
+Bytes makeRpc(const PLKRPCData &rpc);
+std::optional<PLKRPCData> parseRpc(const Bytes &content);
+
+} // namespace xrv

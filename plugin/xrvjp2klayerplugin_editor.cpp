@@ -1,6 +1,11 @@
 // User interface that the plug-in brings to the host, and the opening of streams.
 
 #include "layer/xrvjp2klayer.h"
+#include "pages/xrvjp2klayerfileinfo.h"
+#include "pages/xrvjp2klayerjp2fileinfo.h"
+#include "pages/xrvjp2klayermetadatabox.h"
+#include "pages/xrvjp2klayerrpcinfo.h"
+#include "pages/xrvjp2klayerstatistics.h"
 #include "panels/xrvjp2kpreferences.h"
 #include "panels/xrvjp2kproperties.h"
 #include "xrvjp2klayerplugin.h"
@@ -56,7 +61,8 @@ QList<QDockWidget *> XRVJP2kLayerPlugin::getDockWidgets()
 
 QList<QWidget *> XRVJP2kLayerPlugin::getInfoPages()
 {
-    return {};
+    return {new XRVJP2kLayerFileInfo, new XRVJP2kLayerJP2FileInfo, new XRVJP2kLayerStatistics, new XRVJP2kLayerRPCInfo,
+            new XRVJP2kLayerMetaDataBox};
 }
 
 QList<QToolBar *> XRVJP2kLayerPlugin::getToolBars()

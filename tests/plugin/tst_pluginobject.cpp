@@ -2,6 +2,7 @@
 #include "plugin/xrvjp2klayerplugin.h"
 
 #include <QDGui/application.h>
+#include <QDGui/ilayerpropertieswidget.h>
 #include <QDGui/layer.h>
 #include <QDGui/xrvpbrowser.h>
 
@@ -27,6 +28,7 @@ private Q_SLOTS:
     void layerWithoutASource();
     void cancelledBrowser();
     void addressThatCannotBeOpened();
+    void informationPages();
 
 private:
     TestFolder folder;
@@ -119,6 +121,25 @@ void TestPluginObject::addressThatCannotBeOpened()
     QCOMPARE(title, QStringLiteral("XRV JP2 Error:"));
     QVERIFY(!text.isEmpty());
     QCOMPARE(buttons, 1);
+}
+
+void TestPluginObject::informationPages()
+{
+    XRVJP2kLayerPlugin plugin;
+    const QStringList classes = {QStringLiteral("XRVJP2kLayerFileInfo"), QStringLiteral("XRVJP2kLayerJP2FileInfo"),
+                                 QStringLiteral("XRVJP2kLayerStatistics"), QStringLiteral("XRVJP2kLayerRPCInfo"),
+                                 QStringLiteral("XRVJP2kLayerMetaDataBox")};
+    const QList<QWidget *> pages = plugin.getInfoPages() + plugin.getInfoPages();
+    QCOMPARE(pages.size(), 2 * classes.size());
+    QSet<QWidget *> different;
+    for (int i = 0; i < pages.size(); ++i) {
+        QCOMPARE(QString::fromLatin1(pages[i]->metaObject()->className()), classes[i % classes.size()]);
+        QVERIFY(!pages[i]->parent());
+        QVERIFY(qobject_cast<Korvane::ILayerPropertiesWidget *>(pages[i]));
+        different.insert(pages[i]);
+    }
+    QCOMPARE(different.size(), pages.size());
+    qDeleteAll(different);
 }
 
 QTEST_MAIN(TestPluginObject)

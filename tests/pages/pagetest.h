@@ -1,0 +1,39 @@
+#pragma once
+
+#include "host/fakelayer.h"
+#include "layer/testimages.h"
+#include "layer/xrvjp2klayer.h"
+
+#include <QWidget>
+
+#include <memory>
+
+/// What the tests of the information pages share.
+namespace PageTest {
+
+/// A layer of another class than the pages know.
+class ForeignLayer : public FakeLayer
+{
+public:
+    ForeignLayer()
+        : FakeLayer(QRectF(0, 0, 10, -10))
+    {
+    }
+};
+
+/// A layer that shows \a file; throws when it cannot be opened.
+std::unique_ptr<Korvane::XRVJP2kLayer> openLayer(const QString &file);
+
+/// Text of the line edit, plain text edit or combo box \a name of \a page; the test fails where there is none.
+QString textOf(const QWidget &page, const char *name);
+/// Texts of all line edits of \a page that have one, as "name=text" in the order of their names.
+QStringList filledFields(const QWidget &page);
+
+/// What is on the clipboard after a click on the page's button; kUntouched when the page put nothing there.
+QString copiedText(QWidget &page);
+extern const QString kUntouched;
+
+/// \a lines, each with a carriage return behind it.
+QString withReturns(const QStringList &lines);
+
+} // namespace PageTest

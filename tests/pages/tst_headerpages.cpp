@@ -1,0 +1,259 @@
+#include "pages/xrvjp2klayerfileinfo.h"
+#include "pages/xrvjp2klayerjp2fileinfo.h"
+#include "pagetest.h"
+
+#include <QFile>
+#include <QLineEdit>
+#include <QtTest>
+
+using namespace PageTest;
+using Korvane::XRVJP2kLayer;
+
+/// The pages of the file information and of the JPEG 2000 header.
+class TestHeaderPages : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void fileInformation_data();
+    void fileInformation();
+    void uncompressedSize_data();
+    void uncompressedSize();
+    void fileGoneAfterOpening();
+    void header();
+    void headerWithoutOptions();
+    void longTextsBeginInSight();
+    void layersThatShowNothing_data();
+    void layersThatShowNothing();
+    void secondLayer();
+    void layerDeletedWhileShown();
+
+private:
+    std::unique_ptr<QWidget> makePage(bool ofFile) const;
+    static void setLayer(QWidget &page, Korvane::Map::Layer *layer);
+
+    TestFolder folder;
+};
+
+std::unique_ptr<QWidget> TestHeaderPages::makePage(bool ofFile) const
+{
+    if (ofFile)
+        return std::make_unique<XRVJP2kLayerFileInfo>();
+    return std::make_unique<XRVJP2kLayerJP2FileInfo>();
+}
+
+void TestHeaderPages::setLayer(QWidget &page, Korvane::Map::Layer *layer)
+{
+    qobject_cast<Korvane::ILayerPropertiesWidget *>(&page)->setLayer(layer);
+}
+
+void TestHeaderPages::fileInformation_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("plain name") << QStringLiteral("ten.jp2");
+    QTest::newRow("name beyond ASCII") << QString::fromUtf8("Übersicht 東京 %1.jp2");
+}
+
+void TestHeaderPages::fileInformation()
+{
+    QFETCH(QString, name);
+    jp2maker::FileBytes bytes = jp2maker::make([] {
+        jp2maker::Options options = colourImage(1000, 1000);
+        options.cell = [](int, int, int) { return 7; };
+        return options;
+    }());
+    constexpr size_t kFileSize = 300000;
+    QVERIFY(bytes.size() + 8 < kFileSize);
+    bytes = jp2maker::withBox(bytes, "free", jp2maker::FileBytes(kFileSize - bytes.size() - 8));
+    const auto layer = openLayer(folder.write(name, bytes));
+    XRVJP2kLayerFileInfo page;
+    page.setLayer(layer.get());
+    QCOMPARE(filledFields(page),
+             QStringList({QStringLiteral("actualCompress=10 : 1"), QStringLiteral("compressedSize=292.97 KB"),
+                          QStringLiteral("fileFormatVersion=1"), QStringLiteral("gdtDatum=RAW"),
+                          QStringLiteral("gdtProjection=RAW"), QStringLiteral("gdtUnits=Invalid"),
+                          QStringLiteral("targetCompress=0 : 1"), QStringLiteral("uncompressedSize=2.86 MB"),
+                          QStringLiteral("xrvpVersion=Local file")}));
+    QCOMPARE(page.findChild<QLineEdit *>(QStringLiteral("blockSize"))->placeholderText(),
+             QStringLiteral("Not valid for .jp2 files"));
+    QCOMPARE(copiedText(page), QStringLiteral("XRVP Version = Local file\r"
+                                              "Format Version = 1\r"
+                                              "GDT Datum = RAW\r"
+                                              "GDT Projection = RAW\r"
+                                              "GDT Units = Invalid\r"
+                                              "Compressed Size = 292.97 KB\r"
+                                              "Uncompressed Size = 2.86 MB\r"
+                                              "Target Compression Rate = 0:1\r"
+                                              "Actual Compression Ratio = 10.00:1\r"
+                                              "Compression Date = \r"));
+}
+
+void TestHeaderPages::uncompressedSize_data()
+{
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<QString>("size"); // of 64 by 64 cells
+    QTest::newRow("8") << 8 << QStringLiteral("4.00 KB");
+    QTest::newRow("12 in two bytes") << 12 << QStringLiteral("8.00 KB");
+    QTest::newRow("20 in four bytes") << 20 << QStringLiteral("16.00 KB");
+}
+
+void TestHeaderPages::uncompressedSize()
+{
+    QFETCH(int, bits);
+    jp2maker::Options options;
+    options.components = {{bits, false, 1, 1}};
+    const auto layer = openLayer(folder.makeImage(QStringLiteral("deep.jp2"), options));
+    XRVJP2kLayerFileInfo page;
+    page.setLayer(layer.get());
+    QTEST(textOf(page, "uncompressedSize"), "size");
+}
+
+void TestHeaderPages::fileGoneAfterOpening()
+{
+    const QString file = folder.makeImage(QStringLiteral("gone.jp2"), colourImage(20, 20));
+    const auto layer = openLayer(file);
+    QVERIFY(QFile::remove(file));
+    XRVJP2kLayerFileInfo page;
+    page.setLayer(layer.get());
+    QCOMPARE(textOf(page, "actualCompress"), QStringLiteral("Unknown"));
+}
+
+void TestHeaderPages::header()
+{
+    jp2maker::Options options = colourImage(300, 150);
+    options.tileWidth = 128;
+    options.tileHeight = 100;
+    options.levels = 1;
+    options.layerRates = {20, 0};
+    options.progression = "RPCL";
+    options.precincts = {{64, 32}, {16, 128}};
+    options.codeBlockWidth = 32;
+    options.codeBlockHeight = 8;
+    options.sop = true;
+    options.comment = "100 %1 %2\nlines";
+    const auto layer = openLayer(folder.makeImage(QStringLiteral("header.jp2"), options));
+    XRVJP2kLayerJP2FileInfo page;
+    page.setLayer(layer.get());
+    QCOMPARE(textOf(page, "Comments"), QString::fromLatin1("100 %1 %2\nlines"));
+    QCOMPARE(textOf(page, "Profile"), QStringLiteral("2"));
+    QCOMPARE(textOf(page, "tileDimensions"), QStringLiteral("3 x 2"));
+    QCOMPARE(textOf(page, "tileSizes"), QStringLiteral("128 x 100"));
+    QCOMPARE(textOf(page, "precinctSizesX"), QStringLiteral("16,64"));
+    QCOMPARE(textOf(page, "precinctSizesY"), QStringLiteral("128,32"));
+    QCOMPARE(textOf(page, "codeBlockSize"), QStringLiteral("32 x 8"));
+    QCOMPARE(textOf(page, "bitDepth"), QStringLiteral("8,8,8"));
+    QCOMPARE(textOf(page, "resolutionLevels"), QStringLiteral("2"));
+    QCOMPARE(textOf(page, "qualityLayers"), QStringLiteral("2"));
+    QCOMPARE(textOf(page, "progressionOrder"), QStringLiteral("RPCL"));
+    QCOMPARE(textOf(page, "DWTfilter"), QStringLiteral("5x3 (Reversible)"));
+    QCOMPARE(textOf(page, "useSOP"), QStringLiteral("true"));
+    QCOMPARE(textOf(page, "useEPH"), QStringLiteral("false"));
+    QCOMPARE(textOf(page, "useGML"), QStringLiteral("false"));
+    QCOMPARE(copiedText(page), QStringLiteral("Comments = 100 %1 %2\nlines\r"
+                                              "Profile = 2\r"
+                                              "Tiles Dimensions (X,Y) = 3 x 2\r"
+                                              "Tile Width = 128\r"
+                                              "Tile Height = 100\r"
+                                              "Precinct Sizes on X axis = 16,64\r"
+                                              "Precinct Sizes on Y axis = 128,32\r"
+                                              "Code Block Dimensions (X,Y) = 32 x 8\r"
+                                              "Band Bit Depths = 8,8,8\r"
+                                              "Resolution Levels = 2\r"
+                                              "Quality Layers = 2\r"
+                                              "Progression Order = RPCL\r"
+                                              "Filter = 5x3 (Reversible)\r"
+                                              "SOP Markers = true\r"
+                                              "EPH Markers = false\r"
+                                              "GML in JP2 = false\r"));
+}
+
+void TestHeaderPages::headerWithoutOptions()
+{
+    jp2maker::Options options;
+    options.width = options.height = 512;
+    options.levels = 4;
+    options.precincts = {{256, 256}, {256, 256}, {256, 256}, {256, 256}, {256, 256}};
+    options.reversible = false;
+    options.eph = true;
+    options.bareCodestream = true;
+    const auto layer = openLayer(folder.makeImage(QStringLiteral("bare.j2k"), options));
+    XRVJP2kLayerJP2FileInfo page;
+    page.setLayer(layer.get());
+    QCOMPARE(textOf(page, "precinctSizesX"), QStringLiteral("256,256,256,256,256"));
+    QCOMPARE(textOf(page, "precinctSizesY"), QStringLiteral("256,256,256,256,256"));
+    QCOMPARE(textOf(page, "DWTfilter"), QStringLiteral("9x7 (Irreversible)"));
+    QCOMPARE(textOf(page, "useSOP"), QStringLiteral("false"));
+    QCOMPARE(textOf(page, "useEPH"), QStringLiteral("true"));
+}
+
+void TestHeaderPages::longTextsBeginInSight()
+{
+    jp2maker::Options options;
+    options.comment = std::string(3000, 'x');
+    const auto layer = openLayer(folder.makeImage(QStringLiteral("long.jp2"), options));
+    for (const bool ofFile : {true, false}) {
+        const auto page = makePage(ofFile);
+        setLayer(*page, layer.get());
+        for (const QLineEdit *field : page->findChildren<QLineEdit *>())
+            QVERIFY2(field->cursorPosition() == 0, qPrintable(field->objectName()));
+    }
+}
+
+void TestHeaderPages::layersThatShowNothing_data()
+{
+    QTest::addColumn<bool>("ofFile");
+    QTest::newRow("file information") << true;
+    QTest::newRow("header") << false;
+}
+
+void TestHeaderPages::layersThatShowNothing()
+{
+    QFETCH(bool, ofFile);
+    const auto page = makePage(ofFile);
+    setLayer(*page, nullptr);
+    QCOMPARE(copiedText(*page), kUntouched);
+    ForeignLayer foreign;
+    setLayer(*page, &foreign);
+    QCOMPARE(copiedText(*page), kUntouched);
+    XRVJP2kLayer fresh(nullptr);
+    setLayer(*page, &fresh);
+    QCOMPARE(copiedText(*page), QString());
+    QCOMPARE(filledFields(*page), QStringList());
+
+    // With something shown, these layers change nothing of it.
+    const auto layer = openLayer(folder.makeImage(QStringLiteral("shown.jp2"), colourImage(20, 20)));
+    setLayer(*page, layer.get());
+    const QStringList fields = filledFields(*page);
+    QVERIFY(fields.size() > 8);
+    setLayer(*page, nullptr);
+    QVERIFY(copiedText(*page).size() > 100);
+    setLayer(*page, &fresh);
+    setLayer(*page, &foreign);
+    QCOMPARE(filledFields(*page), fields);
+    QCOMPARE(copiedText(*page), kUntouched);
+}
+
+void TestHeaderPages::secondLayer()
+{
+    const auto one = openLayer(folder.makeImage(QStringLiteral("one.jp2"), colourImage(20, 20)));
+    jp2maker::Options options;
+    options.sop = true;
+    const auto two = openLayer(folder.makeImage(QStringLiteral("two.jp2"), options));
+    XRVJP2kLayerJP2FileInfo page;
+    page.setLayer(one.get());
+    page.setLayer(two.get());
+    QCOMPARE(textOf(page, "bitDepth"), QStringLiteral("8"));
+    QCOMPARE(textOf(page, "useSOP"), QStringLiteral("true"));
+}
+
+void TestHeaderPages::layerDeletedWhileShown()
+{
+    for (const bool ofFile : {true, false}) {
+        const auto page = makePage(ofFile);
+        setLayer(*page, openLayer(folder.makeImage(QStringLiteral("short.jp2"), colourImage(20, 20))).get());
+        QCOMPARE(copiedText(*page), kUntouched);
+    }
+}
+
+QTEST_MAIN(TestHeaderPages)
+#include "tst_headerpages.moc"

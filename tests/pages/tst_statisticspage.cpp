@@ -1,0 +1,236 @@
+#include "pages/xrvjp2klayerstatistics.h"
+#include "pagetest.h"
+
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QtTest>
+
+using namespace PageTest;
+using Korvane::XRVJP2kLayer;
+
+class TestStatisticsPage : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void singleBand();
+    void bandsByName();
+    void severalBandsCopied();
+    void opacityIsNotListed();
+    void deepBand();
+    void allCellsEqual_data();
+    void allCellsEqual();
+    void bandsOutOfRange();
+    void layersThatShowNothing();
+    void secondLayer();
+
+private:
+    std::unique_ptr<XRVJP2kLayer> open(const jp2maker::Options &options);
+    static QStringList bandNames(const QWidget &page);
+    /// What a band with 256 buckets shows, with these counts in some of them and none in the others.
+    static QString buckets(const QMap<int, int> &counts);
+
+    TestFolder folder;
+    int fileNumber = 0;
+};
+
+std::unique_ptr<XRVJP2kLayer> TestStatisticsPage::open(const jp2maker::Options &options)
+{
+    return openLayer(folder.makeImage(QStringLiteral("%1.jp2").arg(++fileNumber), options));
+}
+
+QStringList TestStatisticsPage::bandNames(const QWidget &page)
+{
+    const auto *combo = page.findChild<QComboBox *>(QStringLiteral("bandComboBox"));
+    QStringList names;
+    for (int i = 0; i < combo->count(); ++i)
+        names.append(combo->itemText(i));
+    return names;
+}
+
+QString TestStatisticsPage::buckets(const QMap<int, int> &counts)
+{
+    QStringList texts;
+    for (int value = 0; value < 256; ++value)
+        texts.append(QString::number(counts.value(value)));
+    return texts.join(QLatin1Char(','));
+}
+
+/// 100 cells: 70 of 3 and 30 of 7. Mean 4.2; standard deviation 4 sqrt(0.7 x 0.3).
+static jp2maker::Options seventyThirty()
+{
+    jp2maker::Options options;
+    options.width = options.height = 10;
+    options.cell = [](int, int, int y) { return y < 7 ? 3 : 7; };
+    return options;
+}
+
+void TestStatisticsPage::singleBand()
+{
+    const auto layer = open(seventyThirty());
+    XRVJP2kLayerStatistics page;
+    page.setLayer(layer.get());
+    QCOMPARE(bandNames(page), QStringList({QStringLiteral("Greyscale")}));
+    QCOMPARE(filledFields(page), QStringList({QStringLiteral("max=7.0000"), QStringLiteral("mean=4.2000"),
+                                              QStringLiteral("median=3.0000"), QStringLiteral("min=3.0000"),
+                                              QStringLiteral("mode=3.0000"), QStringLiteral("stddev=1.8330")}));
+    const QString counts = buckets({{3, 70}, {7, 30}});
+    // The text edit makes a new paragraph of the carriage return behind them.
+    QCOMPARE(textOf(page, "histogramText"), counts + QLatin1Char('\n'));
+    QCOMPARE(
+        copiedText(page),
+        withReturns({QStringLiteral("Band #0"), QStringLiteral("mode = 3.0000"), QStringLiteral("median = 3.0000"),
+                     QStringLiteral("mean = 4.2000"), QStringLiteral("stddev = 1.8330"), QStringLiteral("min = 3.0000"),
+                     QStringLiteral("max = 7.0000"), QStringLiteral("Histogram Band #0 = ") + counts}));
+}
+
+/// Bands that are constant: 10, 20 and 30.
+static jp2maker::Options threeConstants(int bands = 3)
+{
+    jp2maker::Options options;
+    options.width = options.height = 10;
+    options.components.assign(static_cast<size_t>(bands), jp2maker::Component());
+    options.opacityLast = bands == 4;
+    options.cell = [](int component, int, int) { return 10 * (component + 1); };
+    return options;
+}
+
+void TestStatisticsPage::bandsByName()
+{
+    const auto layer = open(threeConstants());
+    XRVJP2kLayerStatistics page;
+    page.setLayer(layer.get());
+    QCOMPARE(bandNames(page), QStringList({QStringLiteral("Red"), QStringLiteral("Green"), QStringLiteral("Blue")}));
+    QCOMPARE(textOf(page, "bandComboBox"), QStringLiteral("Red"));
+    QCOMPARE(textOf(page, "mean"), QStringLiteral("10.0000"));
+    page.findChild<QComboBox *>(QStringLiteral("bandComboBox"))->setCurrentIndex(2);
+    QCOMPARE(textOf(page, "mean"), QStringLiteral("30.0000"));
+    QCOMPARE(textOf(page, "histogramText"), buckets({{30, 100}}) + QLatin1Char('\n'));
+}
+
+void TestStatisticsPage::severalBandsCopied()
+{
+    const auto layer = open(threeConstants());
+    XRVJP2kLayerStatistics page;
+    page.setLayer(layer.get());
+    const QStringList lines = copiedText(page).split(QLatin1Char('\r'));
+    QCOMPARE(lines.size(), 3 * 10 + 1);
+    QVERIFY(lines.constLast().isEmpty());
+    for (int band = 0; band < 3; ++band) {
+        QCOMPARE(lines[10 * band], QStringLiteral("Band #%1").arg(band));
+        QCOMPARE(lines[10 * band + 3], QStringLiteral("mean = %1.0000").arg(10 * (band + 1)));
+        // Its own histogram under every band's number.
+        for (int line = 0; line < 3; ++line)
+            QCOMPARE(lines[10 * band + 7 + line],
+                     QStringLiteral("Histogram Band #%1 = ").arg(line) + buckets({{10 * (band + 1), 100}}));
+    }
+}
+
+void TestStatisticsPage::opacityIsNotListed()
+{
+    const auto layer = open(threeConstants(4));
+    XRVJP2kLayerStatistics page;
+    page.setLayer(layer.get());
+    QCOMPARE(bandNames(page), QStringList({QStringLiteral("Red"), QStringLiteral("Green"), QStringLiteral("Blue")}));
+    QVERIFY(copiedText(page).contains(QLatin1String("\rBand #3\r")));
+}
+
+void TestStatisticsPage::deepBand()
+{
+    jp2maker::Options options;
+    options.width = options.height = 256;
+    options.components = {{16, false, 1, 1}};
+    options.cell = [](int, int x, int y) { return 256 * y + x; };
+    const auto layer = open(options);
+    XRVJP2kLayerStatistics page;
+    page.show();
+    QElapsedTimer timer;
+    timer.start();
+    page.setLayer(layer.get());
+    page.grab(); // lays out 65536 numbers in one line
+    QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(textOf(page, "max"), QStringLiteral("65535.0000"));
+    QCOMPARE(textOf(page, "mean"), QStringLiteral("32767.5000"));
+    QCOMPARE(textOf(page, "histogramText"), QString(QStringLiteral("1,")).repeated(65535) + QStringLiteral("1\n"));
+}
+
+void TestStatisticsPage::allCellsEqual_data()
+{
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<bool>("isSigned");
+    QTest::addColumn<int>("cell");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("nothing but 0") << 8 << false << 0 << QStringLiteral("0.0000");
+    QTest::newRow("12 bits") << 12 << false << 4095 << QStringLiteral("4095.0000");
+    QTest::newRow("signed") << 16 << true << -300 << QStringLiteral("-300.0000");
+}
+
+void TestStatisticsPage::allCellsEqual()
+{
+    QFETCH(int, bits);
+    QFETCH(bool, isSigned);
+    QFETCH(int, cell);
+    QFETCH(QString, text);
+    jp2maker::Options options;
+    options.components = {{bits, isSigned, 1, 1}};
+    options.cell = [cell](int, int, int) { return cell; };
+    const auto layer = open(options);
+    XRVJP2kLayerStatistics page;
+    page.setLayer(layer.get());
+    for (const char *field : {"mode", "median", "mean", "min", "max"})
+        QCOMPARE(textOf(page, field), text);
+    QCOMPARE(textOf(page, "stddev"), QStringLiteral("0.0000"));
+    QVERIFY(textOf(page, "histogramText").contains(QString::number(64 * 64)));
+}
+
+void TestStatisticsPage::bandsOutOfRange()
+{
+    XRVJP2kLayerStatistics page;
+    page.onBandChange(0); // nothing is known yet
+    const auto layer = open(threeConstants());
+    page.setLayer(layer.get());
+    for (const int band : {-1, 3, 1000000})
+        page.onBandChange(band);
+    QCOMPARE(textOf(page, "mean"), QStringLiteral("10.0000"));
+}
+
+void TestStatisticsPage::layersThatShowNothing()
+{
+    XRVJP2kLayerStatistics page;
+    ForeignLayer foreign;
+    XRVJP2kLayer fresh(nullptr);
+    for (Korvane::Map::Layer *layer :
+         {static_cast<Korvane::Map::Layer *>(nullptr), static_cast<Korvane::Map::Layer *>(&foreign),
+          static_cast<Korvane::Map::Layer *>(&fresh)}) {
+        page.setLayer(layer);
+        QCOMPARE(filledFields(page), QStringList());
+        QCOMPARE(bandNames(page), QStringList());
+        QCOMPARE(copiedText(page), kUntouched);
+    }
+    // Strangers change nothing of what is shown; a layer without statistics leaves the fields alone.
+    const auto layer = open(threeConstants());
+    page.setLayer(layer.get());
+    page.setLayer(&foreign);
+    page.setLayer(nullptr);
+    QCOMPARE(bandNames(page).size(), 3);
+    QVERIFY(copiedText(page) != kUntouched);
+    page.setLayer(&fresh);
+    QCOMPARE(bandNames(page), QStringList());
+    QCOMPARE(textOf(page, "mean"), QStringLiteral("10.0000"));
+    QCOMPARE(copiedText(page), kUntouched);
+}
+
+void TestStatisticsPage::secondLayer()
+{
+    XRVJP2kLayerStatistics page;
+    const auto three = open(threeConstants());
+    page.setLayer(three.get());
+    page.findChild<QComboBox *>(QStringLiteral("bandComboBox"))->setCurrentIndex(2);
+    page.setLayer(open(seventyThirty()).get()); // gone when the page is asked to copy
+    QCOMPARE(bandNames(page), QStringList({QStringLiteral("Greyscale")}));
+    QCOMPARE(textOf(page, "mean"), QStringLiteral("4.2000"));
+    QCOMPARE(copiedText(page).count(QLatin1Char('\r')), 8);
+}
+
+QTEST_MAIN(TestStatisticsPage)
+#include "tst_statisticspage.moc"

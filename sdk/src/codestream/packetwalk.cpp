@@ -19,12 +19,12 @@ constexpr std::uint64_t kWindow = 256 * 1024;
 class Walker
 {
 public:
-    Walker(ByteSource &source, const std::vector<ByteRange> &data, const CancelFlag &cancel, std::size_t part,
-           std::uint64_t position)
-        : position(position)
-        , part(part)
+    Walker(ByteSource &source, const PacketWalkInput &tile, const CancelFlag &cancel, const PacketWalk &walk)
+        : position(walk.position)
+        , part(walk.part)
         , source(source)
-        , data(data)
+        , data(tile.data)
+        , atHand(tile.atHand)
         , cancel(cancel)
     {
     }
@@ -46,8 +46,9 @@ public:
         if (position >= windowStart && position + count <= windowStart + window.size())
             return {};
         windowStart = position;
-        return source.read(ByteRange{position, std::min(std::max(count, kWindow), data[part].end() - position)},
-                           &window, cancel);
+        const bool isAtHand = part < atHand.size() && position + count <= atHand[part].end();
+        const std::uint64_t end = isAtHand ? atHand[part].end() : data[part].end();
+        return source.read(ByteRange{position, std::min(std::max(count, kWindow), end - position)}, &window, cancel);
     }
     const std::uint8_t *bytes() const { return window.data() + (position - windowStart); }
     std::size_t available() const
@@ -63,6 +64,7 @@ public:
 private:
     ByteSource &source;
     const std::vector<ByteRange> &data;
+    const std::vector<ByteRange> &atHand;
     const CancelFlag &cancel;
     Bytes window;
     std::uint64_t windowStart = 0;
@@ -72,13 +74,12 @@ private:
 class PrecinctTable
 {
 public:
-    PrecinctTable(const MainHeader &header, const TileStyle &style, const IntRect &tile,
-                  const PacketNumbering &numbering)
-        : numbering(numbering)
-        , style(style)
+    explicit PrecinctTable(const PacketWalkInput &tile)
+        : numbering(tile.numbering)
+        , style(tile.style)
     {
         for (std::size_t c = 0; c < style.components.size(); ++c) {
-            rects.push_back(componentRect(tile, header.components[c]));
+            rects.push_back(componentRect(tile.rect, tile.header.components[c]));
             for (int r = 0; r < numbering.resolutions(static_cast<int>(c)); ++r)
                 firsts.push_back({numbering.number(static_cast<int>(c), r, 0, 0), static_cast<int>(c), r});
         }
@@ -175,26 +176,26 @@ bool isByResolution(const TileStyle &style)
     return style.progressionChanges.empty() && (style.progression == kRlcp || style.progression == kRpcl);
 }
 
-CError walkPackets(ByteSource &source, const MainHeader &header, const TileStyle &style, const IntRect &tile,
-                   const PacketNumbering &numbering, const std::vector<ByteRange> &data, int resolution,
-                   const CancelFlag &cancel, PacketWalk *walk)
+CError walkPackets(ByteSource &source, const PacketWalkInput &tile, int resolution, const CancelFlag &cancel,
+                   PacketWalk *walk)
 {
     PacketWalk ahead = *walk;
     if (ahead.places.empty()) {
-        ahead.places.assign(static_cast<std::size_t>(numbering.count()), {});
-        ahead.position = data.empty() ? 0 : data[0].offset;
+        ahead.places.assign(static_cast<std::size_t>(tile.numbering.count()), {});
+        ahead.position = tile.data.empty() ? 0 : tile.data[0].offset;
     }
-    Walker walker(source, data, cancel, ahead.part, ahead.position);
+    Walker walker(source, tile, cancel, ahead);
     // Where a walk by resolution pauses, every precinct that was begun has all of its layers: no state is left behind.
-    PrecinctTable precincts(header, style, tile, numbering);
-    const bool mayPause = isByResolution(style);
-    const std::vector<std::uint32_t> order = packetOrder(header, style, tile, numbering);
+    PrecinctTable precincts(tile);
+    const bool mayPause = isByResolution(tile.style);
+    const std::vector<std::uint32_t> order = packetOrder(tile.header, tile.style, tile.rect, tile.numbering);
     for (; ahead.next < order.size() && !ahead.isBroken; ++ahead.next) {
         const std::uint32_t packet = order[ahead.next];
         if (mayPause && precincts.resolution(packet) > resolution)
             break;
         bool isSound = false;
-        if (CError error = stepOver(walker, precincts, packet, numbering.layers(), &ahead.places[packet], &isSound))
+        if (CError error =
+                stepOver(walker, precincts, packet, tile.numbering.layers(), &ahead.places[packet], &isSound))
             return error;
         ahead.isBroken = !isSound;
     }

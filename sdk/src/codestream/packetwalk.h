@@ -22,12 +22,22 @@ struct PacketWalk
     bool isBroken = false;           ///< the data end early or contradict themselves; what came before stands
 };
 
+/// The tile that is walked through.
+struct PacketWalkInput
+{
+    const MainHeader &header;
+    const TileStyle &style;
+    const IntRect &rect; ///< on the canvas
+    const PacketNumbering &numbering;
+    const std::vector<ByteRange> &data;   ///< packets of each tile-part
+    const std::vector<ByteRange> &atHand; ///< of these, bytes that cost little to read
+};
+
 /// Walks on until the packets of all resolutions up to \a resolution are found, or all packets where the codestream
 /// does not have them in order of resolution. Fails only when \a source fails or \a cancel is raised; \a walk then
 /// stands where it was.
-PLK::CError walkPackets(ByteSource &source, const MainHeader &header, const TileStyle &style, const IntRect &tile,
-                        const PacketNumbering &numbering, const std::vector<ByteRange> &data, int resolution,
-                        const CancelFlag &cancel, PacketWalk *walk);
+PLK::CError walkPackets(ByteSource &source, const PacketWalkInput &tile, int resolution, const CancelFlag &cancel,
+                        PacketWalk *walk);
 
 /// The packets come in order of resolution, so that a walk to the low ones is short (A.6.1: RLCP, RPCL).
 bool isByResolution(const TileStyle &style);

@@ -11,7 +11,6 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint64_t kFirstRead = 1024;
 constexpr std::uint64_t kLongestTileHeader = 64 * 1024 * 1024;
 
 /// Packet lengths of one tile-part: 7 bits a byte, the highest bit says that more follow (A.7.3).
@@ -84,10 +83,10 @@ CError TileIndexReader::readHeaders(const std::vector<TilePart> &parts, std::uin
     return {};
 }
 
-CError TileIndexReader::walk(int resolution, const CancelFlag &cancel)
+CError TileIndexReader::walk(int resolution, const std::vector<ByteRange> &atHand, const CancelFlag &cancel)
 {
-    CError error = walkPackets(source, header, made->tileStyle, made->canvasRect, *made->numbering, made->dataRanges,
-                               resolution, cancel, &made->walk);
+    const PacketWalkInput input{header, made->tileStyle, made->canvasRect, *made->numbering, made->dataRanges, atHand};
+    CError error = walkPackets(source, input, resolution, cancel, &made->walk);
     if (error.IsSuccess())
         made->walkedResolution = std::max(made->walkedResolution, resolution);
     return error;
@@ -120,7 +119,7 @@ CError TileIndexReader::readPart(const TilePart &part, std::uint64_t readAhead, 
 CError TileIndexReader::readPartHeader(const TilePart &part, std::uint64_t readAhead, const CancelFlag &cancel,
                                        std::vector<MarkerSegment> *segments, std::size_t *position, bool *isComplete)
 {
-    for (std::uint64_t want = std::max(kFirstRead, readAhead);; want *= 8) {
+    for (std::uint64_t want = readAhead;; want *= 8) {
         const std::uint64_t have = std::min(want, part.range.length);
         Bytes bytes;
         if (CError error = source.read(ByteRange{part.range.offset, have}, &bytes, cancel))

@@ -17,11 +17,11 @@ public:
     /// Goes on where \a known ends.
     TileIndexReader(ByteSource &source, const MainHeader &header, const TileIndex &known);
 
-    /// \a readAhead: bytes of a tile-part that are at hand, or are worth reading at once. A tile without \a parts is
-    /// missing.
+    /// \a readAhead: bytes of a tile-part that are read at once, more than none. A tile without \a parts is missing.
     PLK::CError readHeaders(const std::vector<TilePart> &parts, std::uint64_t readAhead, const CancelFlag &cancel);
-    /// Finds the packets of resolutions up to \a resolution where the index does not know them.
-    PLK::CError walk(int resolution, const CancelFlag &cancel);
+    /// Finds the packets of resolutions up to \a resolution where the index does not know them. \a atHand: of each
+    /// tile-part, bytes that cost little to read.
+    PLK::CError walk(int resolution, const std::vector<ByteRange> &atHand, const CancelFlag &cancel);
 
     const std::shared_ptr<TileIndex> &index() const { return made; }
 

@@ -15,6 +15,7 @@ constexpr std::size_t kIndexBudget = 32u << 20;
 
 // How much of a tile-part its header takes is not known before it is read: packet lengths take about this share of it.
 constexpr std::uint64_t kHeaderShare = 512;
+constexpr std::uint64_t kLocalReadAhead = 1024;
 constexpr std::uint64_t kShortestHeader = 256, kLongestHeader = 64 * 1024;
 /// The cells of low resolutions take more bits each than those of the others: times this.
 constexpr std::uint64_t kLowResolutionBits = 2;
@@ -114,6 +115,8 @@ CError TileIndexStore::load(const std::vector<std::uint32_t> &tiles, int discard
 /// Bytes from the start of a tile-part that are worth having at once: its header, and the packets of an overview.
 std::uint64_t TileIndexStore::readAhead(int discarded) const
 {
+    if (!source->isRemote())
+        return kLocalReadAhead;
     const std::uint64_t bytesOfTile = codestream.length / header.tileCount();
     std::uint64_t ahead = std::clamp(bytesOfTile / kHeaderShare, kShortestHeader, kLongestHeader);
     if (discarded >= kFewResolutions && beginsWithLowResolutions(header.style))
@@ -123,12 +126,12 @@ std::uint64_t TileIndexStore::readAhead(int discarded) const
 
 CError TileIndexStore::readHeaders(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel)
 {
-    const std::uint64_t ahead = source->isRemote() ? readAhead(discarded) : 0;
+    const std::uint64_t ahead = readAhead(discarded);
     std::vector<ByteRange> ranges;
     for (Task &task : tasks) {
         if (!task.isFresh)
             continue;
-        if (CError error = table.find(task.tile, ahead, cancel, &task.parts))
+        if (CError error = table.find(task.tile, source->isRemote() ? ahead : 0, cancel, &task.parts))
             return error;
         for (const TilePart &part : task.parts)
             ranges.push_back({part.range.offset, std::min(part.range.length, ahead)});
@@ -147,23 +150,24 @@ CError TileIndexStore::walk(std::vector<Task> &tasks, int discarded, const Cance
         if (!task.reader->index()->knowsPlaces(neededResolution(*task.reader->index(), discarded)))
             toWalk.push_back(&task);
     for (std::size_t first = 0; first < toWalk.size();) {
+        std::vector<std::vector<ByteRange>> atHand; // by tile
         std::vector<ByteRange> ranges;
         std::uint64_t bytes = 0;
-        std::size_t last = first;
-        for (; last < toWalk.size() && bytes < kWalkBatch; ++last) {
-            for (const ByteRange &range : walkedRanges(*toWalk[last]->reader->index(), discarded)) {
+        while (first + atHand.size() < toWalk.size() && bytes < kWalkBatch) {
+            atHand.push_back(walkedRanges(*toWalk[first + atHand.size()]->reader->index(), discarded));
+            for (const ByteRange &range : atHand.back()) {
                 ranges.push_back(range);
                 bytes += range.length;
             }
         }
         if (CError error = source->prefetch(ranges, cancel))
             return error;
-        if (CError error = runAll(last - first, cancel, [&](std::size_t i) {
+        if (CError error = runAll(atHand.size(), cancel, [&](std::size_t i) {
                 TileIndexReader &reader = *toWalk[first + i]->reader;
-                return reader.walk(neededResolution(*reader.index(), discarded), cancel);
+                return reader.walk(neededResolution(*reader.index(), discarded), atHand[i], cancel);
             }))
             return error;
-        first = last;
+        first += atHand.size();
     }
     return {};
 }

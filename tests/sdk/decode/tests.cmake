@@ -4,3 +4,5 @@ target_link_libraries(test_peerdecoder PRIVATE project_options PUBLIC xrv60_obje
 xrv_add_sdk_test(tst_rasterreader)
 target_link_libraries(tst_rasterreader PRIVATE test_peerdecoder)
 xrv_add_sdk_test(tst_tilecache)
+xrv_add_sdk_test(tst_distantreads)
+target_link_libraries(tst_distantreads PRIVATE test_peerdecoder)

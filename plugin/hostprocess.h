@@ -8,7 +8,8 @@ namespace HostProcess {
 /// Full file name of the host's executable, with the platform's own separators.
 QString executableFileName();
 
-/// Whether a module of this file name is loaded. Never on platforms other than Windows.
+/// Whether a module (executable or shared library) of this file name, without its folder and in any case, is loaded.
+/// Never on platforms that do not tell.
 bool isModuleLoaded(const QString &name);
 
 } // namespace HostProcess

@@ -1,5 +1,6 @@
 #include "layer/testimages.h"
 #include "plugin/geodeticdata.h"
+#include "plugin/hostprocess.h"
 #include "plugin/logsinks.h"
 #include "plugin/sdksettings.h"
 #include "plugin/xrvjp2klayerplugin.h"
@@ -8,6 +9,7 @@
 #include <xrv60/plkfile.h>
 
 #include <QDir>
+#include <QLibrary>
 #include <QtTest>
 
 using Korvane::Application;
@@ -25,6 +27,8 @@ private Q_SLOTS:
     void configuration();
     void memoryLimit_data();
     void memoryLimit();
+    void loadedModules();
+    void reportOfTheHttpModule();
     void geodeticPath_data();
     void geodeticPath();
 
@@ -92,6 +96,33 @@ void TestStartUp::reportOfSettings()
     QCOMPARE(lines[8], QStringLiteral("      Optimize for nearest neighbour resampling: 0"));
     QCOMPARE(lines[9], QStringLiteral("      XRVP HTTP User-Agent: Agent/1"));
     QCOMPARE(lines[10], QStringLiteral("      Using WinHttp (instead of WinInet) for XRVP streaming: 1"));
+}
+
+void TestStartUp::reportOfTheHttpModule()
+{
+    QLibrary module(QStringLiteral(WINHTTPPAL_FILE));
+    QVERIFY2(module.load(), qPrintable(module.errorString()));
+    QCOMPARE(report().size(), 12); // WinHTTP is not wanted
+    TestFolder::setSetting("UseWinHTTPInXrvp", true);
+    Application::instance()->clearLogHistory();
+    const QStringList lines = report();
+    QVERIFY(module.unload());
+    QCOMPARE(lines.size(), 13);
+    QCOMPARE(lines[11], QStringLiteral("      Using winhttppal.dll (curl abstraction library) instead of winhhtp.dll"));
+}
+
+void TestStartUp::loadedModules()
+{
+    QVERIFY(!HostProcess::isModuleLoaded(QStringLiteral("winhttppal.dll")));
+    QLibrary module(QStringLiteral(WINHTTPPAL_FILE));
+    QVERIFY2(module.load(), qPrintable(module.errorString()));
+    QVERIFY(HostProcess::isModuleLoaded(QStringLiteral("winhttppal.dll")));
+    QVERIFY(HostProcess::isModuleLoaded(QStringLiteral("WinHttpPal.DLL"))); // the names of modules have no case
+    QVERIFY(!HostProcess::isModuleLoaded(QStringLiteral("httppal.dll")));   // nor is a part of one a name
+    QVERIFY(!HostProcess::isModuleLoaded(QStringLiteral("modules/winhttppal.dll")));
+    QVERIFY(!HostProcess::isModuleLoaded(QString()));
+    QVERIFY(module.unload());
+    QVERIFY(!HostProcess::isModuleLoaded(QStringLiteral("winhttppal.dll")));
 }
 
 void TestStartUp::configuration()

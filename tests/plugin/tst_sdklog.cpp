@@ -1,0 +1,204 @@
+#include "layer/testimages.h"
+#include "plugin/logsinks.h"
+#include "plugin/xrvjp2klayerplugin.h"
+
+#include <QDGui/application.h>
+#include <xrv60/plkinit.h>
+#include <xrv60/plkview.h>
+
+#include <QtTest>
+
+#include <condition_variable>
+#include <mutex>
+
+using Korvane::Application;
+
+namespace {
+
+/// Waits for the last pass; its lines are decoded on the SDK's own thread.
+class ProgressiveView : public PLK::CView
+{
+public:
+    ~ProgressiveView() override { Close(true); }
+
+    PLKReadStatus RefreshPass(PLKSetViewInfo *) override
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        isDone = GetPercentComplete() == 100;
+        changed.notify_all();
+        return PLK_READ_SUCCESS;
+    }
+    /// Columns from \a left on.
+    bool show(int left = 0)
+    {
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            isDone = false;
+        }
+        const int band = 0;
+        const auto size = static_cast<int>(GetFileInfo()->nSizeX);
+        if (SetView(1, &band, size - left, size, left, 0, size, -size))
+            return false;
+        std::unique_lock<std::mutex> lock(mutex);
+        return changed.wait_for(lock, std::chrono::seconds(30), [this] { return isDone; });
+    }
+
+private:
+    std::mutex mutex; ///< guards isDone
+    std::condition_variable changed;
+    bool isDone = false;
+};
+
+/// Sixteen tiles, the cells of most of which are damaged.
+jp2maker::FileBytes damagedFile()
+{
+    jp2maker::Options options;
+    options.width = options.height = 256;
+    options.tileWidth = options.tileHeight = 64;
+    options.cell = [](int, int x, int y) { return (x * 7919 + y * 104729) % 256; };
+    jp2maker::FileBytes bytes = jp2maker::make(options);
+    // Tile-part headers (SOT and SOD, ISO/IEC 15444-1 A.4.2) stay whole.
+    for (std::size_t at = 600; at + 600 < bytes.size(); ++at) {
+        const auto header = [&](std::size_t i) { return bytes[i] == 0xFF && bytes[i + 1] == 0x90; };
+        bool isNear = false;
+        for (std::size_t i = at - 14; i < at + 2; ++i)
+            isNear = isNear || header(i);
+        if (!isNear && at % 3 == 0)
+            bytes[at] = 0xFE;
+    }
+    return bytes;
+}
+
+struct Message
+{
+    QString words;
+    int level;
+};
+
+} // namespace
+
+/// Which of the SDK's messages reach the host's log.
+class TestSdkLog : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void everyHostLevel_data();
+    void everyHostLevel();
+    void switchedOff();
+    void damageIsToldOnce();
+    void sinksAreGoneWithThePlugin();
+
+private:
+    void workWithFiles() const;
+    static QVector<Application::LogEntry> linesWith(const QString &words);
+
+    std::unique_ptr<TestFolder> folder;
+    std::unique_ptr<XRVJP2kLayerPlugin> plugin;
+};
+
+void TestSdkLog::init()
+{
+    folder = std::make_unique<TestFolder>();
+    folder->write(QStringLiteral("bad.jp2"), damagedFile());
+    setLogSinksEnabled(true);
+    Application::setLogLevel(Application::LogFatal);
+    plugin = std::make_unique<XRVJP2kLayerPlugin>();
+    Application::instance()->clearLogHistory();
+}
+
+void TestSdkLog::cleanup()
+{
+    plugin.reset();
+    folder.reset();
+    Application::setLogLevel(Application::LogInfo);
+}
+
+QVector<Application::LogEntry> TestSdkLog::linesWith(const QString &words)
+{
+    QVector<Application::LogEntry> lines;
+    for (const auto &entry : Application::instance()->getLogHistory()) {
+        if (entry.text.contains(words))
+            lines.append(entry);
+    }
+    return lines;
+}
+
+void TestSdkLog::workWithFiles() const
+{
+    const QByteArray name = folder->path(QStringLiteral("bad.jp2")).toUtf8();
+    ProgressiveView view;
+    QVERIFY(view.Open(name.constData(), true, false).IsSuccess());
+    QVERIFY(view.show());
+    PLKFileStatistics *statistics = nullptr;
+    QVERIFY(view.GetClientStatistics(&statistics).IsSuccess());
+    PLKFreeStatistics(statistics);
+    view.Close(true);
+    QVERIFY(view.Open((name + "x").constData(), true, false));
+}
+
+void TestSdkLog::everyHostLevel_data()
+{
+    QTest::addColumn<int>("hostLevel");
+    for (int level = 0; level <= 5; ++level)
+        QTest::addRow("%d", level) << level;
+}
+
+void TestSdkLog::everyHostLevel()
+{
+    QFETCH(int, hostLevel);
+    const QVector<Message> messages = {
+        {QStringLiteral("bytes in"), 0},          // ranges read
+        {QStringLiteral("were decoded in"), 0},   // from the view's own thread
+        {QStringLiteral("Statistics of"), 1},     //
+        {QStringLiteral("Opened \""), 2},         //
+        {QStringLiteral("Closed \""), 2},         //
+        {QStringLiteral("bad.jp2\": Tile"), 3},   // damage
+        {QStringLiteral("x\" was not opened"), 4} //
+    };
+    Application::setLogLevel(static_cast<Application::LogLevel>(hostLevel));
+    workWithFiles();
+    for (const Message &message : messages) {
+        const auto lines = linesWith(message.words);
+        QVERIFY2(lines.isEmpty() == (message.level < hostLevel), qPrintable(message.words));
+        if (!lines.isEmpty())
+            QCOMPARE(int(lines.front().level), message.level);
+    }
+}
+
+void TestSdkLog::switchedOff()
+{
+    Application::setLogLevel(Application::LogDebug);
+    setLogSinksEnabled(false);
+    workWithFiles();
+    QCOMPARE(Application::instance()->getLogHistory().size(), 0);
+}
+
+void TestSdkLog::damageIsToldOnce()
+{
+    const QByteArray name = folder->path(QStringLiteral("bad.jp2")).toUtf8();
+    Application::setLogLevel(Application::LogError);
+    ProgressiveView view;
+    QVERIFY(view.Open(name.constData(), true, false).IsSuccess());
+    for (int left : {0, 40, 80, 120})
+        QVERIFY(view.show(left));
+    QSet<QString> kinds;
+    const auto lines = linesWith(QStringLiteral("bad.jp2\": Tile"));
+    for (const auto &line : lines)
+        kinds.insert(QString(line.text).remove(QRegularExpression(QStringLiteral("\\d"))));
+    QVERIFY(!lines.isEmpty());
+    QCOMPARE(lines.size(), kinds.size());
+}
+
+void TestSdkLog::sinksAreGoneWithThePlugin()
+{
+    plugin.reset();
+    Application::setLogLevel(Application::LogDebug);
+    workWithFiles();
+    QCOMPARE(Application::instance()->getLogHistory().size(), 0);
+}
+
+QTEST_MAIN(TestSdkLog)
+#include "tst_sdklog.moc"

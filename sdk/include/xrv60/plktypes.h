@@ -59,7 +59,9 @@ struct PLKBandInfo
 {
     std::uint8_t nBits; ///< bits per cell, 1 to 38
     bool bSigned;       ///< cells are signed
-    const char *szDesc; ///< "Red", "Green", "Blue", "Greyscale", "AllOpacity" or "Band #n" (n from 1); never null
+    /// "Red", "Green", "Blue", "Greyscale", "AllOpacity" or "Band #n" (n from 1); an XRV file may have others, in UTF-8.
+    /// Never null.
+    const char *szDesc;
 };
 
 /// Authoring texts of an XRV file. Every text may be null.
@@ -95,7 +97,7 @@ struct PLKFileInfo
     PLKColorSpace eColorSpace;            ///< meaning of the bands
     PLKCellType eCellType;                ///< type that holds every band
     const PLKBandInfo *pBands;            ///< nBands records
-    std::uint8_t nFormatVersion;          ///< version of the file format; 1 for JPEG 2000
+    std::uint8_t nFormatVersion;          ///< version of the file format, the major one of XRV; 1 for JPEG 2000
     const char *szCompressionDate;        ///< empty where unknown; never null
     float fActualCompressionRate;         ///< n of n:1, bytes of all cells against bytes of the file; 0 where unknown
     const PLKFileMetaData *pFileMetaData; ///< authoring texts, null where the file has none

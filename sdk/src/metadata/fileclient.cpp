@@ -59,6 +59,8 @@ CError CFileClient::OpenFileNamed(const CString &name)
         return error;
     facade = std::make_unique<FileFacade>(file);
     metadataJp2.Assign(file->metadataJp2());
+    if (const xrv::XrvStructure *xrv = file->xrv())
+        metadataXRV.Assign({xrv->info.blockWidth, xrv->info.blockHeight});
     return {};
 }
 
@@ -179,7 +181,9 @@ CError CFileClient::GetRPCData(PLKRPCData **rpcData) const
     if (!file)
         return notOpen();
     std::vector<std::string> warnings;
-    const std::optional<PLKRPCData> found = xrv::readRpc(file->structure(), file->localName(), &warnings);
+    std::optional<PLKRPCData> found = file->xrv() ? file->xrv()->rpc : std::nullopt;
+    if (!found)
+        found = xrv::readRpc(file->structure(), file->localName(), &warnings);
     for (const std::string &warning : warnings)
         xrv::log(PLK_LOG_WARNING, xrv::wideFromUtf8("\"" + file->name() + "\": " + warning));
     if (!found)

@@ -32,6 +32,24 @@ void logNamed(int level, const std::string &text)
         xrv::log(level, xrv::wideFromUtf8(text));
 }
 
+bool isNamedXrv(const std::string &name)
+{
+    const std::string ending = ".xrv", lower = xrv::asciiLower(name);
+    return lower.size() >= ending.size() && lower.compare(lower.size() - ending.size(), ending.size(), ending) == 0;
+}
+
+xrv::GeoReference placeOf(const xrv::XrvFileInfo &info)
+{
+    xrv::GeoReference place;
+    place.origin = xrv::GeoReference::Origin::XrvInfo;
+    place.transform = info.transform;
+    place.units = info.units;
+    place.epsg = info.epsg;
+    place.datum = info.datum;
+    place.projection = info.projection;
+    return place;
+}
+
 /// Places and steps that no window of the world could be computed with.
 bool isUsable(const xrv::GeoReference &geo)
 {
@@ -43,7 +61,7 @@ bool isUsable(const xrv::GeoReference &geo)
 } // namespace
 
 OpenFile::OpenFile()
-    : computedStatistics(nullptr, PLKFreeStatistics)
+    : keptStatistics(nullptr, PLKFreeStatistics)
 {
 }
 
@@ -85,7 +103,7 @@ CError OpenFile::openParts(std::vector<std::string> *warnings)
         localFileName = xrv::localPath(fileName);
     if (CError error = openRaster(warnings))
         return error;
-    fileType = PLK_FILE_JPEG2000;
+    fileType = xrvStructure ? PLK_FILE_XRV : PLK_FILE_JPEG2000;
     findPlace(warnings);
     fillInfo();
     const xrv::RasterInfo &raster = rasterReader->info();
@@ -95,9 +113,27 @@ CError OpenFile::openParts(std::vector<std::string> *warnings)
     return {};
 }
 
+/// The content decides what the file is, not its name.
+CError OpenFile::readBoxes(std::vector<std::string> *warnings)
+{
+    bool isXrv = false;
+    if (CError error = xrv::isXrv(*byteSource, &isXrv))
+        return error;
+    if (isXrv) {
+        xrvStructure = std::make_unique<xrv::XrvStructure>();
+        CError error = xrv::readXrvStructure(*byteSource, xrvStructure.get(), warnings);
+        boxes = std::move(xrvStructure->boxes);
+        return error;
+    }
+    CError error = xrv::readJp2Structure(*byteSource, &boxes, warnings);
+    if (error.GetErrorNumber() == PLK_ERR_UNKNOWN_FORMAT && isNamedXrv(fileName))
+        return {PLK_ERR_UNKNOWN_FORMAT, "This file is not an XRV image that this library can read."};
+    return error;
+}
+
 CError OpenFile::openRaster(std::vector<std::string> *warnings)
 {
-    if (CError error = xrv::readJp2Structure(*byteSource, &boxes, warnings))
+    if (CError error = readBoxes(warnings))
         return error;
     if (CError error = xrv::RasterReader::open(byteSource, boxes.codestream, &rasterReader))
         return error;
@@ -133,7 +169,9 @@ void OpenFile::compareWithHeaderBox(std::vector<std::string> *warnings) const
 void OpenFile::findPlace(std::vector<std::string> *warnings)
 {
     const xrv::RasterInfo &raster = rasterReader->info();
-    geo = xrv::readGeoReference(boxes, raster.width, raster.height, localFileName, warnings);
+    geo = xrvStructure && xrvStructure->info.hasPlace
+              ? placeOf(xrvStructure->info)
+              : xrv::readGeoReference(boxes, raster.width, raster.height, localFileName, warnings);
     if (isUsable(geo))
         return;
     warnings->push_back("The geo-reference has no usable cell size and is ignored.");
@@ -164,6 +202,47 @@ void OpenFile::fillInfo()
     if (byteSource->size() > 0)
         fileInfo.fActualCompressionRate =
             static_cast<float>(uncompressedBytes() / static_cast<double>(byteSource->size()));
+    if (xrvStructure)
+        fillXrvInfo();
+}
+
+void OpenFile::fillXrvInfo()
+{
+    const xrv::XrvFileInfo &info = xrvStructure->info;
+    fileInfo.nFormatVersion = xrvStructure->majorVersion;
+    fileInfo.nCompressionRate = info.targetRate;
+    fileInfo.szCompressionDate = info.compressionDate.c_str();
+    if (info.actualRate > 0.0f)
+        fileInfo.fActualCompressionRate = info.actualRate;
+    if (xrvStructure->bands.size() == bandInfos.size())
+        for (std::size_t i = 0; i < bandInfos.size(); ++i)
+            bandInfos[i].szDesc = xrvStructure->bands[i].description.c_str();
+    if (xrvStructure->texts)
+        fillTexts();
+}
+
+void OpenFile::fillTexts()
+{
+    const std::array<const wchar_t * PLKFileMetaData::*, xrv::kXrvTexts> fields{
+        &PLKFileMetaData::sClassification,
+        &PLKFileMetaData::sAcquisitionDate,
+        &PLKFileMetaData::sAcquisitionSensorName,
+        &PLKFileMetaData::sCompressionSoftware,
+        &PLKFileMetaData::sAuthor,
+        &PLKFileMetaData::sCopyright,
+        &PLKFileMetaData::sCompany,
+        &PLKFileMetaData::sEmail,
+        &PLKFileMetaData::sAddress,
+        &PLKFileMetaData::sTelephone,
+    };
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const std::optional<std::string> &text = (*xrvStructure->texts)[i];
+        if (!text)
+            continue;
+        texts[i] = xrv::wideFromUtf8(*text);
+        textRecord.*fields[i] = texts[i].c_str();
+    }
+    fileInfo.pFileMetaData = &textRecord;
 }
 
 void OpenFile::fillBandInfos()
@@ -190,22 +269,42 @@ double OpenFile::uncompressedBytes() const
 CError OpenFile::statistics(const PLKFileStatistics **result)
 {
     const std::lock_guard<std::mutex> lock(statisticsMutex);
-    if (!computedStatistics) {
-        const bool resilient = xrv::globalConfig().IsResilientDecodingEnabled();
-        const auto start = std::chrono::steady_clock::now();
-        try {
-            if (CError error =
-                    xrv::computeStatistics(*rasterReader, map, resilient, &computedStatistics, faultLog.get()))
+    try {
+        if (!keptStatistics && xrvStructure)
+            if (CError error = readStoredStatistics())
                 return error;
-        } catch (const std::bad_alloc &) {
-            return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory for the statistics of \"" + fileName + "\"."};
-        }
-        const auto elapsed = std::chrono::steady_clock::now() - start;
-        logNamed(PLK_LOG_DEBUG,
-                 "Statistics of \"" + fileName + "\" took " +
-                     std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count()) + " ms.");
+        if (!keptStatistics)
+            if (CError error = makeStatistics())
+                return error;
+    } catch (const std::bad_alloc &) {
+        return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory for the statistics of \"" + fileName + "\"."};
     }
-    *result = computedStatistics.get();
+    *result = keptStatistics.get();
+    return {};
+}
+
+/// Damaged ones are none: they are then computed.
+CError OpenFile::readStoredStatistics()
+{
+    xrv::Bytes content;
+    if (CError error = xrv::readXrvContent(*byteSource, xrvStructure->statistics, &content))
+        return error;
+    keptStatistics = xrv::parseStatistics(content, bandInfos.size());
+    if (!keptStatistics && !content.empty())
+        logNamed(PLK_LOG_WARNING, "\"" + fileName + "\": The statistics are damaged and are computed anew.");
+    return {};
+}
+
+CError OpenFile::makeStatistics()
+{
+    const bool resilient = xrv::globalConfig().IsResilientDecodingEnabled();
+    const auto start = std::chrono::steady_clock::now();
+    if (CError error = xrv::computeStatistics(*rasterReader, map, resilient, &keptStatistics, faultLog.get()))
+        return error;
+    const auto elapsed = std::chrono::steady_clock::now() - start;
+    logNamed(PLK_LOG_DEBUG, "Statistics of \"" + fileName + "\" took " +
+                                std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count()) +
+                                " ms.");
     return {};
 }
 

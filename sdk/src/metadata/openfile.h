@@ -5,6 +5,7 @@
 #include "../decode/rasterreader.h"
 #include "../geo/georeference.h"
 #include "../io/bytesource.h"
+#include "../xrv/xrvstructure.h"
 
 #include <xrv60/plkerror.h>
 #include <xrv60/plktypes.h>
@@ -47,18 +48,26 @@ public:
     /// In file order.
     const std::vector<PLKXMLBox> &xmlBoxes() const { return xmls; }
     std::shared_ptr<const ViewMetadata::ViewMetadataJp2::Values> metadataJp2() const { return jp2Values; }
+    /// What the file says besides its boxes of JPEG 2000; null where it is no XRV file.
+    const xrv::XrvStructure *xrv() const { return xrvStructure.get(); }
 
-    /// Statistics of all bands, owned by this object; computed at the first call, which may decode.
+    /// Statistics of all bands, owned by this object: those that the file carries, else computed at the first call,
+    /// which may decode.
     CError statistics(const PLKFileStatistics **result);
 
 private:
     OpenFile();
+    CError readBoxes(std::vector<std::string> *warnings);
     CError openRaster(std::vector<std::string> *warnings);
     CError openParts(std::vector<std::string> *warnings);
     void findPlace(std::vector<std::string> *warnings);
     void compareWithHeaderBox(std::vector<std::string> *warnings) const;
     void fillInfo();
     void fillBandInfos();
+    void fillXrvInfo();
+    void fillTexts();
+    CError readStoredStatistics();
+    CError makeStatistics();
     double uncompressedBytes() const;
     std::string typeName() const;
 
@@ -67,15 +76,18 @@ private:
     PLKFileType fileType = PLK_FILE_UNKNOWN;
     std::shared_ptr<xrv::ByteSource> byteSource;
     xrv::Jp2Structure boxes;
+    std::unique_ptr<xrv::XrvStructure> xrvStructure;
     std::unique_ptr<xrv::RasterReader> rasterReader;
     xrv::BandMap map;
     xrv::GeoReference geo;
     PLKFileInfo fileInfo{};
     std::vector<PLKBandInfo> bandInfos;
+    std::array<std::wstring, xrv::kXrvTexts> texts; ///< that textRecord points to
+    PLKFileMetaData textRecord{};
     std::vector<PLKXMLBox> xmls;
     std::shared_ptr<const ViewMetadata::ViewMetadataJp2::Values> jp2Values;
-    std::mutex statisticsMutex; ///< guards computedStatistics
-    std::unique_ptr<PLKFileStatistics, void (*)(PLKFileStatistics *)> computedStatistics;
+    std::mutex statisticsMutex; ///< guards keptStatistics
+    std::unique_ptr<PLKFileStatistics, void (*)(PLKFileStatistics *)> keptStatistics;
 };
 
 } // namespace PLK

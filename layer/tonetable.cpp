@@ -21,11 +21,11 @@ ToneTable makeToneTable(double contrast, double brightness)
     return table;
 }
 
-void applyToneTable(const ToneTable &table, QRgb *pixels, int count)
+void applyToneTable(const ToneTable &table, const QRgb *from, QRgb *to, int count)
 {
     for (int x = 0; x < count; ++x) {
-        const QRgb pixel = pixels[x];
-        pixels[x] = qRgba(table[qRed(pixel)], table[qGreen(pixel)], table[qBlue(pixel)], qAlpha(pixel));
+        const QRgb pixel = from[x];
+        to[x] = qRgba(table[qRed(pixel)], table[qGreen(pixel)], table[qBlue(pixel)], qAlpha(pixel));
     }
 }
 

@@ -12,8 +12,8 @@ using ToneTable = std::array<quint8, 256>;
 /// \a contrast is the slope around the middle grey, \a brightness moves by a full range per 1.0; both are neutral at 1.
 ToneTable makeToneTable(double contrast, double brightness);
 
-/// Replaces red, green and blue of \a count ARGB32 pixels; alpha stays.
-void applyToneTable(const ToneTable &table, QRgb *pixels, int count);
+/// Writes \a count ARGB32 pixels with red, green and blue replaced; alpha stays. \a to may be \a from.
+void applyToneTable(const ToneTable &table, const QRgb *from, QRgb *to, int count);
 
 /// The whole part of \a value, kept within 0 to 255; 0 for a NaN.
 quint8 truncatedToByte(double value);

@@ -303,7 +303,10 @@ void XRVJP2kRenderer::paint(QPainter &painter, const QRectF &worldRect, const QR
     if (!currentImage)
         return;
     std::unique_ptr<GeoImage> derivedImage;
-    if (contrast != 1.0 || brightness != 1.0)
+    const bool isToned = contrast != 1.0 || brightness != 1.0;
+    if (!isToned)
+        tonePixels = QImage();
+    if (isToned)
         derivedImage = toneMappedImage();
     else if (hillShade)
         derivedImage = hillShadeOverlay();
@@ -318,15 +321,17 @@ void XRVJP2kRenderer::paint(QPainter &painter, const QRectF &worldRect, const QR
     painter.restore();
 }
 
-std::unique_ptr<GeoImage> XRVJP2kRenderer::toneMappedImage() const
+std::unique_ptr<GeoImage> XRVJP2kRenderer::toneMappedImage()
 {
     const ToneTable table = makeToneTable(contrast, brightness);
-    auto image = std::make_unique<GeoImage>(*currentImage);
-    if (!image->bits()) // no memory for a copy: an empty picture
-        return image;
-    for (int y = 0; y < image->height(); ++y)
-        applyToneTable(table, reinterpret_cast<QRgb *>(image->scanLine(y)), image->width());
-    return image;
+    const GeoImage &source = *currentImage;
+    if (tonePixels.size() != source.size() || tonePixels.format() != source.format())
+        tonePixels = QImage(source.size(), source.format());
+    // Without memory for a copy the picture is an empty one.
+    for (int y = 0; y < tonePixels.height(); ++y)
+        applyToneTable(table, reinterpret_cast<const QRgb *>(source.constScanLine(y)),
+                       reinterpret_cast<QRgb *>(tonePixels.scanLine(y)), source.width());
+    return std::make_unique<GeoImage>(tonePixels, source.getX1(), source.getY1(), source.getX2(), source.getY2());
 }
 
 std::unique_ptr<GeoImage> XRVJP2kRenderer::hillShadeOverlay() const

@@ -3,6 +3,7 @@
 #include <QDGui/geoimage.h>
 #include <xrv60/plkview.h>
 
+#include <QImage>
 #include <QRect>
 #include <QRectF>
 #include <QRecursiveMutex>
@@ -112,11 +113,14 @@ private:
     void prepareLineBuffers(int width);
     void composeLine(QRgb *line, int width) const;
     void readBlockingView();
-    std::unique_ptr<GeoImage> toneMappedImage() const;
+    std::unique_ptr<GeoImage> toneMappedImage();
     std::unique_ptr<GeoImage> hillShadeOverlay() const;
 
     QRecursiveMutex imageMutex; // guards currentImage
     std::unique_ptr<GeoImage> currentImage;
+    // Memory for the tone-mapped copy, kept while there is a tone: fresh pages at every repaint cost more than the
+    // mapping.
+    QImage tonePixels;
     Map::Layer *ownerLayer;
     double transparency = 1.0;
     double contrast = 1.0;

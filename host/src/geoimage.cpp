@@ -1,158 +1,21 @@
 #include <QDGui/geoimage.h>
 
-#include "deviceaxis.h"
+#include "imageresampler.h"
+#include "pixelaxis.h"
 
 #include <QColor>
+#include <QPaintEngine>
 #include <QPainter>
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
-#include <vector>
 
 namespace Korvane {
 
 namespace {
 
-/// How \c count image pixels fall onto the device pixels of one axis.
-struct PixelAxis
-{
-    int count = 0;
-    double start = 0.0; ///< Exact device coordinate of the image's first edge.
-    double end = 0.0;   ///< Of its last edge; less than \c start when the image is turned over.
-    double low = 0.0;   ///< Rounded edges, low < high.
-    double high = 0.0;
-    int first = 0; ///< Device pixels to draw, half open.
-    int last = 0;
-
-    bool isFlipped() const { return end < start; }
-    bool isCopied() const { return high - low == count; }
-
-    /// Image coordinate, in pixels, under the centre of device pixel \a pixel.
-    double imageCoordinate(int pixel) const
-    {
-        if (!isCopied())
-            return (pixel + 0.5 - start) / (end - start) * count;
-        const double offset = pixel - low + 0.5;
-        return isFlipped() ? count - offset : offset;
-    }
-};
-
-/// A device pixel's two source pixels and the weight, of 256, of the second one.
-struct Tap
-{
-    int first;
-    int second;
-    uint weight;
-};
-
-std::optional<PixelAxis> pixelAxis(const DeviceAxis &axis, double worldStart, double worldEnd, int count,
-                                   double clipLow, double clipHigh)
-{
-    PixelAxis result;
-    result.count = count;
-    result.start = axis.toDevice(worldStart);
-    result.end = axis.toDevice(worldEnd);
-    if (!std::isfinite(result.start) || !std::isfinite(result.end) || result.start == result.end)
-        return std::nullopt;
-    result.low = roundedEdge(std::min(result.start, result.end));
-    result.high = roundedEdge(std::max(result.start, result.end));
-
-    const double low = std::max({result.low, clipLow, roundedEdge(std::min(axis.device1, axis.device2))});
-    const double high = std::min({result.high, clipHigh, roundedEdge(std::max(axis.device1, axis.device2))});
-    if (!(low < high) || std::abs(low) > 1e9 || std::abs(high) > 1e9)
-        return std::nullopt;
-    result.first = static_cast<int>(low);
-    result.last = static_cast<int>(high);
-    return result;
-}
-
-std::vector<int> nearestPixels(const PixelAxis &axis)
-{
-    std::vector<int> pixels;
-    pixels.reserve(static_cast<size_t>(axis.last - axis.first));
-    for (int i = axis.first; i < axis.last; ++i)
-        pixels.push_back(std::clamp(static_cast<int>(std::floor(axis.imageCoordinate(i))), 0, axis.count - 1));
-    return pixels;
-}
-
-std::vector<Tap> linearTaps(const PixelAxis &axis)
-{
-    std::vector<Tap> taps;
-    taps.reserve(static_cast<size_t>(axis.last - axis.first));
-    for (int i = axis.first; i < axis.last; ++i) {
-        // Pixel centres lie at half coordinates. Beyond the outer centres the edge pixel goes on unchanged, so that
-        // images that meet have no transparent rim between them.
-        const double coordinate = std::clamp(axis.imageCoordinate(i) - 0.5, 0.0, axis.count - 1.0);
-        const int first = static_cast<int>(coordinate);
-        const auto weight = static_cast<uint>(std::lround((coordinate - first) * 256.0));
-        taps.push_back({first, std::min(first + 1, axis.count - 1), weight});
-    }
-    return taps;
-}
-
-/// \a a and \a b in the ratio 256 - weight to weight, all four bytes at once.
-inline QRgb mixed(QRgb a, QRgb b, uint weight)
-{
-    const uint inverse = 256 - weight;
-    const uint evenBytes = ((a & 0xff00ff) * inverse + (b & 0xff00ff) * weight) >> 8;
-    const uint oddBytes = ((a >> 8) & 0xff00ff) * inverse + ((b >> 8) & 0xff00ff) * weight;
-    return (evenBytes & 0xff00ff) | (oddBytes & 0xff00ff00);
-}
-
-QImage resampledNearest(const QImage &source, const PixelAxis &horizontal, const PixelAxis &vertical)
-{
-    const std::vector<int> columns = nearestPixels(horizontal);
-    const std::vector<int> rows = nearestPixels(vertical);
-    QImage result(static_cast<int>(columns.size()), static_cast<int>(rows.size()), source.format());
-    if (result.isNull())
-        return result;
-    for (size_t y = 0; y < rows.size(); ++y) {
-        const auto *from = reinterpret_cast<const QRgb *>(source.constScanLine(rows[y]));
-        auto *to = reinterpret_cast<QRgb *>(result.scanLine(static_cast<int>(y)));
-        for (size_t x = 0; x < columns.size(); ++x)
-            to[x] = from[columns[x]];
-    }
-    return result;
-}
-
-/// \a source is premultiplied or opaque.
-QImage resampledLinear(const QImage &source, const PixelAxis &horizontal, const PixelAxis &vertical)
-{
-    const std::vector<Tap> columns = linearTaps(horizontal);
-    const std::vector<Tap> rows = linearTaps(vertical);
-    QImage result(static_cast<int>(columns.size()), static_cast<int>(rows.size()), source.format());
-    if (result.isNull())
-        return result;
-    for (size_t y = 0; y < rows.size(); ++y) {
-        const Tap &row = rows[y];
-        const auto *upper = reinterpret_cast<const QRgb *>(source.constScanLine(row.first));
-        const auto *lower = reinterpret_cast<const QRgb *>(source.constScanLine(row.second));
-        auto *to = reinterpret_cast<QRgb *>(result.scanLine(static_cast<int>(y)));
-        for (size_t x = 0; x < columns.size(); ++x) {
-            const Tap &column = columns[x];
-            const QRgb top = mixed(upper[column.first], upper[column.second], column.weight);
-            const QRgb bottom = mixed(lower[column.first], lower[column.second], column.weight);
-            to[x] = mixed(top, bottom, row.weight);
-        }
-    }
-    return result;
-}
-
-bool isDirectFormat(QImage::Format format)
-{
-    return format == QImage::Format_ARGB32 || format == QImage::Format_RGB32 ||
-           format == QImage::Format_ARGB32_Premultiplied;
-}
-
-QImage resampled(const QImage &image, const PixelAxis &horizontal, const PixelAxis &vertical, bool smooth)
-{
-    if (!smooth && isDirectFormat(image.format()))
-        return resampledNearest(image, horizontal, vertical);
-    const bool opaque = image.format() == QImage::Format_RGB32;
-    const QImage source = opaque ? image : image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    return smooth ? resampledLinear(source, horizontal, vertical) : resampledNearest(source, horizontal, vertical);
-}
+/// How much is resampled before it is drawn: a piece that stays in a processor's cache.
+constexpr int kStripPixels = 1 << 17;
 
 /// What can be seen of \a painter's device, in physical pixels. Devices other than images and pixmaps are not limited
 /// here: their origin may lie inside a larger buffer.
@@ -165,6 +28,21 @@ QRectF visibleDeviceRect(const QPainter &painter, const QTransform &toPhysical)
     if (painter.hasClipping())
         visible &= toPhysical.mapRect(painter.clipBoundingRect());
     return visible;
+}
+
+void drawResampled(QPainter &painter, const QPoint &place, ImageResampler &&resampler)
+{
+    // A printer's page is not made of pixels: seams between the strips could show there.
+    const bool isRaster = painter.paintEngine()->type() == QPaintEngine::Raster;
+    const int stripRows = isRaster ? std::max(1, kStripPixels / resampler.width()) : resampler.height();
+    QImage strip(resampler.width(), std::min(stripRows, resampler.height()), resampler.format());
+    if (strip.isNull())
+        return;
+    for (int first = 0; first < resampler.height(); first += stripRows) {
+        const int count = std::min(stripRows, resampler.height() - first);
+        resampler.fill(&strip, first, count);
+        painter.drawImage(place + QPoint(0, first), strip, QRect(0, 0, strip.width(), count));
+    }
 }
 
 } // namespace
@@ -222,7 +100,7 @@ void GeoImage::paint(QPainter &painter, double deviceX1, double deviceY1, double
         painter.drawImage(place, *this, QRect(place - origin, size));
     } else {
         const bool smooth = painter.testRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(place, resampled(*this, *horizontal, *vertical, smooth));
+        drawResampled(painter, place, ImageResampler(*this, *horizontal, *vertical, smooth));
     }
     painter.restore();
 }

@@ -145,7 +145,7 @@ void TestSourceTexts::toneTable()
     QTEST(int(table[100]), "at100");
     QTEST(int(table[255]), "at255");
     QRgb pixel = qRgba(0, 100, 255, 77);
-    applyToneTable(table, &pixel, 1);
+    applyToneTable(table, &pixel, &pixel, 1);
     QCOMPARE(pixel, qRgba(table[0], table[100], table[255], 77));
 }
 

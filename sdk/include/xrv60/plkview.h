@@ -54,14 +54,18 @@ public:
     CError Open(const CString &name, bool progressive, bool update);
     /// Cancels, waits for a callback in flight and closes. \a freeCache drops the file's decoded tiles.
     CError Close(bool freeCache);
-    /// Reconnects a stream after error 76 and goes on where it stopped; success for local files.
+    /// Reconnects a stream after error 76 and goes on where it stopped: the view that was set last begins again, from
+    /// the bytes that are there. Waits for nothing then; success where no connection was lost, and for local files. A
+    /// stream whose file was changed on the server (PLK_ERR_FILE_CHANGED) is closed and opened anew, which may fail, for
+    /// which the rules of Close() hold, and after which a view must be set.
     CError Reconnect();
 
     /// Sets what the next lines show: \a bandCount band indices (1 to 4 entries: one as grey, three as red, green and
     /// blue, four with opacity; indices may repeat), \a width by \a height pixels, for the world rectangle from (x1,
     /// y1) top left to (x2, y2) bottom right. The rectangle may reach beyond the image; pixels outside are transparent
     /// black. PLK_ERR_INVALID_ARGUMENT for a size of 0 or above 65535, an index out of range or an empty or non-finite
-    /// rectangle; the last view then stays in force.
+    /// rectangle; the last view then stays in force. PLK_ERR_CONNECTION_LOST (76) while the connection of a stream is
+    /// lost and PLK_ERR_FILE_CHANGED when its file is another one now: the view is set, but shows what is at hand alone.
     CError SetView(int bandCount, const int *bands, int width, int height, double x1, double y1, double x2, double y2);
     /// Makes reads of the present view return PLK_READ_CANCELLED and stops its decoding. Returns at once.
     void CancelReads();

@@ -9,6 +9,7 @@
 #include "../io/filenames.h"
 #include "../io/opensource.h"
 #include "../io/utf8.h"
+#include "../stream/streamaddress.h"
 
 #include <xrv60/plkinit.h>
 #include <xrv60/plklog.h>
@@ -71,15 +72,18 @@ OpenFile::~OpenFile()
         logNamed(PLK_LOG_INFO, "Closed \"" + fileName + "\".");
 }
 
-CError OpenFile::open(const std::string &name, std::shared_ptr<OpenFile> *file)
+CError OpenFile::open(const std::string &givenName, std::shared_ptr<OpenFile> *file)
 {
+    const std::string name = xrv::printableName(givenName); // a password goes nowhere from here
     std::shared_ptr<OpenFile> opened(new OpenFile);
     opened->fileName = name;
     opened->faultLog = std::make_shared<xrv::FaultLog>(name);
     std::vector<std::string> warnings;
     CError error;
     try {
-        error = opened->openParts(&warnings);
+        error = xrv::openSource(givenName, &opened->byteSource);
+        if (!error)
+            error = opened->openParts(&warnings);
     } catch (const std::bad_alloc &) {
         error = {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to open \"" + name + "\"."};
     } catch (const std::exception &exception) {
@@ -97,8 +101,6 @@ CError OpenFile::open(const std::string &name, std::shared_ptr<OpenFile> *file)
 
 CError OpenFile::openParts(std::vector<std::string> *warnings)
 {
-    if (CError error = xrv::openSource(fileName, &byteSource))
-        return error;
     if (!byteSource->isRemote())
         localFileName = xrv::localPath(fileName);
     if (CError error = openRaster(warnings))

@@ -27,11 +27,11 @@ namespace PLK {
 class OpenFile
 {
 public:
-    /// Opens a local file (or, one day, a stream) by its UTF-8 name. Damage that the file can be shown in spite of is
-    /// logged.
-    static CError open(const std::string &name, std::shared_ptr<OpenFile> *file);
+    /// Opens a local file or a stream by its UTF-8 name. Damage that the file can be shown in spite of is logged.
+    static CError open(const std::string &givenName, std::shared_ptr<OpenFile> *file);
     ~OpenFile();
 
+    /// As given, but without the user and password of an address.
     const std::string &name() const { return fileName; }
     /// Told of damage that is met later, and of failures.
     const std::shared_ptr<xrv::FaultLog> &faults() const { return faultLog; }

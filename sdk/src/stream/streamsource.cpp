@@ -2,6 +2,7 @@
 
 #include "../config/logger.h"
 #include "../io/utf8.h"
+#include "knowncredentials.h"
 
 #include <xrv60/plklog.h>
 
@@ -60,6 +61,7 @@ StreamSource::StreamSource(const StreamAddress &address, const StreamOptions &op
     : printableAddress(address.printable())
     , link(address, options)
     , fetcher(link)
+    , cache(options)
 {
 }
 
@@ -73,27 +75,74 @@ CError StreamSource::open(const std::string &address, const StreamOptions &optio
     StreamAddress parsed;
     if (CError error = StreamAddress::parse(address, &parsed))
         return error;
+    KnownCredentials::instance().complete(&parsed);
     std::shared_ptr<StreamSource> opened(new StreamSource(parsed, options));
     if (CError error = opened->connect())
         return error;
+    KnownCredentials::instance().remember(parsed);
     *source = std::move(opened);
     return {};
 }
 
+/// The version whose first bytes are on disk, so that nothing but its validity need be asked for.
+FileVersion StreamSource::cachedVersion()
+{
+    cached = cache.latest(printableAddress);
+    if (!cached)
+        return {};
+    const FileVersion known = cached->version();
+    ByteRangeSet first({ByteRange{0, std::min(known.length, link.options().firstBytes)}});
+    first.remove(cached->held());
+    return first.isEmpty() ? known : FileVersion();
+}
+
 CError StreamSource::connect()
 {
+    const FileVersion known = cachedVersion();
     Bytes first;
-    const RangeFetcher::Sink keep = [&](std::uint64_t, const std::uint8_t *data, std::uint64_t length) {
+    const RangeFetcher::Sink take = [&](std::uint64_t, const std::uint8_t *data, std::uint64_t length) {
         first.assign(data, data + length);
     };
-    if (CError error = fetcher.open({}, {}, keep, &version))
+    if (CError error = fetcher.open(known, {}, take, &version))
         return error;
     if (!version.isTellable())
         uniqueMark = '|' + std::to_string(nextNumber());
+    if (!cached || cached->version().text() != version.text() || !version.isTellable())
+        cached = version.isTellable() ? cache.stream(printableAddress, version) : nullptr;
     fileNumber = SegmentStore::instance().fileNumber(identity());
     newestPin = nextNumber();
-    SegmentStore::instance().put(fileNumber, 0, first.data(), first.size(), newestPin);
+    keep(0, first.data(), first.size(), newestPin);
     return {};
+}
+
+/// Where bytes that came from the server go.
+void StreamSource::keep(std::uint64_t offset, const std::uint8_t *data, std::uint64_t length, std::uint64_t pin)
+{
+    SegmentStore::instance().put(fileNumber, offset, data, length, pin);
+    if (cached)
+        cached->put(offset, data, length);
+}
+
+void StreamSource::loadCached(const std::vector<ByteRange> &ranges, std::uint64_t pin,
+                              const RangeFetcher::Sink &sink) const
+{
+    if (!cached || ranges.empty())
+        return;
+    cached->load(ranges, [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
+        SegmentStore::instance().put(fileNumber, offset, data, length, pin);
+        sink(offset, data, length);
+    });
+}
+
+void StreamSource::remember(const std::string &knowledgeName, const Bytes &knowledge)
+{
+    if (cached && !condition())
+        cached->remember(knowledgeName, knowledge);
+}
+
+bool StreamSource::recall(const std::string &knowledgeName, Bytes *knowledge)
+{
+    return cached && cached->recall(knowledgeName, knowledge);
 }
 
 CError StreamSource::condition() const
@@ -120,8 +169,10 @@ void StreamSource::setCondition(const CError &error)
             return;
         trouble = error;
     }
-    if (code == PLK_ERR_FILE_CHANGED)
+    if (code == PLK_ERR_FILE_CHANGED) {
         SegmentStore::instance().drop(fileNumber);
+        cache.remove(printableAddress, version);
+    }
     if (logEnabled(PLK_LOG_WARNING))
         log(PLK_LOG_WARNING, wideFromUtf8(error.GetErrorMessage()));
 }
@@ -152,6 +203,9 @@ CError StreamSource::read(const std::vector<ByteRange> &ranges, const CancelFlag
         return error;
     try {
         RangeAssembly assembly(ranges, out);
+        const RangeFetcher::Sink take = [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
+            assembly.add(offset, data, length);
+        };
         for (;;) {
             const CError state = condition();
             if (state.GetErrorNumber() == PLK_ERR_FILE_CHANGED)
@@ -188,6 +242,10 @@ CError StreamSource::prefetch(const std::vector<ByteRange> &ranges, const Cancel
     }
     try {
         ByteRangeSet lacking = SegmentStore::instance().missing(fileNumber, ranges, pin);
+        loadCached(std::vector<ByteRange>(lacking.ranges()), pin,
+                   [&](std::uint64_t offset, const std::uint8_t *, std::uint64_t length) {
+                       lacking.remove(ByteRange{offset, length});
+                   });
         SegmentStore::instance().release(fileNumber, oldPin);
         while (!lacking.isEmpty()) {
             if (CError state = condition())

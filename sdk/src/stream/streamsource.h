@@ -3,6 +3,7 @@
 #include "rangefetcher.h"
 #include "segmentstore.h"
 #include "serverlink.h"
+#include "streamcache.h"
 
 #include "../io/bytesource.h"
 
@@ -13,9 +14,10 @@
 namespace xrv {
 
 /// A file on a web server, read by byte ranges. What came is kept in memory, within bounds, and shared by all sources
-/// of the same version of the file. Answers are never mixed: once the file changed on the server every read fails with
-/// PLK_ERR_FILE_CHANGED. After a connection was lost, reads of what is not at hand fail at once with
-/// PLK_ERR_CONNECTION_LOST until reconnect().
+/// of the same version of the file, and in the stream cache on disk where there is one; with the file's beginning in
+/// that, opening asks only whether the file is still the same. Answers are never mixed: once the file changed on the
+/// server every read fails with PLK_ERR_FILE_CHANGED. After a connection was lost, reads of what is not at hand fail at
+/// once with PLK_ERR_CONNECTION_LOST until reconnect().
 class StreamSource : public ByteSource
 {
 public:
@@ -32,6 +34,8 @@ public:
     using ByteSource::read;
     PLK::CError read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel, std::vector<Bytes> *out) override;
     PLK::CError prefetch(const std::vector<ByteRange> &ranges, const CancelFlag &cancel) override;
+    void remember(const std::string &knowledgeName, const Bytes &knowledge) override;
+    bool recall(const std::string &knowledgeName, Bytes *knowledge) override;
     PLK::CError condition() const override;
     void reconnect() override;
 
@@ -40,15 +44,19 @@ private:
 
     explicit StreamSource(const StreamAddress &address, const StreamOptions &options);
     PLK::CError connect();
+    FileVersion cachedVersion();
+    void keep(std::uint64_t offset, const std::uint8_t *data, std::uint64_t length, std::uint64_t pin);
+    void loadCached(const std::vector<ByteRange> &ranges, std::uint64_t pin, const RangeFetcher::Sink &sink) const;
     PLK::CError fetch(const ByteRangeSet &lacking, const CancelFlag &cancel, std::uint64_t pin,
                       const RangeFetcher::Sink &sink);
-    PLK::CError checkCondition() const;
     void setCondition(const PLK::CError &error);
     PLK::CError waitForOthers(const CancelFlag &cancel);
 
     const std::string printableAddress;
     ServerLink link;
     RangeFetcher fetcher;
+    const StreamCache cache;
+    std::shared_ptr<CachedStream> cached; ///< null without a cache on disk
     FileVersion version;
     std::string uniqueMark; ///< tells apart what the server gives nothing to tell apart by
     std::uint64_t fileNumber = 0;

@@ -186,7 +186,18 @@ CError CView::Close(bool freeCache)
 
 CError CView::Reconnect()
 {
-    return IsOpen() ? CError() : notOpen();
+    const std::shared_ptr<xrv::ViewEngine> engine = d->engine();
+    if (!engine)
+        return notOpen();
+    xrv::ByteSource &source = SharedFile()->source();
+    const int condition = source.condition().GetErrorNumber();
+    if (condition == PLK_ERR_FILE_CHANGED)
+        return Open(CString(GetFileName().c_str()), engine->isProgressive(), false);
+    if (condition == PLK_ERR_CONNECTION_LOST) {
+        source.reconnect();
+        engine->restart();
+    }
+    return {};
 }
 
 CError CView::SetView(int bandCount, const int *bands, int width, int height, double x1, double y1, double x2,
@@ -219,7 +230,7 @@ CError CView::SetView(int bandCount, const int *bands, int width, int height, do
     } catch (const std::bad_alloc &) {
         return outOfMemory();
     }
-    return {};
+    return SharedFile()->source().condition();
 }
 
 void CView::CancelReads()

@@ -78,6 +78,17 @@ void ViewEngine::setView(ViewRequest newRequest)
         waitForLines(*request);
 }
 
+void ViewEngine::restart()
+{
+    RequestPtr request;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        request = newest;
+    }
+    if (request)
+        setView(*request);
+}
+
 void ViewEngine::waitForLines(const ViewRequest &request)
 {
     std::unique_lock<std::mutex> lock(mutex);

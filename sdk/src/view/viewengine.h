@@ -45,6 +45,8 @@ public:
     /// Sets \a request, whose generation is assigned here, in place of the last one, which is cancelled. A blocking
     /// view with a blocking time is decoded on the worker's thread at once, and waited for as long as that.
     void setView(ViewRequest request);
+    /// Begins the view that is set again, as after setView() with the same request.
+    void restart();
     /// Cancels the view that is set.
     void cancelReads();
     /// Cancels and waits for the worker. Not from the listener. No view can be set afterwards.

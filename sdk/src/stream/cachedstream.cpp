@@ -1,0 +1,200 @@
+#include "cachedstream.h"
+
+#include "checksum.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+
+namespace xrv {
+
+namespace {
+
+constexpr std::uint64_t kLargestSegment = 65536; // read and checked as a whole
+constexpr std::uint64_t kAllowance = 1 << 20;
+constexpr std::uint64_t kRecordSize = 64; // of the index, for a segment
+
+} // namespace
+
+CachedStream::CachedStream(std::string basePath, std::uint64_t key, RoomKeeper roomKeeper)
+    : basePath(std::move(basePath))
+    , key(key)
+    , roomKeeper(std::move(roomKeeper))
+{
+}
+
+std::shared_ptr<CachedStream> CachedStream::open(const std::string &basePath, std::uint64_t key,
+                                                 const FileVersion *version, RoomKeeper roomKeeper)
+{
+    std::shared_ptr<CachedStream> stream(new CachedStream(basePath, key, std::move(roomKeeper)));
+    if (!stream->openFiles(version != nullptr))
+        return nullptr;
+    if (version && !stream->beginVersion(*version))
+        return nullptr;
+    if (!stream->index->hasVersion())
+        return nullptr;
+    stream->wholeVersion = stream->index->version();
+    return stream;
+}
+
+bool CachedStream::openFiles(bool create)
+{
+    std::unique_ptr<DiskFile> indexFile = DiskFile::open(basePath + ".cache", create);
+    data = DiskFile::open(basePath + ".data", create);
+    if (!indexFile || !data)
+        return false;
+    index = std::make_unique<CacheIndex>(std::move(indexFile), key);
+    index->refresh(false);
+    return true;
+}
+
+bool CachedStream::beginVersion(const FileVersion &version)
+{
+    if (index->hasVersion() && index->version().text() != version.text()) { // another stream's file under this name
+        removeFiles();
+        if (!openFiles(true))
+            return false;
+    }
+    if (index->hasVersion())
+        return index->version().text() == version.text();
+    const DiskFileLock lock(index->file());
+    if (!lock.isHeld())
+        return false;
+    index->refresh(true);
+    if (index->hasVersion()) // somebody else has just begun it
+        return index->version().text() == version.text();
+    return data->truncate(0) && index->begin(version);
+}
+
+void CachedStream::removeFiles()
+{
+    std::error_code ignored;
+    for (const char *ending : {".cache", ".data"})
+        std::filesystem::remove(std::filesystem::u8path(basePath + ending), ignored);
+}
+
+FileVersion CachedStream::version() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return wholeVersion;
+}
+
+ByteRangeSet CachedStream::held() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    index->refresh(false);
+    return index->held();
+}
+
+bool CachedStream::readSegment(std::uint64_t offset, const CacheIndex::Segment &segment, Bytes *bytes) const
+{
+    if (segment.length > kLargestSegment)
+        return false;
+    bytes->resize(static_cast<std::size_t>(segment.length));
+    return data->readAt(segment.place, bytes->data(), bytes->size()) == bytes->size() &&
+           checksum64(bytes->data(), bytes->size(), key + offset) == segment.checksum;
+}
+
+void CachedStream::load(const std::vector<ByteRange> &ranges, const Sink &sink)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    index->refresh(false);
+    Bytes bytes;
+    for (const ByteRange &range : ranges) {
+        for (std::uint64_t position = range.offset; position < range.end();) {
+            auto it = index->segments().upper_bound(position);
+            if (it != index->segments().begin() && std::prev(it)->first + std::prev(it)->second.length > position)
+                --it;
+            if (it == index->segments().end() || it->first >= range.end())
+                break;
+            const auto [offset, segment] = *it;
+            position = offset + segment.length;
+            if (readSegment(offset, segment, &bytes))
+                sink(offset, bytes.data(), bytes.size());
+            else
+                index->forget(offset);
+        }
+    }
+}
+
+/// The user empties the folder, or another process made room.
+bool CachedStream::reopenWhereRemoved()
+{
+    if (index->file()->isLinked() && data->isLinked())
+        return true;
+    return openFiles(true) && beginVersion(wholeVersion);
+}
+
+bool CachedStream::mayGrow(std::uint64_t bytes)
+{
+    if (allowance < bytes) {
+        const std::uint64_t asked = std::max(bytes, kAllowance);
+        if (!roomKeeper(asked))
+            return false;
+        allowance = asked;
+    }
+    allowance -= bytes;
+    return true;
+}
+
+void CachedStream::put(std::uint64_t offset, const std::uint8_t *bytes, std::uint64_t length)
+{
+    const std::lock_guard<std::mutex> guard(mutex);
+    if (isFull || !reopenWhereRemoved())
+        return;
+    const DiskFileLock lock(index->file());
+    if (!lock.isHeld() || !index->file()->isLinked())
+        return;
+    index->refresh(true);
+    ByteRangeSet lacking({ByteRange{offset, length}});
+    lacking.remove(index->held());
+    if (lacking.isEmpty())
+        return;
+    if (mayGrow(lacking.byteCount() + kRecordSize * lacking.ranges().size()))
+        write(offset, bytes, lacking.ranges());
+    else
+        isFull = true;
+}
+
+/// With the lock held. First the bytes, then what points to them.
+void CachedStream::write(std::uint64_t offset, const std::uint8_t *bytes, const std::vector<ByteRange> &lacking)
+{
+    std::map<std::uint64_t, CacheIndex::Segment> written;
+    const std::uint64_t begin = data->size();
+    std::uint64_t place = begin;
+    for (const ByteRange &range : lacking) {
+        for (std::uint64_t at = range.offset; at < range.end(); at += kLargestSegment) {
+            const std::uint64_t count = std::min(kLargestSegment, range.end() - at);
+            const std::uint8_t *const source = bytes + (at - offset);
+            if (!data->writeAt(place, source, static_cast<std::size_t>(count))) {
+                data->truncate(begin);
+                isFull = true;
+                return;
+            }
+            written[at] = {count, place, checksum64(source, static_cast<std::size_t>(count), key + at)};
+            place += count;
+        }
+    }
+    isFull = !index->append(written);
+}
+
+void CachedStream::remember(const std::string &name, const Bytes &knowledge)
+{
+    const std::lock_guard<std::mutex> guard(mutex);
+    if (isFull || !reopenWhereRemoved())
+        return;
+    const DiskFileLock lock(index->file());
+    if (!lock.isHeld() || !mayGrow(knowledge.size() + kRecordSize))
+        return;
+    index->refresh(true);
+    isFull = !index->remember(name, knowledge);
+}
+
+bool CachedStream::recall(const std::string &name, Bytes *knowledge) const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    index->refresh(false);
+    return index->recall(name, knowledge);
+}
+
+} // namespace xrv

@@ -125,3 +125,8 @@ class Listing:
             return None
         best = max(found, key=lambda content: struct.unpack_from("b", content, 1)[0])
         return struct.unpack_from(">I", best, 3)[0]
+
+    def opacity_channels(self):
+        """Channels of types 1 and 2 in the channel definition box (I.5.3.6)."""
+        definitions = b"".join(content[2:] for content in self.contents(b"cdef"))
+        return sum(kind in (1, 2) for _, kind, _ in struct.iter_unpack(">HHH", definitions))

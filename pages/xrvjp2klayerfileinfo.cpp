@@ -4,6 +4,7 @@
 #include "fieldtext.h"
 #include "layer/xrvjp2klayer.h"
 #include "layersource.h"
+#include "scrollbackground.h"
 #include "ui_xrvjp2klayerfileinfo.h"
 
 #include <QDGui/stringutil.h>
@@ -74,6 +75,7 @@ XRVJP2kLayerFileInfo::XRVJP2kLayerFileInfo(QWidget *parent)
     , ui(std::make_unique<Ui::XRVJP2kLayerFileInfo>())
 {
     ui->setupUi(this);
+    clearBackground(ui->scrollArea);
     connect(ui->copyToClipboard, &QPushButton::clicked, this, &XRVJP2kLayerFileInfo::copyToClipboard);
 }
 

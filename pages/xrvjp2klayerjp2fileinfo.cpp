@@ -3,6 +3,7 @@
 #include "clipboardtext.h"
 #include "fieldtext.h"
 #include "layer/xrvjp2klayer.h"
+#include "scrollbackground.h"
 #include "ui_xrvjp2klayerjp2fileinfo.h"
 
 using Korvane::XRVJP2kLayer;
@@ -12,6 +13,7 @@ XRVJP2kLayerJP2FileInfo::XRVJP2kLayerJP2FileInfo(QWidget *parent)
     , ui(std::make_unique<Ui::XRVJP2kLayerJP2FileInfo>())
 {
     ui->setupUi(this);
+    clearBackground(ui->scrollArea);
     connect(ui->copyToClipboard, &QPushButton::clicked, this, &XRVJP2kLayerJP2FileInfo::copyToClipboard);
 }
 

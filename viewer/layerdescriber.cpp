@@ -12,13 +12,18 @@
 #include <QSize>
 
 #include <cmath>
+#include <numeric>
 
 namespace Viewer {
 
+using Korvane::Map::HistogramT;
+using Korvane::Map::IRasterLayerHistogram;
 using Korvane::Map::Layer;
 using Korvane::Map::RasterLayer;
 
 namespace {
+
+constexpr int kMostEntries = 256;
 
 QJsonValue number(double value)
 {
@@ -56,6 +61,40 @@ QJsonArray intArray(const QVector<int> &values)
     return array;
 }
 
+/// JSON has no whole numbers beyond those of a double; what is larger loses its last digits.
+QJsonValue wholeNumber(quint64 value)
+{
+    return static_cast<double>(value);
+}
+
+/// At most kMostEntries counts, each of as many neighbouring buckets as that takes.
+QJsonArray foldedBuckets(const QVector<quint64> &buckets, int bucketsPerEntry)
+{
+    QJsonArray entries;
+    for (int first = 0; first < buckets.size(); first += bucketsPerEntry) {
+        const int end = qMin(first + bucketsPerEntry, buckets.size());
+        entries.append(wholeNumber(std::accumulate(buckets.begin() + first, buckets.begin() + end, quint64(0))));
+    }
+    return entries;
+}
+
+QJsonObject histogramObject(const HistogramT<quint64> &histogram)
+{
+    const int bucketsPerEntry = (histogram.buckets.size() + kMostEntries - 1) / kMostEntries;
+    return {{QStringLiteral("bandName"), histogram.bandName},
+            {QStringLiteral("minimumValue"), wholeNumber(histogram.minimumValue)},
+            {QStringLiteral("maximumValue"), wholeNumber(histogram.maximumValue)},
+            {QStringLiteral("mean"), number(histogram.mean)},
+            {QStringLiteral("median"), number(histogram.median)},
+            {QStringLiteral("standardDeviation"), number(histogram.standardDeviation)},
+            {QStringLiteral("mode"), number(histogram.mode)},
+            {QStringLiteral("bucketCount"), wholeNumber(histogram.bucketCount)},
+            {QStringLiteral("largestCount"), wholeNumber(histogram.largestCount)},
+            {QStringLiteral("smallestCount"), wholeNumber(histogram.smallestCount)},
+            {QStringLiteral("bucketsPerEntry"), bucketsPerEntry},
+            {QStringLiteral("buckets"), foldedBuckets(histogram.buckets, qMax(1, bucketsPerEntry))}};
+}
+
 QJsonValue propertyValue(const QMetaProperty &property, const QObject &object)
 {
     const QVariant value = property.read(&object);
@@ -75,6 +114,8 @@ QJsonObject LayerDescriber::describe(Layer &layer)
     addLayerGetters(layer, &object);
     if (const auto *raster = qobject_cast<const RasterLayer *>(&layer))
         addRasterGetters(*raster, &object);
+    if (auto *source = dynamic_cast<IRasterLayerHistogram *>(&layer))
+        object[QStringLiteral("histograms")] = histograms(*source);
     object[QStringLiteral("properties")] = properties(layer);
     return object;
 }
@@ -90,6 +131,9 @@ void LayerDescriber::addLayerGetters(const Layer &layer, QJsonObject *object)
     object->insert(QStringLiteral("bounds"), boundsObject(layer.getBounds()));
     object->insert(QStringLiteral("valid"), layer.isValid());
     object->insert(QStringLiteral("visible"), layer.isVisible());
+    object->insert(QStringLiteral("hasIcon"), !layer.getIcon().isNull());
+    object->insert(QStringLiteral("percentComplete"), layer.getPercentComplete());
+    object->insert(QStringLiteral("lastError"), layer.getLastError());
 }
 
 void LayerDescriber::addRasterGetters(const RasterLayer &layer, QJsonObject *object)
@@ -107,6 +151,15 @@ void LayerDescriber::addRasterGetters(const RasterLayer &layer, QJsonObject *obj
     object->insert(QStringLiteral("rotation"), number(layer.getRotation()));
     object->insert(QStringLiteral("transparency"), number(layer.getTransparency()));
     object->insert(QStringLiteral("epsgCode"), layer.getEpsgCode());
+}
+
+QJsonArray LayerDescriber::histograms(IRasterLayerHistogram &layer)
+{
+    QJsonArray bands;
+    const QVector<HistogramT<quint64>> found = layer.getHistograms(false, false, QSize(), 0, 0, 0, 0);
+    for (const HistogramT<quint64> &histogram : found)
+        bands.append(histogramObject(histogram));
+    return bands;
 }
 
 QJsonObject LayerDescriber::properties(const QObject &layer)

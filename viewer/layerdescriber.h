@@ -1,11 +1,13 @@
 #pragma once
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QVariant>
 
 namespace Korvane {
 namespace Map {
+class IRasterLayerHistogram;
 class Layer;
 class RasterLayer;
 } // namespace Map
@@ -17,7 +19,8 @@ namespace Viewer {
 ///
 /// Keys: the getters' names without "get" ("cellSizeX", "coordSysName"), as the host's layer interfaces declare them;
 /// "bounds" with x1, y1 (corner of the first cell) to x2, y2; "properties" with every readable property of the layer's
-/// own class under the property's own name. A number that is not finite becomes null.
+/// own class under the property's own name; "histograms" with one object per band, whose "buckets" are sums of
+/// "bucketsPerEntry" neighbours so that there are no more than 256. A number that is not finite becomes null.
 class LayerDescriber
 {
 public:
@@ -28,6 +31,7 @@ public:
 private:
     static void addLayerGetters(const Korvane::Map::Layer &layer, QJsonObject *object);
     static void addRasterGetters(const Korvane::Map::RasterLayer &layer, QJsonObject *object);
+    static QJsonArray histograms(Korvane::Map::IRasterLayerHistogram &layer);
     static QJsonObject properties(const QObject &layer);
 };
 

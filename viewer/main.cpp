@@ -14,6 +14,7 @@
 #include <QTextStream>
 #include <QTimer>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 
@@ -47,18 +48,27 @@ void ensureUtf8Locale()
 #endif
 }
 
-/// Without a display the toolkit would end the program; with this platform it draws in memory. Returns whether there is
-/// a window system, or one was named, that a person can be expected to see a window on.
-bool ensurePlatform()
+/// Without a display the toolkit would end the program; with this platform it draws in memory. So it does for a
+/// description: that shows nothing, and what the pages copy stays off the clipboard that a person is using. Returns
+/// whether there is a window system, or one was named, that a person can be expected to see a window on.
+bool ensurePlatform(bool isDescription)
 {
 #ifdef Q_OS_LINUX
     const bool hasDisplay = !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-    if (!hasDisplay && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+    if ((!hasDisplay || isDescription) && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         return false;
     }
+#else
+    Q_UNUSED(isDescription);
 #endif
     return true;
+}
+
+/// Before the toolkit is there to take the command line apart.
+bool asksForDescription(int argc, char *argv[])
+{
+    return std::any_of(argv, argv + argc, [](const char *argument) { return qstrcmp(argument, "--describe") == 0; });
 }
 
 /// What the toolkit grumbles about belongs into the log: standard error is for what a person has to know.
@@ -149,7 +159,7 @@ bool useSettings(const QString &fileName)
 int main(int argc, char *argv[])
 {
     ensureUtf8Locale();
-    const bool hasWindows = ensurePlatform();
+    const bool hasWindows = ensurePlatform(asksForDescription(argc, argv));
     qInstallMessageHandler(logToolkitMessage);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);

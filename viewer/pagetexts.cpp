@@ -68,7 +68,7 @@ QString PageTexts::readPage(QWidget *page, Korvane::Map::Layer &layer)
         return QString();
     properties->setLayer(&layer);
     const bool copies = page->metaObject()->indexOfMethod(kCopySlot) >= 0;
-    return copies ? readClipboardText(page) : readFields(*page);
+    return copies ? readClipboardText(page) : readEveryChoice(*page);
 }
 
 QString PageTexts::readClipboardText(QWidget *page)
@@ -79,6 +79,21 @@ QString PageTexts::readClipboardText(QWidget *page)
     const int index = page->metaObject()->indexOfMethod(kCopySlot);
     page->metaObject()->method(index).invoke(page, Qt::DirectConnection);
     return clipboard->text();
+}
+
+/// What the page shows for one entry of its combo box after the other, as when a person chooses them.
+QString PageTexts::readEveryChoice(const QWidget &page)
+{
+    auto *combo = page.findChild<QComboBox *>();
+    if (!combo || combo->count() < 2)
+        return readFields(page);
+    QStringList texts;
+    for (int i = 0; i < combo->count(); ++i) {
+        combo->setCurrentIndex(i);
+        Q_EMIT combo->activated(i);
+        texts.append(readFields(page));
+    }
+    return texts.join(QLatin1Char('\n'));
 }
 
 QString PageTexts::readFields(const QWidget &page)

@@ -3,10 +3,12 @@
 #include "layersummarypage.h"
 #include "plugincontributions.h"
 
+#include <QDGui/application.h>
 #include <QDGui/ilayerpropertieswidget.h>
 #include <QDGui/layer.h>
 
 #include <QDialogButtonBox>
+#include <QSettings>
 #include <QSignalBlocker>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -15,6 +17,12 @@ namespace Viewer {
 
 using Korvane::ILayerPropertiesWidget;
 using Korvane::Map::Layer;
+
+namespace {
+
+const QString kGeometryKey = QStringLiteral("Viewer/LayerPropertiesGeometry");
+
+} // namespace
 
 PropertiesWindow::PropertiesWindow(const PluginContributions &contributions, QWidget *parent)
     : QDialog(parent)
@@ -30,16 +38,14 @@ PropertiesWindow::PropertiesWindow(const PluginContributions &contributions, QWi
     layout->addWidget(tabs);
     layout->addWidget(buttons);
     resize(560, 560);
+    restoreGeometry(Korvane::Application::instance()->settings()->value(kGeometryKey).toByteArray());
 }
 
 void PropertiesWindow::setLayer(Layer *newLayer)
 {
     if (newLayer == layer && newLayer)
         return;
-    if (layer)
-        layer->disconnect(this);
-    const int previousTab = tabs->currentIndex();
-    clearPages();
+    forgetLayer();
     layer = newLayer;
     if (!layer) {
         close();
@@ -54,13 +60,18 @@ void PropertiesWindow::setLayer(Layer *newLayer)
         const QVector<QWidget *> pages = contributions.makeInfoPages(*layer);
         for (QWidget *page : pages)
             addPage(page);
-        tabs->setCurrentIndex(qBound(0, previousTab, tabs->count() - 1));
+        tabs->setCurrentIndex(qBound(0, lastTab, tabs->count() - 1));
     }
     loadCurrentPage();
 }
 
-void PropertiesWindow::clearPages()
+void PropertiesWindow::forgetLayer()
 {
+    if (layer)
+        layer->disconnect(this);
+    layer = nullptr;
+    if (tabs->count() > 0)
+        lastTab = tabs->currentIndex();
     const QSignalBlocker blocker(tabs);
     loadedPages.clear();
     while (tabs->count() > 0) {
@@ -92,6 +103,21 @@ void PropertiesWindow::accept()
             properties->apply();
     }
     QDialog::accept();
+}
+
+void PropertiesWindow::done(int result)
+{
+    Korvane::Application::instance()->settings()->setValue(kGeometryKey, saveGeometry());
+    QDialog::done(result);
+    // Shown again, the pages read the layer anew; until then what they hold, which can be much, is not needed. Not
+    // right now: it may be a button on a page that closed the window.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!isVisible())
+                forgetLayer();
+        },
+        Qt::QueuedConnection);
 }
 
 } // namespace Viewer

@@ -17,7 +17,7 @@ namespace Viewer {
 class PluginContributions;
 
 /// The information pages of one layer, in tabs. Pages are made anew for every layer, so that none shows what belongs
-/// to another; a page reads its layer when its tab is first shown.
+/// to another; a page reads its layer when its tab is first shown. The window keeps its size from one run to the next.
 class PropertiesWindow : public QDialog
 {
     Q_OBJECT
@@ -30,9 +30,10 @@ public:
     void setLayer(Korvane::Map::Layer *layer);
 
     void accept() override;
+    void done(int result) override;
 
 private:
-    void clearPages();
+    void forgetLayer();
     void addPage(QWidget *page);
     void loadCurrentPage();
 
@@ -40,6 +41,7 @@ private:
     QTabWidget *tabs;
     QPointer<Korvane::Map::Layer> layer;
     QSet<QWidget *> loadedPages;
+    int lastTab = 0;
 };
 
 } // namespace Viewer

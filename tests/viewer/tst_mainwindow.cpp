@@ -20,6 +20,7 @@
 #include <QTabWidget>
 #include <QTimer>
 #include <QToolBar>
+#include <QTreeView>
 #include <QUrl>
 
 #include <memory>
@@ -45,6 +46,7 @@ private Q_SLOTS:
     void leavesOtherDropsAlone();
     void remembersDocks();
     void propertiesFollowLayer();
+    void propertiesWindowIsRemembered();
     void preferencesSaveOnOk();
     void survivesClosingBusyViews();
     void switchesArrangement();
@@ -234,6 +236,30 @@ void TestMainWindow::propertiesFollowLayer()
     QVERIFY(properties->windowTitle().contains(QLatin1String("p2.quad")));
     view->removeLayer(view->getLayer(0));
     QVERIFY(!properties->isVisible());
+}
+
+void TestMainWindow::propertiesWindowIsRemembered()
+{
+    window->addSources({test.quad(QStringLiteral("p.quad"))}, nullptr);
+    auto *list = window->findChild<QTreeView *>();
+    const QPoint firstRow = list->visualRect(list->model()->index(0, 0)).center();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, firstRow);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, firstRow);
+    auto *properties = window->findChild<Viewer::PropertiesWindow *>();
+    QVERIFY(properties->isVisible());
+    auto *tabs = properties->findChild<QTabWidget *>();
+    tabs->setCurrentIndex(1);
+    properties->resize(640, 580);
+    QTest::keyClick(properties, Qt::Key_Escape);
+    QVERIFY(!properties->isVisible());
+    QTRY_COMPARE(tabs->count(), 0); // holds nothing of the layer while it is closed
+    window->mainActions()->layerProperties->trigger();
+    QCOMPARE(tabs->currentIndex(), 1);
+    properties->close();
+
+    const MainWindow another(test.registry);
+    QCOMPARE(another.findChild<Viewer::PropertiesWindow *>()->size(), QSize(640, 580));
+    Korvane::Application::instance()->settings()->clear();
 }
 
 void TestMainWindow::preferencesSaveOnOk()

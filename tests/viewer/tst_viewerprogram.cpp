@@ -11,6 +11,7 @@
 #include <QAction>
 #include <QElapsedTimer>
 #include <QImage>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -35,6 +36,7 @@ private Q_SLOTS:
     void picturesAreExact();
     void worksInPlainLocale();
     void describes();
+    void describesWhatTheFileHolds();
     void endsOnDamagedFiles_data();
     void endsOnDamagedFiles();
     void usesTheSettingsFileGiven();
@@ -138,6 +140,34 @@ void TestViewerProgram::describes()
     QCOMPARE(object.value(QStringLiteral("numberOfBands")).toInt(), 3);
     QCOMPARE(object.value(QStringLiteral("dataSource")).toString(), gradient);
     QVERIFY(QJsonDocument::fromJson(lines[1]).object().contains(QStringLiteral("error")));
+}
+
+void TestViewerProgram::describesWhatTheFileHolds()
+{
+    jp2maker::FileBytes bytes = jp2maker::withBox(gradientBytes, "xml ", "<one/>\n");
+    bytes = jp2maker::withBox(bytes, "xml ", "<two/>");
+    const Outcome outcome = run({QStringLiteral("--describe"), write(QStringLiteral("boxes.jp2"), bytes)});
+    QCOMPARE(outcome.status, 0);
+    const QJsonObject object = QJsonDocument::fromJson(outcome.out).object();
+    const QJsonObject pages = object.value(QStringLiteral("pages")).toObject();
+    QCOMPARE(pages.keys(),
+             QStringList({QStringLiteral("JP2 Info"), QStringLiteral("Metadata"), QStringLiteral("RPC Info"),
+                          QStringLiteral("Statistics"), QStringLiteral("XRV Info")}));
+    const QString boxes = pages.value(QStringLiteral("Metadata")).toString();
+    const int second = boxes.indexOf(QLatin1String("'xml ' Box #2:"));
+    QVERIFY2(second > boxes.indexOf(QLatin1String("<one/>")), qPrintable(boxes));
+    QVERIFY2(boxes.indexOf(QLatin1String("<two/>")) > second, qPrintable(boxes));
+    QVERIFY(pages.value(QStringLiteral("JP2 Info")).toString().contains(QLatin1String("\rBand Bit Depths = 8,8,8\r")));
+
+    const QJsonArray histograms = object.value(QStringLiteral("histograms")).toArray();
+    QCOMPARE(histograms.size(), 3);
+    const QJsonObject blue = histograms[2].toObject();
+    QCOMPARE(blue.value(QStringLiteral("bandName")).toString(), QStringLiteral("Blue"));
+    QCOMPARE(blue.value(QStringLiteral("bucketsPerEntry")).toInt(), 1);
+    double cells = 0;
+    for (const QJsonValue &count : blue.value(QStringLiteral("buckets")).toArray())
+        cells += count.toDouble();
+    QCOMPARE(cells, double(kWidth * kHeight));
 }
 
 void TestViewerProgram::endsOnDamagedFiles_data()

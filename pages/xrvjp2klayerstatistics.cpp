@@ -14,6 +14,8 @@ namespace {
 constexpr int kDecimals = 4;
 /// Of the clipboard's text, in characters. A file of three bands of 16 bits takes a few millions.
 constexpr qint64 kLargestText = 64 * 1024 * 1024;
+/// Of the beginning of a histogram's line, in characters; about as much as it takes with many bands.
+constexpr qint64 kLineStart = 32;
 
 bool isOpacity(const QString &bandName)
 {
@@ -108,7 +110,7 @@ void XRVJP2kLayerStatistics::copyToClipboard()
     qint64 characters = 0;
     for (int band = 0; band < bandCount && statisticsOf(band); ++band) {
         counts.append(bucketText(*statisticsOf(band)));
-        characters += counts.last().size();
+        characters += kLineStart + counts.last().size();
     }
     const quint32 repetitions = characters * statistics->nBands <= kLargestText ? statistics->nBands : 1;
     ClipboardText text;

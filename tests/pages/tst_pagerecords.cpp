@@ -20,7 +20,7 @@ namespace {
 
 struct Record
 {
-    PLKBandInfo bands[3] = {{8, false, "Greyscale"}, {8, false, nullptr}, {8, false, "AllOpacity"}};
+    std::vector<PLKBandInfo> bands = {{8, false, "Greyscale"}, {8, false, nullptr}, {8, false, "AllOpacity"}};
     PLKFileMetaData authoring{};
     PLKFileInfo info{};
     PLKFileType type = PLK_FILE_XRV;
@@ -92,7 +92,7 @@ CError CFileClient::GetClientStatistics(PLKFileStatistics **statistics)
         return {PLK_ERR_READ, "none"};
     auto *bands = new PLKBandStatistics[sdk.statisticsBands];
     for (quint32 band = 0; band < sdk.statisticsBands; ++band)
-        bands[band] = {float(band), 1.0F, 2.0F, 12.5F, 3.0F, 0.00005F, 4, counts[band]};
+        bands[band] = {float(band), 1.0F, 2.0F, 12.5F, 3.0F, 0.00005F, 4, counts[band % 3]};
     *statistics = new PLKFileStatistics{bands, sdk.statisticsBands};
     return {};
 }
@@ -151,6 +151,7 @@ private Q_SLOTS:
     void blockSizeOfLayersInTurn();
     void bandWithoutDescription();
     void fewerStatisticsThanBands();
+    void manyBands();
     void statisticsReleased();
     void rpcReleased();
     void unreachableBoxes();
@@ -167,7 +168,7 @@ void TestPageRecords::init()
     sdk.info.nSizeX = 100;
     sdk.info.nSizeY = 50;
     sdk.info.nBands = 1;
-    sdk.info.pBands = sdk.bands;
+    sdk.info.pBands = sdk.bands.data();
     sdk.info.fCellIncrementX = 1;
     sdk.info.fCellIncrementY = -1;
     sdk.info.szDatum = sdk.info.szProjection = sdk.info.szCompressionDate = "";
@@ -299,6 +300,21 @@ void TestPageRecords::fewerStatisticsThanBands()
                           QStringLiteral("mean = 12.5000"), QStringLiteral("stddev = 0.0000"),
                           QStringLiteral("min = 1.0000"), QStringLiteral("max = 2.0000"),
                           QStringLiteral("Histogram Band #0 = 0,3,7,0")}));
+}
+
+void TestPageRecords::manyBands()
+{
+    constexpr quint16 kBands = 2000;
+    sdk.bands.assign(kBands, {8, false, "many"});
+    sdk.info.pBands = sdk.bands.data();
+    sdk.info.nBands = kBands;
+    sdk.statisticsBands = kBands;
+    XRVJP2kLayerStatistics page;
+    page.setLayer(layer.get());
+    // With each histogram 2000 times this would be a text of 130 million characters.
+    const QString text = copiedText(page);
+    QCOMPARE(text.count(QLatin1Char('\r')), 8 * kBands);
+    QVERIFY(text.contains(QStringLiteral("\rBand #1999\r")));
 }
 
 void TestPageRecords::statisticsReleased()

@@ -1,5 +1,6 @@
 #include "logdock.h"
 
+#include "logfilter.h"
 #include "logmodel.h"
 
 #include <QDGui/application.h>
@@ -21,9 +22,24 @@ namespace Viewer {
 
 using Korvane::Application;
 
+namespace {
+
+int widestLevel(const QFontMetrics &metrics)
+{
+    int widest = 0;
+    for (int level = Application::LogDebug; level <= Application::LogFatal; ++level) {
+        const QString name = Application::getLogLevelName(static_cast<Application::LogLevel>(level));
+        widest = qMax(widest, metrics.horizontalAdvance(name));
+    }
+    return widest;
+}
+
+} // namespace
+
 LogDock::LogDock(QWidget *parent)
     : QDockWidget(tr("Log"), parent)
     , model(new LogModel(this))
+    , shown(new LogFilter(this))
     , table(new QTreeView)
     , levels(new QComboBox)
 {
@@ -47,20 +63,24 @@ LogDock::LogDock(QWidget *parent)
 
 void LogDock::makeTable()
 {
-    table->setModel(model);
+    shown->setSourceModel(model);
+    table->setModel(shown);
     table->setRootIsDecorated(false);
     table->setUniformRowHeights(true);
     table->setSelectionMode(QAbstractItemView::ExtendedSelection);
     table->setAccessibleName(tr("Log"));
-    table->header()->setSectionResizeMode(LogModel::TimeColumn, QHeaderView::ResizeToContents);
-    table->header()->setSectionResizeMode(LogModel::LevelColumn, QHeaderView::ResizeToContents);
-    connect(model, &QAbstractItemModel::rowsAboutToBeInserted, this, &LogDock::onRowsAboutToBeInserted);
-    connect(model, &QAbstractItemModel::rowsInserted, this, &LogDock::onRowsInserted);
+    // Columns that follow their contents would be measured anew with every line.
+    const QFontMetrics metrics(table->font());
+    const int margin = 3 * metrics.averageCharWidth();
+    table->setColumnWidth(LogModel::TimeColumn, metrics.horizontalAdvance(QStringLiteral("00:00:00.000")) + margin);
+    table->setColumnWidth(LogModel::LevelColumn, widestLevel(metrics) + margin);
+    connect(shown, &QAbstractItemModel::rowsAboutToBeInserted, this, &LogDock::onRowsAboutToBeInserted);
+    connect(shown, &QAbstractItemModel::rowsInserted, this, &LogDock::onRowsInserted);
 
     auto *copy = new QAction(tr("&Copy"), table);
     copy->setShortcut(QKeySequence::Copy);
     copy->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    connect(copy, &QAction::triggered, this, &LogDock::copySelection);
+    connect(copy, &QAction::triggered, this, &LogDock::copyLines);
     table->addAction(copy);
     table->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
@@ -70,13 +90,17 @@ QWidget *LogDock::makeBar()
     auto *bar = new QWidget;
     auto *layout = new QHBoxLayout(bar);
     layout->setContentsMargins(6, 3, 6, 3);
-    auto *label = new QLabel(tr("&Keep from:"));
+    auto *label = new QLabel(tr("&From level:"));
     label->setBuddy(levels);
+    auto *copy = new QPushButton(tr("&Copy"));
+    copy->setToolTip(tr("Copies the selected lines, or all that are shown"));
+    connect(copy, &QPushButton::clicked, this, &LogDock::copyLines);
     auto *clear = new QPushButton(tr("C&lear"));
     connect(clear, &QPushButton::clicked, model, &LogModel::clear);
     layout->addWidget(label);
     layout->addWidget(levels);
     layout->addStretch();
+    layout->addWidget(copy);
     layout->addWidget(clear);
     return bar;
 }
@@ -86,9 +110,17 @@ void LogDock::fillLevels()
     for (int level = Application::LogDebug; level <= Application::LogFatal; ++level)
         levels->addItem(Application::getLogLevelName(static_cast<Application::LogLevel>(level)), level);
     levels->setCurrentIndex(Application::getLogLevel());
-    levels->setToolTip(tr("The least severe messages that are logged"));
-    connect(levels, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
-            [](int level) { Application::setLogLevel(static_cast<Application::LogLevel>(level)); });
+    shown->setLeastLevel(Application::getLogLevel());
+    levels->setToolTip(tr("The least severe messages that are shown, and logged from now on"));
+    connect(levels, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &LogDock::setLevel);
+}
+
+void LogDock::setLevel(int level)
+{
+    const auto logLevel = static_cast<Application::LogLevel>(level);
+    Application::setLogLevel(logLevel);
+    shown->setLeastLevel(logLevel);
+    table->scrollToBottom();
 }
 
 void LogDock::onRowsAboutToBeInserted()
@@ -104,13 +136,18 @@ void LogDock::onRowsInserted()
         table->scrollToBottom();
 }
 
-void LogDock::copySelection()
+/// The selected lines, or without a selection all that are shown.
+void LogDock::copyLines()
 {
     QModelIndexList rows = table->selectionModel()->selectedRows();
+    if (rows.isEmpty()) {
+        for (int row = 0; row < shown->rowCount(); ++row)
+            rows.append(shown->index(row, 0));
+    }
     std::sort(rows.begin(), rows.end());
     QStringList lines;
     for (const QModelIndex &row : qAsConst(rows))
-        lines.append(model->lineText(row.row()));
+        lines.append(model->lineText(shown->mapToSource(row).row()));
     QApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
 }
 

@@ -7,9 +7,11 @@ class QTreeView;
 
 namespace Viewer {
 
+class LogFilter;
 class LogModel;
 
-/// Shows the host's log and chooses how much of it is kept.
+/// Shows the host's log from a level on, which is also the least one that is logged from then on. Lines below it that
+/// are there already come back when the level is lowered again.
 class LogDock : public QDockWidget
 {
     Q_OBJECT
@@ -23,9 +25,11 @@ private:
     void fillLevels();
     void onRowsAboutToBeInserted();
     void onRowsInserted();
-    void copySelection();
+    void setLevel(int level);
+    void copyLines();
 
     LogModel *model;
+    LogFilter *shown;
     QTreeView *table;
     QComboBox *levels;
     bool isAtEnd = true;

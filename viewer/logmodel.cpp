@@ -71,6 +71,8 @@ QVariant LogModel::data(const QModelIndex &index, int role) const
     const Application::LogEntry &entry = entries.at(index.row());
     if (role == Qt::DisplayRole)
         return cellText(entry, index.column()).simplified();
+    if (role == LevelRole)
+        return int(entry.level);
     if (role == Qt::ToolTipRole && index.column() == TextColumn)
         return entry.text;
     // Both are readable on light and on dark backgrounds.

@@ -14,6 +14,7 @@ class LogModel : public QAbstractTableModel
 
 public:
     enum Column { TimeColumn, LevelColumn, TextColumn, ColumnCount };
+    static constexpr int LevelRole = Qt::UserRole; ///< the level as a number
 
     explicit LogModel(QObject *parent = nullptr);
 

@@ -1,0 +1,127 @@
+#include "logdock.h"
+
+#include <QDGui/application.h>
+
+#include <QClipboard>
+#include <QComboBox>
+#include <QPushButton>
+#include <QTreeView>
+#include <QtTest>
+
+using Korvane::Application;
+using Viewer::LogDock;
+
+/// The dock with the host's log.
+class TestLogDock : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void levelHidesAndBringsBack();
+    void levelIsTheHosts();
+    void copiesSelectionOrAll();
+    void fullLogMovesOn();
+
+private:
+    static void add(const QString &text, Application::LogLevel level);
+    QStringList shownTexts() const;
+    QComboBox *levels() const { return dock->findChild<QComboBox *>(); }
+    QTreeView *table() const { return dock->findChild<QTreeView *>(); }
+    QString copied() const;
+
+    std::unique_ptr<LogDock> dock;
+};
+
+void TestLogDock::init()
+{
+    Application::setLogLevel(Application::LogDebug);
+    Application::instance()->clearLogHistory();
+    QCoreApplication::processEvents(); // lines of the last test on their way
+    dock = std::make_unique<LogDock>();
+}
+
+void TestLogDock::cleanup()
+{
+    dock.reset();
+    Application::setLogLevel(Application::LogInfo);
+}
+
+void TestLogDock::add(const QString &text, Application::LogLevel level)
+{
+    Application::logMessage(text, level, QDateTime::fromSecsSinceEpoch(0));
+    QCoreApplication::processEvents();
+}
+
+QStringList TestLogDock::shownTexts() const
+{
+    QStringList texts;
+    const QAbstractItemModel *model = table()->model();
+    for (int row = 0; row < model->rowCount(); ++row)
+        texts.append(model->index(row, 2).data().toString());
+    return texts;
+}
+
+QString TestLogDock::copied() const
+{
+    QGuiApplication::clipboard()->clear();
+    for (QPushButton *button : dock->findChildren<QPushButton *>()) {
+        if (button->text() == QLatin1String("&Copy"))
+            button->click();
+    }
+    return QGuiApplication::clipboard()->text();
+}
+
+void TestLogDock::levelHidesAndBringsBack()
+{
+    add(QStringLiteral("range"), Application::LogDebug);
+    add(QStringLiteral("damage"), Application::LogError);
+    add(QStringLiteral("opened"), Application::LogWarning);
+    levels()->setCurrentIndex(Application::LogWarning);
+    QCOMPARE(shownTexts(), QStringList({QStringLiteral("damage"), QStringLiteral("opened")}));
+    levels()->setCurrentIndex(Application::LogFatal);
+    QCOMPARE(shownTexts(), QStringList());
+    levels()->setCurrentIndex(Application::LogDebug);
+    QCOMPARE(shownTexts(), QStringList({QStringLiteral("range"), QStringLiteral("damage"), QStringLiteral("opened")}));
+}
+
+void TestLogDock::levelIsTheHosts()
+{
+    Application::setLogLevel(Application::LogCritical);
+    const LogDock other;
+    QCOMPARE(other.findChild<QComboBox *>()->currentIndex(), int(Application::LogCritical));
+    other.findChild<QComboBox *>()->setCurrentIndex(Application::LogError);
+    QCOMPARE(int(Application::getLogLevel()), int(Application::LogError));
+}
+
+void TestLogDock::copiesSelectionOrAll()
+{
+    add(QStringLiteral("hidden"), Application::LogInfo);
+    add(QStringLiteral("first\nof two lines"), Application::LogError);
+    add(QStringLiteral("second"), Application::LogError);
+    levels()->setCurrentIndex(Application::LogError);
+    const QStringList all = copied().split(QLatin1Char('\t'));
+    QCOMPARE(all.size(), 5); // two lines of three columns
+    QVERIFY(all[2].startsWith(QLatin1String("first\nof two lines\n")));
+    QCOMPARE(all[4], QStringLiteral("second"));
+
+    table()->selectionModel()->select(table()->model()->index(1, 0),
+                                      QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    QVERIFY(copied().endsWith(QLatin1String("\tError\tsecond")));
+    QCOMPARE(copied().count(QLatin1Char('\t')), 2);
+}
+
+void TestLogDock::fullLogMovesOn()
+{
+    levels()->setCurrentIndex(Application::LogWarning);
+    for (int i = 0; i < Application::kLogHistory + 10; ++i)
+        Application::logMessage(QString::number(i), Application::LogError, QDateTime::currentDateTime());
+    QCoreApplication::processEvents();
+    const QStringList texts = shownTexts();
+    QCOMPARE(texts.size(), Application::kLogHistory);
+    QCOMPARE(texts.last(), QString::number(Application::kLogHistory + 9));
+}
+
+QTEST_MAIN(TestLogDock)
+#include "tst_logdock.moc"

@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::uint64_t kPartOverhead = 1024; // headers of a part, generously
 constexpr std::uint64_t kAnswerSlack = 4096;
-constexpr std::uint64_t kProgressThatCounts = 4096;
-constexpr int kMostRounds = 1000; // each but a few brings at least that much
+constexpr std::uint64_t kProgressThatCounts = 4096; // or half of what was lacking
+constexpr int kMostRounds = 1000;
 constexpr auto kCancelPoll = std::chrono::milliseconds(5);
 
 CError cancelledError()
@@ -43,10 +43,10 @@ std::string sizeText(std::uint64_t bytes)
 class RangeFetcher::Round
 {
 public:
-    CError trouble;           ///< worth another try
-    int pause = -1;           ///< milliseconds the server wants to be left alone
-    bool isFallback = false;  ///< another way of asking was found to be needed
-    std::uint64_t gained = 0; ///< bytes that were lacking
+    CError trouble;                        ///< worth another try
+    int pause = -1;                        ///< milliseconds the server wants to be left alone
+    bool isFallback = false;               ///< another way of asking was found to be needed
+    std::uint64_t lacking = 0, gained = 0; ///< bytes before, and how many of these came
 };
 
 /// How often and after what pauses to try.
@@ -66,7 +66,7 @@ public:
             return false;
         if (round.isFallback)
             return true;
-        if (round.gained >= kProgressThatCounts) {
+        if (round.gained > 0 && round.gained >= std::min(kProgressThatCounts, round.lacking / 2)) {
             failures = 0;
             backOff = options.firstBackOff;
         }
@@ -199,7 +199,7 @@ std::vector<HttpAnswer> RangeFetcher::askFor(const std::vector<RangeGroup> &grou
     std::vector<HttpRequest> requests;
     for (const RangeGroup &group : groups) {
         const std::uint64_t limit = group.byteCount() + group.ranges.size() * kPartOverhead + kAnswerSlack;
-        requests.push_back(takesNoRanges ? link.request({}, wholeLimit()) : link.request(group.text(), limit));
+        requests.push_back(link.request(group.text(), group.isWholeFile ? wholeLimit() : limit));
         const std::string condition = version.conditionHeader();
         if (!condition.empty())
             requests.back().headers.push_back(condition);
@@ -215,11 +215,12 @@ CError RangeFetcher::fetch(const std::vector<ByteRange> &ranges, const FileVersi
     const std::string server = link.address().server();
     Patience patience(link.options());
     while (!lacking.isEmpty()) {
-        std::vector<RangeGroup> groups{{{ByteRange{0, version.length}}}};
+        std::vector<RangeGroup> groups{wholeFile(version.length)};
         if (!takesNoRanges)
             groups = planRequests(lacking, ServerTraits::instance().takesSeveralRanges(server));
         const std::vector<HttpAnswer> answers = askFor(groups, version, cancel);
         Round round;
+        round.lacking = lacking.byteCount();
         const Sink take = [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
             for (const ByteRange &wanted : lacking.within({offset, length}))
                 round.gained += wanted.length;
@@ -310,7 +311,7 @@ CError RangeFetcher::takePartial(const RangeGroup &group, const HttpAnswer &answ
 CError RangeFetcher::takeWhole(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
                                const Sink &sink, Round *round)
 {
-    const bool isAskedFor = takesNoRanges;
+    const bool isAskedFor = group.isWholeFile;
     if (isAskedFor && answer.outcome == HttpOutcome::TooLong)
         return tooLarge(answer);
     if (isAskedFor && answer.outcome == HttpOutcome::Complete && answer.body.size() != version.length)

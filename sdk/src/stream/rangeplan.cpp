@@ -61,9 +61,19 @@ std::uint64_t RangeGroup::byteCount() const
 std::string RangeGroup::text() const
 {
     std::string text;
+    if (isWholeFile)
+        return text;
     for (const ByteRange &range : ranges)
         text += (text.empty() ? "" : ",") + rangeText(range);
     return text;
+}
+
+RangeGroup wholeFile(std::uint64_t length)
+{
+    RangeGroup group;
+    group.ranges.push_back({0, length});
+    group.isWholeFile = true;
+    return group;
 }
 
 std::vector<RangeGroup> planRequests(const ByteRangeSet &lacking, ServerTraits::Answer severalRanges)
@@ -71,7 +81,7 @@ std::vector<RangeGroup> planRequests(const ByteRangeSet &lacking, ServerTraits::
     if (severalRanges == ServerTraits::Answer::No) {
         std::vector<RangeGroup> groups;
         for (const ByteRange &range : cutToSize(joinedRanges(lacking.ranges(), kRequestGap)))
-            groups.push_back({{range}});
+            groups.push_back({{range}, false});
         return groups;
     }
     std::vector<RangeGroup> groups = groupsOf(cutToSize(joinedRanges(lacking.ranges(), kPartGap)));

@@ -12,8 +12,9 @@ namespace xrv {
 struct RangeGroup
 {
     std::vector<ByteRange> ranges; ///< in file order, apart from each other
+    bool isWholeFile = false;      ///< asked for without ranges
     std::uint64_t byteCount() const;
-    /// As the request's Range header names them: "0-99,200-299".
+    /// As the request's Range header names them: "0-99,200-299"; empty for the whole file.
     std::string text() const;
 };
 
@@ -22,6 +23,9 @@ struct RangeGroup
 /// it with those beside it.
 constexpr std::uint64_t kPartGap = 512;
 constexpr std::uint64_t kRequestGap = 32768;
+
+/// The one request for a file of \a length bytes to a server that does not know ranges.
+RangeGroup wholeFile(std::uint64_t length);
 
 /// The requests that bring \a lacking, given what the server is known to do. While that is unknown, one request finds
 /// it out and the rest follow with the next plan.

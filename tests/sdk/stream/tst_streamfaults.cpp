@@ -1,0 +1,502 @@
+#include "streamreading.h"
+
+#include "stream/segmentstore.h"
+#include "stream/servertraits.h"
+
+#include <QElapsedTimer>
+#include <QtTest>
+
+#include <atomic>
+#include <thread>
+
+using xrv::ByteRange;
+using xrv::StreamSource;
+
+using Handler = FaultServer::Handler;
+using Request = FaultServer::Request;
+using Connection = FaultServer::Connection;
+Q_DECLARE_METATYPE(Handler)
+
+/// What servers do that they should not, or need not.
+class TestStreamFaults : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void bytesArriveAllTheSame_data();
+    void bytesArriveAllTheSame();
+    void openingFails_data();
+    void openingFails();
+    void readingFails_data();
+    void readingFails();
+    void largeFileWithoutRanges();
+    void lostConnectionIsTakenUpAgain();
+    void redirectsKeepThePassword();
+    void cancelReturnsAtOnce();
+    void fewRequestsAtATime();
+    void prefetchedBytesNeedNoRequest();
+    void threadsShareRequests();
+
+private:
+    xrv::CancelFlag never;
+};
+
+namespace {
+
+constexpr std::size_t kSize = 200000;
+const std::vector<ByteRange> kRanges{{0, 100}, {900, 300}, {50000, 1000}, {50500, 2000}, {120000, 40000}, {199990, 10}};
+
+const WebFile &plainFile()
+{
+    static const WebFile file = WebFile::make(kSize, 1);
+    return file;
+}
+
+/// Spoils the answers of a good server to all requests but the first, which opens the file.
+Handler afterOpening(const WebFile &file, const Handler &spoil)
+{
+    const auto count = std::make_shared<std::atomic<int>>(0);
+    return [=](const Request &request, const Connection &connection) {
+        return count->fetch_add(1) == 0 ? connection.send(file.answer(request)) : spoil(request, connection);
+    };
+}
+
+/// Spoils the first \a times answers after that.
+Handler spoilt(const WebFile &file, int times, const Handler &spoil)
+{
+    const auto left = std::make_shared<std::atomic<int>>(times);
+    return afterOpening(file, [=](const Request &request, const Connection &connection) {
+        return left->fetch_sub(1) > 0 ? spoil(request, connection) : connection.send(file.answer(request));
+    });
+}
+
+Handler always(const std::string &answer)
+{
+    return [=](const Request &, const Connection &connection) { return connection.send(answer); };
+}
+
+std::string firstRangeOnly(const WebFile &file, const Request &request)
+{
+    const auto [first, last] = request.ranges.front();
+    return file.singleRange(first, std::min(last, file.bytes.size() - 1));
+}
+
+} // namespace
+
+void TestStreamFaults::init()
+{
+    xrv::ServerTraits::instance().forget();
+}
+
+void TestStreamFaults::bytesArriveAllTheSame_data()
+{
+    QTest::addColumn<Handler>("handler");
+    WebFile file = plainFile();
+    QTest::newRow("parts in one answer") << file.handler();
+    QTest::newRow("parts in another order") << Handler([file](const Request &request, const Connection &connection) {
+        auto ranges = request.ranges;
+        std::reverse(ranges.begin(), ranges.end());
+        return connection.send(ranges.size() > 1 ? file.severalRanges(ranges) : file.answer(request));
+    });
+    QTest::newRow("first range only") << Handler([file](const Request &request, const Connection &connection) {
+        return connection.send(firstRangeOnly(file, request));
+    });
+    QTest::newRow("span of all ranges") << Handler([file](const Request &request, const Connection &connection) {
+        return connection.send(file.singleRange(request.ranges.front().first, request.ranges.back().second));
+    });
+    QTest::newRow("file for several ranges") << [file]() mutable {
+        file.takesSeveral = false;
+        return file.handler();
+    }();
+    QTest::newRow("file for any range") << [file]() mutable {
+        file.takesRanges = false;
+        return file.handler();
+    }();
+    QTest::newRow("ranges at first, then the file") << afterOpening(file, always(file.whole()));
+    QTest::newRow("nothing to tell versions by") << [file]() mutable {
+        file.tag.clear();
+        return file.handler();
+    }();
+    QTest::newRow("weak tag that becomes strong") << [file]() mutable {
+        file.tag = "W/\"v1\"";
+        return afterOpening(file, plainFile().handler());
+    }();
+    QTest::newRow("body broken off") << spoilt(file, 5, [file](const Request &request, const Connection &connection) {
+        const std::string answer = file.answer(request);
+        connection.send(answer.substr(0, answer.size() / 2));
+        return false;
+    });
+    QTest::newRow("reset in mid-body") << spoilt(file, 5, [file](const Request &request, const Connection &connection) {
+        const std::string answer = file.answer(request);
+        connection.send(answer.substr(0, answer.size() * 3 / 4));
+        connection.reset();
+        return false;
+    });
+    QTest::newRow("closed without a word")
+        << spoilt(file, 2, [](const Request &, const Connection &) { return false; });
+    QTest::newRow("more than asked for") << Handler([file](const Request &request, const Connection &connection) {
+        const auto [first, last] = request.ranges.front();
+        return connection.send(httpAnswer("206 Partial Content", file.versionHeaders() + file.contentRange(first, last),
+                                          file.slice(first, last) + std::string(30000, 'x')));
+    });
+    QTest::newRow("out of service once") << spoilt(file, 1, always(httpAnswer("503 Service Unavailable")));
+    QTest::newRow("asks for a pause") << spoilt(file, 1,
+                                                always(httpAnswer("429 Too Many Requests", "Retry-After: 1\r\n")));
+    QTest::newRow("error page in between") << spoilt(file, 2, always(httpAnswer("500 Oops", "", "<html>Oops</html>")));
+    QTest::newRow("interim answer") << Handler([file](const Request &request, const Connection &connection) {
+        return connection.send("HTTP/1.1 103 Early Hints\r\nContent-Range: bytes 7-8/9\r\n\r\n" + file.answer(request));
+    });
+    QTest::newRow("redirects") << Handler([file](const Request &request, const Connection &connection) {
+        if (request.target == "/a.jp2")
+            return connection.send(httpAnswer("302 Found", "Location: b%20c/../d\r\n"));
+        if (request.target == "/d")
+            return connection.send(httpAnswer("308 Permanent Redirect", "Location: /e?x=1\r\n"));
+        return connection.send(request.target == "/e?x=1" ? file.answer(request) : httpAnswer("404 Not Found"));
+    });
+    QTest::newRow("redirect that expires") << [file] {
+        const auto count = std::make_shared<std::atomic<int>>(0);
+        return Handler([=](const Request &request, const Connection &connection) {
+            if (request.target == "/a.jp2")
+                return connection.send(
+                    httpAnswer("307 Temporary Redirect", "Location: /" + std::to_string(++*count) + "\r\n"));
+            return connection.send(request.target == "/" + std::to_string(*count) &&
+                                           request.headers.count("if-match") + std::size_t(*count) != 2
+                                       ? file.answer(request)
+                                       : httpAnswer("403 Expired"));
+        });
+    }();
+}
+
+void TestStreamFaults::bytesArriveAllTheSame()
+{
+    QFETCH(Handler, handler);
+    FaultServer server(handler);
+    std::shared_ptr<xrv::ByteSource> source;
+    PLK::CError error = StreamSource::open(server.address("/a.jp2"), quickOptions(), &source);
+    QVERIFY2(!error, error.GetErrorMessage());
+    QCOMPARE(source->size(), std::uint64_t(kSize));
+    std::vector<xrv::Bytes> out;
+    error = source->read(kRanges, never, &out);
+    QVERIFY2(!error, error.GetErrorMessage());
+    QVERIFY(out == expectedBytes(plainFile(), kRanges));
+    // And once more what neither came yet nor is close to it.
+    const std::vector<ByteRange> others{{90000, 5000}, {190000, 3}};
+    error = source->read(others, never, &out);
+    QVERIFY2(!error, error.GetErrorMessage());
+    QVERIFY(out == expectedBytes(plainFile(), others));
+    QVERIFY(!source->condition());
+}
+
+void TestStreamFaults::openingFails_data()
+{
+    QTest::addColumn<Handler>("handler");
+    QTest::addColumn<int>("code");
+    const WebFile file = plainFile();
+    const auto range = [file](const std::string &contentRange, const std::string &more = {}) {
+        return always(httpAnswer("206 Partial Content", contentRange + more, file.slice(0, 999)));
+    };
+    const auto redirect = [](const std::string &to) {
+        return always(httpAnswer("302 Found", "Location: " + to + "\r\n"));
+    };
+    QTest::newRow("no such file") << always(httpAnswer("404 Not Found")) << int(PLK_ERR_NOT_FOUND);
+    QTest::newRow("gone") << always(httpAnswer("410 Gone")) << int(PLK_ERR_NOT_FOUND);
+    QTest::newRow("forbidden") << always(httpAnswer("403 Forbidden")) << int(PLK_ERR_NO_ACCESS);
+    QTest::newRow("password wanted") << always(httpAnswer("401 Unauthorized", "WWW-Authenticate: Basic\r\n"))
+                                     << int(PLK_ERR_NO_ACCESS);
+    QTest::newRow("range refused") << always(httpAnswer("416 No", "Content-Range: bytes */77\r\n"))
+                                   << int(PLK_ERR_SERVER);
+    QTest::newRow("always out of service") << always(httpAnswer("503 No")) << int(PLK_ERR_UNREACHABLE);
+    QTest::newRow("long pause") << always(httpAnswer("429 No", "Retry-After: 3600\r\n")) << int(PLK_ERR_UNREACHABLE);
+    QTest::newRow("pause until a date") << always(
+                                               httpAnswer("503 No", "Retry-After: Fri, 31 Dec 2100 23:59:59 GMT\r\n"))
+                                        << int(PLK_ERR_UNREACHABLE);
+    QTest::newRow("redirect to a file") << redirect("file:///etc/passwd") << int(PLK_ERR_SERVER);
+    QTest::newRow("redirect to ftp") << redirect("ftp://127.0.0.1/a.jp2") << int(PLK_ERR_SERVER);
+    QTest::newRow("redirect to nowhere") << redirect("") << int(PLK_ERR_SERVER);
+    QTest::newRow("redirect in a circle") << redirect("/a.jp2") << int(PLK_ERR_SERVER);
+    QTest::newRow("compressed") << range(file.contentRange(0, 999), "Content-Encoding: gzip\r\n")
+                                << int(PLK_ERR_SERVER);
+    QTest::newRow("no Content-Range") << range("") << int(PLK_ERR_SERVER);
+    QTest::newRow("other bytes") << range(file.contentRange(500, 1499)) << int(PLK_ERR_SERVER);
+    QTest::newRow("length unknown") << range("Content-Range: bytes 0-999/*\r\n") << int(PLK_ERR_SERVER);
+    QTest::newRow("range beyond the length") << range("Content-Range: bytes 0-999/500\r\n") << int(PLK_ERR_SERVER);
+    QTest::newRow("number beyond all bounds")
+        << range("Content-Range: bytes 0-999/99999999999999999999999\r\n") << int(PLK_ERR_SERVER);
+    QTest::newRow("endless headers") << Handler([](const Request &, const Connection &connection) {
+        connection.send("HTTP/1.1 206 Partial Content\r\n");
+        while (connection.send("X-More: " + std::string(1000, 'x') + "\r\n")) {
+        }
+        return false;
+    }) << int(PLK_ERR_SERVER);
+    QTest::newRow("endless body") << Handler([](const Request &, const Connection &connection) {
+        connection.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
+        while (connection.send("1000\r\n" + std::string(4096, 'x') + "\r\n")) {
+        }
+        return false;
+    }) << int(PLK_ERR_TOO_LARGE);
+    QTest::newRow("no HTTP at all") << Handler([](const Request &, const Connection &connection) {
+        connection.send("SSH-2.0-OpenSSH_9.2\r\n");
+        return false;
+    }) << int(PLK_ERR_SERVER);
+    QTest::newRow("silence") << Handler([](const Request &, const Connection &connection) {
+        connection.linger(10000);
+        return false;
+    }) << int(PLK_ERR_UNREACHABLE);
+    QTest::newRow("drops") << Handler([file](const Request &request, const Connection &connection) {
+        for (const char drop : file.answer(request)) {
+            if (!connection.send(std::string(1, drop)))
+                break;
+            connection.linger(20);
+        }
+        return false;
+    }) << int(PLK_ERR_UNREACHABLE);
+}
+
+void TestStreamFaults::openingFails()
+{
+    QFETCH(Handler, handler);
+    QFETCH(int, code);
+    FaultServer server(handler);
+    std::shared_ptr<xrv::ByteSource> source;
+    QElapsedTimer timer;
+    timer.start();
+    const PLK::CError error = StreamSource::open(server.address("/a.jp2", "me:secret"), quickOptions(), &source);
+    QCOMPARE(error.GetErrorNumber(), code);
+    QVERIFY(!source);
+    QVERIFY2(timer.elapsed() < 4000, qPrintable(QString::number(timer.elapsed())));
+    const QString message = QString::fromUtf8(error.GetErrorMessage());
+    QVERIFY2(message.endsWith(QLatin1Char('.')) && message.size() > 20, error.GetErrorMessage());
+    QVERIFY2(!message.contains(QLatin1String("secret")), error.GetErrorMessage());
+}
+
+void TestStreamFaults::readingFails_data()
+{
+    QTest::addColumn<Handler>("handler");
+    QTest::addColumn<int>("code");
+    const WebFile file = plainFile();
+    WebFile other = WebFile::make(kSize, 2);
+    other.tag = "\"v2\"";
+    const auto become = [file](const WebFile &next) { return afterOpening(file, next.handler()); };
+    QTest::newRow("changed, server compares") << become(other) << int(PLK_ERR_FILE_CHANGED);
+    QTest::newRow("changed, server ignores conditions") << afterOpening(file, [other](const Request &request,
+                                                                                      const Connection &connection) {
+        return connection.send(other.severalRanges(request.ranges));
+    }) << int(PLK_ERR_FILE_CHANGED);
+    QTest::newRow("changed, whole file comes")
+        << afterOpening(file, always(other.whole())) << int(PLK_ERR_FILE_CHANGED);
+    QTest::newRow("changed half-way") << [file, other] {
+        const auto count = std::make_shared<std::atomic<int>>(0);
+        WebFile single = other;
+        return afterOpening(file, [=](const Request &request, const Connection &connection) {
+            return connection.send(firstRangeOnly(++*count < 3 ? file : other, request));
+        });
+    }() << int(PLK_ERR_FILE_CHANGED);
+    WebFile longer = WebFile::make(kSize + 1, 1);
+    longer.tag.clear();
+    QTest::newRow("longer, nothing else to tell it by") << become(longer) << int(PLK_ERR_FILE_CHANGED);
+    QTest::newRow("shorter than what is wanted") << become([&] {
+        WebFile shorter = WebFile::make(100, 1);
+        shorter.tag.clear();
+        return shorter;
+    }()) << int(PLK_ERR_FILE_CHANGED);
+    QTest::newRow("vanished") << afterOpening(file, always(httpAnswer("404 Not Found"))) << int(PLK_ERR_FILE_CHANGED);
+    QTest::newRow("forbidden") << afterOpening(file, always(httpAnswer("403 Forbidden"))) << int(PLK_ERR_NO_ACCESS);
+    QTest::newRow("out of service") << afterOpening(file, always(httpAnswer("502 Bad Gateway")))
+                                    << int(PLK_ERR_CONNECTION_LOST);
+    QTest::newRow("silence") << afterOpening(file, [](const Request &, const Connection &connection) {
+        connection.linger(10000);
+        return false;
+    }) << int(PLK_ERR_CONNECTION_LOST);
+    QTest::newRow("always other bytes") << afterOpening(file, [file](const Request &, const Connection &connection) {
+        return connection.send(file.singleRange(70000, 71000));
+    }) << int(PLK_ERR_SERVER);
+    QTest::newRow("parts of nonsense")
+        << afterOpening(file,
+                        always(httpAnswer("206 Partial Content", "Content-Type: multipart/byteranges; boundary=cut\r\n",
+                                          "--cut\r\nContent-Range: bytes 5-1/7\r\n\r\nabc\r\n--cut--\r\n" +
+                                              std::string(9000, '-'))))
+        << int(PLK_ERR_SERVER);
+}
+
+void TestStreamFaults::readingFails()
+{
+    QFETCH(Handler, handler);
+    QFETCH(int, code);
+    FaultServer server(handler);
+    std::shared_ptr<xrv::ByteSource> source;
+    QVERIFY(!StreamSource::open(server.address("/a.jp2"), quickOptions(), &source));
+    std::vector<xrv::Bytes> out;
+    QElapsedTimer timer;
+    timer.start();
+    PLK::CError error = source->read(kRanges, never, &out);
+    QCOMPARE(error.GetErrorNumber(), code);
+    QVERIFY(timer.elapsed() < 5000);
+    const bool isLasting = code == PLK_ERR_FILE_CHANGED || code == PLK_ERR_CONNECTION_LOST;
+    QCOMPARE(source->condition().GetErrorNumber(), isLasting ? code : 0);
+    if (!isLasting)
+        return;
+    // What was there before: gone with a version that is no more, at hand without a connection.
+    server.takeRequests();
+    error = source->read({{0, 100}}, never, &out);
+    QCOMPARE(error.GetErrorNumber(), code == PLK_ERR_FILE_CHANGED ? code : 0);
+    QVERIFY(server.takeRequests().empty());
+}
+
+void TestStreamFaults::largeFileWithoutRanges()
+{
+    WebFile file = plainFile();
+    file.takesRanges = false;
+    FaultServer server(file.handler());
+    xrv::StreamOptions options = quickOptions();
+    options.wholeInMemory = kSize - 1;
+    std::shared_ptr<xrv::ByteSource> source;
+    const PLK::CError error = StreamSource::open(server.address("/a.jp2"), options, &source);
+    QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_TOO_LARGE));
+    options.wholeInMemory = kSize;
+    QVERIFY(!StreamSource::open(server.address("/a.jp2"), options, &source));
+    server.takeRequests();
+    std::vector<xrv::Bytes> out;
+    QVERIFY(!source->prefetch({{100, 10}}, never));
+    QVERIFY(!source->read(kRanges, never, &out));
+    QVERIFY(out == expectedBytes(file, kRanges));
+    QVERIFY(server.takeRequests().empty()); // it came with the first answer
+}
+
+void TestStreamFaults::lostConnectionIsTakenUpAgain()
+{
+    FaultServer server(plainFile().handler());
+    std::shared_ptr<xrv::ByteSource> source;
+    QVERIFY(!StreamSource::open(server.address("/lost.jp2"), quickOptions(), &source));
+    std::vector<xrv::Bytes> out;
+    QVERIFY(!source->read({{1000, 50000}}, never, &out));
+    server.stop();
+    QCOMPARE(source->read({{500, 90000}}, never, &out).GetErrorNumber(), int(PLK_ERR_CONNECTION_LOST));
+    server.start();
+    // At once, without asking, until told to.
+    QCOMPARE(source->read({{500, 90000}}, never, &out).GetErrorNumber(), int(PLK_ERR_CONNECTION_LOST));
+    server.takeRequests();
+    source->reconnect();
+    QVERIFY(!source->condition());
+    QVERIFY(!source->read({{500, 90000}}, never, &out));
+    QVERIFY(out == expectedBytes(plainFile(), {{500, 90000}}));
+    const std::vector<Request> requests = server.takeRequests();
+    QCOMPARE(requests.size(), std::size_t(1));
+    QCOMPARE(requests[0].header("range"), std::string("bytes=51000-90499"));
+}
+
+void TestStreamFaults::redirectsKeepThePassword()
+{
+    const WebFile file = plainFile();
+    FaultServer elsewhere(file.handler());
+    const std::string away = elsewhere.url() + "/a.jp2";
+    FaultServer server([=](const Request &request, const Connection &connection) {
+        return connection.send(request.header("authorization") != "Basic bWU6c2VjcmV0" // me:secret
+                                   ? httpAnswer("401 Unauthorized")
+                                   : httpAnswer("302 Found", "Location: " + away + "\r\n"));
+    });
+    std::shared_ptr<xrv::ByteSource> source;
+    QCOMPARE(StreamSource::open(server.address("/a.jp2"), quickOptions(), &source).GetErrorNumber(),
+             int(PLK_ERR_NO_ACCESS));
+    QVERIFY(!StreamSource::open(server.address("/a.jp2", "me:secret"), quickOptions(), &source));
+    QCOMPARE(source->name(), server.address("/a.jp2"));
+    QVERIFY(source->identity().find("secret") == std::string::npos);
+    std::vector<xrv::Bytes> out;
+    QVERIFY(!source->read(kRanges, never, &out));
+    const std::vector<Request> requests = elsewhere.takeRequests();
+    QVERIFY(!requests.empty());
+    for (const Request &request : requests)
+        QCOMPARE(request.header("authorization"), std::string());
+    // The name that it goes by opens it again.
+    QVERIFY(!StreamSource::open(source->name(), quickOptions(), &source));
+}
+
+void TestStreamFaults::cancelReturnsAtOnce()
+{
+    FaultServer server(afterOpening(plainFile(), [](const Request &, const Connection &connection) {
+        connection.linger(10000);
+        return false;
+    }));
+    xrv::StreamOptions options = quickOptions();
+    options.stallTimeout = 20000;
+    std::shared_ptr<xrv::ByteSource> source;
+    QVERIFY(!StreamSource::open(server.address("/slow.jp2"), options, &source));
+    xrv::CancelFlag cancel;
+    QElapsedTimer timer;
+    std::thread raiser([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        timer.start();
+        xrv::CancelFlag(cancel).raise();
+    });
+    std::vector<xrv::Bytes> out;
+    const PLK::CError error = source->read(kRanges, cancel, &out);
+    raiser.join();
+    QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_CANCELLED));
+    QVERIFY(timer.elapsed() < 200);
+    QVERIFY(!source->condition());
+}
+
+void TestStreamFaults::fewRequestsAtATime()
+{
+    WebFile file = WebFile::make(3000000, 3);
+    file.takesSeveral = false;
+    FaultServer server([file](const Request &request, const Connection &connection) {
+        connection.linger(30);
+        return connection.send(file.answer(request));
+    });
+    std::shared_ptr<xrv::ByteSource> source;
+    QVERIFY(!StreamSource::open(server.address("/many.jp2"), quickOptions(), &source));
+    std::vector<ByteRange> ranges;
+    for (std::uint64_t i = 0; i < 25; ++i)
+        ranges.push_back({i * 100000 + 20000, 100});
+    std::vector<xrv::Bytes> out;
+    QVERIFY(!source->read(ranges, never, &out));
+    QVERIFY(out == expectedBytes(file, ranges));
+    QCOMPARE(server.mostAtOnce(), 6);
+}
+
+void TestStreamFaults::prefetchedBytesNeedNoRequest()
+{
+    const WebFile file = plainFile();
+    FaultServer server(file.handler());
+    std::shared_ptr<xrv::ByteSource> source;
+    QVERIFY(!StreamSource::open(server.address("/ahead.jp2"), quickOptions(), &source));
+    QVERIFY(!source->prefetch(kRanges, never));
+    std::vector<Request> requests = server.takeRequests();
+    QCOMPARE(requests.size(), std::size_t(2)); // one opened the file
+    QCOMPARE(requests[1].header("range"), std::string("bytes=1000-1199,50000-52499,120000-159999,199990-199999"));
+    std::vector<xrv::Bytes> out;
+    for (const ByteRange &range : kRanges) {
+        const std::vector<ByteRange> one{{range.offset + 3, range.length - 5}};
+        QVERIFY(!source->read(one, never, &out));
+        QVERIFY(out == expectedBytes(file, one));
+    }
+    QVERIFY(server.takeRequests().empty());
+}
+
+void TestStreamFaults::threadsShareRequests()
+{
+    const WebFile file = plainFile();
+    FaultServer server([file](const Request &request, const Connection &connection) {
+        connection.linger(20);
+        return connection.send(file.answer(request));
+    });
+    std::shared_ptr<xrv::ByteSource> source;
+    QVERIFY(!StreamSource::open(server.address("/shared.jp2"), quickOptions(), &source));
+    server.takeRequests();
+    std::atomic<int> right{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back([&] {
+            std::vector<xrv::Bytes> out;
+            if (!source->read(kRanges, never, &out) && out == expectedBytes(file, kRanges))
+                ++right;
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(right.load(), 8);
+    QCOMPARE(server.takeRequests().size(), std::size_t(1));
+}
+
+QTEST_GUILESS_MAIN(TestStreamFaults)
+#include "tst_streamfaults.moc"

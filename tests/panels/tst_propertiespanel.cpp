@@ -1,0 +1,602 @@
+#include "layer/testimages.h"
+#include "layer/xrvjp2klayer.h"
+#include "panels/xrvjp2kproperties.h"
+
+#include <QDGui/application.h>
+#include <QDGui/geopainter.h>
+#include <QDGui/mapview.h>
+
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QMdiSubWindow>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSettings>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTimer>
+#include <QToolButton>
+#include <QtTest>
+
+#include <cmath>
+#include <memory>
+
+using Korvane::XRVJP2kLayer;
+
+namespace {
+
+constexpr int kPatienceMs = 30000;
+
+/// Mean difference of the red channels.
+double meanDifference(const QImage &a, const QImage &b)
+{
+    double sum = 0.0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+            sum += std::abs(qRed(a.pixel(x, y)) - qRed(b.pixel(x, y)));
+    return sum / (a.width() * a.height());
+}
+
+/// The layer at \a zoom pixels per cell.
+QImage paintedEnlarged(XRVJP2kLayer &layer, int zoom)
+{
+    const QRectF world = layer.getBounds();
+    QImage picture(layer.getSize() * zoom, QImage::Format_ARGB32);
+    picture.fill(Qt::white);
+    const QRect device = picture.rect();
+    layer.setView(device.width(), device.height(), world.left(), world.top(), world.right(), world.bottom());
+    Korvane::GeoPainter painter(&picture, world, device);
+    layer.paint(painter, &world, &device);
+    painter.end();
+    return picture;
+}
+
+/// Does \a action with the modal dialog of type \a Dialog that the next event loop shows.
+template <typename Dialog, typename Action> void onNextDialog(Action action)
+{
+    auto *timer = new QTimer(qApp);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, action] {
+        if (auto *dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget())) {
+            timer->stop();
+            timer->deleteLater();
+            action(dialog);
+        }
+    });
+    timer->start(10);
+}
+
+} // namespace
+
+/// The panel's real widgets, driven by mouse and keys, on a real layer with a real file.
+class TestPropertiesPanel : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void form();
+    void signatures();
+    void advancedGroupIsNeverShown();
+    void loadingCallsNoSetter();
+    void transparency();
+    void tones_data();
+    void tones();
+    void dynamicRange();
+    void resetOfDynamicRange_data();
+    void resetOfDynamicRange();
+    void qualityLayers();
+    void withoutHeader();
+    void bands();
+    void opacityBand();
+    void checkBoxes_data();
+    void checkBoxes();
+    void resampling();
+    void outline();
+    void readLineMethod();
+    void otherLayers();
+    void deletedLayer();
+    void subWindows();
+    void narrowPanel();
+    void draggingShowsTheLastValue();
+
+private:
+    void open(const jp2maker::Options &options);
+    template <typename Widget> Widget *get(const char *name) const
+    {
+        return panel->findChild<Widget *>(QLatin1String(name));
+    }
+    void type(const char *spinBox, const char *digits);
+    void click(const char *button);
+    QImage painted()
+    {
+        viewWhole(*layer);
+        return paintedWhole(*layer);
+    }
+
+    std::unique_ptr<TestFolder> folder;
+    std::unique_ptr<XRVJP2kLayer> layer;
+    std::unique_ptr<XRVJP2kProperties> panel;
+};
+
+void TestPropertiesPanel::init()
+{
+    folder = std::make_unique<TestFolder>();
+    TestFolder::setSetting("OpenProgressive", false); // decodes within paint(), so that pixels can be looked at at once
+    panel = std::make_unique<XRVJP2kProperties>();
+    panel->show();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+void TestPropertiesPanel::cleanup()
+{
+    panel.reset();
+    layer.reset();
+    folder.reset();
+}
+
+void TestPropertiesPanel::open(const jp2maker::Options &options)
+{
+    layer = std::make_unique<XRVJP2kLayer>(nullptr);
+    const QString file = folder->makeImage(QStringLiteral("image.jp2"), options);
+    QVERIFY2(layer->setDataSource(file), qPrintable(layer->getLastError()));
+    viewWhole(*layer);
+    panel->onLayerActivated(layer.get());
+}
+
+void TestPropertiesPanel::type(const char *spinBox, const char *digits)
+{
+    auto *box = get<QSpinBox>(spinBox);
+    box->setFocus();
+    box->selectAll();
+    QTest::keyClicks(box, QLatin1String(digits));
+    QTest::keyClick(box, Qt::Key_Return);
+}
+
+void TestPropertiesPanel::click(const char *button)
+{
+    auto *target = get<QAbstractButton>(button);
+    // On the left, where a check box has its mark.
+    QTest::mouseClick(target, Qt::LeftButton, Qt::NoModifier, QPoint(8, target->height() / 2));
+}
+
+void TestPropertiesPanel::form()
+{
+    QCOMPARE(panel->objectName(), QStringLiteral("XRVJP2kPropertiesClass"));
+    QCOMPARE(panel->windowTitle(), QStringLiteral("XRVJP2Properties"));
+    const char *const titles[][2] = {{"groupBoxTransparency", "Transparency"},
+                                     {"groupBoxContrast", "Contrast"},
+                                     {"groupBoxBrightness", "Brightness"},
+                                     {"groupBoxDRA", "Dynamic Range Adjustment"},
+                                     {"groupBoxQuality", "JPEG 2000 Quality Layers"},
+                                     {"groupBoxBands", "Bands"},
+                                     {"groupBoxDisplay", "Display"}};
+    int bottom = 0;
+    for (const auto &[name, title] : titles) {
+        const auto *group = get<QGroupBox>(name);
+        QVERIFY2(group && group->title() == QLatin1String(title), name);
+        QVERIFY2(group->y() >= bottom, name); // from top to bottom in this order
+        bottom = group->geometry().bottom();
+    }
+    const char *const resets[][2] = {{"resetTransparency", "Reset to 0% transparency"},
+                                     {"resetContrast", "Reset to 100% contrast"},
+                                     {"resetBrightness", "Reset to 100% brightness"},
+                                     {"resetDRA", "Reset to default dynamic range"},
+                                     {"resetJp2Quality", "Reset to max quality layers"}};
+    for (const auto &[name, tip] : resets) {
+        const auto *button = get<QToolButton>(name);
+        QVERIFY2(button && button->toolTip() == QLatin1String(tip) && !button->icon().isNull(), name);
+    }
+    QCOMPARE(get<QSlider>("draSlider")->minimum(), 1);
+    QCOMPARE(get<QSpinBox>("draSpinBox")->minimum(), 0);
+    QCOMPARE(get<QSpinBox>("draSpinBox")->suffix(), QStringLiteral(" %"));
+    QCOMPARE(get<QSpinBox>("transparencySpinBox")->suffix(), QStringLiteral("%"));
+    QCOMPARE(get<QSlider>("contrastSlider")->maximum(), 200);
+    QCOMPARE(get<QSlider>("brightnessSlider")->pageStep(), 20);
+    QCOMPARE(get<QComboBox>("resampleTypeComboBox")->itemText(1), QStringLiteral("Bilinear"));
+    QVERIFY(!panel->isEnabled());
+}
+
+void TestPropertiesPanel::signatures()
+{
+    // A host looks the public slots up by name; the first of all are these two.
+    const QMetaObject &meta = XRVJP2kProperties::staticMetaObject;
+    QCOMPARE(QByteArray(meta.className()), QByteArray("XRVJP2kProperties"));
+    QCOMPARE(meta.method(meta.methodOffset()).methodSignature(), QByteArray("onLayerActivated(Map::Layer*)"));
+    QCOMPARE(meta.method(meta.methodOffset() + 1).methodSignature(),
+             QByteArray("onSubWindowActivated(QMdiSubWindow*)"));
+    QCOMPARE(meta.methodCount() - meta.methodOffset(), 30);
+}
+
+void TestPropertiesPanel::advancedGroupIsNeverShown()
+{
+    XRVJP2kProperties fresh;
+    fresh.show();
+    QVERIFY(!fresh.findChild<QGroupBox *>(QStringLiteral("groupBoxAdvanced"))->isVisible());
+    QVERIFY(!get<QGroupBox>("groupBoxAdvanced"));
+    QVERIFY(!get<QCheckBox>("freeCacheCheckBox"));
+}
+
+void TestPropertiesPanel::loadingCallsNoSetter()
+{
+    open(colourImage(16, 16));
+    // Values that the widgets show rounded down: had a setter been called, they would be gone.
+    layer->setTransparency(0.333);
+    layer->setContrast(1.239);
+    layer->setBrightness(0.757);
+    layer->setBandList({2, 2, 2});
+    const quint64 refreshes = layer->getRefreshCount();
+    panel->onLayerActivated(nullptr);
+    panel->onLayerActivated(layer.get());
+    QCOMPARE(get<QSlider>("transparencySlider")->value(), 66);
+    QCOMPARE(get<QSpinBox>("transparencySpinBox")->value(), 66);
+    QCOMPARE(get<QSlider>("contrastSlider")->value(), 123);
+    QCOMPARE(get<QSpinBox>("brightnessSpinBox")->value(), 75);
+    QCOMPARE(get<QComboBox>("redBandComboBox")->currentIndex(), 2);
+    QCOMPARE(layer->getTransparency(), 0.333);
+    QCOMPARE(layer->getContrast(), 1.239);
+    QCOMPARE(layer->getBrightness(), 0.757);
+    QCOMPARE(layer->getRefreshCount(), refreshes);
+    QVERIFY(!folder->path(QStringLiteral("settings.ini")).isEmpty());
+    QVERIFY(!Korvane::Application::instance()->settings()->contains(QStringLiteral("XRVJP2kLayer/OutlineColor")));
+}
+
+void TestPropertiesPanel::transparency()
+{
+    open(colourImage(16, 16));
+    const quint64 refreshes = layer->getRefreshCount();
+    type("transparencySpinBox", "25");
+    QCOMPARE(layer->getTransparency(), 0.75);
+    QCOMPARE(get<QSlider>("transparencySlider")->value(), 25);
+    QVERIFY(layer->getRefreshCount() > refreshes);
+    // Three quarters of blue 50 and one of the white below.
+    QVERIFY(std::abs(qBlue(painted().pixel(3, 3)) - (0.75 * 50 + 0.25 * 255)) <= 1.0);
+    click("resetTransparency");
+    QCOMPARE(layer->getTransparency(), 1.0);
+    QCOMPARE(painted().pixel(3, 3), colourOf(3, 3));
+    auto *slider = get<QSlider>("transparencySlider");
+    QTest::keyClick(slider, Qt::Key_PageUp);
+    QCOMPARE(layer->getTransparency(), 0.9);
+    QCOMPARE(get<QSpinBox>("transparencySpinBox")->value(), 10);
+}
+
+void TestPropertiesPanel::tones_data()
+{
+    QTest::addColumn<QByteArray>("group");
+    QTest::addColumn<QByteArray>("digits");
+    QTest::addColumn<double>("share");
+    QTest::addColumn<int>("red");  // of cells with 150
+    QTest::addColumn<int>("blue"); // of cells with 50
+    // Contrast turns around 127.5; brightness adds its part beyond 1 of 255; what is left over is cut off.
+    QTest::newRow("more contrast") << QByteArray("contrast") << QByteArray("150") << 1.5 << 161 << 11;
+    QTest::newRow("no contrast") << QByteArray("contrast") << QByteArray("0") << 0.0 << 127 << 127;
+    QTest::newRow("brighter") << QByteArray("brightness") << QByteArray("120") << 1.2 << 201 << 101;
+    QTest::newRow("white") << QByteArray("brightness") << QByteArray("200") << 2.0 << 255 << 255;
+    QTest::newRow("darker") << QByteArray("brightness") << QByteArray("60") << 0.6 << 48 << 0;
+}
+
+void TestPropertiesPanel::tones()
+{
+    QFETCH(QByteArray, group);
+    QFETCH(QByteArray, digits);
+    QFETCH(double, share);
+    open(colourImage(160, 8));
+    type((group + "SpinBox").constData(), digits.constData());
+    QCOMPARE(group == "contrast" ? layer->getContrast() : layer->getBrightness(), share);
+    const QRgb pixel = painted().pixel(150, 1);
+    QTEST(qRed(pixel), "red");
+    QTEST(qBlue(pixel), "blue");
+    click(group == "contrast" ? "resetContrast" : "resetBrightness");
+    QCOMPARE(get<QSlider>((group + "Slider").constData())->value(), 100);
+    QCOMPARE(painted().pixel(150, 1), colourOf(150, 1));
+}
+
+/// Cells from 0 to 1000, and one in a hundred at the far end of 16 bits.
+static jp2maker::Options imageWithOutliers()
+{
+    jp2maker::Options options;
+    options.components[0].bits = 16;
+    options.cell = [](int, int x, int y) { return (y * 64 + x) % 100 == 0 ? 65535 : (y * 64 + x) * 1000 / 4096; };
+    return options;
+}
+
+void TestPropertiesPanel::dynamicRange()
+{
+    open(imageWithOutliers());
+    type("draSpinBox", "100");
+    QCOMPARE(layer->getTransformClip(), 100);
+    const QPoint bright(30, 61); // cell 960 or so
+    QVERIFY(qRed(painted().pixel(bright)) < 10);
+    type("draSpinBox", "90");
+    QCOMPARE(layer->getTransformClip(), 90);
+    QCOMPARE(get<QSlider>("draSlider")->value(), 90);
+    QVERIFY(qRed(painted().pixel(bright)) > 200);
+    QVERIFY(qRed(painted().pixel(1, 1)) < 30);
+}
+
+void TestPropertiesPanel::resetOfDynamicRange_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("nothing stored") << QVariant() << 99;
+    QTest::newRow("stored") << QVariant(80) << 80;
+    QTest::newRow("negative") << QVariant(-7) << 1;
+    QTest::newRow("no number") << QVariant(QStringLiteral("most")) << 1;
+}
+
+void TestPropertiesPanel::resetOfDynamicRange()
+{
+    QFETCH(QVariant, stored);
+    open(imageWithOutliers());
+    if (stored.isValid())
+        TestFolder::setSetting("DefaultClipTransform", stored);
+    type("draSpinBox", "50");
+    click("resetDRA");
+    QTEST(layer->getTransformClip(), "expected");
+    QTEST(get<QSpinBox>("draSpinBox")->value(), "expected");
+}
+
+void TestPropertiesPanel::qualityLayers()
+{
+    jp2maker::Options options;
+    options.width = options.height = 128;
+    options.layerRates = {60, 15, 1};
+    options.cell = [](int, int x, int y) { return (x * 7919 + y * 104729 + x * y * 31) % 251; };
+    open(options);
+    QVERIFY(get<QGroupBox>("groupBoxQuality")->isEnabled());
+    QCOMPARE(get<QSlider>("jp2QualitySlider")->maximum(), 3);
+    QCOMPARE(get<QSlider>("jp2QualitySlider")->value(), 3);
+    const QImage best = painted();
+    type("jp2QualitySpinBox", "1");
+    QCOMPARE(layer->getJp2QualityLayers(), 1);
+    const double coarsest = meanDifference(painted(), best);
+    type("jp2QualitySpinBox", "2");
+    const double coarse = meanDifference(painted(), best);
+    QVERIFY2(coarsest > coarse && coarse > 1.0, qPrintable(QStringLiteral("%1 %2").arg(coarsest).arg(coarse)));
+    click("resetJp2Quality");
+    QCOMPARE(layer->getJp2QualityLayers(), 3);
+    QCOMPARE(painted(), best);
+}
+
+void TestPropertiesPanel::withoutHeader()
+{
+    open(colourImage(8, 8));
+    XRVJP2kLayer closed(nullptr);
+    panel->onLayerActivated(&closed);
+    QVERIFY(panel->isEnabled());
+    QVERIFY(!get<QGroupBox>("groupBoxQuality")->isEnabled());
+    get<QToolButton>("resetJp2Quality")->click();
+    QCOMPARE(closed.getJp2QualityLayers(), -1);
+    QCOMPARE(get<QComboBox>("redBandComboBox")->count(), 0);
+}
+
+void TestPropertiesPanel::bands()
+{
+    open(colourImage(16, 16));
+    QCOMPARE(get<QComboBox>("redBandComboBox")->count(), 3);
+    QVERIFY(!get<QComboBox>("opacityBandComboBox")->isEnabled());
+    QTest::keyClick(get<QComboBox>("redBandComboBox"), Qt::Key_Down);
+    QTest::keyClick(get<QComboBox>("blueBandComboBox"), Qt::Key_Home);
+    QCOMPARE(layer->getBandList(), (QVector<int>{1, 1, 0}));
+    QCOMPARE(painted().pixel(11, 5), qRgb(5, 5, 11));
+}
+
+void TestPropertiesPanel::opacityBand()
+{
+    jp2maker::Options options = colourImage(16, 16);
+    options.components.resize(4);
+    options.opacityLast = true;
+    options.cell = [](int component, int, int) { return component == 3 ? 0 : 100; };
+    open(options);
+    auto *box = get<QComboBox>("opacityBandComboBox");
+    QVERIFY(box->isEnabled());
+    QCOMPARE(box->currentText(), QStringLiteral("AllOpacity"));
+    QCOMPARE(painted().pixel(5, 5), qRgb(255, 255, 255));
+    QTest::keyClick(box, Qt::Key_Up);
+    QCOMPARE(layer->getBandList().size(), 3);
+    QCOMPARE(painted().pixel(5, 5), qRgb(100, 100, 100));
+    QTest::keyClick(box, Qt::Key_Down);
+    QCOMPARE(layer->getBandList().last(), layer->getOpacityBandNumber());
+}
+
+void TestPropertiesPanel::checkBoxes_data()
+{
+    QTest::addColumn<QByteArray>("box");
+    QTest::addColumn<QByteArray>("property");
+    QTest::newRow("progressive") << QByteArray("progressiveCheckbox") << QByteArray("Progressive");
+    QTest::newRow("adaptive") << QByteArray("adaptiveRoamCheckbox") << QByteArray("AdaptiveRoam");
+    QTest::newRow("backing") << QByteArray("backingStoreCheckBox") << QByteArray("BackingStore");
+    QTest::newRow("dither") << QByteArray("textureDitherCheckBox") << QByteArray("TextureDither");
+    QTest::newRow("outline") << QByteArray("drawImageOutlineCheckBox") << QByteArray("DrawOutline");
+}
+
+void TestPropertiesPanel::checkBoxes()
+{
+    QFETCH(QByteArray, box);
+    QFETCH(QByteArray, property);
+    open(colourImage(8, 8));
+    auto *widget = get<QCheckBox>(box.constData());
+    const bool before = layer->property(property.constData()).toBool();
+    QCOMPARE(widget->isChecked(), before);
+    for (bool expected : {!before, before}) {
+        click(box.constData());
+        QCOMPARE(widget->isChecked(), expected);
+        QCOMPARE(layer->property(property.constData()).toBool(), expected);
+        // What the layer says is what another panel shows.
+        XRVJP2kProperties other;
+        other.onLayerActivated(layer.get());
+        QCOMPARE(other.findChild<QCheckBox *>(QLatin1String(box))->isChecked(), expected);
+    }
+    QVERIFY(layer->isValid());
+}
+
+void TestPropertiesPanel::resampling()
+{
+    jp2maker::Options options;
+    options.width = options.height = 16;
+    options.cell = [](int, int x, int) { return x < 8 ? 0 : 200; };
+    open(options);
+    const auto greys = [this] {
+        QSet<int> found;
+        const QImage picture = paintedEnlarged(*layer, 8);
+        for (int x = 0; x < picture.width(); ++x)
+            found.insert(qRed(picture.pixel(x, 64)));
+        return found;
+    };
+    QCOMPARE(greys(), (QSet<int>{0, 200}));
+    QTest::keyClick(get<QComboBox>("resampleTypeComboBox"), Qt::Key_Down);
+    QCOMPARE(layer->getResampleType(), XRVJP2kLayer::Bilinear);
+    QVERIFY(layer->getPixmapSmoothing());
+    QVERIFY(greys().size() > 4);
+    QTest::keyClick(get<QComboBox>("resampleTypeComboBox"), Qt::Key_Up);
+    QVERIFY(!layer->getPixmapSmoothing());
+    QCOMPARE(greys(), (QSet<int>{0, 200}));
+}
+
+void TestPropertiesPanel::outline()
+{
+    open(colourImage(16, 16));
+    click("drawImageOutlineCheckBox");
+    QCOMPARE(painted().pixel(7, 0), qRgb(0, 255, 255));
+    QCOMPARE(painted().pixel(7, 7), colourOf(7, 7));
+
+    onNextDialog<QColorDialog>([](QColorDialog *dialog) { dialog->reject(); });
+    click("outlineColorButton");
+    QCOMPARE(layer->getOutlineColor(), QColor(0, 255, 255));
+
+    onNextDialog<QColorDialog>([](QColorDialog *dialog) {
+        QCOMPARE(dialog->currentColor(), QColor(0, 255, 255));
+        dialog->setCurrentColor(QColor(200, 10, 20));
+        dialog->accept();
+    });
+    click("outlineColorButton");
+    QCOMPARE(painted().pixel(7, 0), qRgb(200, 10, 20));
+    auto *frame = get<QFrame>("colorFrame");
+    QCOMPARE(frame->styleSheet(), QStringLiteral("background-color: rgb(200, 10, 20);"));
+    QCOMPARE(frame->grab().toImage().pixel(frame->width() / 2, frame->height() / 2), qRgb(200, 10, 20));
+    QCOMPARE(XRVJP2kLayer(nullptr).getOutlineColor(), QColor(200, 10, 20));
+}
+
+void TestPropertiesPanel::readLineMethod()
+{
+    open(colourImage(8, 8));
+    // The buttons are never shown, but their slots stay in place.
+    const auto choose = [this](int id) {
+        QMetaObject::invokeMethod(panel.get(), "on_readLineGroupBox_buttonClicked", Q_ARG(int, id));
+        return layer->getReadRGBA();
+    };
+    QVERIFY(!choose(1));
+    QVERIFY(!choose(7));
+    QVERIFY(choose(0));
+    QMetaObject::invokeMethod(panel.get(), "on_freeCacheCheckBox_stateChanged", Q_ARG(int, 0));
+    QVERIFY(!layer->getFreeCache());
+}
+
+/// A layer of another kind.
+class PlainLayer : public Korvane::Map::Layer
+{
+public:
+    QString getDataSource() const override { return {}; }
+    bool setDataSource(QString) override { return true; }
+    void setView(int, int, double, double, double, double) override {}
+    QRectF getBounds() const override { return {}; }
+    bool isValid() const override { return true; }
+    void paint(Korvane::GeoPainter &, const QRectF *, const QRect *) override {}
+};
+
+void TestPropertiesPanel::otherLayers()
+{
+    open(colourImage(8, 8));
+    QVERIFY(panel->isEnabled());
+    PlainLayer plain;
+    panel->onLayerActivated(&plain);
+    QVERIFY(!panel->isEnabled());
+    get<QSlider>("transparencySlider")->setValue(50);
+    QCOMPARE(get<QSpinBox>("transparencySpinBox")->value(), 50);
+    QCOMPARE(layer->getTransparency(), 1.0);
+    panel->onLayerActivated(layer.get());
+    QCOMPARE(get<QSlider>("transparencySlider")->value(), 0);
+    panel->onLayerActivated(nullptr);
+    QVERIFY(!panel->isEnabled());
+}
+
+void TestPropertiesPanel::deletedLayer()
+{
+    open(colourImage(8, 8));
+    onNextDialog<QColorDialog>([this](QColorDialog *dialog) {
+        layer.reset();
+        dialog->setCurrentColor(Qt::red);
+        dialog->accept();
+    });
+    click("outlineColorButton");
+    type("transparencySpinBox", "40");
+    click("progressiveCheckbox");
+    QTest::keyClick(get<QComboBox>("redBandComboBox"), Qt::Key_Down);
+    click("resetJp2Quality");
+    QVERIFY(!layer);
+}
+
+void TestPropertiesPanel::subWindows()
+{
+    open(colourImage(8, 8));
+    QMdiSubWindow plainWindow;
+    plainWindow.setWidget(new QWidget);
+    QMdiSubWindow mapWindow;
+    mapWindow.setWidget(new Korvane::Map::MapView);
+    panel->onSubWindowActivated(&mapWindow);
+    QVERIFY(panel->isEnabled());
+    panel->onSubWindowActivated(&plainWindow);
+    QVERIFY(!panel->isEnabled());
+    // The layer is kept meanwhile; a map view does not enable the panel by itself.
+    panel->onSubWindowActivated(&mapWindow);
+    QVERIFY(!panel->isEnabled());
+    panel->onLayerActivated(layer.get());
+    panel->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(panel.get()));
+    panel->onSubWindowActivated(nullptr);
+    QVERIFY(!panel->isEnabled());
+}
+
+void TestPropertiesPanel::narrowPanel()
+{
+    open(colourImage(8, 8));
+    panel->resize(90, 200);
+    QCoreApplication::processEvents();
+    auto *area = get<QScrollArea>("scrollArea");
+    auto *last = get<QComboBox>("resampleTypeComboBox");
+    area->ensureWidgetVisible(last);
+    QVERIFY(!last->visibleRegion().isEmpty());
+    auto *spinBox = get<QSpinBox>("transparencySpinBox");
+    area->ensureWidgetVisible(spinBox);
+    QVERIFY(!spinBox->visibleRegion().isEmpty());
+    type("transparencySpinBox", "25");
+    QCOMPARE(layer->getTransparency(), 0.75);
+}
+
+void TestPropertiesPanel::draggingShowsTheLastValue()
+{
+    TestFolder::setSetting("OpenProgressive", true);
+    jp2maker::Options options = imageWithOutliers();
+    options.width = options.height = 600;
+    options.cell = [](int, int x, int y) { return (x * 17 + y * 29) % 5000; };
+    open(options);
+    XRVJP2kLayer reference(nullptr);
+    QVERIFY(reference.setDataSource(layer->getDataSource()));
+    reference.setTransformClip(60);
+    viewWhole(reference);
+    auto *slider = get<QSlider>("draSlider");
+    for (int value = 99; value >= 60; --value) {
+        slider->setValue(value);
+        QCoreApplication::processEvents();
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(int(reference.getPercentComplete()), 100, kPatienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(qAlpha(paintedWhole(reference, Qt::transparent).pixel(5, 5)) == 255, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(paintedWhole(*layer), paintedWhole(reference), kPatienceMs);
+}
+
+QTEST_MAIN(TestPropertiesPanel)
+#include "tst_propertiespanel.moc"

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <set>
 
 namespace xrv {
 
@@ -74,7 +75,7 @@ public:
 
     void add(const std::string &key, std::vector<double> numbers)
     {
-        if (!values.emplace(key, std::move(numbers)).second)
+        if (!values.emplace(key, std::move(numbers)).second && repeated.insert(key).second)
             warnings->push_back("The RPC file '" + name + "' has " + key + " more than once; the first one is used.");
     }
 
@@ -147,6 +148,7 @@ private:
     std::string name;
     std::vector<std::string> *warnings;
     Values values;
+    std::set<std::string> repeated; ///< keys that were warned of
     std::string firstBadKey;
 };
 
@@ -185,16 +187,21 @@ std::string_view takeUntil(std::string_view *text, const char *ends)
     return taken;
 }
 
+/// LINE_NUM_COEFF_1 to LINE_NUM_COEFF_20 and the like; the number itself is not looked at.
+bool isCoefficientKey(std::string_view key, std::string_view polynomial)
+{
+    const std::size_t begin = polynomial.size() + 1;
+    return key.size() > begin && key.size() <= begin + 2 && key.substr(0, polynomial.size()) == polynomial;
+}
+
 bool isTextKey(std::string_view key)
 {
-    const auto isKeyOf = [key](const auto &field) {
-        const std::string_view own = field.textKey;
-        return key.substr(0, own.size()) == own;
-    };
+    const auto isKeyOf = [key](const Field &field) { return key == field.textKey; };
+    const auto isInPolynomial = [key](const Polynomial &p) { return isCoefficientKey(key, p.textKey); };
     return std::any_of(std::begin(kErrors), std::end(kErrors), isKeyOf) ||
            std::any_of(std::begin(kOffsets), std::end(kOffsets), isKeyOf) ||
            std::any_of(std::begin(kScales), std::end(kScales), isKeyOf) ||
-           std::any_of(std::begin(kPolynomials), std::end(kPolynomials), isKeyOf);
+           std::any_of(std::begin(kPolynomials), std::end(kPolynomials), isInPolynomial);
 }
 
 bool isRpbKey(std::string_view key)

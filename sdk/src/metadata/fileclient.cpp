@@ -5,11 +5,8 @@
 #include "statistics.h"
 
 #include "../config/faultlog.h"
-#include "../config/logger.h"
-#include "../io/utf8.h"
 
 #include <xrv60/plkinit.h>
-#include <xrv60/plklog.h>
 
 #include <algorithm>
 #include <functional>
@@ -185,7 +182,7 @@ CError CFileClient::GetRPCData(PLKRPCData **rpcData) const
     if (!found)
         found = xrv::readRpc(file->structure(), file->localName(), &warnings);
     for (const std::string &warning : warnings)
-        xrv::log(PLK_LOG_WARNING, xrv::wideFromUtf8("\"" + file->name() + "\": " + warning));
+        file->faults()->damaged(warning); // the question may be asked often
     if (!found)
         return {PLK_ERR_NOT_AVAILABLE, "The file has no rational polynomial coefficients."};
     *rpcData = new PLKRPCData(*found);

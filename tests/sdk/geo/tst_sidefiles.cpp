@@ -84,6 +84,7 @@ private slots:
     void rpcNames_data();
     void rpcNames();
     void rpcBoxBeforeFile();
+    void manyRepeatedKeys();
     void hugeAndOddFiles();
 };
 
@@ -189,6 +190,10 @@ void TestSideFiles::rpcDamage_data()
     row("a scale of zero", false, "LAT_SCALE: +000010.00", "LAT_SCALE: 0", false, 1);
     row("an infinite offset", false, "LAT_OFF: +000005.00", "LAT_OFF: inf", false, 1);
     row("a number run into its unit", false, "LAT_OFF: +000005.00", "LAT_OFF: 5degrees", false, 1);
+    row("a comma for the decimal point", false, "LAT_OFF: +000005.00", "LAT_OFF: 5,00", false, 1);
+    row("no number at all", false, "LAT_OFF: +000005.00", "LAT_OFF: nan", false, 1);
+    row("a key that only begins like one", false, "LINE_SCALE:", "LINE_OFF_OLD: 99\nLINE_SCALE:", true, 0);
+    row("a comma in a number", true, "latOffset = 5", "latOffset = 5,0", false, 1);
     row("repeated group", true, "lineScale", "lineOffset = 99;\n\tlineScale", true, 1);
     row("comment of an unknown key", true, "lineScale", "note = \"lineOffset\";\n\tlineScale", true, 0);
     row("twenty-one coefficients", true, "sampNumCoef = (", "sampNumCoef = ( 1, ", false, 1);
@@ -247,6 +252,17 @@ void TestSideFiles::rpcBoxBeforeFile()
     QVERIFY(data && isCounting(*data)); // the damaged one is passed over
     QCOMPARE(warnings.size(), std::size_t(1));
     QVERIFY(!readRpc({}, std::string(), &warnings)); // a stream has no side files
+}
+
+void TestSideFiles::manyRepeatedKeys()
+{
+    QByteArray text = rpcText();
+    while (text.size() < 1000000)
+        text += "LINE_OFF: 99\nLINE_NUM_COEFF_7: 1\nLINE_NUM_COEFF_" + QByteArray(100, '1') + ": 1\n";
+    std::vector<std::string> warnings;
+    const auto data = parseRpcText(text.toStdString(), "a_RPC.TXT", &warnings);
+    QVERIFY(data && isCounting(*data));
+    QCOMPARE(warnings.size(), std::size_t(2)); // one for each key
 }
 
 void TestSideFiles::hugeAndOddFiles()

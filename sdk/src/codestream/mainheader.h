@@ -1,6 +1,7 @@
 #pragma once
 
 #include "../io/bytesource.h"
+#include "packetindex.h"
 
 #include <array>
 #include <cstdint>
@@ -85,9 +86,10 @@ struct MainHeader
     std::vector<std::string> comments; ///< Latin text comments, turned into UTF-8
     /// Segments that a codestream for one tile repeats: CAP, CPF, COD, COC, QCD, QCC, RGN, POC in file order.
     std::vector<MarkerSegment> segments;
-    std::vector<MarkerSegment> tlm;           ///< in file order
-    std::vector<MarkerSegment> packedHeaders; ///< PPM, in file order
-    std::uint64_t length = 0;                 ///< bytes from SOC to the first SOT
+    std::vector<MarkerSegment> tlm;                 ///< in file order
+    std::vector<MarkerSegment> packedHeaders;       ///< PPM, in file order
+    std::uint64_t length = 0;                       ///< bytes from SOC to the first SOT
+    std::shared_ptr<const PacketIndex> packetIndex; ///< where the container tells it; null without
 
     std::uint32_t tileCount() const { return tilesAcross * tilesDown; }
 };

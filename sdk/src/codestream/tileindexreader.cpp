@@ -75,12 +75,30 @@ CError TileIndexReader::readHeaders(const std::vector<TilePart> &parts, std::uin
     for (const TilePart &part : parts)
         if (CError error = readPart(part, readAhead, cancel))
             return error;
+    finishHeaders();
+    return {};
+}
+
+void TileIndexReader::finishHeaders()
+{
     made->numbering.emplace(header, made->tileStyle, made->canvasRect);
     const bool canPlace = !made->isPacked && !made->isMissing() && made->numbering->count() <= kMostPackets;
     if (canPlace)
         placePackets();
     made->isWalkable = canPlace && !header.isHighThroughput;
-    return {};
+}
+
+void TileIndexReader::useIndex(ByteRange codestream)
+{
+    const PacketIndex &known = *header.packetIndex;
+    for (const PacketIndex::Part &part : known.partsOf(tile)) {
+        const std::uint64_t offset = codestream.offset + header.length + part.offset;
+        made->dataRanges.push_back({offset + part.headerLength, known.length(part) - part.headerLength});
+        lengths.emplace_back();
+        for (std::uint32_t i = 0; i < part.packets; ++i)
+            lengths.back().push_back(known.packetLength(part.firstPacket + i));
+    }
+    finishHeaders();
 }
 
 CError TileIndexReader::walk(int resolution, const std::vector<ByteRange> &atHand, const CancelFlag &cancel)

@@ -19,6 +19,8 @@ public:
 
     /// \a readAhead: bytes of a tile-part that are read at once, more than none. A tile without \a parts is missing.
     PLK::CError readHeaders(const std::vector<TilePart> &parts, std::uint64_t readAhead, const CancelFlag &cancel);
+    /// The same from header.packetIndex, for which nothing is read; \a codestream is its place in the file.
+    void useIndex(ByteRange codestream);
     /// Finds the packets of resolutions up to \a resolution where the index does not know them. \a atHand: of each
     /// tile-part, bytes that cost little to read.
     PLK::CError walk(int resolution, const std::vector<ByteRange> &atHand, const CancelFlag &cancel);
@@ -32,6 +34,7 @@ private:
     PLK::CError applySegment(MarkerSegment &segment, std::vector<MarkerSegment> *plt);
     void appendPacked(const Bytes &bytes);
     void applyQuantization(const MarkerSegment &segment);
+    void finishHeaders();
     void placePackets();
     bool lengthsAddUp() const;
 

@@ -115,9 +115,10 @@ class RasterReader
 public:
     virtual ~RasterReader() = default;
 
-    /// Reads the codestream's index; \a codestream is its place in \a source.
+    /// Reads the codestream's index; \a codestream is its place in \a source, \a packetIndex that of the content of a
+    /// packet index (empty without). One that does not fit the codestream is not used.
     static PLK::CError open(std::shared_ptr<ByteSource> source, ByteRange codestream,
-                            std::unique_ptr<RasterReader> *reader);
+                            std::unique_ptr<RasterReader> *reader, ByteRange packetIndex = {});
 
     virtual const RasterInfo &info() const = 0;
     /// The codestream's main header.

@@ -131,6 +131,11 @@ CError TileIndexStore::readHeaders(std::vector<Task> &tasks, int discarded, cons
     for (Task &task : tasks) {
         if (!task.isFresh)
             continue;
+        if (header.packetIndex) {
+            task.reader->useIndex(codestream);
+            task.isFresh = false;
+            continue;
+        }
         if (CError error = table.find(task.tile, source->isRemote() ? ahead : 0, cancel, &task.parts))
             return error;
         for (const TilePart &part : task.parts)

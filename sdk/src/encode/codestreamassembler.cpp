@@ -161,6 +161,11 @@ CError CodestreamAssembler::finish()
     return error;
 }
 
+bool CodestreamAssembler::isIndexComplete() const
+{
+    return std::all_of(tiles.begin(), tiles.end(), [](const Tile &tile) { return tile.segments.empty(); });
+}
+
 /// A.7.1.
 void CodestreamAssembler::appendTlm(Bytes *bytes) const
 {

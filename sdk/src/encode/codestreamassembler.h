@@ -34,6 +34,8 @@ public:
     /// After finish().
     std::uint64_t length() const { return totalLength; }
     const PacketIndex &index() const { return packetIndex; }
+    /// The headers of the tile-parts say nothing but what the index says.
+    bool isIndexComplete() const;
     /// Calls \a progress with the share that is written, 0 to 1; it ends the work by returning false.
     PLK::CError write(OutputFile *output, const std::function<bool(double)> &progress);
 

@@ -290,7 +290,8 @@ private:
         appendGeoBox(&bytes);
         append(&bytes, makeBox(kStatisticsBox, makeStatistics(*statistics)));
         appendXmls(&bytes);
-        append(&bytes, makeBox(kPacketIndexBox, assembler.index().content()));
+        if (assembler.isIndexComplete())
+            append(&bytes, makeBox(kPacketIndexBox, assembler.index().content()));
         return bytes;
     }
 

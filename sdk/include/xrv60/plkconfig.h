@@ -24,6 +24,7 @@ public:
     CConfig(const CConfig &) = delete;
     CConfig &operator=(const CConfig &) = delete;
 
+    /// What views made from now on begin with: ViewParametersDecompress::SetReaderDitherEnabled().
     void SetTextureDitherEnabled(bool enabled);
     bool IsTextureDitherEnabled() const;
     /// Longest time that SetView of a blocking view may wait for its first lines, in milliseconds; 0 waits not at all.

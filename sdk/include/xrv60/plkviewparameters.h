@@ -38,7 +38,9 @@ class PLK_EXPORT ViewParametersDecompress
 public:
     void SetResampleMethod(PLKResampleMethod method) { resampleMethod = method; }
     PLKResampleMethod GetResampleMethod() const { return resampleMethod; }
-    /// Texture dither of lossy XRV images.
+    /// A grain of at most one 256th of the range in smooth areas of lossily compressed XRV images, the same whenever
+    /// the same cells are decoded; other images are left alone. What the configuration says when a view is made is what
+    /// this begins with.
     void SetReaderDitherEnabled(bool enabled) { readerDither = enabled; }
     bool IsReaderDitherEnabled() const { return readerDither; }
     /// Opacity cells of less than 8 bits are scaled up to 0..255. Takes effect with the first line of the next picture,

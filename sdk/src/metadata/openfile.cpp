@@ -137,7 +137,8 @@ CError OpenFile::openRaster(std::vector<std::string> *warnings)
 {
     if (CError error = readBoxes(warnings))
         return error;
-    if (CError error = xrv::RasterReader::open(byteSource, boxes.codestream, &rasterReader))
+    const xrv::ByteRange packetIndex = xrvStructure ? xrvStructure->packetIndex : xrv::ByteRange();
+    if (CError error = xrv::RasterReader::open(byteSource, boxes.codestream, &rasterReader, packetIndex))
         return error;
     jp2Values = ViewMetadata::ViewMetadataJp2::Values::of(rasterReader->mainHeader(), boxes.hasGmlBox);
     compareWithHeaderBox(warnings);
@@ -266,6 +267,11 @@ double OpenFile::uncompressedBytes() const
                  ((raster.components[c].bits + 7) / 8);
     }
     return bytes;
+}
+
+bool OpenFile::canBeDithered() const
+{
+    return xrvStructure && !xrvStructure->info.isLossless && !rasterReader->info().isLossless;
 }
 
 CError OpenFile::statistics(const PLKFileStatistics **result)

@@ -51,6 +51,9 @@ public:
     /// What the file says besides its boxes of JPEG 2000; null where it is no XRV file.
     const xrv::XrvStructure *xrv() const { return xrvStructure.get(); }
 
+    /// An XRV file whose cells are not those of the original.
+    bool canBeDithered() const;
+
     /// Statistics of all bands, owned by this object: those that the file carries, else computed at the first call,
     /// which may decode.
     CError statistics(const PLKFileStatistics **result);

@@ -123,6 +123,7 @@ void CView::Private::fillSettings(const std::vector<xrv::Band> &fileBands, xrv::
     }
     const SDK::CConfig &config = xrv::globalConfig();
     request->resampleMethod = owner->ParametersDecompress().GetResampleMethod();
+    request->textureDither = owner->ParametersDecompress().IsReaderDitherEnabled();
     request->qualityLayers = std::max(0, owner->ParametersJp2().Decompress().GetLayersToDecode());
     request->resilient = config.IsResilientDecodingEnabled();
     request->coarserNearest = config.GetOptimizeUseNearestNeighbour();
@@ -133,6 +134,7 @@ void CView::Private::fillSettings(const std::vector<xrv::Band> &fileBands, xrv::
 CView::CView()
     : d(std::make_unique<Private>(this))
 {
+    parametersDecompress.SetReaderDitherEnabled(xrv::globalConfig().IsTextureDitherEnabled());
 }
 
 CView::~CView()
@@ -159,7 +161,8 @@ CError CView::Open(const CString &name, bool progressive, bool update)
         if (const CError error = OpenFileNamed(name))
             return error;
         const std::shared_ptr<OpenFile> &file = SharedFile();
-        const xrv::ViewSource source{file, &file->reader(), &file->bandMap(), file->name(), file->faults()};
+        const xrv::ViewSource source{file,         &file->reader(), &file->bandMap(), file->canBeDithered(),
+                                     file->name(), file->faults()};
         d->setEngine(std::make_shared<xrv::ViewEngine>(source, progressive, *d));
     } catch (const std::bad_alloc &) {
         CloseFile(true);

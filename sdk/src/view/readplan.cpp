@@ -22,8 +22,14 @@ std::vector<int> componentsFor(const ViewSource &source, const ViewRequest &requ
 
 CellKey cellKey(const ViewSource &source, const ViewRequest &request, int level)
 {
-    return {request.datasetRect,   request.width,    request.height, level, componentsFor(source, request),
-            request.qualityLayers, request.resilient};
+    return {request.datasetRect,
+            request.width,
+            request.height,
+            level,
+            componentsFor(source, request),
+            request.qualityLayers,
+            request.resilient,
+            request.textureDither && source.canBeDithered};
 }
 
 ReadRequest readRequest(const ViewSource &source, const ViewRequest &request, int level, int fromLine, int toLine)

@@ -17,10 +17,12 @@ struct CellKey
     std::vector<int> components;
     int qualityLayers = 0;
     bool resilient = true;
+    bool isDithered = false;
     bool operator==(const CellKey &k) const
     {
         return datasetRect == k.datasetRect && width == k.width && height == k.height && level == k.level &&
-               components == k.components && qualityLayers == k.qualityLayers && resilient == k.resilient;
+               components == k.components && qualityLayers == k.qualityLayers && resilient == k.resilient &&
+               isDithered == k.isDithered;
     }
 };
 

@@ -17,6 +17,7 @@ set(stage_sources
     readplan.cpp
     resamplingsampler.cpp
     stripreader.cpp
+    texturedither.cpp
     viewaxis.cpp
     viewengine.cpp
     viewprogress.cpp)

@@ -3,6 +3,7 @@
 #include "../config/faultlog.h"
 #include "../config/logger.h"
 #include "../io/utf8.h"
+#include "texturedither.h"
 
 #include <xrv60/plklog.h>
 
@@ -42,7 +43,9 @@ PLK::CError StripReader::read(int fromLine, int toLine)
     fresh->fromLine = fromLine;
     fresh->toLine = toLine;
     fresh->blocksInView = blocksInView();
-    const ReadRequest read = readRequest(source, *request, key.level, fromLine, toLine);
+    ReadRequest read = readRequest(source, *request, key.level, fromLine, toLine);
+    if (key.isDithered && !read.datasetRect.isEmpty())
+        read = readForDither(source.reader->info(), read);
     const auto start = Clock::now();
     if (read.datasetRect.isEmpty()) {
         fresh->cells.planes.resize(key.components.size());
@@ -51,6 +54,9 @@ PLK::CError StripReader::read(int fromLine, int toLine)
     }
     if (fresh->cells.planes.size() != key.components.size())
         return {PLK_ERR_DECODE, "The decoder gave another number of components than was asked for."};
+    if (key.isDithered)
+        for (Plane &plane : fresh->cells.planes)
+            ditherPlane(source.reader->info(), *source.bandMap, key.level, &plane);
     strip = std::move(fresh);
     logRead(Clock::now() - start);
     return {};

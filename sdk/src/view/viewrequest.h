@@ -31,6 +31,7 @@ struct ViewRequest
     PLKResampleMethod resampleMethod = PLK_RESAMPLE_NEAREST;
     int qualityLayers = 0; ///< 0 = all
     bool resilient = true;
+    bool textureDither = false;                           ///< where the source can be dithered
     bool coarserNearest = false;                          ///< nearest-neighbour views may take a coarser level
     std::vector<std::shared_ptr<const ByteMap>> byteMaps; ///< one per entry of bands
     std::vector<std::shared_ptr<const ByteMap>> autoscaledByteMaps; ///< the same with opacity scaled up to 0..255

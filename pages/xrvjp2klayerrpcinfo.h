@@ -34,7 +34,7 @@ private:
 
     struct FreeRecord
     {
-        void operator()(PLKRPCData *record) const { PLKFreeRPCData(record); }
+        void operator()(PLKRPCData *data) const { PLKFreeRPCData(data); }
     };
 
     void showRecord();

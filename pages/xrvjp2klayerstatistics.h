@@ -40,7 +40,7 @@ private:
 
     struct FreeStatistics
     {
-        void operator()(PLKFileStatistics *statistics) const { PLKFreeStatistics(statistics); }
+        void operator()(PLKFileStatistics *data) const { PLKFreeStatistics(data); }
     };
 
     void listBands(const QStringList &names);

@@ -89,7 +89,7 @@ private Q_SLOTS:
     void everyHostLevel();
     void switchedOff();
     void damageIsToldOnce();
-    void sinksAreGoneWithThePlugin();
+    void sinksComeAndGoWithThePlugin();
 
 private:
     void workWithFiles() const;
@@ -192,10 +192,14 @@ void TestSdkLog::damageIsToldOnce()
     QCOMPARE(lines.size(), kinds.size());
 }
 
-void TestSdkLog::sinksAreGoneWithThePlugin()
+void TestSdkLog::sinksComeAndGoWithThePlugin()
 {
     plugin.reset();
     Application::setLogLevel(Application::LogDebug);
+    plugin = std::make_unique<XRVJP2kLayerPlugin>();
+    QCOMPARE(linesWith(QStringLiteral("SDK started")).size(), 1);
+    Application::instance()->clearLogHistory();
+    plugin.reset(); // the SDK says farewell to nobody
     workWithFiles();
     QCOMPARE(Application::instance()->getLogHistory().size(), 0);
 }

@@ -2,14 +2,14 @@
 
 #include "plkexport.h"
 
-/// Levels of the SDK's messages.
+/// Levels of the SDK's messages, and what each carries.
 enum PLKLogLevel : int {
-    PLK_LOG_TRACE = 10000,
-    PLK_LOG_DEBUG = 20000,
-    PLK_LOG_INFO = 30000,
-    PLK_LOG_WARNING = 40000,
-    PLK_LOG_ERROR = 50000,
-    PLK_LOG_FATAL = 60000,
+    PLK_LOG_TRACE = 10000,   ///< ranges read, views decoded with their times, faults met again
+    PLK_LOG_DEBUG = 20000,   ///< times of statistics, folders in use
+    PLK_LOG_INFO = 30000,    ///< start and stop, files opened and closed, settings that were adjusted
+    PLK_LOG_WARNING = 40000, ///< damage that a file is shown in spite of, each kind once per open file
+    PLK_LOG_ERROR = 50000,   ///< files that cannot be opened, views and statistics that fail, each kind once
+    PLK_LOG_FATAL = 60000,   ///< memory ran out
 };
 
 namespace PLK {

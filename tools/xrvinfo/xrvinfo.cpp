@@ -1,0 +1,74 @@
+// Prints what an XRV or JPEG 2000 file holds.
+
+#include "describe.h"
+
+#include "io/utf8.h"
+
+#include <xrv60/plkinit.h>
+
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+constexpr const char *kUsage = R"(usage: xrvinfo [options] FILE
+
+Prints what an XRV or JPEG 2000 file, local or at an xrvp:// address, holds.
+
+  --json          as one JSON object
+  --histograms    with the counts of the histograms
+  --help, --version
+
+Exit status: 0 done, 1 the file cannot be read, 2 wrong usage.
+)";
+
+int wrongUsage(const std::string &problem)
+{
+    std::fprintf(stderr, "xrvinfo: %s\n\n%s", problem.c_str(), kUsage);
+    return 2;
+}
+
+int run(const std::vector<std::string> &words)
+{
+    std::string name;
+    bool isJson = false, withHistograms = false;
+    for (const std::string &word : words) {
+        if (word == "--help" || word == "-h" || word == "--version") {
+            std::printf("%s", word == "--version" ? (std::string("xrvinfo ") + PLKGetLibraryVersion() + "\n").c_str()
+                                                  : kUsage);
+            return 0;
+        }
+        if (word == "--json")
+            isJson = true;
+        else if (word == "--histograms")
+            withHistograms = true;
+        else if (word.size() > 1 && word[0] == '-')
+            return wrongUsage("Unknown option: " + word);
+        else if (!name.empty())
+            return wrongUsage("Too many files are named.");
+        else
+            name = word;
+    }
+    if (name.empty())
+        return wrongUsage("A file is needed.");
+    Node report;
+    if (const PLK::CError error = describe(name, withHistograms, &report)) {
+        std::fprintf(stderr, "xrvinfo: %s\n", error.GetErrorMessage());
+        return 1;
+    }
+    std::fputs((isJson ? report.json() : report.lines()).c_str(), stdout);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    std::vector<std::string> words;
+    for (int i = 1; i < argc; ++i)
+        words.push_back(xrv::utf8FromLocal8Bit(argv[i]));
+    PLKInit();
+    const int status = run(words);
+    PLKShutdown();
+    return status;
+}

@@ -27,7 +27,12 @@ std::shared_ptr<CachedStream> CachedStream::open(const std::string &basePath, st
                                                  const FileVersion *version, RoomKeeper roomKeeper)
 {
     std::shared_ptr<CachedStream> stream(new CachedStream(basePath, key, std::move(roomKeeper)));
-    if (!stream->openFiles(version != nullptr))
+    bool isOpen = stream->openFiles(version != nullptr);
+    if (!isOpen && version) { // what is in the way, a link for one, is none of ours
+        stream->removeFiles();
+        isOpen = stream->openFiles(true);
+    }
+    if (!isOpen)
         return nullptr;
     if (version && !stream->beginVersion(*version))
         return nullptr;
@@ -40,9 +45,10 @@ std::shared_ptr<CachedStream> CachedStream::open(const std::string &basePath, st
 bool CachedStream::openFiles(bool create)
 {
     std::unique_ptr<DiskFile> indexFile = DiskFile::open(basePath + ".cache", create);
-    data = DiskFile::open(basePath + ".data", create);
-    if (!indexFile || !data)
+    std::unique_ptr<DiskFile> dataFile = DiskFile::open(basePath + ".data", create);
+    if (!indexFile || !dataFile)
         return false;
+    data = std::move(dataFile);
     index = std::make_unique<CacheIndex>(std::move(indexFile), key);
     index->refresh(false);
     return true;

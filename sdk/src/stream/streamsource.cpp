@@ -111,16 +111,47 @@ CError StreamSource::connect()
         cached = version.isTellable() ? cache.stream(printableAddress, version) : nullptr;
     fileNumber = SegmentStore::instance().fileNumber(identity());
     newestPin = nextNumber();
-    keep(0, first.data(), first.size(), newestPin);
-    return {};
+    return keep(0, first.data(), first.size(), newestPin);
 }
 
 /// Where bytes that came from the server go.
-void StreamSource::keep(std::uint64_t offset, const std::uint8_t *data, std::uint64_t length, std::uint64_t pin)
+CError StreamSource::keep(std::uint64_t offset, const std::uint8_t *data, std::uint64_t length, std::uint64_t pin)
 {
-    SegmentStore::instance().put(fileNumber, offset, data, length, pin);
     if (cached)
         cached->put(offset, data, length);
+    if (offset > 0 || length < version.length) {
+        SegmentStore::instance().put(fileNumber, offset, data, length, pin);
+        return {};
+    }
+    // The whole file, as a rule because its server gives nothing less: it must not be asked for twice.
+    ByteRangeSet lacking({ByteRange{0, length}});
+    if (cached)
+        lacking.remove(cached->held());
+    if (lacking.isEmpty())
+        return {};
+    if (length > link.options().wholeInMemory)
+        return {PLK_ERR_TOO_LARGE, "The server of \"" + name() +
+                                       "\" gives files as a whole only, and the stream cache does not take this one."};
+    const std::lock_guard<std::mutex> lock(mutex);
+    whole = std::make_shared<const Bytes>(data, data + length);
+    return {};
+}
+
+/// Gives \a assembly what is at hand of what it lacks.
+void StreamSource::collectHere(RangeAssembly *assembly, const RangeFetcher::Sink &take) const
+{
+    if (const std::shared_ptr<const Bytes> all = wholeFile()) {
+        assembly->add(0, all->data(), all->size());
+        return;
+    }
+    SegmentStore::instance().collect(fileNumber, assembly);
+    loadCached(std::vector<ByteRange>(assembly->lacking().ranges()), 0, take);
+}
+
+std::shared_ptr<const Bytes> StreamSource::wholeFile() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return whole;
 }
 
 void StreamSource::loadCached(const std::vector<ByteRange> &ranges, std::uint64_t pin,
@@ -169,7 +200,7 @@ void StreamSource::setCondition(const CError &error)
             return;
         trouble = error;
     }
-    if (code == PLK_ERR_FILE_CHANGED) {
+    if (code == PLK_ERR_FILE_CHANGED) { // reads do not look at what is held any more
         SegmentStore::instance().drop(fileNumber);
         cache.remove(printableAddress, version);
     }
@@ -180,13 +211,14 @@ void StreamSource::setCondition(const CError &error)
 CError StreamSource::fetch(const ByteRangeSet &lacking, const CancelFlag &cancel, std::uint64_t pin,
                            const RangeFetcher::Sink &sink)
 {
-    const CError error = fetcher.fetch(lacking.ranges(), version, cancel,
-                                       [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
-                                           SegmentStore::instance().put(fileNumber, offset, data, length, pin);
-                                           sink(offset, data, length);
-                                       });
+    CError notKept;
+    const RangeFetcher::Sink take = [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
+        notKept = keep(offset, data, length, pin);
+        sink(offset, data, length);
+    };
+    const CError error = fetcher.fetch(lacking.ranges(), version, cancel, take);
     setCondition(error);
-    return error;
+    return error ? error : notKept;
 }
 
 /// Until some of what other threads fetch has come, or they gave up.
@@ -210,18 +242,14 @@ CError StreamSource::read(const std::vector<ByteRange> &ranges, const CancelFlag
             const CError state = condition();
             if (state.GetErrorNumber() == PLK_ERR_FILE_CHANGED)
                 return state;
-            SegmentStore::instance().collect(fileNumber, &assembly);
+            collectHere(&assembly, take);
             if (assembly.lacking().isEmpty())
                 return {};
             if (state)
                 return state;
             const Claim claim(this, assembly.lacking());
-            const CError error = claim.ranges().isEmpty()
-                                     ? waitForOthers(cancel)
-                                     : fetch(claim.ranges(), cancel, 0,
-                                             [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
-                                                 assembly.add(offset, data, length);
-                                             });
+            const CError error =
+                claim.ranges().isEmpty() ? waitForOthers(cancel) : fetch(claim.ranges(), cancel, 0, take);
             if (error)
                 return error;
         }
@@ -234,6 +262,8 @@ CError StreamSource::prefetch(const std::vector<ByteRange> &ranges, const Cancel
 {
     if (CError error = checkRanges(ranges))
         return error;
+    if (wholeFile())
+        return {};
     const std::uint64_t pin = nextNumber();
     std::uint64_t oldPin = pin;
     {

@@ -45,8 +45,10 @@ private:
     explicit StreamSource(const StreamAddress &address, const StreamOptions &options);
     PLK::CError connect();
     FileVersion cachedVersion();
-    void keep(std::uint64_t offset, const std::uint8_t *data, std::uint64_t length, std::uint64_t pin);
+    PLK::CError keep(std::uint64_t offset, const std::uint8_t *data, std::uint64_t length, std::uint64_t pin);
     void loadCached(const std::vector<ByteRange> &ranges, std::uint64_t pin, const RangeFetcher::Sink &sink) const;
+    void collectHere(RangeAssembly *assembly, const RangeFetcher::Sink &take) const;
+    std::shared_ptr<const Bytes> wholeFile() const;
     PLK::CError fetch(const ByteRangeSet &lacking, const CancelFlag &cancel, std::uint64_t pin,
                       const RangeFetcher::Sink &sink);
     void setCondition(const PLK::CError &error);
@@ -66,6 +68,7 @@ private:
     ByteRangeSet underWay; ///< what some thread is fetching
     PLK::CError trouble;   ///< see condition()
     std::uint64_t newestPin = 0;
+    std::shared_ptr<const Bytes> whole; ///< where the server gives nothing less and the disk does not take it
 };
 
 } // namespace xrv

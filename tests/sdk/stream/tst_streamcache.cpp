@@ -1,0 +1,448 @@
+#include "streamreading.h"
+
+#include "stream/segmentstore.h"
+#include "stream/servertraits.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <filesystem>
+#include <random>
+
+#include <csignal>
+#include <sys/resource.h>
+
+using xrv::ByteRange;
+using xrv::StreamSource;
+
+using Request = FaultServer::Request;
+
+namespace {
+
+constexpr std::size_t kSize = 600000;
+const std::vector<ByteRange> kRanges{{0, 100}, {50000, 1000}, {120000, 90000}, {400000, 3}, {599000, 1000}};
+
+std::uint64_t fileNumberOf(const xrv::ByteSource &source)
+{
+    return xrv::SegmentStore::instance().fileNumber(source.identity());
+}
+
+/// Opens \a address with nothing of it in memory: as another process would.
+PLK::CError openCold(const std::string &address, const xrv::StreamOptions &options,
+                     std::shared_ptr<xrv::ByteSource> *source)
+{
+    const PLK::CError error = StreamSource::open(address, options, source);
+    if (!error)
+        xrv::SegmentStore::instance().drop(fileNumberOf(**source));
+    return error;
+}
+
+/// What a second process does: reads pieces of a file of make(kSize, seed) in random order, for ever or \a rounds
+/// times.
+int readPieces(const std::string &address, const std::string &folder, unsigned seed, int rounds)
+{
+    const WebFile file = WebFile::make(kSize, 1);
+    xrv::StreamOptions options = quickOptions();
+    options.cacheEnabled = true;
+    options.cacheFolder = folder;
+    options.cacheBytes = 100 << 20;
+    std::mt19937 random(seed);
+    for (int i = 0; rounds == 0 || i < rounds; ++i) {
+        std::shared_ptr<xrv::ByteSource> source;
+        if (openCold(address, options, &source))
+            return 1;
+        for (int k = 0; k < 20; ++k) {
+            const std::uint64_t offset = random() % (kSize - 5000);
+            const std::vector<ByteRange> ranges{{offset, random() % 5000}};
+            std::vector<xrv::Bytes> out;
+            if (source->read(ranges, {}, &out) || out != expectedBytes(file, ranges))
+                return 2;
+            source->remember("numbers", xrv::Bytes(100, std::uint8_t(seed)));
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+/// The stream cache on disk.
+class TestStreamCache : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void secondVisitAsksOnceOnly();
+    void changedFileReplacesTheOld();
+    void knowledgeIsKept();
+    void holdsNoSecretsAndNoForeignNames();
+    void wrongBytesAreNeverGivenOut_data();
+    void wrongBytesAreNeverGivenOut();
+    void filesRemovedWhileOpen();
+    void goesOnWithoutFolder();
+    void fullDiskIsHarmless();
+    void leastRecentlyUsedGoesFirst();
+    void fileLargerThanTheCache();
+    void wholeDownloadIsKept();
+    void severalProcesses();
+    void killedWhileWriting();
+
+private:
+    std::shared_ptr<xrv::ByteSource> visit(FaultServer &server, const std::string &path = "/a.jp2");
+    QStringList files(const char *ending) const;
+    QString path(const QString &name) const { return folder->filePath(name); }
+
+    std::unique_ptr<QTemporaryDir> folder;
+    xrv::StreamOptions options;
+    const WebFile file = WebFile::make(kSize, 1);
+};
+
+void TestStreamCache::init()
+{
+    xrv::ServerTraits::instance().forget();
+    folder = std::make_unique<QTemporaryDir>();
+    options = quickOptions();
+    options.cacheEnabled = true;
+    options.cacheFolder = folder->path().toStdString() + "/made/by it";
+    options.cacheBytes = 10 << 20;
+}
+
+QStringList TestStreamCache::files(const char *ending) const
+{
+    const QDir cache(QString::fromStdString(options.cacheFolder));
+    QStringList paths;
+    for (const QString &name : cache.entryList({QLatin1String("*.") + QLatin1String(ending)}, QDir::Files, QDir::Name))
+        paths.append(cache.filePath(name));
+    return paths;
+}
+
+/// Opens, reads and compares; null and a failed test when that goes wrong.
+std::shared_ptr<xrv::ByteSource> TestStreamCache::visit(FaultServer &server, const std::string &path)
+{
+    std::shared_ptr<xrv::ByteSource> source;
+    std::vector<xrv::Bytes> out;
+    if (openCold(server.address(path), options, &source) || source->read(kRanges, {}, &out) ||
+        out != expectedBytes(file, kRanges))
+        return nullptr;
+    return source;
+}
+
+void TestStreamCache::secondVisitAsksOnceOnly()
+{
+    FaultServer server(file.handler());
+    QVERIFY(visit(server));
+    server.takeRequests();
+    QVERIFY(visit(server));
+    const std::vector<Request> requests = server.takeRequests();
+    QCOMPARE(requests.size(), std::size_t(1));
+    QCOMPARE(requests[0].header("if-none-match"), file.tag);
+    const std::shared_ptr<xrv::ByteSource> source = visit(server);
+    xrv::SegmentStore::instance().drop(fileNumberOf(*source));
+    server.takeRequests();
+    QVERIFY(!source->prefetch(kRanges, {}));
+    QVERIFY(server.takeRequests().empty());
+}
+
+void TestStreamCache::changedFileReplacesTheOld()
+{
+    FaultServer server(file.handler());
+    QVERIFY(visit(server));
+    const QStringList before = files("data");
+    WebFile other = WebFile::make(kSize + 5, 2);
+    other.tag = "\"v2\"";
+    server.setHandler(other.handler());
+    std::shared_ptr<xrv::ByteSource> source;
+    QVERIFY(!openCold(server.address("/a.jp2"), options, &source));
+    std::vector<xrv::Bytes> out;
+    QVERIFY(!source->read(kRanges, {}, &out));
+    QVERIFY(out == expectedBytes(other, kRanges));
+    QCOMPARE(files("data").size(), 1);
+    QVERIFY(files("data") != before);
+    // Back to the first one, while the second is open.
+    server.setHandler(file.handler());
+    QCOMPARE(source->read({{300000, 10}}, {}, &out).GetErrorNumber(), int(PLK_ERR_FILE_CHANGED));
+    QVERIFY(files("data").isEmpty());
+    QVERIFY(visit(server));
+}
+
+void TestStreamCache::knowledgeIsKept()
+{
+    FaultServer server(file.handler());
+    const xrv::Bytes table{1, 2, 3}, newer{4, 5};
+    xrv::Bytes recalled;
+    {
+        const std::shared_ptr<xrv::ByteSource> source = visit(server);
+        QVERIFY(!source->recall("table", &recalled));
+        source->remember("table", table);
+        source->remember("other", {});
+        source->remember("table", newer);
+    }
+    const std::shared_ptr<xrv::ByteSource> source = visit(server);
+    QVERIFY(source->recall("table", &recalled));
+    QCOMPARE(recalled, newer);
+    QVERIFY(source->recall("other", &recalled));
+    QVERIFY(recalled.empty());
+    WebFile other = file;
+    other.tag = "\"v2\"";
+    server.setHandler(other.handler());
+    QVERIFY(!visit(server)->recall("table", &recalled));
+}
+
+void TestStreamCache::holdsNoSecretsAndNoForeignNames()
+{
+    WebFile odd = file;
+    odd.tag = "\"../../../tmp/x\"";
+    FaultServer server(odd.handler());
+    std::shared_ptr<xrv::ByteSource> source;
+    QVERIFY(!openCold(server.address("/../..%2f..%2fetc/evil?token=geheim", "me:secret"), options, &source));
+    const QStringList all = files("*");
+    QCOMPARE(all.size(), 2);
+    for (const QString &name : all) {
+        QVERIFY(QRegularExpression(QStringLiteral("/xrvp-[0-9a-f]{32}-[0-9a-f]{16}\\.(cache|data)$"))
+                    .match(name)
+                    .hasMatch());
+        QFile opened(name);
+        QVERIFY(opened.open(QIODevice::ReadOnly));
+        const QByteArray content = opened.readAll();
+        for (const char *secret : {"secret", "bWU6c2VjcmV0", "geheim", "evil"})
+            QVERIFY(!content.contains(secret));
+        QCOMPARE(opened.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+    }
+}
+
+namespace {
+
+using Damage =
+    std::function<void(const QString &cache, const QString &data, const QString &otherCache, const QString &otherData)>;
+
+void flip(const QString &name, qint64 every)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::ReadWrite))
+        return;
+    QByteArray content = file.readAll();
+    for (qint64 i = every / 2; i < content.size(); i += every)
+        content[int(i)] = char(content[int(i)] ^ 0x40);
+    file.seek(0);
+    file.write(content);
+}
+
+void swapFiles(const QString &a, const QString &b)
+{
+    std::filesystem::rename(a.toStdString(), a.toStdString() + "x");
+    std::filesystem::rename(b.toStdString(), a.toStdString());
+    std::filesystem::rename(a.toStdString() + "x", b.toStdString());
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Damage)
+
+void TestStreamCache::wrongBytesAreNeverGivenOut_data()
+{
+    QTest::addColumn<Damage>("damage");
+    for (int cut = 0; cut < 16; ++cut) {
+        QTest::addRow("index cut at %d/16", cut) << Damage([cut](const QString &cache, auto, auto, auto) {
+            QFile::resize(cache, QFileInfo(cache).size() * cut / 16);
+        });
+        QTest::addRow("data cut at %d/16", cut) << Damage(
+            [cut](auto, const QString &data, auto, auto) { QFile::resize(data, QFileInfo(data).size() * cut / 16); });
+    }
+    QTest::newRow("index flipped") << Damage([](const QString &cache, auto, auto, auto) { flip(cache, 300); });
+    QTest::newRow("data flipped") << Damage([](auto, const QString &data, auto, auto) { flip(data, 30000); });
+    QTest::newRow("data flipped throughout") << Damage([](auto, const QString &data, auto, auto) { flip(data, 2); });
+    QTest::newRow("data swapped") << Damage([](auto, const QString &a, auto, const QString &b) { swapFiles(a, b); });
+    QTest::newRow("index swapped") << Damage([](const QString &a, auto, const QString &b, auto) { swapFiles(a, b); });
+    QTest::newRow("both swapped") << Damage([](const QString &a, const QString &b, const QString &c, const QString &d) {
+        swapFiles(a, c);
+        swapFiles(b, d);
+    });
+    QTest::newRow("index gone") << Damage([](const QString &cache, auto, auto, auto) { QFile::remove(cache); });
+    QTest::newRow("data gone") << Damage([](auto, const QString &data, auto, auto) { QFile::remove(data); });
+    QTest::newRow("index is a link") << Damage([](const QString &a, auto, const QString &b, auto) {
+        QFile::remove(a);
+        QFile::link(b, a);
+    });
+}
+
+void TestStreamCache::wrongBytesAreNeverGivenOut()
+{
+    QFETCH(Damage, damage);
+    const WebFile other = WebFile::make(kSize, 9);
+    FaultServer server([this, other](const Request &request, const FaultServer::Connection &connection) {
+        return connection.send((request.target == "/a.jp2" ? file : other).answer(request));
+    });
+    QVERIFY(visit(server));
+    const QString cache = files("cache").value(0), data = files("data").value(0);
+    std::shared_ptr<xrv::ByteSource> source;
+    std::vector<xrv::Bytes> out;
+    QVERIFY(!openCold(server.address("/b.jp2"), options, &source) && !source->read(kRanges, {}, &out));
+    QStringList caches = files("cache"), datas = files("data");
+    caches.removeOne(cache);
+    datas.removeOne(data);
+    damage(cache, data, caches.value(0), datas.value(0));
+    server.takeRequests();
+    QVERIFY(visit(server));
+    QVERIFY(server.takeRequests().size() > 1); // the damage was noticed
+    QVERIFY(!openCold(server.address("/b.jp2"), options, &source));
+    QVERIFY(!source->read(kRanges, {}, &out));
+    QVERIFY(out == expectedBytes(other, kRanges));
+    // And it was made good.
+    server.takeRequests();
+    QVERIFY(visit(server));
+    QCOMPARE(server.takeRequests().size(), std::size_t(1));
+}
+
+void TestStreamCache::filesRemovedWhileOpen()
+{
+    FaultServer server(file.handler());
+    const std::shared_ptr<xrv::ByteSource> source = visit(server);
+    for (const QString &name : files("*"))
+        QVERIFY(QFile::remove(name));
+    xrv::SegmentStore::instance().drop(fileNumberOf(*source));
+    std::vector<xrv::Bytes> out;
+    QVERIFY(!source->read({{0, 100000}}, {}, &out));
+    QVERIFY(!source->read({{300000, 1000}}, {}, &out));
+    QVERIFY(out == expectedBytes(file, {{300000, 1000}}));
+    QCOMPARE(files("*").size(), 2);
+    server.takeRequests();
+    QVERIFY(visit(server));
+    QVERIFY(server.takeRequests().size() <= 3);
+}
+
+void TestStreamCache::goesOnWithoutFolder()
+{
+    QFile blocker(path(QStringLiteral("made")));
+    QVERIFY(blocker.open(QIODevice::WriteOnly)); // a file where the folder should be
+    FaultServer server(file.handler());
+    QVERIFY(visit(server));
+    QVERIFY(visit(server));
+}
+
+void TestStreamCache::fullDiskIsHarmless()
+{
+    FaultServer server(file.handler());
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit tight{30000, before.rlim_max}; // writes beyond fail, as on a full disk
+    setrlimit(RLIMIT_FSIZE, &tight);
+    const bool isRight = visit(server) && visit(server);
+    setrlimit(RLIMIT_FSIZE, &before);
+    QVERIFY(isRight);
+    QVERIFY(QFileInfo(files("data").value(0)).size() <= 30000);
+    QVERIFY(visit(server));
+}
+
+void TestStreamCache::leastRecentlyUsedGoesFirst()
+{
+    FaultServer server(file.handler());
+    options.cacheBytes = (1 << 20) + 230000; // room for three of some 95 KB, beside that asked for ahead
+    for (const char *name : {"/1", "/2", "/3"})
+        QVERIFY(visit(server, name));
+    QCOMPARE(files("data").size(), 3);
+    // The clock was ahead when the second was used.
+    const QStringList names = files("cache");
+    for (const QString &name : names)
+        std::filesystem::last_write_time(name.toStdString(), std::filesystem::last_write_time(name.toStdString()) +
+                                                                 std::chrono::hours(1000));
+    QVERIFY(visit(server, "/1"));
+    QVERIFY(visit(server, "/4"));
+    server.takeRequests();
+    QVERIFY(visit(server, "/1"));
+    QVERIFY(visit(server, "/4"));
+    QCOMPARE(server.takeRequests().size(), std::size_t(2));
+    QVERIFY(visit(server, "/2"));
+    QVERIFY(server.takeRequests().size() > 1); // that one had to go
+    qint64 sum = 0;
+    for (const QString &name : files("*"))
+        sum += QFileInfo(name).size();
+    QVERIFY(sum <= qint64(options.cacheBytes));
+}
+
+void TestStreamCache::fileLargerThanTheCache()
+{
+    FaultServer server(file.handler());
+    options.cacheBytes = 80000;
+    QVERIFY(visit(server));
+    QVERIFY(visit(server));
+    qint64 sum = 0;
+    for (const QString &name : files("*"))
+        sum += QFileInfo(name).size();
+    QVERIFY(sum <= 80000);
+}
+
+void TestStreamCache::wholeDownloadIsKept()
+{
+    WebFile rangeless = file;
+    rangeless.takesRanges = false;
+    FaultServer server(rangeless.handler());
+    QVERIFY(visit(server));
+    QVERIFY(visit(server));
+    server.takeRequests();
+    const std::shared_ptr<xrv::ByteSource> source = visit(server);
+    std::vector<xrv::Bytes> out;
+    QVERIFY(!source->read({{0, kSize}}, {}, &out));
+    QVERIFY(out == expectedBytes(file, {{0, kSize}}));
+    QCOMPARE(server.takeRequests().size(), std::size_t(1));
+    options.cacheBytes = kSize - 1;
+    std::shared_ptr<xrv::ByteSource> tooLarge;
+    QCOMPARE(openCold(server.address("/b.jp2"), options, &tooLarge).GetErrorNumber(), int(PLK_ERR_TOO_LARGE));
+}
+
+void TestStreamCache::severalProcesses()
+{
+    FaultServer server(file.handler());
+    std::vector<std::unique_ptr<QProcess>> others;
+    for (int i = 0; i < 3; ++i) {
+        others.push_back(std::make_unique<QProcess>());
+        others.back()->start(QCoreApplication::applicationFilePath(),
+                             {QStringLiteral("--read"), QString::fromStdString(server.address("/a.jp2")),
+                              QString::fromStdString(options.cacheFolder), QString::number(i), QStringLiteral("8")});
+    }
+    QCOMPARE(readPieces(server.address("/a.jp2"), options.cacheFolder, 77, 8), 0);
+    for (const auto &other : others) {
+        QVERIFY(other->waitForFinished(60000));
+        QCOMPARE(other->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(other->exitCode(), 0);
+    }
+    QCOMPARE(files("data").size(), 1);
+    QVERIFY(QFileInfo(files("data").value(0)).size() <= qint64(kSize)); // nothing was written twice
+    QVERIFY(visit(server));
+    server.takeRequests();
+    QVERIFY(visit(server));
+    QCOMPARE(server.takeRequests().size(), std::size_t(1));
+}
+
+void TestStreamCache::killedWhileWriting()
+{
+    FaultServer server(file.handler());
+    std::mt19937 random(5);
+    for (int i = 0; i < 15; ++i) {
+        QProcess writer;
+        writer.start(QCoreApplication::applicationFilePath(),
+                     {QStringLiteral("--read"), QString::fromStdString(server.address("/a.jp2")),
+                      QString::fromStdString(options.cacheFolder), QString::number(i), QStringLiteral("0")});
+        QVERIFY(writer.waitForStarted());
+        writer.waitForFinished(20 + int(random() % 60));
+        writer.kill();
+        QVERIFY(writer.waitForFinished());
+        QVERIFY(writer.exitStatus() == QProcess::CrashExit);
+        QCOMPARE(readPieces(server.address("/a.jp2"), options.cacheFolder, unsigned(100 + i), 1), 0);
+    }
+    QVERIFY(visit(server));
+}
+
+int main(int argc, char **argv)
+{
+    if (argc == 6 && std::string(argv[1]) == "--read")
+        return readPieces(argv[2], argv[3], unsigned(std::stoul(argv[4])), std::stoi(argv[5]));
+    QCoreApplication application(argc, argv);
+    TestStreamCache test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_streamcache.moc"

@@ -271,38 +271,63 @@ private:
     {
         Bytes bytes = makeJp2Start();
         append(&bytes, makeHeaderBox(image));
-        appendGeoBox(&bytes);
+        append(&bytes, makeGeoBox(geoTags()));
         appendXmls(&bytes);
         return bytes;
     }
 
     Bytes makeXrvBoxes(const CodestreamAssembler &assembler, float actualRate) const
     {
+        std::vector<std::pair<std::uint32_t, Bytes>> boxes;
+        const auto add = [&boxes](std::uint32_t type, const Bytes &content) {
+            boxes.emplace_back(type, makeBox(type, content));
+        };
+        add(kFileInfoBox, makeFileInfo(makeInfo(actualRate)));
+        add(kBandsBox, makeBands(image.bands));
+        boxes.emplace_back(boxType("jp2h"), makeHeaderBox(image));
+        if (std::any_of(image.texts.begin(), image.texts.end(), [](const auto &text) { return text.has_value(); }))
+            add(kTextsBox, makeTexts(image.texts));
+        if (image.rpc)
+            add(kRpcBox, makeRpc(*image.rpc));
+        if (const Bytes geoBox = makeGeoBox(geoTags()); !geoBox.empty())
+            boxes.emplace_back(boxType("uuid"), geoBox);
+        add(kStatisticsBox, makeStatistics(*statistics));
+        for (const std::string &xml : image.xmls)
+            add(boxType("xml "), Bytes(xml.begin(), xml.end()));
+        if (assembler.isIndexComplete())
+            add(kPacketIndexBox, assembler.index().content());
+        return joinXrvBoxes(boxes, assembler.length());
+    }
+
+    /// With what stands before all others: signature, version and table of contents.
+    static Bytes joinXrvBoxes(const std::vector<std::pair<std::uint32_t, Bytes>> &boxes, std::uint64_t streamLength)
+    {
+        const std::uint64_t contentsLength = 8 + (boxes.size() + 1) * kXrvBoxPlaceBytes;
+        std::uint64_t offset = kContentsStart + contentsLength;
+        std::vector<XrvBoxPlace> places;
+        for (const auto &[type, box] : boxes) {
+            places.push_back({type, {offset, box.size()}});
+            offset += box.size();
+        }
+        const std::uint64_t streamHeader = makeBoxHeader(boxType("jp2c"), streamLength).size();
+        places.push_back({boxType("jp2c"), {offset, streamHeader + streamLength}});
+
         Bytes bytes(kXrvSignature.begin(), kXrvSignature.end());
         append(&bytes, makeBox(kVersionBox, Bytes{kXrvMajorVersion, kXrvMinorVersion, 0, 0}));
-        append(&bytes, makeBox(kFileInfoBox, makeFileInfo(makeInfo(actualRate))));
-        append(&bytes, makeBox(kBandsBox, makeBands(image.bands)));
-        append(&bytes, makeHeaderBox(image));
-        if (std::any_of(image.texts.begin(), image.texts.end(), [](const auto &text) { return text.has_value(); }))
-            append(&bytes, makeBox(kTextsBox, makeTexts(image.texts)));
-        if (image.rpc)
-            append(&bytes, makeBox(kRpcBox, makeRpc(*image.rpc)));
-        appendGeoBox(&bytes);
-        append(&bytes, makeBox(kStatisticsBox, makeStatistics(*statistics)));
-        appendXmls(&bytes);
-        if (assembler.isIndexComplete())
-            append(&bytes, makeBox(kPacketIndexBox, assembler.index().content()));
+        append(&bytes, makeBox(kContentsBox, makeContents(places)));
+        for (const auto &entry : boxes)
+            append(&bytes, entry.second);
         return bytes;
     }
 
-    void appendGeoBox(Bytes *bytes) const
+    GeoTags geoTags() const
     {
         GeoTags tags = image.geoTags.isEmpty() ? makeGeoTags(image.place) : image.geoTags;
         if (image.rpc) {
             const auto *first = reinterpret_cast<const double *>(&*image.rpc);
             tags.rpc.assign(first, first + sizeof(PLKRPCData) / sizeof(double));
         }
-        append(bytes, makeGeoBox(tags));
+        return tags;
     }
 
     void appendXmls(Bytes *bytes) const

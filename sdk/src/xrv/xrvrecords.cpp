@@ -37,11 +37,15 @@ void putFloat(ByteWriter *out, float value)
     out->u32(bitsAs<std::uint32_t>(value));
 }
 
+void putLong(ByteWriter *out, std::uint64_t value)
+{
+    out->u32(static_cast<std::uint32_t>(value >> 32));
+    out->u32(static_cast<std::uint32_t>(value));
+}
+
 void putDouble(ByteWriter *out, double value)
 {
-    const auto bits = bitsAs<std::uint64_t>(value);
-    out->u32(static_cast<std::uint32_t>(bits >> 32));
-    out->u32(static_cast<std::uint32_t>(bits));
+    putLong(out, bitsAs<std::uint64_t>(value));
 }
 
 float takeFloat(ByteCursor *in)
@@ -133,6 +137,32 @@ bool takeBandStatistics(ByteCursor *in, std::size_t mostBuckets, PLKBandStatisti
 }
 
 } // namespace
+
+Bytes makeContents(const std::vector<XrvBoxPlace> &places)
+{
+    Bytes bytes;
+    ByteWriter out(&bytes);
+    for (const XrvBoxPlace &place : places) {
+        out.u32(place.type);
+        putLong(&out, place.range.offset);
+        putLong(&out, place.range.length);
+    }
+    return bytes;
+}
+
+std::vector<XrvBoxPlace> parseContents(const Bytes &content)
+{
+    ByteCursor in(content.data(), content.size());
+    std::vector<XrvBoxPlace> places;
+    while (in.remaining() >= kXrvBoxPlaceBytes) {
+        XrvBoxPlace place;
+        place.type = in.u32();
+        place.range.offset = in.u64();
+        place.range.length = in.u64();
+        places.push_back(place);
+    }
+    return places;
+}
 
 Bytes makeFileInfo(const XrvFileInfo &info)
 {

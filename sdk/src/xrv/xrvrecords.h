@@ -65,6 +65,18 @@ using XrvTexts = std::array<std::optional<std::string>, kXrvTexts>;
 // Contents of the boxes. Every parse function checks all lengths and counts before it uses them, and gives nothing
 // where they contradict themselves; what follows the known fields is left to later minor versions.
 
+/// A box as the table of contents (box 'toc ') has it.
+struct XrvBoxPlace
+{
+    std::uint32_t type = 0;
+    ByteRange range; ///< in the file, its header included
+};
+constexpr std::size_t kXrvBoxPlaceBytes = 20; ///< of each in the table
+
+Bytes makeContents(const std::vector<XrvBoxPlace> &places);
+/// As many as there are; they are not known to be true.
+std::vector<XrvBoxPlace> parseContents(const Bytes &content);
+
 Bytes makeFileInfo(const XrvFileInfo &info);
 std::optional<XrvFileInfo> parseFileInfo(const Bytes &content);
 

@@ -13,7 +13,9 @@ using PLK::CError;
 
 namespace {
 
-constexpr std::uint64_t kVersionEnd = kXrvSignature.size() + 8 + 4; ///< the version box has a place of its own
+constexpr std::uint64_t kBoxHeader = 8;
+constexpr std::uint64_t kVersionEnd = kVersionStart + kBoxHeader + 4;
+constexpr std::uint64_t kMostContents = 64 * 1024;
 constexpr std::uint64_t kMaxContent = 64u << 20;
 
 CError readVersion(const Bytes &start, XrvStructure *structure)
@@ -32,6 +34,40 @@ CError readVersion(const Bytes &start, XrvStructure *structure)
                                          std::to_string(structure->minorVersion) + "; this library reads versions " +
                                          std::to_string(kXrvMajorVersion) + ".x."};
     return {};
+}
+
+/// What will be read of a box to open the file: all of the packet index, of others the header. The small ones come with
+/// it.
+ByteRange neededOf(const XrvBoxPlace &place, std::uint64_t fileSize)
+{
+    constexpr std::uint64_t kStartOfBox = 4096, kStartOfCodestream = 16 * 1024, kMostIndex = 16u << 20;
+    const std::uint64_t most = place.type == kPacketIndexBox   ? kMostIndex
+                               : place.type == boxType("jp2c") ? kStartOfCodestream
+                                                               : kStartOfBox;
+    if (place.range.offset >= fileSize)
+        return {};
+    return {place.range.offset, std::min({most, place.range.length, fileSize - place.range.offset})};
+}
+
+/// Tells a distant source at once what the walk from box to box is going to need. The walk itself believes only what it
+/// finds.
+CError prefetchBoxes(ByteSource &source)
+{
+    Bytes header, content;
+    if (!source.isRemote() || source.size() < kContentsStart + kBoxHeader)
+        return {};
+    if (CError error = source.read({kContentsStart, kBoxHeader}, &header))
+        return error;
+    ByteCursor in(header.data(), header.size());
+    const std::uint64_t length = in.u32(), available = source.size() - kContentsStart;
+    if (in.u32() != kContentsBox || length < kBoxHeader || length > std::min(available, kMostContents))
+        return {};
+    if (CError error = source.read({kContentsStart + kBoxHeader, length - kBoxHeader}, &content))
+        return error;
+    std::vector<ByteRange> ranges;
+    for (const XrvBoxPlace &place : parseContents(content))
+        ranges.push_back(neededOf(place, source.size()));
+    return source.prefetch(joinedRanges(std::move(ranges), kBoxHeader), {});
 }
 
 /// Fetches and takes apart the boxes that only XRV files have.
@@ -142,6 +178,8 @@ CError readXrvStructure(ByteSource &source, XrvStructure *structure, std::vector
     if (!hasSignature(start))
         return {PLK_ERR_UNKNOWN_FORMAT, "The file is not an XRV image."};
     if (CError error = readVersion(start, structure))
+        return error;
+    if (CError error = prefetchBoxes(source))
         return error;
     if (CError error = StructureReader(source, warnings).read(&structure->boxes))
         return error;

@@ -88,7 +88,8 @@ private Q_SLOTS:
     void everyHostLevel_data();
     void everyHostLevel();
     void switchedOff();
-    void damageIsToldOnce();
+    void eachKindIsToldOnce_data();
+    void eachKindIsToldOnce();
     void sinksComeAndGoWithThePlugin();
 
 private:
@@ -176,18 +177,32 @@ void TestSdkLog::switchedOff()
     QCOMPARE(Application::instance()->getLogHistory().size(), 0);
 }
 
-void TestSdkLog::damageIsToldOnce()
+void TestSdkLog::eachKindIsToldOnce_data()
 {
+    QTest::addColumn<bool>("isResilient");
+    QTest::addColumn<int>("level");
+    QTest::newRow("damage that is lived with") << true << int(Application::LogError);
+    QTest::newRow("views that fail") << false << int(Application::LogCritical);
+}
+
+void TestSdkLog::eachKindIsToldOnce()
+{
+    QFETCH(bool, isResilient);
+    QFETCH(int, level);
     const QByteArray name = folder->path(QStringLiteral("bad.jp2")).toUtf8();
+    PLK::SDK::CFileBase::sFilesHelper().Get()->Config().SetResilientDecodingEnabled(isResilient);
     Application::setLogLevel(Application::LogError);
     ProgressiveView view;
     QVERIFY(view.Open(name.constData(), true, false).IsSuccess());
     for (int left : {0, 40, 80, 120})
         QVERIFY(view.show(left));
     QSet<QString> kinds;
-    const auto lines = linesWith(QStringLiteral("bad.jp2\": Tile"));
-    for (const auto &line : lines)
+    const auto lines = Application::instance()->getLogHistory();
+    for (const auto &line : lines) {
+        QVERIFY2(line.text.contains(QStringLiteral("bad.jp2\": ")), qPrintable(line.text));
+        QCOMPARE(int(line.level), level);
         kinds.insert(QString(line.text).remove(QRegularExpression(QStringLiteral("\\d"))));
+    }
     QVERIFY(!lines.isEmpty());
     QCOMPARE(lines.size(), kinds.size());
 }

@@ -78,6 +78,7 @@ XRVJP2kProperties::XRVJP2kProperties(QWidget *parent)
     const PLK::SDK::CConfig &config = PLK::SDK::CFileBase::sFilesHelper().Get()->Config();
     ui->resampleTypeComboBox->setCurrentIndex(config.GetOptimizeUseNearestNeighbour() ? 0 : 1);
     ui->draSlider->setRange(1, 100);
+    alignSpinBoxes();
     readLineMethods->addButton(ui->readLineRGBA, kReadLineRGBA);
     readLineMethods->addButton(ui->readLineBIL, kReadLineBIL);
     // Never offered. Hidden too, as the panel may be shown before the event loop gets to delete the group.
@@ -87,6 +88,18 @@ XRVJP2kProperties::XRVJP2kProperties(QWidget *parent)
 }
 
 XRVJP2kProperties::~XRVJP2kProperties() = default;
+
+/// One width for all, so that the sliders beside them are of one length too.
+void XRVJP2kProperties::alignSpinBoxes()
+{
+    QSpinBox *const boxes[] = {ui->transparencySpinBox, ui->contrastSpinBox, ui->brightnessSpinBox, ui->draSpinBox,
+                               ui->jp2QualitySpinBox};
+    int width = 0;
+    for (const QSpinBox *box : boxes)
+        width = std::max(width, box->sizeHint().width());
+    for (QSpinBox *box : boxes)
+        box->setMinimumWidth(width);
+}
 
 void XRVJP2kProperties::onLayerActivated(Map::Layer *layer)
 {

@@ -72,6 +72,7 @@ private Q_SLOTS:
 private:
     Q_DISABLE_COPY(XRVJP2kProperties)
 
+    void alignSpinBoxes();
     template <typename Change> void changeAndRedraw(Change change);
     void applyBands();
     void loadTones();

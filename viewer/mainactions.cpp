@@ -148,8 +148,12 @@ void MainActions::addToggles(const QList<QDockWidget *> &docks, const QList<QToo
     for (const QDockWidget *dock : docks)
         viewMenu->addAction(dock->toggleViewAction());
     viewMenu->addSeparator();
-    for (const QToolBar *bar : toolBars)
-        viewMenu->addAction(bar->toggleViewAction());
+    for (const QToolBar *bar : toolBars) {
+        QAction *toggle = bar->toggleViewAction();
+        // An ampersand in a title is one, not the mark of a short cut.
+        toggle->setText(bar->windowTitle().replace(QLatin1Char('&'), QLatin1String("&&")));
+        viewMenu->addAction(toggle);
+    }
 }
 
 void MainActions::update(bool hasView, bool hasLayer)

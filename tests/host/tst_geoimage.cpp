@@ -5,6 +5,7 @@
 #include <QRandomGenerator>
 #include <QTest>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -76,6 +77,8 @@ private Q_SLOTS:
     void interpolatesBetweenCentres();
     void partsOfAPictureEqualTheWhole_data();
     void partsOfAPictureEqualTheWhole();
+    void largePicturesHaveNoSeams_data();
+    void largePicturesHaveNoSeams();
     void staysInsideTheDeviceRectangle();
     void paintsInPhysicalPixels();
     void zoomsInVeryFar();
@@ -257,6 +260,58 @@ void TestGeoImage::partsOfAPictureEqualTheWhole()
         image.paint(painter, 0, 0, 64, 64, 0, 0, 64, -64);
     }
     QCOMPARE(inParts, whole);
+}
+
+void TestGeoImage::largePicturesHaveNoSeams_data()
+{
+    QTest::addColumn<bool>("smooth");
+    QTest::addColumn<bool>("translucent");
+    QTest::newRow("nearest") << false << false;
+    QTest::newRow("smooth") << true << false;
+    QTest::newRow("smooth, translucent") << true << true;
+}
+
+/// Drawn in pieces, a picture of a megapixel is to be what the definition says for every single pixel.
+void TestGeoImage::largePicturesHaveNoSeams()
+{
+    QFETCH(bool, smooth);
+    QFETCH(bool, translucent);
+    constexpr int kSize = 1000;
+    constexpr int kCells = 37;
+    QImage cells = noise(kCells, kCells);
+    for (int i = 0; translucent && i < kCells; ++i)
+        cells.setPixel(i, (i * 5) % kCells, qRgba(250, 120, 10, 40 + i));
+    QImage target = canvas(QSize(kSize, kSize));
+    paintOn(target, GeoImage(cells, 0, 0, kSize, -kSize), smooth);
+
+    const QImage source = cells.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const auto *pixels = reinterpret_cast<const QRgb *>(source.constBits()); // 4 bytes per pixel: rows are packed
+    const auto channel = [pixels](int x, int y, int shift) { return (pixels[y * kCells + x] >> shift) & 0xff; };
+    for (int y = 0; y < kSize; ++y) {
+        const auto *row = reinterpret_cast<const QRgb *>(target.constScanLine(y));
+        const double sourceY = (y + 0.5) * kCells / kSize - (smooth ? 0.5 : 0.0);
+        const double clampedY = std::clamp(sourceY, 0.0, kCells - 1.0);
+        for (int x = 0; x < kSize; x += 7) {
+            const double sourceX = (x + 0.5) * kCells / kSize - (smooth ? 0.5 : 0.0);
+            const double clampedX = std::clamp(sourceX, 0.0, kCells - 1.0);
+            const int left = static_cast<int>(smooth ? clampedX : sourceX);
+            const int top = static_cast<int>(smooth ? clampedY : sourceY);
+            const int right = std::min(left + 1, kCells - 1);
+            const int bottom = std::min(top + 1, kCells - 1);
+            const double fractionX = smooth ? clampedX - left : 0.0;
+            const double fractionY = smooth ? clampedY - top : 0.0;
+            for (int shift : {0, 8, 16, 24}) {
+                const double upper =
+                    channel(left, top, shift) * (1 - fractionX) + channel(right, top, shift) * fractionX;
+                const double lower =
+                    channel(left, bottom, shift) * (1 - fractionX) + channel(right, bottom, shift) * fractionX;
+                const double wanted = upper * (1 - fractionY) + lower * fractionY;
+                const double found = (row[x] >> shift) & 0xff;
+                QVERIFY2(std::abs(found - wanted) <= (smooth ? 3.0 : 0.0),
+                         qPrintable(QStringLiteral("%1, %2").arg(x).arg(y)));
+            }
+        }
+    }
 }
 
 void TestGeoImage::staysInsideTheDeviceRectangle()

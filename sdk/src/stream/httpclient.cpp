@@ -176,7 +176,9 @@ void HttpClient::Loop::start(const ExchangePtr &exchange)
 {
     try {
         auto transfer = std::make_unique<HttpTransfer>(exchange->request);
-        curl_easy_setopt(transfer->handle(), CURLOPT_PIPEWAIT, 1L);
+        // A new connection may turn out to carry several requests, but only where that is negotiated.
+        const bool mayMultiplex = exchange->request.url.compare(0, 6, "https:") == 0;
+        curl_easy_setopt(transfer->handle(), CURLOPT_PIPEWAIT, long(mayMultiplex));
         if (curl_multi_add_handle(multi.get(), transfer->handle()) != CURLM_OK)
             throw std::bad_alloc();
         active.push_back({exchange, std::move(transfer)});

@@ -127,7 +127,8 @@ CError RangeFetcher::open(const FileVersion &known, const CancelFlag &cancel, co
         if (error || !round.trouble)
             return error;
         logRetry(round.trouble);
-        if (!patience.goOn(round, cancel))
+        // Whoever opens a file waits: once for a server that keeps silent is enough.
+        if (answer.outcome == HttpOutcome::TimedOut || !patience.goOn(round, cancel))
             return round.trouble;
     }
 }

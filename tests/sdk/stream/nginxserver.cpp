@@ -39,10 +39,14 @@ bool NginxServer::writeConfig(const QString &folder) const
                                   "  access_log %1/asked asked;\n"
                                   "  client_body_temp_path %1/t1;\n  proxy_temp_path %1/t2;\n"
                                   "  fastcgi_temp_path %1/t3;\n  uwsgi_temp_path %1/t4;\n  scgi_temp_path %1/t5;\n"
-                                  "  server { listen 127.0.0.1:%2; root %3; }\n}\n")
+                                  "  server { listen 127.0.0.1:%2%4; root %3; }\n}\n")
                        .arg(place.path())
                        .arg(listeningPort)
-                       .arg(folder);
+                       .arg(folder)
+                       .arg(isSecure ? QStringLiteral(" ssl http2; ssl_certificate %1/certificate; "
+                                                      "ssl_certificate_key %1/key")
+                                           .arg(place.path())
+                                     : QString());
     if (::geteuid() == 0)
         text.prepend(QStringLiteral("user root;\n")); // else its workers may not read temporary folders
     QFile file(filePath(QStringLiteral("config")));
@@ -68,6 +72,20 @@ bool NginxServer::start(const QString &folder)
     return false;
 }
 
+bool NginxServer::makeSecure()
+{
+    QProcess openssl;
+    openssl.start(QStringLiteral("openssl"),
+                  {QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"), QStringLiteral("ec"),
+                   QStringLiteral("-pkeyopt"), QStringLiteral("ec_paramgen_curve:prime256v1"), QStringLiteral("-nodes"),
+                   QStringLiteral("-days"), QStringLiteral("2"), QStringLiteral("-subj"),
+                   QStringLiteral("/CN=localhost"), QStringLiteral("-addext"),
+                   QStringLiteral("subjectAltName=DNS:localhost"), QStringLiteral("-keyout"),
+                   filePath(QStringLiteral("key")), QStringLiteral("-out"), certificateFile()});
+    isSecure = openssl.waitForStarted() && openssl.waitForFinished() && openssl.exitCode() == 0;
+    return isSecure;
+}
+
 void NginxServer::stop()
 {
     if (process.state() == QProcess::NotRunning)
@@ -78,7 +96,8 @@ void NginxServer::stop()
 
 std::string NginxServer::address(const QString &name) const
 {
-    return QStringLiteral("xrvp://127.0.0.1:%1/%2").arg(listeningPort).arg(name).toStdString();
+    const QString server = isSecure ? QStringLiteral("xrvps://localhost") : QStringLiteral("xrvp://127.0.0.1");
+    return QStringLiteral("%1:%2/%3").arg(server).arg(listeningPort).arg(name).toStdString();
 }
 
 QStringList NginxServer::takeLog()

@@ -17,7 +17,11 @@ public:
     bool start(const QString &folder);
     void stop();
     quint16 port() const { return listeningPort; }
-    /// "xrvp://127.0.0.1:port/name"
+    /// Makes a certificate for "localhost" and serves securely from then on, with HTTP/2. False where that cannot be.
+    bool makeSecure();
+    /// What vouches for that certificate: itself.
+    QString certificateFile() const { return filePath(QStringLiteral("certificate")); }
+    /// "xrvp://127.0.0.1:port/name", or "xrvps://localhost:port/name".
     std::string address(const QString &name) const;
     /// What was asked since the last call: "status body-bytes-sent range-header", one per request.
     QStringList takeLog();
@@ -29,5 +33,6 @@ private:
     QTemporaryDir place;
     QProcess process;
     quint16 listeningPort = 0;
+    bool isSecure = false;
     int linesTaken = 0;
 };

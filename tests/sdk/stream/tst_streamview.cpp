@@ -1,28 +1,17 @@
 #include "data/jp2maker.h"
 #include "nginxserver.h"
 
+#include <xrv60/plkconfig.h>
 #include <xrv60/plkfile.h>
 #include <xrv60/plkview.h>
 
 #include <QFile>
 #include <QtTest>
 
+#include <atomic>
+#include <mutex>
+#include <thread>
 #include <vector>
-
-/// Views of files on a real web server, against views of the same files on disk.
-class TestStreamView : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void showsTheSameCells_data();
-    void showsTheSameCells();
-
-private:
-    QTemporaryDir folder;
-    NginxServer server;
-};
 
 namespace {
 
@@ -45,7 +34,103 @@ std::vector<std::uint32_t> picture(PLK::CView &view, const Window &window)
     return pixels;
 }
 
+/// Reads each pass and keeps the last that was whole.
+class ProgressiveView : public PLK::CView
+{
+public:
+    ~ProgressiveView() override { Close(true); }
+
+    PLKReadStatus RefreshPass(PLKSetViewInfo *info) override
+    {
+        std::vector<std::uint32_t> pixels(std::size_t(info->nSizeX) * info->nSizeY);
+        PLKReadStatus status = PLK_READ_SUCCESS;
+        for (std::size_t y = 0; y < info->nSizeY && status == PLK_READ_SUCCESS; ++y)
+            status = ReadLineBGRA(pixels.data() + y * info->nSizeX);
+        const std::lock_guard<std::mutex> lock(mutex);
+        hasFailed = hasFailed || status == PLK_READ_FAILED;
+        if (status == PLK_READ_SUCCESS)
+            lastPicture.swap(pixels);
+        return status == PLK_READ_CANCELLED ? status : PLK_READ_SUCCESS;
+    }
+    bool failed() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return hasFailed;
+    }
+    std::vector<std::uint32_t> picture() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return lastPicture;
+    }
+
+private:
+    mutable std::mutex mutex; ///< guards the members below
+    std::vector<std::uint32_t> lastPicture;
+    bool hasFailed = false;
+};
+
+PLK::SDK::CConfig &config()
+{
+    return PLK::SDK::CFileBase::sFilesHelper().Get()->Config();
+}
+
+PLK::CString utf8(const std::string &text)
+{
+    return PLK::CString(text.c_str());
+}
+
+constexpr Window kAll{1500, 1500, 0, 0, 1500, -1500}, kOverview{187, 187, 0, 0, 1500, -1500};
+const QString kWalked = QStringLiteral("walked.jp2"), kSingle = QStringLiteral("single.jp2");
+
 } // namespace
+
+/// Views of files on a real web server, against views of the same files on disk.
+class TestStreamView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void showsTheSameCells_data();
+    void showsTheSameCells();
+    void secondVisitAsksWhetherItChanged();
+    void serverStopsDuringAView();
+    void serverStopsDuringAProgressiveView();
+    void fileChangesDuringAView();
+    void secureServerMustBeTrusted();
+    void manyViewsOfManyStreams();
+
+private:
+    /// A copy of a file: a stream of which nothing is at hand yet.
+    QString fresh(const QString &name) const;
+    bool write(const QString &name, const jp2maker::Options &options) const;
+    std::vector<std::uint32_t> localPicture(const QString &name, const Window &window) const;
+
+    QTemporaryDir folder;
+    NginxServer server;
+};
+
+bool TestStreamView::write(const QString &name, const jp2maker::Options &options) const
+{
+    const jp2maker::FileBytes bytes = jp2maker::make(options);
+    QFile file(folder.filePath(name));
+    return file.open(QIODevice::WriteOnly) &&
+           file.write(reinterpret_cast<const char *>(bytes.data()), qint64(bytes.size())) == qint64(bytes.size());
+}
+
+QString TestStreamView::fresh(const QString &name) const
+{
+    static int count = 0;
+    const QString copy = QString::number(++count) + name;
+    return QFile::copy(folder.filePath(name), folder.filePath(copy)) ? copy : QString();
+}
+
+std::vector<std::uint32_t> TestStreamView::localPicture(const QString &name, const Window &window) const
+{
+    PLK::CView local;
+    return local.Open(utf8(folder.filePath(name).toStdString()), false, false) ? std::vector<std::uint32_t>()
+                                                                               : picture(local, window);
+}
 
 void TestStreamView::initTestCase()
 {
@@ -59,26 +144,20 @@ void TestStreamView::initTestCase()
     options.precincts = {{128, 128}};
     options.progression = "RPCL";
     options.cell = [](int, int x, int y) { return (x * x / 7 + (y * 37 ^ x * 3)) & 255; };
-    const auto write = [&](const QString &name) {
-        const jp2maker::FileBytes bytes = jp2maker::make(options);
-        QFile file(folder.filePath(name));
-        return file.open(QIODevice::WriteOnly) &&
-               file.write(reinterpret_cast<const char *>(bytes.data()), qint64(bytes.size())) == qint64(bytes.size());
-    };
-    QVERIFY(write(QStringLiteral("walked.jp2")));
+    QVERIFY(write(kWalked, options));
     options.tlm = options.plt = true;
-    QVERIFY(write(QStringLiteral("Übersicht 東京 #1.jp2")));
+    QVERIFY(write(QStringLiteral("Übersicht 東京 #1.jp2"), options));
     options.tileWidth = options.tileHeight = 0;
-    QVERIFY(write(QStringLiteral("single.jp2")));
+    QVERIFY(write(kSingle, options));
     QVERIFY(server.start(folder.path()));
 }
 
 void TestStreamView::showsTheSameCells_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("tile-parts to be walked") << QStringLiteral("walked.jp2");
+    QTest::newRow("tile-parts to be walked") << kWalked;
     QTest::newRow("tile-part table, odd name") << QStringLiteral("Übersicht 東京 #1.jp2");
-    QTest::newRow("single tile") << QStringLiteral("single.jp2");
+    QTest::newRow("single tile") << kSingle;
 }
 
 void TestStreamView::showsTheSameCells()
@@ -95,6 +174,131 @@ void TestStreamView::showsTheSameCells()
         QVERIFY(!expected.empty());
         QVERIFY(picture(remote, window) == expected);
     }
+}
+
+void TestStreamView::secondVisitAsksWhetherItChanged()
+{
+    QTemporaryDir cache;
+    config().SetXrvpCacheEnabled(true);
+    config().SetXrvpCacheLocation(cache.path().toLocal8Bit().constData());
+    const QString name = fresh(kSingle);
+    const std::vector<std::uint32_t> expected = localPicture(kSingle, kOverview);
+    {
+        PLK::CView view;
+        QVERIFY(!view.Open(utf8(server.address(name)), false, false));
+        QVERIFY(picture(view, kOverview) == expected);
+        view.Close(true);
+    }
+    server.takeLog();
+    PLK::CView view;
+    QVERIFY(!view.Open(utf8(server.address(name)), false, false));
+    QVERIFY(picture(view, kOverview) == expected);
+    const QStringList log = server.takeLog();
+    QCOMPARE(log.size(), 1);
+    QVERIFY2(log[0].startsWith(QLatin1String("304 0 ")), qPrintable(log[0]));
+    config().SetXrvpCacheLocation(nullptr);
+}
+
+void TestStreamView::serverStopsDuringAView()
+{
+    PLK::CView view;
+    QVERIFY(!view.Open(utf8(server.address(fresh(kWalked))), false, false));
+    const std::vector<std::uint32_t> overview = picture(view, kOverview);
+    QVERIFY(!overview.empty());
+    server.stop();
+    QVERIFY(picture(view, {300, 300, 700, -700, 1000, -1000}).empty());
+    QCOMPARE(view.GetLastError().GetErrorNumber(), int(PLK_ERR_CONNECTION_LOST));
+    const int bands[] = {0};
+    PLK::CError error = view.SetView(1, bands, 300, 300, 700, -700, 1000, -1000);
+    QCOMPARE(error.GetErrorNumber(), 76);
+    QVERIFY(QByteArray(error.GetErrorMessage()).contains("walked.jp2"));
+    QVERIFY(server.start(folder.path()));
+    QVERIFY(!view.Reconnect());
+    // The view that was asked for last is the one that shows, without being set again.
+    std::vector<std::uint32_t> pixels(300 * 300);
+    for (std::size_t y = 0; y < 300; ++y)
+        QCOMPARE(view.ReadLineBGRA(pixels.data() + y * 300), PLK_READ_SUCCESS);
+    QVERIFY(pixels == localPicture(kWalked, {300, 300, 700, -700, 1000, -1000}));
+    QVERIFY(picture(view, kOverview) == overview);
+}
+
+void TestStreamView::serverStopsDuringAProgressiveView()
+{
+    ProgressiveView view;
+    QVERIFY(!view.Open(utf8(server.address(fresh(kSingle))), true, false));
+    server.stop();
+    const int bands[] = {0};
+    QVERIFY(!view.SetView(1, bands, kAll.width, kAll.height, kAll.x1, kAll.y1, kAll.x2, kAll.y2));
+    QTRY_VERIFY_WITH_TIMEOUT(view.failed(), 20000);
+    QVERIFY(server.start(folder.path()));
+    QVERIFY(!view.Reconnect());
+    QTRY_VERIFY_WITH_TIMEOUT(view.picture() == localPicture(kSingle, kAll), 20000);
+}
+
+void TestStreamView::fileChangesDuringAView()
+{
+    const QString name = QStringLiteral("changing.jp2");
+    jp2maker::Options options;
+    options.width = options.height = 700;
+    options.tileWidth = options.tileHeight = 100;
+    options.cell = [](int, int x, int y) { return (x * 5 ^ y * 3) & 255; };
+    QVERIFY(write(name, options));
+    PLK::CView view;
+    QVERIFY(!view.Open(utf8(server.address(name)), false, false));
+    QVERIFY(!picture(view, {100, 100, 0, 0, 100, -100}).empty());
+    options.cell = [](int, int x, int y) { return (x * 7 ^ y * 11) & 255; };
+    options.height = 900;
+    QVERIFY(write(name, options));
+    QVERIFY(picture(view, {700, 700, 0, 0, 700, -700}).empty());
+    QCOMPARE(view.GetLastError().GetErrorNumber(), int(PLK_ERR_FILE_CHANGED));
+    QVERIFY(picture(view, {100, 100, 0, 0, 100, -100}).empty());
+    QVERIFY(!view.Reconnect());
+    QCOMPARE(view.GetFileInfo()->nSizeY, 900u);
+    QVERIFY(picture(view, {700, 900, 0, 0, 700, -900}) == localPicture(name, {700, 900, 0, 0, 700, -900}));
+}
+
+void TestStreamView::secureServerMustBeTrusted()
+{
+    NginxServer secure;
+    if (!secure.makeSecure() || !secure.start(folder.path()))
+        QSKIP("no certificate can be made, or nginx knows no TLS");
+    PLK::CView view;
+    const std::string address = secure.address(kSingle);
+    QCOMPARE(view.Open(utf8(address), false, false).GetErrorNumber(), int(PLK_ERR_UNTRUSTED));
+    config().SetXrvpClientCaFile(secure.certificateFile().toLocal8Bit().constData());
+    QVERIFY(!view.Open(utf8(address), false, false));
+    QVERIFY(picture(view, kOverview) == localPicture(kSingle, kOverview));
+    config().SetXrvpClientCaFile(nullptr);
+}
+
+void TestStreamView::manyViewsOfManyStreams()
+{
+    constexpr int kThreads = 12, kStreams = 10, kViews = 5;
+    QStringList names;
+    for (int i = 0; i < kStreams; ++i)
+        names.append(fresh(i % 2 ? kWalked : kSingle));
+    const std::vector<std::uint32_t> expected[] = {localPicture(kSingle, kOverview), localPicture(kWalked, kOverview)};
+    std::atomic<int> right{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < kViews; ++i) {
+                ProgressiveView moved;
+                PLK::CView whole;
+                const int stream = (t + i * 3) % kStreams;
+                const std::string address = server.address(names[stream]);
+                const int bands[] = {0};
+                if (whole.Open(utf8(address), false, false) || moved.Open(utf8(address), true, false))
+                    continue;
+                for (int step = 0; step < 4; ++step)
+                    moved.SetView(1, bands, 200, 200, step * 100, -step * 50, step * 100 + 300, -step * 50 - 300);
+                if (picture(whole, kOverview) == expected[stream % 2])
+                    ++right;
+            }
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(right.load(), kThreads * kViews);
 }
 
 QTEST_GUILESS_MAIN(TestStreamView)

@@ -12,6 +12,7 @@
 #include <QGroupBox>
 #include <QMdiSubWindow>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSettings>
@@ -229,9 +230,18 @@ void TestPropertiesPanel::loadingCallsNoSetter()
     layer->setContrast(1.239);
     layer->setBrightness(0.757);
     layer->setBandList({2, 2, 2});
+    layer->setDrawOutline(true);
+    layer->setAdaptiveRoam(true);
+    layer->setResampleType(XRVJP2kLayer::Bilinear);
+    layer->setPixmapSmoothing(false); // as no choice in the panel leaves it
     const quint64 refreshes = layer->getRefreshCount();
-    panel->onLayerActivated(nullptr);
+    // From a layer with other values in every widget.
+    XRVJP2kLayer other(nullptr);
+    panel->onLayerActivated(&other);
     panel->onLayerActivated(layer.get());
+    QVERIFY(get<QCheckBox>("drawImageOutlineCheckBox")->isChecked());
+    QCOMPARE(get<QComboBox>("resampleTypeComboBox")->currentIndex(), 1);
+    QVERIFY(!layer->getPixmapSmoothing());
     QCOMPARE(get<QSlider>("transparencySlider")->value(), 66);
     QCOMPARE(get<QSpinBox>("transparencySpinBox")->value(), 66);
     QCOMPARE(get<QSlider>("contrastSlider")->value(), 123);
@@ -241,7 +251,6 @@ void TestPropertiesPanel::loadingCallsNoSetter()
     QCOMPARE(layer->getContrast(), 1.239);
     QCOMPARE(layer->getBrightness(), 0.757);
     QCOMPARE(layer->getRefreshCount(), refreshes);
-    QVERIFY(!folder->path(QStringLiteral("settings.ini")).isEmpty());
     QVERIFY(!Korvane::Application::instance()->settings()->contains(QStringLiteral("XRVJP2kLayer/OutlineColor")));
 }
 
@@ -484,7 +493,13 @@ void TestPropertiesPanel::outline()
 void TestPropertiesPanel::readLineMethod()
 {
     open(colourImage(8, 8));
-    // The buttons are never shown, but their slots stay in place.
+    // The buttons are never shown, but are connected as long as they exist, and their slots stay in place.
+    XRVJP2kProperties fresh;
+    fresh.onLayerActivated(layer.get());
+    fresh.findChild<QRadioButton *>(QStringLiteral("readLineBIL"))->click();
+    QVERIFY(!layer->getReadRGBA());
+    fresh.findChild<QRadioButton *>(QStringLiteral("readLineRGBA"))->click();
+    QVERIFY(layer->getReadRGBA());
     const auto choose = [this](int id) {
         QMetaObject::invokeMethod(panel.get(), "on_readLineGroupBox_buttonClicked", Q_ARG(int, id));
         return layer->getReadRGBA();

@@ -31,18 +31,19 @@ def page_lines(text):
     return {name: value for name, value in pairs}
 
 
+def run_viewer(viewer, files):
+    environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", LC_ALL="C.UTF-8")
+    return subprocess.run([viewer, "--settings", os.devnull, "--describe", *files], env=environment, capture_output=True,
+                          text=True, timeout=250, check=False)
+
+
 def describe(viewer, files):
     """A Description, or the viewer's complaint as a text, for every one of `files`."""
-    environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", LC_ALL="C.UTF-8")
-    results = {}
-    for name in files:
-        done = subprocess.run([viewer, "--settings", os.devnull, "--describe", name], env=environment,
-                              capture_output=True, text=True, timeout=120, check=False)
-        lines = [line for line in done.stdout.splitlines() if line.startswith("{")]
-        if done.returncode < 0:
-            results[name] = f"the viewer was ended by signal {-done.returncode}"
-        elif not lines:
-            results[name] = done.stderr.strip() or f"the viewer ended with status {done.returncode}"
-        else:
-            results[name] = Description(json.loads(lines[0]))
+    files = list(files)
+    done = run_viewer(viewer, files)
+    results = dict.fromkeys(files, done.stderr.strip() or f"the viewer ended with status {done.returncode}")
+    for line in done.stdout.splitlines():
+        if line.startswith("{"):
+            values = json.loads(line)
+            results[values["source"]] = values.get("error") or Description(values)
     return results

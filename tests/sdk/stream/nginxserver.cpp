@@ -34,19 +34,20 @@ NginxServer::~NginxServer()
 
 bool NginxServer::writeConfig(const QString &folder) const
 {
-    QString text = QStringLiteral("daemon off;\nworker_processes 1;\npid %1/pid;\nerror_log %1/errors;\nevents {}\n"
-                                  "http {\n  log_format asked '$status $body_bytes_sent $http_range';\n"
-                                  "  access_log %1/asked asked;\n"
-                                  "  client_body_temp_path %1/t1;\n  proxy_temp_path %1/t2;\n"
-                                  "  fastcgi_temp_path %1/t3;\n  uwsgi_temp_path %1/t4;\n  scgi_temp_path %1/t5;\n"
-                                  "  server { listen 127.0.0.1:%2%4; root %3; }\n}\n")
-                       .arg(place.path())
-                       .arg(listeningPort)
-                       .arg(folder)
-                       .arg(isSecure ? QStringLiteral(" ssl http2; ssl_certificate %1/certificate; "
-                                                      "ssl_certificate_key %1/key")
-                                           .arg(place.path())
-                                     : QString());
+    QString text =
+        QStringLiteral("daemon off;\nworker_processes 1;\npid %1/pid;\nerror_log %1/errors;\nevents {}\n"
+                       "http {\n  log_format asked '$status $body_bytes_sent $http_range $server_protocol';\n"
+                       "  access_log %1/asked asked;\n"
+                       "  client_body_temp_path %1/t1;\n  proxy_temp_path %1/t2;\n"
+                       "  fastcgi_temp_path %1/t3;\n  uwsgi_temp_path %1/t4;\n  scgi_temp_path %1/t5;\n"
+                       "  server { listen 127.0.0.1:%2%4; root %3; }\n}\n")
+            .arg(place.path())
+            .arg(listeningPort)
+            .arg(folder)
+            .arg(isSecure ? QStringLiteral(" ssl http2; ssl_certificate %1/certificate; "
+                                           "ssl_certificate_key %1/key")
+                                .arg(place.path())
+                          : QString());
     if (::geteuid() == 0)
         text.prepend(QStringLiteral("user root;\n")); // else its workers may not read temporary folders
     QFile file(filePath(QStringLiteral("config")));

@@ -1,3 +1,4 @@
+xrv_add_sdk_test(tst_streamparts)
 # These tests bring servers of their own, on sockets of the POSIX kind.
 if(UNIX)
     set(fault_server ${stage_dir}/faultserver.cpp ${stage_dir}/webfile.cpp ${stage_dir}/loopback.cpp)

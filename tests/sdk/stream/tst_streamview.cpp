@@ -268,6 +268,8 @@ void TestStreamView::secureServerMustBeTrusted()
     config().SetXrvpClientCaFile(secure.certificateFile().toLocal8Bit().constData());
     QVERIFY(!view.Open(utf8(address), false, false));
     QVERIFY(picture(view, kOverview) == localPicture(kSingle, kOverview));
+    for (const QString &line : secure.takeLog())
+        QVERIFY2(line.endsWith(QLatin1String("HTTP/2.0")), qPrintable(line));
     config().SetXrvpClientCaFile(nullptr);
 }
 

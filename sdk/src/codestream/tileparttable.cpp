@@ -165,7 +165,10 @@ CError TilePartTable::walkOn(std::uint64_t readAhead, const CancelFlag &cancel)
         endWalk(position > codestream.end() ? "The file ends within a tile-part." : "");
         return {};
     }
-    const std::uint64_t length = std::min(std::max(readAhead, kSotSegment), codestream.end() - position);
+    const bool isAtHand = position + kSotSegment <= readEnd;
+    const std::uint64_t length =
+        std::min(isAtHand ? kSotSegment : std::max(readAhead, kSotSegment), codestream.end() - position);
+    readEnd = std::max(readEnd, position + length);
     Bytes bytes;
     if (CError error = source->read(ByteRange{position, length}, &bytes, cancel))
         return error;

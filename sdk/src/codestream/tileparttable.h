@@ -62,6 +62,7 @@ private:
     std::uint32_t lastTile = 0; ///< that of the tile-part found last
     std::uint32_t partCount = 0;
     std::uint64_t position = 0; ///< in the file, behind the tile-part found last
+    std::uint64_t readEnd = 0;  ///< in the file, of what the walk has read
     Bytes walked;               ///< what remember() keeps
     std::string damageText;
 };

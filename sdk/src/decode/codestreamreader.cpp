@@ -30,6 +30,8 @@ constexpr std::int64_t kMostCellsPerBatch = 24 << 20;
 constexpr std::uint32_t kSmallestLevel = 64;
 /// Weight of the newest measurement in the decoding rate.
 constexpr double kRateWeight = 0.3;
+/// What a bit takes to come from a distant source, at 20 Mbit/s.
+constexpr double kLineNanosecondsPerBit = 50.0;
 /// Cost of one decode besides its cells.
 constexpr double kMillisecondsPerJob = 0.3;
 
@@ -60,9 +62,12 @@ CodestreamReader::CodestreamReader(std::shared_ptr<ByteSource> source, ByteRange
     , blocks(this->source, *header, fileNumber)
 {
     describe();
-    // Block decoding takes time by the bit: guess it from the compressed size until it is measured.
+    // Block decoding takes time by the bit, and so does a line: guess it from the compressed size until it is measured.
     const double cells = double(raster.width) * raster.height * double(raster.components.size());
-    nanosecondsPerCell = 10.0 + 25.0 * std::min(16.0, 8.0 * double(codestream.length) / cells);
+    const double bitsPerCell = std::min(16.0, 8.0 * double(codestream.length) / cells);
+    nanosecondsPerCell = 10.0 + 25.0 * bitsPerCell;
+    if (this->source->isRemote())
+        nanosecondsPerCell = nanosecondsPerCell + kLineNanosecondsPerBit * bitsPerCell * DecodePool::threads();
 }
 
 void CodestreamReader::describe()

@@ -23,6 +23,8 @@ constexpr std::uint64_t kLowResolutionBits = 2;
 constexpr int kFewResolutions = 2;
 constexpr std::uint64_t kLongestReadAhead = 256 * 1024;
 
+/// Read at a time where all bytes of all tiles are needed.
+constexpr std::uint64_t kWholeTilesAhead = 1u << 20;
 /// Bytes of tiles without packet lengths that are asked for at a time.
 constexpr std::uint64_t kWalkBatch = 8u << 20;
 
@@ -126,26 +128,42 @@ std::uint64_t TileIndexStore::readAhead(int discarded) const
 
 CError TileIndexStore::readHeaders(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel)
 {
-    const std::uint64_t ahead = readAhead(discarded);
-    std::vector<ByteRange> ranges;
+    std::vector<Task *> fresh;
     for (Task &task : tasks) {
-        if (!task.isFresh)
-            continue;
-        if (header.packetIndex) {
+        if (task.isFresh && header.packetIndex)
             task.reader->useIndex(codestream);
-            task.isFresh = false;
-            continue;
-        }
-        if (CError error = table.find(task.tile, source->isRemote() ? ahead : 0, cancel, &task.parts))
+        else if (task.isFresh)
+            fresh.push_back(&task);
+    }
+    if (fresh.empty())
+        return {};
+    std::uint64_t ahead = readAhead(discarded);
+    // Where the tile-parts have to be visited one by one, the first tells whether all of their bytes will be needed.
+    if (source->isRemote() && header.tlm.empty() && fresh.size() > 1) {
+        if (CError error = readHeaders({fresh.front()}, ahead, cancel))
             return error;
-        for (const TilePart &part : task.parts)
+        const TileIndex &index = *fresh.front()->reader->index();
+        const bool needsAll = !index.knowsPlaces(neededResolution(index, discarded)) && !isByResolution(index.style());
+        if (needsAll && fresh.size() * 2 > header.tileCount())
+            ahead = kWholeTilesAhead;
+        fresh.erase(fresh.begin());
+    }
+    return readHeaders(fresh, ahead, cancel);
+}
+
+CError TileIndexStore::readHeaders(const std::vector<Task *> &tasks, std::uint64_t ahead, const CancelFlag &cancel)
+{
+    std::vector<ByteRange> ranges;
+    for (Task *task : tasks) {
+        if (CError error = table.find(task->tile, source->isRemote() ? ahead : 0, cancel, &task->parts))
+            return error;
+        for (const TilePart &part : task->parts)
             ranges.push_back({part.range.offset, std::min(part.range.length, ahead)});
     }
     if (CError error = source->prefetch(ranges, cancel))
         return error;
-    return runAll(tasks.size(), cancel, [&](std::size_t i) {
-        return tasks[i].isFresh ? tasks[i].reader->readHeaders(tasks[i].parts, ahead, cancel) : CError();
-    });
+    return runAll(tasks.size(), cancel,
+                  [&](std::size_t i) { return tasks[i]->reader->readHeaders(tasks[i]->parts, ahead, cancel); });
 }
 
 CError TileIndexStore::walk(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel)

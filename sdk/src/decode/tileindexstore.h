@@ -30,6 +30,7 @@ private:
 
     std::uint64_t readAhead(int discarded) const;
     PLK::CError readHeaders(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel);
+    PLK::CError readHeaders(const std::vector<Task *> &tasks, std::uint64_t ahead, const CancelFlag &cancel);
     PLK::CError walk(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel);
 
     std::shared_ptr<ByteSource> source;

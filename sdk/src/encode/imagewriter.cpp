@@ -138,6 +138,7 @@ private:
         coding.layers = options.layers;
         coding.hasColourTransform = image.colourSpace == PLK_COLORSPACE_SRGB && image.bands.size() >= 3 &&
                                     std::all_of(image.bands.begin(), image.bands.begin() + 3, isAlike);
+        coding.tileSize = blockSize;
         coding.levels = kUsualLevels;
         while (std::max(image.width, image.height) >> coding.levels > kSmallestOverview)
             ++coding.levels;

@@ -112,8 +112,9 @@ opj_cparameters_t makeParameters(const TileCoding &coding, const IntRect &rect)
     parameters.tile_size_on = OPJ_TRUE;
     parameters.cp_tx0 = static_cast<int>(rect.x0);
     parameters.cp_ty0 = static_cast<int>(rect.y0);
-    parameters.cp_tdx = static_cast<int>(rect.width());
-    parameters.cp_tdy = static_cast<int>(rect.height());
+    // The tile is the first of a grid of its own. The encoder wants tiles to be large enough for the resolutions,
+    // though the standard does not; the image clips them all the same.
+    parameters.cp_tdx = parameters.cp_tdy = static_cast<int>(coding.tileSize);
     return parameters;
 }
 

@@ -17,9 +17,10 @@ struct TileCoding
 {
     std::vector<XrvBand> bands;
     bool isLossless = true;
-    double rate = 10.0; ///< n of n:1 where it is not lossless; bytes of the cells, each band in whole bytes
-    int layers = 1;     ///< quality layers, 1 to 32
-    int levels = 5;     ///< decomposition levels
+    double rate = 10.0;            ///< n of n:1 where it is not lossless; bytes of the cells, each band in whole bytes
+    int layers = 1;                ///< quality layers, 1 to 32
+    std::uint32_t tileSize = 1024; ///< sides of the tiles that are not clipped, cells
+    int levels = 5;                ///< decomposition levels
     bool hasColourTransform = false; ///< the first three bands are red, green and blue of the same type
 };
 

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "encode/imagewriter.h"
+
+#include <xrv60/plkview.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+/// An image of computed cells, for writing with the SDK's writer and for comparing with what is read back.
+class SyntheticImage : public xrv::ImageSource
+{
+public:
+    /// Cell of \a band at column \a x and row \a y.
+    using CellFunction = std::function<std::int32_t(int band, int x, int y)>;
+
+    SyntheticImage(int width, int height, int bands, int bits, bool isSigned = false);
+
+    const xrv::ImageDescription &description() const override { return image; }
+    PLK::CError read(const xrv::IntRect &rect, const std::vector<std::int32_t *> &planes) override;
+
+    xrv::ImageDescription image; ///< to be changed before it is written
+    CellFunction cell; ///< at first a smooth landscape with a little noise that reaches both ends of the range
+};
+
+/// Cells [x0, x1) x [y0, y1) of one band at full resolution, as the view gives them; empty on failure.
+std::vector<std::int32_t> readCells(PLK::CView *view, int band, int x0, int y0, int x1, int y1);
+std::vector<std::int32_t> readCells(PLK::CView *view, int band);

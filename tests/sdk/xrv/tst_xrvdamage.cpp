@@ -1,0 +1,208 @@
+#include "data/syntheticimage.h"
+#include "sdk/hostile/attempt.h"
+
+#include <xrv60/plkinit.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <random>
+
+using namespace xrv;
+
+/// XRV files that are cut, damaged or lying: a clear error or a picture, in good time and little memory.
+class TestXrvDamage : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void refusedWithASentence_data();
+    void refusedWithASentence();
+    void laterMinorVersionsAreRead();
+    void recordsThatThePictureCanDoWithout_data();
+    void recordsThatThePictureCanDoWithout();
+    void cuts();
+    void flippedBytes();
+    void lyingIndex();
+
+private:
+    std::string save(const QString &name, const QByteArray &bytes) const
+    {
+        QFile file(QDir(folder.path()).filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            qFatal("cannot write the test file");
+        return file.fileName().toStdString();
+    }
+    int placeOf(const char *type) const { return good.indexOf(type, good.indexOf("jp2c") + 4) - 4; }
+
+    QTemporaryDir folder;
+    QByteArray good;
+    std::vector<std::uint8_t> picture;
+};
+
+void TestXrvDamage::initTestCase()
+{
+    SyntheticImage image(500, 400, 3, 8);
+    image.image.colourSpace = PLK_COLORSPACE_SRGB;
+    image.image.place.origin = GeoReference::Origin::XrvInfo;
+    image.image.place.epsg = 32633;
+    image.image.texts[4] = "Author";
+    image.image.rpc = PLKRPCData{};
+    image.image.xmls = {"<a/>"};
+    WriteOptions options;
+    options.blockSize = 128;
+    const std::string path = save(QStringLiteral("good.xrv"), {});
+    QVERIFY(writeImage(image, options, path).IsSuccess());
+    QFile file(QString::fromStdString(path));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    good = file.readAll();
+    PLK::CView view;
+    const Attempt shown = attempt(&view, path, Damage::Strict);
+    QVERIFY(shown.isShown());
+    picture = shown.picture;
+}
+
+void TestXrvDamage::refusedWithASentence_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("words");
+    const auto changed = [this](int place, const QByteArray &bytes) {
+        QByteArray file = good;
+        return file.replace(place, bytes.size(), bytes);
+    };
+    const auto notXrv = QStringLiteral("This file is not an XRV image that this library can read.");
+    QTest::newRow("a picture of another format")
+        << QByteArray("\x89PNG\r\n\x1a\n and more") << int(PLK_ERR_UNKNOWN_FORMAT) << notXrv;
+    QTest::newRow("text") << QByteArray("just text") << int(PLK_ERR_UNKNOWN_FORMAT) << notXrv;
+    QTest::newRow("line ends were changed") << changed(8, "\n\x87\n") << int(PLK_ERR_UNKNOWN_FORMAT) << notXrv;
+    QTest::newRow("empty") << QByteArray() << int(PLK_ERR_UNKNOWN_FORMAT) << notXrv;
+    QTest::newRow("signature alone") << good.left(12) << int(PLK_ERR_TRUNCATED)
+                                     << QStringLiteral("ends before its version");
+    QTest::newRow("newer version") << changed(20, "\x02") << int(PLK_ERR_UNSUPPORTED)
+                                   << QStringLiteral("is of version 2.0; this library reads versions 1.x");
+    QTest::newRow("no version") << changed(16, "free") << int(PLK_ERR_MALFORMED) << QStringLiteral("has no version");
+    QTest::newRow("no file information") << changed(placeOf("finf") + 4, "free") << int(PLK_ERR_MALFORMED)
+                                         << QStringLiteral("has no file information");
+    QTest::newRow("damaged file information") << changed(placeOf("finf") + 8, "\xff") << int(PLK_ERR_MALFORMED)
+                                              << QStringLiteral("file information of the XRV file is damaged");
+    QTest::newRow("cut before the codestream")
+        << good.left(placeOf("pidx") + 20) << int(PLK_ERR_TRUNCATED) << QStringLiteral("ends before its codestream");
+}
+
+void TestXrvDamage::refusedWithASentence()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(int, code);
+    QFETCH(QString, words);
+    PLK::CView view;
+    const PLK::CError error = view.Open(save(QStringLiteral("refused.XRV"), file).c_str(), false, false);
+    QVERIFY2(QString::fromUtf8(error.GetErrorMessage()).contains(words), error.GetErrorMessage());
+    QCOMPARE(error.GetErrorNumber(), code);
+    QVERIFY(!view.IsOpen());
+}
+
+void TestXrvDamage::laterMinorVersionsAreRead()
+{
+    QByteArray file = good;
+    file[21] = 7;
+    file.insert(placeOf("finf"), QByteArray("\0\0\0\x0c"
+                                            "newb"
+                                            "????",
+                                            12));
+    PLK::CView view;
+    const Attempt shown = attempt(&view, save(QStringLiteral("later.xrv"), file), Damage::Strict);
+    QVERIFY2(shown.isShown(), shown.error.GetErrorMessage());
+    QVERIFY(shown.picture == picture);
+}
+
+void TestXrvDamage::recordsThatThePictureCanDoWithout_data()
+{
+    QTest::addColumn<QByteArray>("box");
+    for (const char *box : {"toc ", "band", "jp2h", "auth", "rpc ", "uuid", "stat", "xml ", "pidx"})
+        QTest::newRow(box) << QByteArray(box);
+}
+
+/// Without the box, and with its content gone bad.
+void TestXrvDamage::recordsThatThePictureCanDoWithout()
+{
+    QFETCH(QByteArray, box);
+    const int place = box == "toc " ? 24 : placeOf(box.constData());
+    QVERIFY(place > 0);
+    QByteArray missing = good, bad = good;
+    missing.replace(place + 4, 4, "free");
+    const int length = qFromBigEndian<int>(good.constData() + place);
+    bad.replace(place + 8, length - 8, QByteArray(length - 8, '\xff'));
+    for (const QByteArray &file : {missing, bad}) {
+        PLK::CView view;
+        const Attempt shown = attempt(&view, save(QStringLiteral("without.xrv"), file), Damage::Strict);
+        QVERIFY2(shown.isShown(), shown.error.GetErrorMessage());
+        QVERIFY(shown.picture == picture);
+        PLKFileStatistics *statistics = nullptr;
+        QVERIFY(view.GetClientStatistics(&statistics).IsSuccess());
+        QCOMPARE(statistics->nBands, 3u);
+        PLKFreeStatistics(statistics);
+    }
+}
+
+void TestXrvDamage::cuts()
+{
+    int refused = 0, incomplete = 0;
+    for (int part = 0; part < 32; ++part) {
+        const std::string path = save(QStringLiteral("cut.xrv"), good.left(int(qint64(good.size()) * part / 32)));
+        for (const Damage damage : {Damage::Strict, Damage::Resilient}) {
+            PLK::CView view;
+            const Attempt shown = attempt(&view, path, damage);
+            QVERIFY2(shown.complaint().isEmpty(), shown.complaint().constData());
+            if (damage == Damage::Strict)
+                refused += shown.isShown() ? 0 : 1;
+            else
+                incomplete += shown.isShown() && shown.picture != picture ? 1 : 0;
+        }
+    }
+    // A small picture of the whole needs the lower resolutions only, so that the last cuts do not show.
+    QVERIFY2(refused > 8, qPrintable(QString::number(refused)));
+    QVERIFY(incomplete > 0);
+}
+
+void TestXrvDamage::flippedBytes()
+{
+    std::mt19937 random(7);
+    const int start = good.indexOf("jp2c") + 200; // the headers, then everything
+    int different = 0;
+    for (int round = 0; round < 300; ++round) {
+        QByteArray file = good;
+        const auto most = static_cast<unsigned>(round % 2 == 0 ? start : file.size());
+        for (auto count = random() % 3 + 1; count > 0; --count)
+            file[int(random() % most)] = char(random() % 256);
+        PLK::CView view;
+        const Attempt shown = attempt(&view, save(QStringLiteral("flipped.xrv"), file),
+                                      round % 4 < 2 ? Damage::Strict : Damage::Resilient);
+        QVERIFY2(shown.complaint().isEmpty(), shown.complaint().constData());
+        different += shown.isShown() && shown.picture == picture ? 0 : 1;
+        PLKFileStatistics *statistics = nullptr;
+        view.GetClientStatistics(&statistics);
+        PLKFreeStatistics(statistics);
+    }
+    QVERIFY(different > 20);
+}
+
+/// Lengths that were moved from one packet to the next add up as before.
+void TestXrvDamage::lyingIndex()
+{
+    QByteArray file = good;
+    const int place = placeOf("pidx") + 8;
+    // Number of tile-parts, then tile, header length, number of packets and the packets' lengths.
+    QVERIFY((quint8(file[place + 4]) & 0x80) != 0 && (quint8(file[place + 6]) & 0x80) != 0);
+    file[place + 5] = char(file[place + 5] + 1);
+    file[place + 7] = char(file[place + 7] - 1);
+    PLK::CView view;
+    const Attempt shown = attempt(&view, save(QStringLiteral("lying.xrv"), file), Damage::Resilient);
+    QVERIFY2(shown.complaint().isEmpty(), shown.complaint().constData());
+}
+
+QTEST_GUILESS_MAIN(TestXrvDamage)
+#include "tst_xrvdamage.moc"

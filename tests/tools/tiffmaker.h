@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+
+/// A TIFF file for tests, made with libtiff.
+struct TiffRecipe
+{
+    int width = 300, height = 211;
+    int samples = 1, bits = 8;
+    bool isSigned = false, isPlanar = false;
+    int tileSize = 0;      ///< 0: strips
+    int rowsPerStrip = 16; ///< of strips
+    int compression = 1;   ///< as the tag has it: 1 none, 5 LZW
+    int photometric = 1;   ///< as the tag has it: 0 white is zero, 1 black is zero, 2 RGB, 3 palette
+    int alphaSamples = 0;
+    bool isPlaced = false; ///< EPSG 32633, 10 m cells, origin (500000, 5200000)
+    bool isBigTiff = false;
+    std::function<int(int sample, int x, int y)> cell;
+};
+
+/// The usual cells: a slope that uses all of the range, another for every sample.
+int slopeCell(const TiffRecipe &recipe, int sample, int x, int y);
+
+/// False where libtiff could not write it.
+bool makeTiff(const QString &path, const TiffRecipe &recipe);

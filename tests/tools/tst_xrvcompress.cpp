@@ -1,0 +1,390 @@
+#include "tiffmaker.h"
+#include "toolsupport.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QImage>
+#include <QJsonArray>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <tiff.h>
+
+/// xrvcompress and xrvinfo from the shell.
+class TestXrvCompress : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void tiffFiles_data();
+    void tiffFiles();
+    void pnmFiles_data();
+    void pnmFiles();
+    void pngFiles_data();
+    void pngFiles();
+    void throughJpeg2000AndBack();
+    void optionsGoIntoTheFile();
+    void sideFiles();
+    void wrongUsage_data();
+    void wrongUsage();
+    void whatCannotBeRead_data();
+    void whatCannotBeRead();
+    void interruptedLeavesNothing();
+    void infoOfWhatIsNone();
+
+private:
+    QString path(const QString &name) const { return QDir(folder.path()).filePath(name); }
+    void save(const QString &name, const QByteArray &bytes) const
+    {
+        QFile file(path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+    /// Compresses without loss; the result's path, or nothing.
+    QString compress(const QString &input, const QStringList &options = {})
+    {
+        const QString output = path(QStringLiteral("out.xrv"));
+        QFile::remove(output);
+        const ToolRun run = runTool(QStringLiteral("xrvcompress"), options + QStringList({input, output}));
+        if (run.status != 0)
+            qWarning("%s", qPrintable(run.errors));
+        return run.status == 0 ? output : QString();
+    }
+    QTemporaryDir folder;
+};
+
+using Recipe = TiffRecipe;
+Q_DECLARE_METATYPE(Recipe)
+
+namespace {
+
+/// What is in a TIFF's palette, see tiffmaker.cpp.
+int paletteCell(int colour, int index)
+{
+    return colour == 0 ? index : colour == 1 ? 255 - index : index / 2;
+}
+
+} // namespace
+
+void TestXrvCompress::tiffFiles_data()
+{
+    QTest::addColumn<Recipe>("recipe");
+    const auto row = [](const char *name, const std::function<void(Recipe *)> &change) {
+        Recipe recipe;
+        change(&recipe);
+        QTest::newRow(name) << recipe;
+    };
+    row("strips", [](Recipe *) {});
+    row("strips, 16 bits, LZW", [](Recipe *r) { r->bits = 16, r->compression = COMPRESSION_LZW; });
+    row("strips, signed 16 bits", [](Recipe *r) { r->bits = 16, r->isSigned = true; });
+    row("strips, signed 8 bits", [](Recipe *r) { r->isSigned = true; });
+    row("strips, colours", [](Recipe *r) { r->samples = 3, r->photometric = PHOTOMETRIC_RGB; });
+    row("strips, bands apart, LZW",
+        [](Recipe *r) { r->samples = 4, r->isPlanar = true, r->compression = COMPRESSION_LZW, r->bits = 16; });
+    row("one strip, bands apart", [](Recipe *r) { r->samples = 3, r->isPlanar = true, r->rowsPerStrip = 100000; });
+    row("tiles", [](Recipe *r) { r->tileSize = 64; });
+    row("tiles that fit no block, colours",
+        [](Recipe *r) { r->tileSize = 112, r->samples = 3, r->photometric = PHOTOMETRIC_RGB; });
+    row("tiles, bands apart, 16 bits",
+        [](Recipe *r) { r->tileSize = 128, r->samples = 8, r->isPlanar = true, r->bits = 16; });
+    row("opacity", [](Recipe *r) { r->samples = 4, r->photometric = PHOTOMETRIC_RGB, r->alphaSamples = 1; });
+    row("palette", [](Recipe *r) { r->photometric = PHOTOMETRIC_PALETTE; });
+    row("palette in tiles", [](Recipe *r) { r->photometric = PHOTOMETRIC_PALETTE, r->tileSize = 64; });
+    row("white is zero", [](Recipe *r) { r->photometric = PHOTOMETRIC_MINISWHITE; });
+    row("BigTIFF with a place", [](Recipe *r) { r->isBigTiff = true, r->isPlaced = true; });
+    row("more rows than a row of blocks", [](Recipe *r) { r->width = 90, r->height = 700, r->samples = 2; });
+}
+
+void TestXrvCompress::tiffFiles()
+{
+    QFETCH(Recipe, recipe);
+    recipe.cell = [&recipe](int sample, int x, int y) { return slopeCell(recipe, sample, x, y); };
+    const QString input = path(QStringLiteral("in.tif"));
+    QVERIFY(makeTiff(input, recipe));
+    const QString output = compress(input, {QStringLiteral("--block-size"), QStringLiteral("128")});
+    QVERIFY(!output.isEmpty());
+
+    const bool isPalette = recipe.photometric == PHOTOMETRIC_PALETTE;
+    const bool isInverted = recipe.photometric == PHOTOMETRIC_MINISWHITE;
+    for (int band = 0; band < (isPalette ? 3 : recipe.samples); ++band) {
+        std::vector<std::int32_t> expected;
+        for (int y = 0; y < recipe.height; ++y)
+            for (int x = 0; x < recipe.width; ++x)
+                expected.push_back(isPalette    ? paletteCell(band, recipe.cell(0, x, y))
+                                   : isInverted ? 255 - recipe.cell(0, x, y)
+                                                : recipe.cell(band, x, y));
+        QVERIFY(cellsOf(output, band) == expected);
+    }
+    const QJsonObject info = infoOf(output);
+    const bool isRgb = isPalette || recipe.photometric == PHOTOMETRIC_RGB;
+    QCOMPARE(info[QStringLiteral("colour space")].toString(), isRgb                 ? QStringLiteral("sRGB")
+                                                              : recipe.samples == 1 ? QStringLiteral("greyscale")
+                                                                                    : QStringLiteral("multiband"));
+    const QJsonArray bands = info[QStringLiteral("bands")].toArray();
+    QCOMPARE(bands.last()[QStringLiteral("description")].toString() == QStringLiteral("AllOpacity"),
+             recipe.alphaSamples > 0);
+    const QJsonObject place = info[QStringLiteral("place")].toObject();
+    QCOMPARE(place[QStringLiteral("epsg")].toInt(), recipe.isPlaced ? 32633 : 0);
+    QCOMPARE(place[QStringLiteral("origin")].toArray().first().toDouble(), recipe.isPlaced ? 500000.0 : 0.0);
+}
+
+void TestXrvCompress::pnmFiles_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<int>("bands");
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<int>("cell"); ///< of the last band at (1, 1)
+    QTest::newRow("grey") << QByteArray("P5\n# a comment\n2 2\n255\n") + QByteArray("\x01\x02\x03\xfe", 4) << 1 << 8
+                          << 254;
+    QTest::newRow("grey of 16 bits") << QByteArray("P5 2 2 65535\n") + QByteArray("\0\1\0\2\0\3\xff\xfe", 8) << 1 << 16
+                                     << 65534;
+    QTest::newRow("grey of 12 bits") << QByteArray("P5 2 2 4095\n") + QByteArray("\0\1\0\2\0\3\x0f\xfe", 8) << 1 << 12
+                                     << 4094;
+    QTest::newRow("colours") << QByteArray("P6\n2\n2\n255\n") + QByteArray(11, 'a') + 'z' << 3 << 8 << int('z');
+    QTest::newRow("bands") << QByteArray("P7\nWIDTH 2\nHEIGHT 2\nDEPTH 5\nMAXVAL 255\nENDHDR\n") + QByteArray(19, 'a') +
+                                  'y'
+                           << 5 << 8 << int('y');
+    QTest::newRow("opacity") << QByteArray(
+                                    "P7\nWIDTH 2\nHEIGHT 2\nDEPTH 2\nMAXVAL 255\nTUPLTYPE GRAYSCALE_ALPHA\nENDHDR\n") +
+                                    QByteArray(7, 'a') + 'x'
+                             << 2 << 8 << int('x');
+}
+
+void TestXrvCompress::pnmFiles()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(int, bands);
+    QFETCH(int, bits);
+    QFETCH(int, cell);
+    save(QStringLiteral("in.pnm"), file);
+    const QString output = compress(path(QStringLiteral("in.pnm")));
+    QVERIFY(!output.isEmpty());
+    const QJsonArray described = infoOf(output)[QStringLiteral("bands")].toArray();
+    QCOMPARE(described.size(), bands);
+    QCOMPARE(described.last()[QStringLiteral("bits")].toInt(), bits);
+    QCOMPARE(cellsOf(output, bands - 1).back(), cell);
+}
+
+void TestXrvCompress::pngFiles_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::addColumn<int>("bands");
+    QTest::newRow("colours") << int(QImage::Format_RGB888) << 3;
+    QTest::newRow("colours and opacity") << int(QImage::Format_RGBA8888) << 4;
+    QTest::newRow("grey") << int(QImage::Format_Grayscale8) << 1;
+    QTest::newRow("palette with opacity") << int(QImage::Format_Indexed8) << 4;
+    QTest::newRow("palette of two colours") << int(QImage::Format_Mono) << 3;
+}
+
+void TestXrvCompress::pngFiles()
+{
+    QFETCH(int, format);
+    QFETCH(int, bands);
+    QImage image(101, 67, QImage::Format_RGBA8888);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixelColor(x, y, QColor(x * 2, y * 3, (x + y) & 255, 100 + x));
+    image = image.convertToFormat(QImage::Format(format), Qt::ThresholdDither);
+    QVERIFY(image.save(path(QStringLiteral("in.png"))));
+    const QString output = compress(path(QStringLiteral("in.png")));
+    QVERIFY(!output.isEmpty());
+    QCOMPARE(infoOf(output)[QStringLiteral("bands")].toArray().size(), bands);
+    for (int band = 0; band < bands; ++band) {
+        const std::vector<std::int32_t> cells = cellsOf(output, band);
+        QCOMPARE(int(cells.size()), 101 * 67);
+        for (int i = 0; i < int(cells.size()); ++i) {
+            const QColor colour = image.pixelColor(i % 101, i / 101);
+            const int expected[] = {colour.red(), colour.green(), colour.blue(), colour.alpha()};
+            QCOMPARE(cells[std::size_t(i)], expected[band]);
+        }
+    }
+}
+
+void TestXrvCompress::throughJpeg2000AndBack()
+{
+    Recipe recipe;
+    recipe.samples = 3;
+    recipe.photometric = PHOTOMETRIC_RGB;
+    recipe.isPlaced = true;
+    recipe.cell = [&recipe](int sample, int x, int y) { return slopeCell(recipe, sample, x, y); };
+    QVERIFY(makeTiff(path(QStringLiteral("in.tif")), recipe));
+    const QString xrv = path(QStringLiteral("a.xrv")), jp2 = path(QStringLiteral("a.jp2"));
+    const QString again = path(QStringLiteral("b.jp2"));
+    const QString tool = QStringLiteral("xrvcompress"), toJp2 = QStringLiteral("--jp2");
+    QCOMPARE(runTool(tool, {toJp2, path(QStringLiteral("in.tif")), jp2}).status, 0);
+    QCOMPARE(runTool(tool, {jp2, xrv}).status, 0);
+    QCOMPARE(runTool(tool, {toJp2, xrv, again}).status, 0);
+    QFile first(jp2), second(again);
+    QVERIFY(first.open(QIODevice::ReadOnly) && second.open(QIODevice::ReadOnly));
+    QVERIFY(first.readAll() == second.readAll());
+    const QJsonObject info = infoOf(jp2);
+    QCOMPARE(info[QStringLiteral("format")].toString(), QStringLiteral("JPEG 2000"));
+    QCOMPARE(info[QStringLiteral("place")][QStringLiteral("epsg")].toInt(), 32633);
+    QCOMPARE(info[QStringLiteral("codestream")][QStringLiteral("progression order")].toString(),
+             QStringLiteral("RPCL"));
+}
+
+void TestXrvCompress::optionsGoIntoTheFile()
+{
+    QImage image(500, 400, QImage::Format_RGB888);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixelColor(x, y, QColor((x * x + y) & 255, (x * y) & 255, (x ^ y) & 255));
+    QVERIFY(image.save(path(QStringLiteral("noise.png"))));
+    save(QStringLiteral("a.xml"), "<a/>");
+    save(QStringLiteral("b.xml"), "<b/>");
+    const QString output =
+        compress(path(QStringLiteral("noise.png")),
+                 {QStringLiteral("--rate"), QStringLiteral("8:1"), QStringLiteral("--block-size=256"),
+                  QStringLiteral("--layers"), QStringLiteral("3"), QStringLiteral("--author"),
+                  QStringLiteral("山田太郎"), QStringLiteral("--company"), QStringLiteral("شركة الخرائط"),
+                  QStringLiteral("--xml"), path(QStringLiteral("a.xml")), QStringLiteral("--xml"),
+                  path(QStringLiteral("b.xml")), QStringLiteral("--telephone=+81")});
+    QVERIFY(!output.isEmpty());
+    const QJsonObject info = infoOf(output);
+    const QJsonObject compression = info[QStringLiteral("compression")].toObject();
+    QCOMPARE(compression[QStringLiteral("lossless")].toBool(), false);
+    QCOMPARE(compression[QStringLiteral("target rate")].toInt(), 8);
+    QVERIFY(qAbs(compression[QStringLiteral("actual rate")].toDouble() - 600000.0 / double(QFileInfo(output).size())) <
+            0.001);
+    QCOMPARE(compression[QStringLiteral("block size")].toArray(), QJsonArray({256, 256}));
+    QCOMPARE(info[QStringLiteral("codestream")][QStringLiteral("quality layers")].toInt(), 3);
+    const QJsonObject texts = info[QStringLiteral("texts")].toObject();
+    QCOMPARE(texts[QStringLiteral("author")].toString(), QStringLiteral("山田太郎"));
+    QCOMPARE(texts[QStringLiteral("company")].toString(), QStringLiteral("شركة الخرائط"));
+    QCOMPARE(texts[QStringLiteral("telephone")].toString(), QStringLiteral("+81"));
+    QVERIFY(texts[QStringLiteral("compression software")].toString().startsWith(QStringLiteral("xrvcompress ")));
+    QCOMPARE(info[QStringLiteral("xml boxes")].toArray().size(), 2);
+
+    // Statistics with the counts of the cells.
+    const QJsonArray statistics =
+        infoOf(output, {QStringLiteral("--histograms")})[QStringLiteral("statistics")].toArray();
+    double cells = 0.0;
+    for (const QJsonValue &count : statistics.first()[QStringLiteral("histogram")].toArray())
+        cells += count.toDouble();
+    QCOMPARE(cells, 500.0 * 400.0);
+    // As text, too.
+    QVERIFY(runTool(QStringLiteral("xrvinfo"), {output}).output.contains(QStringLiteral("  author: 山田太郎\n")));
+}
+
+void TestXrvCompress::sideFiles()
+{
+    Recipe recipe;
+    recipe.cell = [&recipe](int sample, int x, int y) { return slopeCell(recipe, sample, x, y); };
+    QVERIFY(makeTiff(path(QStringLiteral("side.tif")), recipe));
+    save(QStringLiteral("side.tfw"), "2\n0\n0\n-2\n1001\n1999\n");
+    QByteArray rpc("LINE_OFF: 100 pixels\nSAMP_OFF: 150 pixels\nLAT_OFF: 48 degrees\nLONG_OFF: 11 degrees\n"
+                   "HEIGHT_OFF: 500 meters\nLINE_SCALE: 100\nSAMP_SCALE: 150\nLAT_SCALE: 0.1\nLONG_SCALE: 0.1\n"
+                   "HEIGHT_SCALE: 500\n");
+    for (const char *list : {"LINE_NUM", "LINE_DEN", "SAMP_NUM", "SAMP_DEN"})
+        for (int i = 1; i <= 20; ++i)
+            rpc += QByteArray(list) + "_COEFF_" + QByteArray::number(i) + ": " + QByteArray::number(i * 0.5) + "\n";
+    save(QStringLiteral("coefficients.txt"), rpc);
+    const QString output =
+        compress(path(QStringLiteral("side.tif")), {QStringLiteral("--rpc"), path(QStringLiteral("coefficients.txt"))});
+    QVERIFY(!output.isEmpty());
+    const QJsonObject info = infoOf(output);
+    QCOMPARE(info[QStringLiteral("place")][QStringLiteral("origin")].toArray(), QJsonArray({1000, 2000}));
+    QCOMPARE(info[QStringLiteral("rpc")][QStringLiteral("sample denominator")].toArray().last().toDouble(), 10.0);
+    QCOMPARE(info[QStringLiteral("rpc")][QStringLiteral("height offset")].toDouble(), 500.0);
+}
+
+void TestXrvCompress::wrongUsage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("words");
+    const auto row = [](const char *name, const char *line, const char *words) {
+        QTest::newRow(name) << QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts)
+                            << QString::fromUtf8(words);
+    };
+    row("nothing", "", "An input and an output file are needed.");
+    row("one file", "a", "An input and an output file are needed.");
+    row("three files", "a b c", "Too many files are named.");
+    row("unknown option", "--fast a b", "Unknown option: --fast");
+    row("no value", "a b --rate", "The option --rate needs a value.");
+    row("rate of words", "--rate ten a b", "\"ten\" is no value for the option --rate.");
+    row("rate below one", "--rate 0.5 a b", "is no value");
+    row("rate that is no number", "--rate nan a b", "is no value");
+    row("block size that is no power of two", "--block-size 1000 a b", "is no value");
+    row("33 layers", "--layers 33 a b", "is no value");
+    row("both kinds", "--lossless --rate 4 a b", "exclude each other");
+}
+
+void TestXrvCompress::wrongUsage()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, words);
+    const ToolRun run = runTool(QStringLiteral("xrvcompress"), arguments);
+    QCOMPARE(run.status, 2);
+    QVERIFY2(run.errors.contains(words), qPrintable(run.errors));
+    QVERIFY(run.errors.contains(QStringLiteral("usage:")));
+}
+
+void TestXrvCompress::whatCannotBeRead_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("words");
+    QTest::newRow("text") << QByteArray("hello") << QStringLiteral("is no JPEG 2000, XRV, TIFF, PNM or PNG file");
+    QTest::newRow("empty") << QByteArray() << QStringLiteral("is no JPEG 2000");
+    QTest::newRow("PNM of text") << QByteArray("P3 1 1 255 1 2 3") << QStringLiteral("only binary");
+    QTest::newRow("PNM without a size") << QByteArray("P5 x") << QStringLiteral("header");
+    QTest::newRow("PNM that is cut") << QByteArray("P5 100 100 255\nabc") << QStringLiteral("ends before its last row");
+    QTest::newRow("PNG that is cut") << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16) << QStringLiteral("is damaged");
+    QTest::newRow("TIFF that is cut") << QByteArray("II\x2a\0\x08\0\0\0\x01\0", 10) << QStringLiteral("cannot be read");
+    QTest::newRow("JPEG 2000 that is cut") << QByteArray("\xff\x4f\xff\x51\0\x29", 6) << QStringLiteral("\n");
+}
+
+void TestXrvCompress::whatCannotBeRead()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QString, words);
+    QTemporaryDir own;
+    const QString input = QDir(own.path()).filePath(QStringLiteral("in"));
+    QFile written(input);
+    QVERIFY(written.open(QIODevice::WriteOnly) && written.write(file) == file.size());
+    written.close();
+    const ToolRun run =
+        runTool(QStringLiteral("xrvcompress"), {input, QDir(own.path()).filePath(QStringLiteral("out.xrv"))});
+    QCOMPARE(run.status, 1);
+    QVERIFY2(run.errors.startsWith(QStringLiteral("xrvcompress: ")) && run.errors.contains(words),
+             qPrintable(run.errors));
+    QCOMPARE(QDir(own.path()).entryList(QDir::Files | QDir::Hidden), QStringList({QStringLiteral("in")}));
+}
+
+void TestXrvCompress::interruptedLeavesNothing()
+{
+#ifdef Q_OS_WIN
+    QSKIP("QProcess::terminate() sends no signal here");
+#endif
+    Recipe recipe;
+    recipe.width = 3000;
+    recipe.height = 3000;
+    recipe.samples = 3;
+    recipe.photometric = PHOTOMETRIC_RGB;
+    recipe.cell = [](int sample, int x, int y) { return (x * y + sample * x) >> 3 & 255; };
+    QTemporaryDir own;
+    const QDir inside(own.path());
+    QVERIFY(makeTiff(inside.filePath(QStringLiteral("in.tif")), recipe));
+    QProcess process;
+    process.start(QStringLiteral(XRV_TOOL_DIR "/xrvcompress"),
+                  {QStringLiteral("--block-size=128"), inside.filePath(QStringLiteral("in.tif")),
+                   inside.filePath(QStringLiteral("out.xrv"))});
+    QTRY_VERIFY_WITH_TIMEOUT(inside.entryList(QDir::Files | QDir::Hidden).size() > 1, 30000);
+    process.terminate();
+    QVERIFY(process.waitForFinished(30000));
+    QCOMPARE(process.exitCode(), 130);
+    QCOMPARE(inside.entryList(QDir::Files | QDir::Hidden), QStringList({QStringLiteral("in.tif")}));
+}
+
+void TestXrvCompress::infoOfWhatIsNone()
+{
+    save(QStringLiteral("none.xrv"), "nothing");
+    const ToolRun run = runTool(QStringLiteral("xrvinfo"), {path(QStringLiteral("none.xrv"))});
+    QCOMPARE(run.status, 1);
+    QCOMPARE(run.errors, QStringLiteral("xrvinfo: This file is not an XRV image that this library can read.\n"));
+    QCOMPARE(runTool(QStringLiteral("xrvinfo"), {}).status, 2);
+}
+
+QTEST_GUILESS_MAIN(TestXrvCompress)
+#include "tst_xrvcompress.moc"

@@ -66,6 +66,16 @@ void ByteRangeSet::remove(const ByteRangeSet &other)
         remove(range);
 }
 
+ByteRangeSet ByteRangeSet::intersected(const ByteRangeSet &other) const
+{
+    ByteRangeSet common;
+    for (const ByteRange &range : other.held) {
+        const std::vector<ByteRange> parts = within(range);
+        common.held.insert(common.held.end(), parts.begin(), parts.end());
+    }
+    return common;
+}
+
 std::vector<ByteRange> ByteRangeSet::within(const ByteRange &range) const
 {
     std::vector<ByteRange> common;

@@ -22,6 +22,8 @@ public:
     void add(const ByteRange &range);
     void remove(const ByteRange &range);
     void remove(const ByteRangeSet &other);
+    /// What is in both.
+    ByteRangeSet intersected(const ByteRangeSet &other) const;
     /// What is in this and in \a range.
     std::vector<ByteRange> within(const ByteRange &range) const;
 

@@ -4,11 +4,24 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace xrv {
+
+struct HttpAnswer;
+
+/// Takes a body that is too long for memory as it comes.
+class BodySink
+{
+public:
+    virtual ~BodySink() = default;
+    /// \a length bytes from \a offset of the body; \a head has status and headers. False ends the exchange. On the
+    /// client's thread, which all streams wait for; perhaps once more after the exchange was cancelled.
+    virtual bool take(const HttpAnswer &head, std::uint64_t offset, const std::uint8_t *data, std::size_t length) = 0;
+};
 
 /// One request to a server. Times in milliseconds.
 struct HttpRequest
@@ -21,8 +34,9 @@ struct HttpRequest
     std::vector<std::string> headers; ///< further ones, "Name: value"
     std::string userAgent, caFile;
     int connectTimeout = 0, stallTimeout = 0;
-    std::uint64_t partialLimit = 0; ///< bytes taken of the body of a 206, more is "too long"
-    std::uint64_t wholeLimit = 0;   ///< the same of a 200
+    std::uint64_t partialLimit = 0;      ///< bytes taken of the body of a 206, more is "too long"
+    std::uint64_t wholeLimit = 0;        ///< the same of a 200
+    std::shared_ptr<BodySink> wholeSink; ///< gets the body of a 200, where there is one
 };
 
 /// How an exchange ended.
@@ -45,6 +59,7 @@ struct HttpAnswer
     int status = 0;                                           ///< 0 without an answer
     std::vector<std::pair<std::string, std::string>> headers; ///< names in lower case
     Bytes body;
+    std::uint64_t bodyLength = 0; ///< also of what went to a sink
     /// Of the last header of this \a name (lower case); empty without.
     std::string header(const std::string &name) const;
     bool hasHeader(const std::string &name) const;

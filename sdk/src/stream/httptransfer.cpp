@@ -15,6 +15,8 @@ constexpr std::size_t kMostHeaderBytes = 65536;
 constexpr std::size_t kMostErrorBody = 65536;      // pages that explain an error are passed over
 constexpr std::uint64_t kLeastPerStallTime = 1024; // a drip that would take hours is a stall too
 constexpr long kBufferSize = 131072;
+constexpr std::size_t kSinkBlock = std::size_t(1) << 20;
+constexpr std::size_t kMostDigits = 18;
 
 std::string trimmed(const std::string &text)
 {
@@ -147,14 +149,36 @@ std::uint64_t HttpTransfer::bodyLimit() const
     return answer.status == 200 ? request.wholeLimit : kMostErrorBody;
 }
 
+/// There is no use in taking the beginning of a whole file that is not wanted as a whole.
+bool HttpTransfer::isAnnouncedTooLong() const
+{
+    const std::string length = answer.header("content-length");
+    return answer.status == 200 && !length.empty() && length.size() <= kMostDigits &&
+           length.find_first_not_of("0123456789") == std::string::npos && std::stoull(length) > bodyLimit();
+}
+
 bool HttpTransfer::takeBody(const char *data, std::size_t length)
 {
     windowBytes += length;
-    const std::uint64_t room = bodyLimit() - std::min<std::uint64_t>(bodyLimit(), answer.body.size());
+    if (answer.bodyLength == 0 && isAnnouncedTooLong()) {
+        isTooLong = true;
+        return false;
+    }
+    const std::uint64_t room = bodyLimit() - std::min(bodyLimit(), answer.bodyLength);
     const auto taken = static_cast<std::size_t>(std::min<std::uint64_t>(room, length));
     answer.body.insert(answer.body.end(), data, data + taken);
+    answer.bodyLength += taken;
     isTooLong = taken < length;
+    if (usesSink() && answer.body.size() >= kSinkBlock && !flushToSink())
+        return false;
     return !isTooLong;
+}
+
+bool HttpTransfer::flushToSink()
+{
+    const Bytes block = std::move(answer.body);
+    answer.body.clear();
+    return request.wholeSink->take(answer, answer.bodyLength - block.size(), block.data(), block.size());
 }
 
 bool HttpTransfer::isStalled(Clock::time_point now)
@@ -193,6 +217,8 @@ HttpOutcome HttpTransfer::outcomeOf(CURLcode code) const
 
 HttpAnswer HttpTransfer::finish(CURLcode code)
 {
+    if (usesSink() && !answer.body.empty() && !flushToSink() && code == CURLE_OK)
+        code = CURLE_WRITE_ERROR;
     answer.outcome = hasBadHeaders ? HttpOutcome::Invalid : outcomeOf(code);
     if (answer.outcome == HttpOutcome::TooLong)
         answer.failure = "the answer is longer than what was asked for";

@@ -34,6 +34,9 @@ private:
     bool takeHeader(const std::string &line);
     bool takeBody(const char *data, std::size_t length);
     std::uint64_t bodyLimit() const;
+    bool isAnnouncedTooLong() const;
+    bool usesSink() const { return answer.status == 200 && request.wholeSink; }
+    bool flushToSink();
     HttpOutcome outcomeOf(CURLcode code) const;
     static std::size_t onHeader(char *data, std::size_t size, std::size_t count, void *self);
     static std::size_t onBody(char *data, std::size_t size, std::size_t count, void *self);

@@ -32,6 +32,15 @@ bool isTransient(int status)
     return status == 408 || status == 429 || status == 500 || status == 502 || status == 503 || status == 504;
 }
 
+/// 0 when the answer does not say.
+std::uint64_t contentLength(const HttpAnswer &answer)
+{
+    const std::string length = answer.header("content-length");
+    const bool isNumber =
+        !length.empty() && length.size() < 19 && length.find_first_not_of("0123456789") == std::string::npos;
+    return isNumber ? std::stoull(length) : 0;
+}
+
 std::string sizeText(std::uint64_t bytes)
 {
     return std::to_string((bytes + (1 << 20) - 1) >> 20) + " MB";
@@ -45,6 +54,7 @@ class RangeFetcher::Round
 public:
     CError trouble;                        ///< worth another try
     int pause = -1;                        ///< milliseconds the server wants to be left alone
+    bool isInSink = false;                 ///< the whole file went there
     bool isFallback = false;               ///< another way of asking was found to be needed
     std::uint64_t lacking = 0, gained = 0; ///< bytes before, and how many of these came
 };
@@ -103,11 +113,9 @@ std::uint64_t RangeFetcher::wholeLimit() const
 
 CError RangeFetcher::tooLarge(const HttpAnswer &answer) const
 {
-    const std::string length = answer.header("content-length");
-    const bool isNumber =
-        !length.empty() && length.size() < 19 && length.find_first_not_of("0123456789") == std::string::npos;
+    const std::uint64_t length = contentLength(answer);
     return {PLK_ERR_TOO_LARGE, "The server of " + quotedName() + " gives files as a whole only, and this one " +
-                                   (isNumber ? "(" + sizeText(std::stoull(length)) + ") " : std::string()) +
+                                   (length > 0 ? "(" + sizeText(length) + ") " : std::string()) +
                                    "is larger than the " + sizeText(wholeLimit()) + " that the stream cache may take."};
 }
 
@@ -117,7 +125,7 @@ CError RangeFetcher::open(const FileVersion &known, const CancelFlag &cancel, co
     for (;;) {
         const std::uint64_t firstBytes = std::max<std::uint64_t>(1, link.options().firstBytes);
         HttpRequest request = link.request("0-" + std::to_string(firstBytes - 1), firstBytes + kAnswerSlack);
-        request.wholeLimit = wholeLimit();
+        request.wholeLimit = std::min(wholeLimit(), link.options().wholeInMemory);
         request.headers = known.revalidationHeaders();
         const HttpAnswer answer = link.ask({request}, cancel).front();
         if (answer.outcome == HttpOutcome::Cancelled)
@@ -146,7 +154,7 @@ CError RangeFetcher::takeOpening(const HttpAnswer &answer, const FileVersion &kn
         return {};
     }
     if (answer.status == 200 && answer.outcome == HttpOutcome::TooLong)
-        return tooLarge(answer);
+        return takeLargeWhole(answer, version);
     if (answer.status == 206 || (answer.status == 200 && answer.outcome == HttpOutcome::Complete))
         return takeFirstBytes(answer, sink, version, round);
     return takeFailure(answer, true, round);
@@ -179,6 +187,17 @@ CError RangeFetcher::takeFirstBytes(const HttpAnswer &answer, const Sink &sink, 
     return {};
 }
 
+/// A file that comes as a whole only and does not fit into memory, but on disk: taken when it is read.
+CError RangeFetcher::takeLargeWhole(const HttpAnswer &answer, FileVersion *version)
+{
+    *version = FileVersion::of(answer, contentLength(answer));
+    if (!link.options().cacheEnabled || !version->isTellable() || version->length == 0 ||
+        version->length > wholeLimit())
+        return tooLarge(answer);
+    takesNoRanges = true;
+    return {};
+}
+
 void RangeFetcher::logRequests(const std::vector<RangeGroup> &groups) const
 {
     if (!logEnabled(PLK_LOG_TRACE))
@@ -200,7 +219,12 @@ std::vector<HttpAnswer> RangeFetcher::askFor(const std::vector<RangeGroup> &grou
     std::vector<HttpRequest> requests;
     for (const RangeGroup &group : groups) {
         const std::uint64_t limit = group.byteCount() + group.ranges.size() * kPartOverhead + kAnswerSlack;
-        requests.push_back(link.request(group.text(), group.isWholeFile ? wholeLimit() : limit));
+        requests.push_back(link.request(group.text(), limit));
+        if (group.isWholeFile) {
+            requests.back().wholeSink = wholeSink;
+            requests.back().wholeLimit =
+                wholeSink ? version.length : std::min(wholeLimit(), link.options().wholeInMemory);
+        }
         const std::string condition = version.conditionHeader();
         if (!condition.empty())
             requests.back().headers.push_back(condition);
@@ -234,7 +258,7 @@ CError RangeFetcher::fetch(const std::vector<ByteRange> &ranges, const FileVersi
                 failure = failure ? failure : error; // what the others brought is good all the same
         if (failure)
             return failure;
-        if (lacking.isEmpty())
+        if (lacking.isEmpty() || round.isInSink)
             break;
         if (round.trouble)
             logRetry(round.trouble);
@@ -315,8 +339,12 @@ CError RangeFetcher::takeWhole(const RangeGroup &group, const HttpAnswer &answer
     const bool isAskedFor = group.isWholeFile;
     if (isAskedFor && answer.outcome == HttpOutcome::TooLong)
         return tooLarge(answer);
-    if (isAskedFor && answer.outcome == HttpOutcome::Complete && answer.body.size() != version.length)
+    if (isAskedFor && answer.outcome == HttpOutcome::Complete && answer.bodyLength != version.length)
         return {PLK_ERR_FILE_CHANGED, "The file " + quotedName() + " was changed on the server. Open it again."};
+    if (isAskedFor && wholeSink) {
+        round->isInSink = answer.outcome == HttpOutcome::Complete;
+        return {};
+    }
     if (isAskedFor) {
         sink(0, answer.body.data(), std::min<std::uint64_t>(answer.body.size(), version.length));
         return {};

@@ -32,6 +32,12 @@ public:
     PLK::CError fetch(const std::vector<ByteRange> &ranges, const FileVersion &version, const CancelFlag &cancel,
                       const Sink &sink);
 
+    /// Where files go that their server gives as a whole only: then they are not handed over. Without one they are, and
+    /// may be no larger than what memory may take. Before fetch().
+    void setWholeSink(std::shared_ptr<BodySink> sink) { wholeSink = std::move(sink); }
+    /// The server gives this file as a whole only.
+    bool getsWholeOnly() const { return takesNoRanges; }
+
 private:
     class Round;
     class Patience;
@@ -48,6 +54,7 @@ private:
     PLK::CError takeWhole(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
                           const Sink &sink, Round *round);
     PLK::CError takeFailure(const HttpAnswer &answer, bool isOpening, Round *round) const;
+    PLK::CError takeLargeWhole(const HttpAnswer &answer, FileVersion *version);
     PLK::CError tooLarge(const HttpAnswer &answer) const;
     std::uint64_t wholeLimit() const;
     void logRequests(const std::vector<RangeGroup> &groups) const;
@@ -55,6 +62,7 @@ private:
     std::string quotedName() const { return '"' + link.address().printable() + '"'; }
 
     ServerLink &link;
+    std::shared_ptr<BodySink> wholeSink;
     std::atomic<bool> takesNoRanges{false};
 };
 

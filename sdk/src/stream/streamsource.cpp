@@ -3,6 +3,7 @@
 #include "../config/logger.h"
 #include "../io/utf8.h"
 #include "knowncredentials.h"
+#include "wholefilesink.h"
 
 #include <xrv60/plklog.h>
 
@@ -109,6 +110,8 @@ CError StreamSource::connect()
         uniqueMark = '|' + std::to_string(nextNumber());
     if (!cached || cached->version().text() != version.text() || !version.isTellable())
         cached = version.isTellable() ? cache.stream(printableAddress, version) : nullptr;
+    if (cached)
+        fetcher.setWholeSink(std::make_shared<WholeFileSink>(cached, printableAddress));
     fileNumber = SegmentStore::instance().fileNumber(identity());
     newestPin = nextNumber();
     return keep(0, first.data(), first.size(), newestPin);
@@ -130,11 +133,23 @@ CError StreamSource::keep(std::uint64_t offset, const std::uint8_t *data, std::u
     if (lacking.isEmpty())
         return {};
     if (length > link.options().wholeInMemory)
-        return {PLK_ERR_TOO_LARGE, "The server of \"" + name() +
-                                       "\" gives files as a whole only, and the stream cache does not take this one."};
+        return notOnDisk();
     const std::lock_guard<std::mutex> lock(mutex);
     whole = std::make_shared<const Bytes>(data, data + length);
     return {};
+}
+
+/// A file that came as a whole must not be asked for again for want of room.
+CError StreamSource::checkOnDisk(ByteRangeSet ranges) const
+{
+    ranges.remove(cached->held());
+    return ranges.isEmpty() ? CError() : notOnDisk();
+}
+
+CError StreamSource::notOnDisk() const
+{
+    return {PLK_ERR_TOO_LARGE, "The server of \"" + name() +
+                                   "\" gives files as a whole only, and the stream cache does not take this one."};
 }
 
 /// Gives \a assembly what is at hand of what it lacks.
@@ -218,7 +233,9 @@ CError StreamSource::fetch(const ByteRangeSet &lacking, const CancelFlag &cancel
     };
     const CError error = fetcher.fetch(lacking.ranges(), version, cancel, take);
     setCondition(error);
-    return error ? error : notKept;
+    if (error || notKept)
+        return error ? error : notKept;
+    return cached && fetcher.getsWholeOnly() && !wholeFile() ? checkOnDisk(lacking) : CError();
 }
 
 /// Until some of what other threads fetch has come, or they gave up.
@@ -248,8 +265,11 @@ CError StreamSource::read(const std::vector<ByteRange> &ranges, const CancelFlag
             if (state)
                 return state;
             const Claim claim(this, assembly.lacking());
-            const CError error =
-                claim.ranges().isEmpty() ? waitForOthers(cancel) : fetch(claim.ranges(), cancel, 0, take);
+            if (!claim.ranges().isEmpty())
+                collectHere(&assembly, take); // it may have landed since
+            const CError error = claim.ranges().isEmpty()
+                                     ? waitForOthers(cancel)
+                                     : fetch(claim.ranges().intersected(assembly.lacking()), cancel, 0, take);
             if (error)
                 return error;
         }
@@ -271,23 +291,26 @@ CError StreamSource::prefetch(const std::vector<ByteRange> &ranges, const Cancel
         std::swap(oldPin, newestPin);
     }
     try {
-        ByteRangeSet lacking = SegmentStore::instance().missing(fileNumber, ranges, pin);
+        SegmentStore &store = SegmentStore::instance();
+        ByteRangeSet lacking = store.missing(fileNumber, ranges, pin);
         loadCached(std::vector<ByteRange>(lacking.ranges()), pin,
                    [&](std::uint64_t offset, const std::uint8_t *, std::uint64_t length) {
                        lacking.remove(ByteRange{offset, length});
                    });
-        SegmentStore::instance().release(fileNumber, oldPin);
+        store.release(fileNumber, oldPin);
         while (!lacking.isEmpty()) {
             if (CError state = condition())
                 return state;
             const Claim claim(this, lacking);
-            const CError error = claim.ranges().isEmpty() ? waitForOthers(cancel)
-                                                          : fetch(claim.ranges(), cancel, pin, [](auto, auto, auto) {});
+            const CError error = claim.ranges().isEmpty()
+                                     ? waitForOthers(cancel)
+                                     : fetch(store.missing(fileNumber, claim.ranges().ranges(), pin), cancel, pin,
+                                             [](auto, auto, auto) {});
             if (error)
                 return error;
             lacking.remove(claim.ranges());
             if (claim.ranges().isEmpty())
-                lacking = SegmentStore::instance().missing(fileNumber, lacking.ranges(), pin);
+                lacking = store.missing(fileNumber, lacking.ranges(), pin);
         }
     } catch (const std::bad_alloc &) {
         return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to read from \"" + name() + "\"."};

@@ -40,6 +40,25 @@ PLK::CError openCold(const std::string &address, const xrv::StreamOptions &optio
     return error;
 }
 
+/// Lets writes beyond a size fail, as on a full disk.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit tight{bytes, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &tight);
+    }
+    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &before); }
+    FileSizeLimit(const FileSizeLimit &) = delete;
+    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+private:
+    rlimit before{};
+};
+
 /// What a second process does: reads pieces of a file of make(kSize, seed) in random order, for ever or \a rounds
 /// times.
 int readPieces(const std::string &address, const std::string &folder, unsigned seed, int rounds)
@@ -86,7 +105,9 @@ private slots:
     void fullDiskIsHarmless();
     void leastRecentlyUsedGoesFirst();
     void fileLargerThanTheCache();
+    void wholeDownloadIsKept_data();
     void wholeDownloadIsKept();
+    void wholeDownloadThatTheDiskDoesNotTake();
     void severalProcesses();
     void killedWhileWriting();
 
@@ -325,14 +346,11 @@ void TestStreamCache::goesOnWithoutFolder()
 void TestStreamCache::fullDiskIsHarmless()
 {
     FaultServer server(file.handler());
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit tight{30000, before.rlim_max}; // writes beyond fail, as on a full disk
-    setrlimit(RLIMIT_FSIZE, &tight);
-    const bool isRight = visit(server) && visit(server);
-    setrlimit(RLIMIT_FSIZE, &before);
-    QVERIFY(isRight);
+    {
+        const FileSizeLimit limit(30000);
+        QVERIFY(visit(server));
+        QVERIFY(visit(server));
+    }
     QVERIFY(QFileInfo(files("data").value(0)).size() <= 30000);
     QVERIFY(visit(server));
 }
@@ -375,8 +393,17 @@ void TestStreamCache::fileLargerThanTheCache()
     QVERIFY(sum <= 80000);
 }
 
+void TestStreamCache::wholeDownloadIsKept_data()
+{
+    QTest::addColumn<int>("mostInMemory");
+    QTest::newRow("fits into memory") << int(kSize);
+    QTest::newRow("straight to disk") << 1000;
+}
+
 void TestStreamCache::wholeDownloadIsKept()
 {
+    QFETCH(int, mostInMemory);
+    options.wholeInMemory = std::uint64_t(mostInMemory);
     WebFile rangeless = file;
     rangeless.takesRanges = false;
     FaultServer server(rangeless.handler());
@@ -391,6 +418,20 @@ void TestStreamCache::wholeDownloadIsKept()
     options.cacheBytes = kSize - 1;
     std::shared_ptr<xrv::ByteSource> tooLarge;
     QCOMPARE(openCold(server.address("/b.jp2"), options, &tooLarge).GetErrorNumber(), int(PLK_ERR_TOO_LARGE));
+}
+
+void TestStreamCache::wholeDownloadThatTheDiskDoesNotTake()
+{
+    WebFile rangeless = file;
+    rangeless.takesRanges = false;
+    FaultServer server(rangeless.handler());
+    options.wholeInMemory = 1000;
+    const FileSizeLimit limit(200000);
+    std::shared_ptr<xrv::ByteSource> source;
+    QVERIFY(!openCold(server.address("/a.jp2"), options, &source));
+    std::vector<xrv::Bytes> out;
+    QCOMPARE(source->read(kRanges, {}, &out).GetErrorNumber(), int(PLK_ERR_TOO_LARGE));
+    QVERIFY(server.takeRequests().size() <= 3);
 }
 
 void TestStreamCache::severalProcesses()

@@ -6,9 +6,12 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QScreen>
-#include <QTabBar>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace Viewer {
 
@@ -16,10 +19,26 @@ namespace {
 
 constexpr double kShareOfScreen = 0.9;
 
-/// The size that \a page's form was drawn in; empty where it leaves that to its layout.
-QSize formSize(const QWidget &page)
+/// Wide enough for all that \a area holds, with its scroll bar.
+int wholeWidth(const QScrollArea &area)
 {
-    return page.testAttribute(Qt::WA_Resized) ? page.size() : QSize();
+    return area.widget()->minimumSizeHint().width() + area.verticalScrollBar()->sizeHint().width() +
+           2 * area.frameWidth();
+}
+
+/// The size that \a page would like: what its form was drawn in, or more where the fonts are larger than there.
+QSize wantedSize(const QWidget &page)
+{
+    QSize wanted = page.sizeHint();
+    if (page.testAttribute(Qt::WA_Resized))
+        wanted = wanted.expandedTo(page.size());
+    const QMargins margins = page.layout() ? page.layout()->contentsMargins() : QMargins();
+    const QList<QScrollArea *> areas = page.findChildren<QScrollArea *>();
+    for (const QScrollArea *area : areas) {
+        if (area->widget())
+            wanted.setWidth(std::max(wanted.width(), wholeWidth(*area) + margins.left() + margins.right()));
+    }
+    return wanted;
 }
 
 /// A title may hold an ampersand, which a tab would take for the mark of a short cut.
@@ -38,9 +57,11 @@ PreferencesDialog::PreferencesDialog(const QVector<QWidget *> &pages, QWidget *p
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     auto *layout = new QVBoxLayout(this);
     auto *tabs = new QTabWidget;
-    QSize pageSize;
+    QSize wanted;
+    QSize hint;
     for (QWidget *page : pages) {
-        pageSize = pageSize.expandedTo(formSize(*page));
+        wanted = wanted.expandedTo(wantedSize(*page));
+        hint = hint.expandedTo(page->sizeHint());
         tabs->addTab(page, tabText(*page));
     }
     layout->addWidget(tabs);
@@ -52,16 +73,8 @@ PreferencesDialog::PreferencesDialog(const QVector<QWidget *> &pages, QWidget *p
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addWidget(buttons);
-    resizeToPages(pageSize, *tabs);
-}
-
-/// Pages that can be scrolled ask for little by themselves; they are shown whole where the screen has the room.
-void PreferencesDialog::resizeToPages(const QSize &pageSize, const QTabWidget &tabs)
-{
-    const QSize around = sizeHint() - tabs.sizeHint();
-    const QSize tabFrame(0, tabs.tabBar()->sizeHint().height());
-    const QSize wanted = sizeHint().expandedTo(pageSize + tabFrame + around);
-    resize(wanted.boundedTo(QGuiApplication::primaryScreen()->availableSize() * kShareOfScreen));
+    // Pages that can be scrolled ask for little by themselves; they are shown whole where the screen has the room.
+    resize((sizeHint() + wanted - hint).boundedTo(QGuiApplication::primaryScreen()->availableSize() * kShareOfScreen));
 }
 
 void PreferencesDialog::accept()

@@ -3,8 +3,6 @@
 #include <QDialog>
 #include <QVector>
 
-class QTabWidget;
-
 namespace Viewer {
 
 /// Holds the preference pages of the plug-ins. OK calls every page's slot onSavePrefs(), Cancel calls nothing.
@@ -19,8 +17,6 @@ public:
     void accept() override;
 
 private:
-    void resizeToPages(const QSize &pageSize, const QTabWidget &tabs);
-
     QVector<QWidget *> pages;
 };
 

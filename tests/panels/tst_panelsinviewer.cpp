@@ -24,9 +24,12 @@
 #include <QMenu>
 #include <QProcess>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSettings>
 #include <QSlider>
 #include <QSpinBox>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QToolBar>
@@ -277,6 +280,8 @@ void TestPanelsInViewer::viewMenuShowsAndHides()
         }
     }
     QVERIFY(toggle && stream);
+    const auto *bar = window->findChild<QToolBar *>(QStringLiteral("XRV or JPEG 2000"));
+    QCOMPARE(bar->toggleViewAction()->text(), QStringLiteral("XRV && JPEG 2000"));
     QVERIFY(dock()->isVisible());
     toggle->trigger();
     QVERIFY(!dock()->isVisible());
@@ -300,12 +305,17 @@ void TestPanelsInViewer::preferencesWindow()
     QSettings *settings = Application::instance()->settings();
     settings->remove(key);
     int shown = 0;
+    QString title;
+    int hiddenWidth = -1;
     QTimer person;
     connect(&person, &QTimer::timeout, this, [&] {
         auto *dialog = qobject_cast<Viewer::PreferencesDialog *>(QApplication::activeModalWidget());
         if (!dialog)
             return;
         ++shown;
+        const auto *tabs = dialog->findChild<QTabWidget *>();
+        title = tabs->tabText(0);
+        hiddenWidth = tabs->widget(0)->findChild<QScrollArea *>()->horizontalScrollBar()->maximum();
         auto *box = dialog->findChild<QCheckBox *>(QStringLiteral("useAdaptiveRendering"));
         box->click();
         dialog->findChild<QDialogButtonBox *>()->button(static_cast<QDialogButtonBox::StandardButton>(button))->click();
@@ -313,6 +323,9 @@ void TestPanelsInViewer::preferencesWindow()
     person.start(10);
     window->mainActions()->preferences->trigger();
     QCOMPARE(shown, 1);
+    // The ampersand of the title is one, and the page is wide enough for all that is on it.
+    QCOMPARE(title, QStringLiteral("XRV && JP2 Preferences"));
+    QCOMPARE(hiddenWidth, 0);
     QCOMPARE(settings->contains(key), isSaved);
     QCOMPARE(settings->value(key, false).toBool(), isSaved);
 }

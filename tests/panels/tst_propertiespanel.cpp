@@ -477,12 +477,14 @@ void TestPropertiesPanel::outline()
     click("outlineColorButton");
     QCOMPARE(layer->getOutlineColor(), QColor(0, 255, 255));
 
-    onNextDialog<QColorDialog>([](QColorDialog *dialog) {
-        QCOMPARE(dialog->currentColor(), QColor(0, 255, 255));
+    QColor offered;
+    onNextDialog<QColorDialog>([&offered](QColorDialog *dialog) {
+        offered = dialog->currentColor();
         dialog->setCurrentColor(QColor(200, 10, 20));
         dialog->accept();
     });
     click("outlineColorButton");
+    QCOMPARE(offered, QColor(0, 255, 255));
     QCOMPARE(painted().pixel(7, 0), qRgb(200, 10, 20));
     auto *frame = get<QFrame>("colorFrame");
     QCOMPARE(frame->styleSheet(), QStringLiteral("background-color: rgb(200, 10, 20);"));

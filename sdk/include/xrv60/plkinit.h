@@ -6,7 +6,7 @@
 /// Starts the SDK: decoding threads and the tile cache. Calls nest; views can be opened without it, then the first
 /// one starts the SDK.
 PLK_EXPORT void PLKInit();
-/// Ends what PLKInit() started: empties the tile cache. Views must be closed before.
+/// Ends what PLKInit() started: empties the tile cache, closes the connections of streams. Views must be closed before.
 PLK_EXPORT void PLKShutdown();
 /// Version of this library, "6.0.0.1513".
 PLK_EXPORT const char *PLKGetLibraryVersion();

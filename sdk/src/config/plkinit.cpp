@@ -8,6 +8,7 @@
 #include "../geo/crsnames.h"
 #include "../io/utf8.h"
 #include "../stream/httpclient.h"
+#include "../stream/segmentstore.h"
 
 #include <xrv60/plklog.h>
 
@@ -63,6 +64,7 @@ void PLKShutdown()
     xrv::TileCache::instance().clear();
     xrv::DecodePool::instance().stop();
     xrv::HttpClient::instance().stop();
+    xrv::SegmentStore::instance().clear();
     xrv::log(PLK_LOG_INFO, std::string("SDK stopped."));
 }
 

@@ -193,7 +193,9 @@ void CachedStream::remember(const std::string &name, const Bytes &knowledge)
     if (!lock.isHeld() || !mayGrow(knowledge.size() + kRecordSize))
         return;
     index->refresh(true);
-    isFull = !index->remember(name, knowledge);
+    Bytes known;
+    if (!index->recall(name, &known) || known != knowledge)
+        isFull = !index->remember(name, knowledge);
 }
 
 bool CachedStream::recall(const std::string &name, Bytes *knowledge) const

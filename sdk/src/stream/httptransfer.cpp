@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kMostHeaderBytes = 65536;
 constexpr std::size_t kMostErrorBody = 65536;      // pages that explain an error are passed over
-constexpr std::uint64_t kLeastPerStallTime = 1024; // a drip that would take hours is a stall too
+constexpr std::uint64_t kLeastPerStallTime = 4096; // a drip that would take hours is a stall too
 constexpr long kBufferSize = 131072;
 constexpr std::size_t kSinkBlock = std::size_t(1) << 20;
 constexpr std::size_t kMostDigits = 18;
@@ -124,6 +124,8 @@ std::size_t HttpTransfer::onBody(char *data, std::size_t size, std::size_t count
 
 bool HttpTransfer::takeHeader(const std::string &line)
 {
+    if (headerBytes == 0)
+        restartWindow(Clock::now()); // what an answer took to begin is not held against its body
     headerBytes += line.size();
     windowBytes += line.size();
     if (headerBytes > kMostHeaderBytes) {
@@ -187,9 +189,14 @@ bool HttpTransfer::isStalled(Clock::time_point now)
         return false;
     if (windowBytes < kLeastPerStallTime)
         return true;
+    restartWindow(now);
+    return false;
+}
+
+void HttpTransfer::restartWindow(Clock::time_point now)
+{
     windowStart = now;
     windowBytes = 0;
-    return false;
 }
 
 HttpOutcome HttpTransfer::outcomeOf(CURLcode code) const

@@ -37,6 +37,7 @@ private:
     bool isAnnouncedTooLong() const;
     bool usesSink() const { return answer.status == 200 && request.wholeSink; }
     bool flushToSink();
+    void restartWindow(Clock::time_point now);
     HttpOutcome outcomeOf(CURLcode code) const;
     static std::size_t onHeader(char *data, std::size_t size, std::size_t count, void *self);
     static std::size_t onBody(char *data, std::size_t size, std::size_t count, void *self);

@@ -167,6 +167,15 @@ void SegmentStore::drop(std::uint64_t file)
     files.erase(found);
 }
 
+void SegmentStore::clear()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    files.clear();
+    uses.clear();
+    pinnedUses.clear();
+    used = pinned = 0;
+}
+
 std::uint64_t SegmentStore::usedBytes() const
 {
     const std::lock_guard<std::mutex> lock(mutex);

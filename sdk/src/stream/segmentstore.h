@@ -30,10 +30,11 @@ public:
     ByteRangeSet missing(std::uint64_t file, const std::vector<ByteRange> &ranges, std::uint64_t pin);
     void release(std::uint64_t file, std::uint64_t pin);
     void drop(std::uint64_t file);
+    void clear();
     std::uint64_t usedBytes() const;
 
     static constexpr std::uint64_t kBudget = std::uint64_t(64) << 20;
-    static constexpr std::uint64_t kMostPinned = 3 * kBudget; ///< beyond that pins do not count
+    static constexpr std::uint64_t kMostPinned = 2 * kBudget; ///< beyond that pins do not count
 
 private:
     struct Place

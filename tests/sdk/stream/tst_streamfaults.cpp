@@ -3,6 +3,9 @@
 #include "stream/segmentstore.h"
 #include "stream/servertraits.h"
 
+#include <xrv60/plklog.h>
+#include <xrv60/plkview.h>
+
 #include <QElapsedTimer>
 #include <QtTest>
 
@@ -32,6 +35,8 @@ private slots:
     void readingFails();
     void largeFileWithoutRanges();
     void lostConnectionIsTakenUpAgain();
+    void saysWhoItIs();
+    void passwordsAreNotLogged();
     void redirectsKeepThePassword();
     void cancelReturnsAtOnce();
     void fewRequestsAtATime();
@@ -75,6 +80,22 @@ Handler always(const std::string &answer)
 {
     return [=](const Request &, const Connection &connection) { return connection.send(answer); };
 }
+
+/// All messages, one after the other.
+class Log : public PLK::ILogger<char>
+{
+public:
+    void attach(void *) override {}
+    void detach(void *) override {}
+    bool isLevelEnabled(void *, int) override { return true; }
+    void write(void *, int, const char *message) override
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        text += message;
+    }
+    std::mutex mutex; ///< guards text
+    std::string text;
+};
 
 std::string firstRangeOnly(const WebFile &file, const Request &request)
 {
@@ -383,6 +404,43 @@ void TestStreamFaults::lostConnectionIsTakenUpAgain()
     const std::vector<Request> requests = server.takeRequests();
     QCOMPARE(requests.size(), std::size_t(1));
     QCOMPARE(requests[0].header("range"), std::string("bytes=51000-90499"));
+}
+
+void TestStreamFaults::saysWhoItIs()
+{
+    FaultServer server(plainFile().handler());
+    xrv::StreamOptions options = quickOptions();
+    options.userAgent = "A viewer/6.0";
+    qputenv("http_proxy", server.url().c_str());
+    std::shared_ptr<xrv::ByteSource> source;
+    const PLK::CError error = StreamSource::open("xrvp://images.invalid/a.jp2", options, &source);
+    qunsetenv("http_proxy");
+    QVERIFY2(!error, error.GetErrorMessage());
+    const std::vector<Request> requests = server.takeRequests();
+    QCOMPARE(requests.size(), std::size_t(1));
+    QVERIFY(requests[0].target.find("http://images.invalid") == 0);
+    QCOMPARE(requests[0].method, std::string("GET"));
+    QCOMPARE(requests[0].header("user-agent"), std::string("A viewer/6.0"));
+    QCOMPARE(requests[0].header("accept-encoding"), std::string("identity"));
+    QCOMPARE(requests[0].header("range"), std::string("bytes=0-999"));
+}
+
+void TestStreamFaults::passwordsAreNotLogged()
+{
+    FaultServer server(plainFile().handler());
+    Log log;
+    PLK::CLog::RegisterLogger(&log);
+    PLK::CView view;
+    for (const char *path : {"/a.jp2", "/b.jp2"}) {
+        // No picture, and then no server.
+        const PLK::CError error = view.Open(PLK::CString(server.address(path, "me:secret").c_str()), false, false);
+        QVERIFY(error);
+        QVERIFY(std::string(error.GetErrorMessage()).find("secret") == std::string::npos);
+        server.stop();
+    }
+    PLK::CLog::RegisterLogger(static_cast<PLK::ILogger<char> *>(nullptr));
+    QVERIFY(log.text.find("/a.jp2") != std::string::npos && log.text.find("/b.jp2") != std::string::npos);
+    QVERIFY2(log.text.find("secret") == std::string::npos, log.text.c_str());
 }
 
 void TestStreamFaults::redirectsKeepThePassword()

@@ -1,13 +1,10 @@
 #include "imagewriter.h"
 
-#include "boxes.h"
 #include "codestreamassembler.h"
+#include "filestart.h"
 #include "tileencoder.h"
 
-#include "../codestream/canvas.h"
-#include "../container/boxtype.h"
 #include "../metadata/bandcounter.h"
-#include "../xrv/xrvboxes.h"
 
 #include <xrv60/plkinit.h>
 
@@ -244,135 +241,22 @@ private:
             counters[band].finish(&statistics->pBandStats[band]);
     }
 
-    /// All that comes before the codestream, with the header of its box.
     Bytes makeStart(const CodestreamAssembler &assembler) const
     {
-        const Bytes streamHeader = makeBoxHeader(boxType("jp2c"), assembler.length());
-        Bytes start = options.kind == FileKind::GeoJp2 ? makeJp2Boxes() : makeXrvBoxes(assembler, 0.0f);
-        if (options.kind == FileKind::Xrv) {
-            // The size of the file does not depend on what the rate is.
-            const double size = static_cast<double>(start.size() + streamHeader.size() + assembler.length());
-            start = makeXrvBoxes(assembler, static_cast<float>(uncompressedBytes() / size));
-        }
-        start.insert(start.end(), streamHeader.begin(), streamHeader.end());
-        return start;
-    }
-
-    double uncompressedBytes() const
-    {
-        double bytes = 0.0;
-        for (const XrvBand &band : image.bands)
-            bytes += static_cast<double>(image.width) * image.height * ((band.bits + 7) / 8);
-        return bytes;
-    }
-
-    static void append(Bytes *bytes, const Bytes &more) { bytes->insert(bytes->end(), more.begin(), more.end()); }
-
-    Bytes makeJp2Boxes() const
-    {
-        Bytes bytes = makeJp2Start();
-        append(&bytes, makeHeaderBox(image));
-        append(&bytes, makeGeoBox(geoTags()));
-        appendXmls(&bytes);
-        return bytes;
-    }
-
-    Bytes makeXrvBoxes(const CodestreamAssembler &assembler, float actualRate) const
-    {
-        std::vector<std::pair<std::uint32_t, Bytes>> boxes;
-        const auto add = [&boxes](std::uint32_t type, const Bytes &content) {
-            boxes.emplace_back(type, makeBox(type, content));
-        };
-        add(kFileInfoBox, makeFileInfo(makeInfo(actualRate)));
-        add(kBandsBox, makeBands(image.bands));
-        boxes.emplace_back(boxType("jp2h"), makeHeaderBox(image));
-        if (std::any_of(image.texts.begin(), image.texts.end(), [](const auto &text) { return text.has_value(); }))
-            add(kTextsBox, makeTexts(image.texts));
-        if (image.rpc)
-            add(kRpcBox, makeRpc(*image.rpc));
-        if (const Bytes geoBox = makeGeoBox(geoTags()); !geoBox.empty())
-            boxes.emplace_back(boxType("uuid"), geoBox);
-        add(kStatisticsBox, makeStatistics(*statistics));
-        for (const std::string &xml : image.xmls)
-            add(boxType("xml "), Bytes(xml.begin(), xml.end()));
-        if (assembler.isIndexComplete())
-            add(kPacketIndexBox, assembler.index().content());
-        return joinXrvBoxes(boxes, assembler.length());
-    }
-
-    /// With what stands before all others: signature, version and table of contents.
-    static Bytes joinXrvBoxes(const std::vector<std::pair<std::uint32_t, Bytes>> &boxes, std::uint64_t streamLength)
-    {
-        const std::uint64_t contentsLength = 8 + (boxes.size() + 1) * kXrvBoxPlaceBytes;
-        std::uint64_t offset = kContentsStart + contentsLength;
-        std::vector<XrvBoxPlace> places;
-        for (const auto &[type, box] : boxes) {
-            places.push_back({type, {offset, box.size()}});
-            offset += box.size();
-        }
-        const std::uint64_t streamHeader = makeBoxHeader(boxType("jp2c"), streamLength).size();
-        places.push_back({boxType("jp2c"), {offset, streamHeader + streamLength}});
-
-        Bytes bytes(kXrvSignature.begin(), kXrvSignature.end());
-        append(&bytes, makeBox(kVersionBox, Bytes{kXrvMajorVersion, kXrvMinorVersion, 0, 0}));
-        append(&bytes, makeBox(kContentsBox, makeContents(places)));
-        for (const auto &entry : boxes)
-            append(&bytes, entry.second);
-        return bytes;
-    }
-
-    GeoTags geoTags() const
-    {
-        GeoTags tags = image.geoTags.isEmpty() ? makeGeoTags(image.place) : image.geoTags;
-        if (image.rpc) {
-            const auto *first = reinterpret_cast<const double *>(&*image.rpc);
-            tags.rpc.assign(first, first + sizeof(PLKRPCData) / sizeof(double));
-        }
-        return tags;
-    }
-
-    void appendXmls(Bytes *bytes) const
-    {
-        for (const std::string &xml : image.xmls)
-            append(bytes, makeBox(boxType("xml "), xml));
-    }
-
-    XrvFileInfo makeInfo(float actualRate) const
-    {
+        if (options.kind == FileKind::GeoJp2)
+            return makeJp2FileStart(image, assembler.length());
         XrvFileInfo info;
-        info.cellType = cellType();
-        info.colourSpace = image.colourSpace;
-        info.units = image.place.units;
         info.isLossless = options.isLossless;
-        info.hasPlace = image.place.origin != GeoReference::Origin::None;
-        info.bands = static_cast<std::uint16_t>(image.bands.size());
         info.targetRate = options.isLossless ? 0 : static_cast<std::uint16_t>(std::lround(options.rate));
-        info.actualRate = actualRate;
         info.blockWidth = info.blockHeight = blockSize;
-        info.transform = image.place.transform;
-        info.epsg = image.place.epsg;
-        info.datum = image.place.datum;
-        info.projection = image.place.projection;
-        info.compressionDate = options.compressionDate.empty() ? date : options.compressionDate;
-        return info;
-    }
-
-    /// The smallest that holds every band.
-    PLKCellType cellType() const
-    {
-        int bits = 1, signedBits = 0;
-        for (const XrvBand &band : image.bands)
-            (band.isSigned ? signedBits : bits) = std::max<int>(band.isSigned ? signedBits : bits, band.bits);
-        if (signedBits == 0)
-            return bits <= 8 ? PLKCT_UINT8 : PLKCT_UINT16;
-        const int needed = std::max(signedBits, bits + 1);
-        return needed <= 8 ? PLKCT_INT8 : needed <= 16 ? PLKCT_INT16 : PLKCT_INT32;
+        info.compressionDate = options.compressionDate.empty() ? now() : options.compressionDate;
+        const PacketIndex *index = assembler.isIndexComplete() ? &assembler.index() : nullptr;
+        return makeXrvFileStart(image, info, *statistics, index, assembler.length());
     }
 
     ImageSource &source;
     const WriteOptions &options;
     const ImageDescription &image;
-    const std::string date = now();
     std::uint32_t blockSize = kUsualBlockSize;
     TileCoding coding;
     std::mutex sourceMutex; ///< guards source, counters and nextTile

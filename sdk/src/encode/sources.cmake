@@ -1,1 +1,1 @@
-set(stage_sources boxes.cpp codestreamassembler.cpp geotifftags.cpp imagewriter.cpp outputfile.cpp tileencoder.cpp)
+set(stage_sources boxes.cpp codestreamassembler.cpp filestart.cpp geotifftags.cpp imagewriter.cpp outputfile.cpp tileencoder.cpp)

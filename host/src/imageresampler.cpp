@@ -7,6 +7,9 @@ namespace Korvane {
 
 namespace {
 
+/// Shorter runs are not worth the call.
+constexpr size_t kLeastRun = 16;
+
 /// \a a and \a b in the ratio 256 - weight to weight, all four bytes at once.
 inline QRgb mixed(QRgb a, QRgb b, uint weight)
 {
@@ -35,6 +38,16 @@ bool isDirectFormat(QImage::Format format)
            format == QImage::Format_ARGB32_Premultiplied;
 }
 
+/// Every pixel of \a from with its right neighbour; \a weights has one entry per byte.
+void mixNeighbours(const QRgb *from, const quint16 *weights, QRgb *to, size_t count)
+{
+    const auto *left = reinterpret_cast<const quint8 *>(from);
+    const auto *right = reinterpret_cast<const quint8 *>(from + 1);
+    auto *bytes = reinterpret_cast<quint8 *>(to);
+    for (size_t i = 0; i < count * sizeof(QRgb); ++i)
+        bytes[i] = static_cast<quint8>(static_cast<quint16>(left[i] * (256 - weights[i]) + right[i] * weights[i]) >> 8);
+}
+
 bool isOpaque(const QRgb *row, int count)
 {
     QRgb all = 0xff000000;
@@ -58,6 +71,7 @@ ImageResampler::ImageResampler(const QImage &image, const PixelAxis &horizontal,
             stripFormat = QImage::Format_ARGB32_Premultiplied;
         smoothColumns = linearTaps(horizontal);
         smoothRows = linearTaps(vertical);
+        findRuns();
     } else {
         nearestColumns = nearestPixels(horizontal);
         nearestRows = nearestPixels(vertical);
@@ -135,9 +149,32 @@ void ImageResampler::stretch(int index, Line *line)
     const QRgb *from = premultipliedRow(index);
     line->index = index;
     line->pixels.resize(smoothColumns.size());
+    for (const Run &run : smoothRuns) {
+        QRgb *to = line->pixels.data() + run.start;
+        if (run.count >= kLeastRun) {
+            mixNeighbours(from + smoothColumns[run.start].first, byteWeights.data() + run.start * sizeof(QRgb), to,
+                          run.count);
+            continue;
+        }
+        for (size_t i = 0; i < run.count; ++i) {
+            const Tap &column = smoothColumns[run.start + i];
+            to[i] = mixed(from[column.first], from[column.second], column.weight);
+        }
+    }
+}
+
+void ImageResampler::findRuns()
+{
+    byteWeights.reserve(smoothColumns.size() * sizeof(QRgb));
     for (size_t x = 0; x < smoothColumns.size(); ++x) {
         const Tap &column = smoothColumns[x];
-        line->pixels[x] = mixed(from[column.first], from[column.second], column.weight);
+        byteWeights.insert(byteWeights.end(), sizeof(QRgb), static_cast<quint16>(column.weight));
+        const bool goesOn = x > 0 && column.first == smoothColumns[x - 1].first + 1 &&
+                            smoothColumns[x - 1].second == column.first && column.second == column.first + 1;
+        if (goesOn)
+            ++smoothRuns.back().count;
+        else
+            smoothRuns.push_back({x, 1});
     }
 }
 

@@ -34,6 +34,14 @@ private:
         uint weight;
     };
 
+    /// Device pixels in succession whose source pixels are in succession too: nearly all of them where a picture is
+    /// stretched by a pixel or two only.
+    struct Run
+    {
+        size_t start;
+        size_t count;
+    };
+
     /// A row of the source, stretched to the columns of the device.
     struct Line
     {
@@ -47,6 +55,7 @@ private:
     const QRgb *smoothRow(int index);
     const QRgb *premultipliedRow(int index);
     void stretch(int index, Line *line);
+    void findRuns();
 
     QImage source;
     QImage::Format stripFormat;
@@ -56,6 +65,8 @@ private:
     std::vector<int> nearestColumns;
     std::vector<int> nearestRows;
     std::vector<Tap> smoothColumns;
+    std::vector<Run> smoothRuns;
+    std::vector<quint16> byteWeights; // of the second source pixel, for each byte of the device's columns
     std::vector<Tap> smoothRows;
     // The lines used last: an enlarged picture takes many rows in succession from the same two.
     std::array<Line, 2> lines;

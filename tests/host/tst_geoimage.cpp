@@ -160,9 +160,9 @@ void TestGeoImage::keepsPixelsAtTheirPlace()
 {
     QFETCH(double, offset);
     QFETCH(double, scale);
-    constexpr int kCells = 40;
-    GeoImage image(kCells, 3, offset, 0, offset + kCells * scale, -3, QImage::Format_ARGB32, nullptr);
-    for (int cell = 0; cell < kCells; ++cell) {
+    constexpr int cellCount = 40;
+    GeoImage image(cellCount, 3, offset, 0, offset + cellCount * scale, -3, QImage::Format_ARGB32, nullptr);
+    for (int cell = 0; cell < cellCount; ++cell) {
         for (int y = 0; y < 3; ++y)
             image.setPixel(cell, y, cell % 2 ? qRgb(255, 255, 255) : qRgb(0, 0, cell));
     }
@@ -170,7 +170,7 @@ void TestGeoImage::keepsPixelsAtTheirPlace()
     paintOn(target, image, false);
     for (int x = 0; x < target.width(); ++x) {
         const double cell = std::floor((x + 0.5 - offset) / scale);
-        const bool isInside = cell >= 0 && cell < kCells;
+        const bool isInside = cell >= 0 && cell < cellCount;
         const QRgb wanted = isInside ? image.pixel(static_cast<int>(cell), 0) : kNothing;
         QCOMPARE(target.pixel(x, 1), wanted);
     }
@@ -266,9 +266,14 @@ void TestGeoImage::largePicturesHaveNoSeams_data()
 {
     QTest::addColumn<bool>("smooth");
     QTest::addColumn<bool>("translucent");
-    QTest::newRow("nearest") << false << false;
-    QTest::newRow("smooth") << true << false;
-    QTest::newRow("smooth, translucent") << true << true;
+    QTest::addColumn<int>("cellCount");
+    QTest::newRow("nearest") << false << false << 37;
+    QTest::newRow("smooth") << true << false << 37;
+    QTest::newRow("smooth, translucent") << true << true << 37;
+    QTest::newRow("nearest, by a pixel") << false << false << 999;
+    QTest::newRow("smooth, by a pixel") << true << true << 999;
+    QTest::newRow("smooth, smaller by a pixel") << true << false << 1001;
+    QTest::newRow("smooth, half") << true << true << 1999;
 }
 
 /// Drawn in pieces, a picture of a megapixel is to be what the definition says for every single pixel.
@@ -276,28 +281,30 @@ void TestGeoImage::largePicturesHaveNoSeams()
 {
     QFETCH(bool, smooth);
     QFETCH(bool, translucent);
+    QFETCH(int, cellCount);
     constexpr int kSize = 1000;
-    constexpr int kCells = 37;
-    QImage cells = noise(kCells, kCells);
-    for (int i = 0; translucent && i < kCells; ++i)
-        cells.setPixel(i, (i * 5) % kCells, qRgba(250, 120, 10, 40 + i));
+    QImage cells = noise(cellCount, cellCount);
+    for (int i = 0; translucent && i < cellCount; ++i)
+        cells.setPixel(i, (i * 5) % cellCount, qRgba(250, 120, 10, 40 + i % 200));
     QImage target = canvas(QSize(kSize, kSize));
     paintOn(target, GeoImage(cells, 0, 0, kSize, -kSize), smooth);
 
     const QImage source = cells.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     const auto *pixels = reinterpret_cast<const QRgb *>(source.constBits()); // 4 bytes per pixel: rows are packed
-    const auto channel = [pixels](int x, int y, int shift) { return (pixels[y * kCells + x] >> shift) & 0xff; };
+    const auto channel = [pixels, cellCount](int x, int y, int shift) {
+        return (pixels[y * cellCount + x] >> shift) & 0xff;
+    };
     for (int y = 0; y < kSize; ++y) {
         const auto *row = reinterpret_cast<const QRgb *>(target.constScanLine(y));
-        const double sourceY = (y + 0.5) * kCells / kSize - (smooth ? 0.5 : 0.0);
-        const double clampedY = std::clamp(sourceY, 0.0, kCells - 1.0);
+        const double sourceY = (y + 0.5) * cellCount / kSize - (smooth ? 0.5 : 0.0);
+        const double clampedY = std::clamp(sourceY, 0.0, cellCount - 1.0);
         for (int x = 0; x < kSize; x += 7) {
-            const double sourceX = (x + 0.5) * kCells / kSize - (smooth ? 0.5 : 0.0);
-            const double clampedX = std::clamp(sourceX, 0.0, kCells - 1.0);
+            const double sourceX = (x + 0.5) * cellCount / kSize - (smooth ? 0.5 : 0.0);
+            const double clampedX = std::clamp(sourceX, 0.0, cellCount - 1.0);
             const int left = static_cast<int>(smooth ? clampedX : sourceX);
             const int top = static_cast<int>(smooth ? clampedY : sourceY);
-            const int right = std::min(left + 1, kCells - 1);
-            const int bottom = std::min(top + 1, kCells - 1);
+            const int right = std::min(left + 1, cellCount - 1);
+            const int bottom = std::min(top + 1, cellCount - 1);
             const double fractionX = smooth ? clampedX - left : 0.0;
             const double fractionY = smooth ? clampedY - top : 0.0;
             for (int shift : {0, 8, 16, 24}) {

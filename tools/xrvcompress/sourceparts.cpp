@@ -1,6 +1,7 @@
 #include "sourceparts.h"
 
 #include "geo/geojp2.h"
+#include "io/filenames.h"
 #include "io/filesource.h"
 #include "xrv/xrvstructure.h"
 
@@ -35,6 +36,8 @@ bool isPnm(const Bytes &start)
 CError openImageSource(const std::string &path, std::unique_ptr<ImageSource> *source,
                        std::vector<std::string> *warnings)
 {
+    if (isStreamAddress(path))
+        return openViewSource(path, source, warnings);
     std::shared_ptr<ByteSource> file;
     if (CError error = FileSource::open(path, &file))
         return error;

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// Opens the image file \a path (UTF-8): JPEG 2000 and XRV, GeoTIFF, PNM or PNG; the content decides. \a warnings gets
-/// sentences about what is left out.
+/// Opens the image file \a path (UTF-8): JPEG 2000 and XRV, GeoTIFF, PNM or PNG; the content decides. An xrvp://
+/// address is one of the first two. \a warnings gets sentences about what is left out.
 PLK::CError openImageSource(const std::string &path, std::unique_ptr<xrv::ImageSource> *source,
                             std::vector<std::string> *warnings);
 

@@ -1,7 +1,7 @@
 #include "sourceparts.h"
 
 #include "geo/geojp2.h"
-#include "io/filesource.h"
+#include "io/opensource.h"
 #include "io/utf8.h"
 #include "xrv/xrvstructure.h"
 
@@ -137,7 +137,7 @@ private:
     CError readGeoTags(const std::string &path)
     {
         std::shared_ptr<ByteSource> file;
-        if (CError error = FileSource::open(path, &file))
+        if (CError error = openSource(path, &file))
             return error;
         XrvStructure xrv;
         Jp2Structure jp2;

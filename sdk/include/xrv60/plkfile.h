@@ -81,10 +81,11 @@ public:
     const PLKXMLBox *GetXMLBox(const PLKXMLBox *previous) const;
     /// The file's bytes. Owned by this object, null while nothing is open. Not for use from several threads at once.
     CIOStream *GetStream() const;
-    /// Statistics of every band, opacity included, with histograms; from the smallest resolution level with about a
-    /// million cells: the whole image where it has fewer, a smaller level where there are more than about 80 bands,
-    /// windows spread over an image that has no such level. Computed at the first call and kept with the file. \a
-    /// statistics is set to a record to be freed with PLKFreeStatistics().
+    /// Statistics of every band, opacity included, with histograms. Those that an XRV file carries, of every cell of
+    /// the image that was compressed; else from the smallest resolution level with about a million cells: the whole
+    /// image where it has fewer, a smaller level where there are more than about 80 bands, windows spread over an image
+    /// that has no such level. Computed at the first call and kept with the file. \a statistics is set to a record to
+    /// be freed with PLKFreeStatistics().
     CError GetClientStatistics(PLKFileStatistics **statistics);
     /// Rational polynomial coefficients of the file or its side files; to be freed with PLKFreeRPCData().
     /// PLK_ERR_NOT_AVAILABLE without any.

@@ -109,7 +109,8 @@ private:
             return {PLK_ERR_INVALID_ARGUMENT, "The number of quality layers must be 1 to 32."};
         if (!options.isLossless && !(options.rate >= 1.0 && options.rate <= 1000.0))
             return {PLK_ERR_INVALID_ARGUMENT, "The rate must be 1 to 1000."};
-        if (makeLayout().tileCount() > kMostTiles)
+        tileCount = makeLayout().tileCount();
+        if (tileCount > kMostTiles)
             return unsupported("The image has too many blocks; take larger ones.");
         makeCoding();
         for (const XrvBand &band : image.bands)
@@ -191,7 +192,7 @@ private:
         {
             // Sources go from top to bottom, so one thread reads while the others encode.
             const std::lock_guard<std::mutex> lock(sourceMutex);
-            *goesOn = nextTile < makeLayout().tileCount() && !hasStopped();
+            *goesOn = nextTile < tileCount && !hasStopped();
             if (!*goesOn)
                 return options.cancel.isRaised() ? cancelled() : CError();
             tile = nextTile++;
@@ -206,7 +207,7 @@ private:
         const std::lock_guard<std::mutex> lock(mutex);
         CError error = assembler->add(tile, encoded);
         ++tilesDone;
-        report(kShareOfCoding * tilesDone / makeLayout().tileCount());
+        report(kShareOfCoding * tilesDone / tileCount);
         return error;
     }
 
@@ -258,6 +259,7 @@ private:
     const WriteOptions &options;
     const ImageDescription &image;
     std::uint32_t blockSize = kUsualBlockSize;
+    std::uint32_t tileCount = 0;
     TileCoding coding;
     std::mutex sourceMutex; ///< guards source, counters and nextTile
     std::vector<BandCounter> counters;

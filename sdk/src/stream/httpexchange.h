@@ -62,7 +62,8 @@ struct HttpAnswer
     std::uint64_t bodyLength = 0; ///< also of what went to a sink
     /// Of the last header of this \a name (lower case); empty without.
     std::string header(const std::string &name) const;
-    bool hasHeader(const std::string &name) const;
+    /// What the Content-Length header says; 0 without.
+    std::uint64_t contentLength() const;
 };
 
 } // namespace xrv

@@ -34,9 +34,12 @@ std::string HttpAnswer::header(const std::string &name) const
     return {};
 }
 
-bool HttpAnswer::hasHeader(const std::string &name) const
+std::uint64_t HttpAnswer::contentLength() const
 {
-    return std::any_of(headers.begin(), headers.end(), [&](const auto &header) { return header.first == name; });
+    const std::string length = header("content-length");
+    const bool isNumber =
+        !length.empty() && length.size() <= kMostDigits && length.find_first_not_of("0123456789") == std::string::npos;
+    return isNumber ? std::stoull(length) : 0;
 }
 
 HttpTransfer::HttpTransfer(const HttpRequest &request)
@@ -151,18 +154,11 @@ std::uint64_t HttpTransfer::bodyLimit() const
     return answer.status == 200 ? request.wholeLimit : kMostErrorBody;
 }
 
-/// There is no use in taking the beginning of a whole file that is not wanted as a whole.
-bool HttpTransfer::isAnnouncedTooLong() const
-{
-    const std::string length = answer.header("content-length");
-    return answer.status == 200 && !length.empty() && length.size() <= kMostDigits &&
-           length.find_first_not_of("0123456789") == std::string::npos && std::stoull(length) > bodyLimit();
-}
-
 bool HttpTransfer::takeBody(const char *data, std::size_t length)
 {
     windowBytes += length;
-    if (answer.bodyLength == 0 && isAnnouncedTooLong()) {
+    // There is no use in taking the beginning of a whole file that is not wanted as a whole.
+    if (answer.bodyLength == 0 && answer.status == 200 && answer.contentLength() > bodyLimit()) {
         isTooLong = true;
         return false;
     }

@@ -34,7 +34,6 @@ private:
     bool takeHeader(const std::string &line);
     bool takeBody(const char *data, std::size_t length);
     std::uint64_t bodyLimit() const;
-    bool isAnnouncedTooLong() const;
     bool usesSink() const { return answer.status == 200 && request.wholeSink; }
     bool flushToSink();
     void restartWindow(Clock::time_point now);

@@ -32,15 +32,6 @@ bool isTransient(int status)
     return status == 408 || status == 429 || status == 500 || status == 502 || status == 503 || status == 504;
 }
 
-/// 0 when the answer does not say.
-std::uint64_t contentLength(const HttpAnswer &answer)
-{
-    const std::string length = answer.header("content-length");
-    const bool isNumber =
-        !length.empty() && length.size() < 19 && length.find_first_not_of("0123456789") == std::string::npos;
-    return isNumber ? std::stoull(length) : 0;
-}
-
 std::string sizeText(std::uint64_t bytes)
 {
     return std::to_string((bytes + (1 << 20) - 1) >> 20) + " MB";
@@ -49,9 +40,8 @@ std::string sizeText(std::uint64_t bytes)
 } // namespace
 
 /// What the answers of one round of requests amount to.
-class RangeFetcher::Round
+struct RangeFetcher::Round
 {
-public:
     CError trouble;                        ///< worth another try
     int pause = -1;                        ///< milliseconds the server wants to be left alone
     bool isInSink = false;                 ///< the whole file went there
@@ -113,7 +103,7 @@ std::uint64_t RangeFetcher::wholeLimit() const
 
 CError RangeFetcher::tooLarge(const HttpAnswer &answer) const
 {
-    const std::uint64_t length = contentLength(answer);
+    const std::uint64_t length = answer.contentLength();
     return {PLK_ERR_TOO_LARGE, "The server of " + quotedName() + " gives files as a whole only, and this one " +
                                    (length > 0 ? "(" + sizeText(length) + ") " : std::string()) +
                                    "is larger than the " + sizeText(wholeLimit()) + " that the stream cache may take."};
@@ -190,7 +180,7 @@ CError RangeFetcher::takeFirstBytes(const HttpAnswer &answer, const Sink &sink, 
 /// A file that comes as a whole only and does not fit into memory, but on disk: taken when it is read.
 CError RangeFetcher::takeLargeWhole(const HttpAnswer &answer, FileVersion *version)
 {
-    *version = FileVersion::of(answer, contentLength(answer));
+    *version = FileVersion::of(answer, answer.contentLength());
     if (!link.options().cacheEnabled || !version->isTellable() || version->length == 0 ||
         version->length > wholeLimit())
         return tooLarge(answer);
@@ -245,18 +235,7 @@ CError RangeFetcher::fetch(const std::vector<ByteRange> &ranges, const FileVersi
             groups = planRequests(lacking, ServerTraits::instance().takesSeveralRanges(server));
         const std::vector<HttpAnswer> answers = askFor(groups, version, cancel);
         Round round;
-        round.lacking = lacking.byteCount();
-        const Sink take = [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
-            for (const ByteRange &wanted : lacking.within({offset, length}))
-                round.gained += wanted.length;
-            lacking.remove(ByteRange{offset, length});
-            sink(offset, data, length);
-        };
-        CError failure;
-        for (std::size_t i = 0; i < answers.size(); ++i)
-            if (CError error = takeAnswer(groups[i], answers[i], version, take, &round))
-                failure = failure ? failure : error; // what the others brought is good all the same
-        if (failure)
+        if (CError failure = takeAnswers(groups, answers, version, sink, &lacking, &round))
             return failure;
         if (lacking.isEmpty() || round.isInSink)
             break;
@@ -270,6 +249,23 @@ CError RangeFetcher::fetch(const std::vector<ByteRange> &ranges, const FileVersi
             return cancelledError();
     }
     return {};
+}
+
+CError RangeFetcher::takeAnswers(const std::vector<RangeGroup> &groups, const std::vector<HttpAnswer> &answers,
+                                 const FileVersion &version, const Sink &sink, ByteRangeSet *lacking, Round *round)
+{
+    round->lacking = lacking->byteCount();
+    const Sink take = [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
+        for (const ByteRange &wanted : lacking->within({offset, length}))
+            round->gained += wanted.length;
+        lacking->remove(ByteRange{offset, length});
+        sink(offset, data, length);
+    };
+    CError failure;
+    for (std::size_t i = 0; i < answers.size(); ++i)
+        if (CError error = takeAnswer(groups[i], answers[i], version, take, round))
+            failure = failure ? failure : error; // what the others brought is good all the same
+    return failure;
 }
 
 CError RangeFetcher::takeAnswer(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
@@ -360,16 +356,11 @@ CError RangeFetcher::takeWhole(const RangeGroup &group, const HttpAnswer &answer
     return {};
 }
 
-CError RangeFetcher::takeFailure(const HttpAnswer &answer, bool isOpening, Round *round) const
+/// What an answer's status says for good; success where another try may help.
+CError RangeFetcher::statusError(int status, bool isOpening) const
 {
     const std::string of = "The server of " + quotedName();
-    const std::string status = std::to_string(answer.status);
-    const int lostCode = isOpening ? PLK_ERR_UNREACHABLE : PLK_ERR_CONNECTION_LOST;
-    if (answer.outcome == HttpOutcome::Distrusted)
-        return {PLK_ERR_UNTRUSTED, of + " cannot prove that it is the one it claims to be: " + answer.failure + '.'};
-    if (answer.outcome == HttpOutcome::Invalid)
-        return {PLK_ERR_SERVER, of + " answers with what cannot be used: " + answer.failure + '.'};
-    switch (answer.status) {
+    switch (status) {
     case 401:
     case 407:
         return {PLK_ERR_NO_ACCESS, of + " wants a user name and password, or does not accept these."};
@@ -383,19 +374,35 @@ CError RangeFetcher::takeFailure(const HttpAnswer &answer, bool isOpening, Round
     default:
         break;
     }
+    if (status < 300 || isTransient(status))
+        return {};
+    return {PLK_ERR_SERVER, of + " answers with status " + std::to_string(status) + ", which does not help."};
+}
+
+CError RangeFetcher::takeFailure(const HttpAnswer &answer, bool isOpening, Round *round) const
+{
+    const std::string of = "The server of " + quotedName();
+    const int lostCode = isOpening ? PLK_ERR_UNREACHABLE : PLK_ERR_CONNECTION_LOST;
+    if (answer.outcome == HttpOutcome::Distrusted)
+        return {PLK_ERR_UNTRUSTED, of + " cannot prove that it is the one it claims to be: " + answer.failure + '.'};
+    if (answer.outcome == HttpOutcome::Invalid)
+        return {PLK_ERR_SERVER, of + " answers with what cannot be used: " + answer.failure + '.'};
+    if (CError error = statusError(answer.status, isOpening))
+        return error;
     if (isTransient(answer.status)) {
         round->pause = std::max(round->pause, retryAfter(answer));
-        round->trouble = {lostCode, of + " is out of service at present (status " + status + ")."};
-        return {};
+        round->trouble = {lostCode,
+                          of + " is out of service at present (status " + std::to_string(answer.status) + ")."};
+    } else if (answer.status != 0 && answer.outcome == HttpOutcome::Complete) {
+        return {PLK_ERR_SERVER,
+                of + " answers with status " + std::to_string(answer.status) + ", which does not help."};
+    } else if (isOpening) {
+        const char *const what = answer.status == 0 ? " cannot be reached: " : " broke off: ";
+        round->trouble = {lostCode, of + what + answer.failure + '.'};
+    } else {
+        round->trouble = {lostCode,
+                          "The connection to the server of " + quotedName() + " is lost: " + answer.failure + '.'};
     }
-    const bool isBroken =
-        answer.status == 0 || answer.outcome == HttpOutcome::Cut || answer.outcome == HttpOutcome::TimedOut;
-    if (!isBroken || answer.status >= 300)
-        return {PLK_ERR_SERVER, of + " answers with status " + status + ", which does not help."};
-    const std::string what = answer.status == 0 ? " cannot be reached: " : " broke off: ";
-    round->trouble = {lostCode, isOpening ? of + what + answer.failure + '.'
-                                          : "The connection to the server of " + quotedName() +
-                                                " is lost: " + answer.failure + '.'};
     return {};
 }
 

@@ -39,7 +39,7 @@ public:
     bool getsWholeOnly() const { return takesNoRanges; }
 
 private:
-    class Round;
+    struct Round;
     class Patience;
 
     std::vector<HttpAnswer> askFor(const std::vector<RangeGroup> &groups, const FileVersion &version,
@@ -47,12 +47,15 @@ private:
     PLK::CError takeOpening(const HttpAnswer &answer, const FileVersion &known, const Sink &sink, FileVersion *version,
                             Round *round);
     PLK::CError takeFirstBytes(const HttpAnswer &answer, const Sink &sink, FileVersion *version, Round *round);
+    PLK::CError takeAnswers(const std::vector<RangeGroup> &groups, const std::vector<HttpAnswer> &answers,
+                            const FileVersion &version, const Sink &sink, ByteRangeSet *lacking, Round *round);
     PLK::CError takeAnswer(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
                            const Sink &sink, Round *round);
     PLK::CError takePartial(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
                             const Sink &sink, Round *round);
     PLK::CError takeWhole(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
                           const Sink &sink, Round *round);
+    PLK::CError statusError(int status, bool isOpening) const;
     PLK::CError takeFailure(const HttpAnswer &answer, bool isOpening, Round *round) const;
     PLK::CError takeLargeWhole(const HttpAnswer &answer, FileVersion *version);
     PLK::CError tooLarge(const HttpAnswer &answer) const;

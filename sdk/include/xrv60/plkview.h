@@ -56,8 +56,8 @@ public:
     CError Close(bool freeCache);
     /// Reconnects a stream after error 76 and goes on where it stopped: the view that was set last begins again, from
     /// the bytes that are there. Waits for nothing then; success where no connection was lost, and for local files. A
-    /// stream whose file was changed on the server (PLK_ERR_FILE_CHANGED) is closed and opened anew, which may fail, for
-    /// which the rules of Close() hold, and after which a view must be set.
+    /// stream whose file was changed on the server (PLK_ERR_FILE_CHANGED) is closed and opened anew, which may fail,
+    /// for which the rules of Close() hold, and after which a view must be set.
     CError Reconnect();
 
     /// Sets what the next lines show: \a bandCount band indices (1 to 4 entries: one as grey, three as red, green and
@@ -65,7 +65,8 @@ public:
     /// y1) top left to (x2, y2) bottom right. The rectangle may reach beyond the image; pixels outside are transparent
     /// black. PLK_ERR_INVALID_ARGUMENT for a size of 0 or above 65535, an index out of range or an empty or non-finite
     /// rectangle; the last view then stays in force. PLK_ERR_CONNECTION_LOST (76) while the connection of a stream is
-    /// lost and PLK_ERR_FILE_CHANGED when its file is another one now: the view is set, but shows what is at hand alone.
+    /// lost and PLK_ERR_FILE_CHANGED when its file is another one now: the view is set, but shows what is at hand
+    /// alone.
     CError SetView(int bandCount, const int *bands, int width, int height, double x1, double y1, double x2, double y2);
     /// Makes reads of the present view return PLK_READ_CANCELLED and stops its decoding. Returns at once.
     void CancelReads();
@@ -100,7 +101,8 @@ public:
     CError SetTransform(unsigned band, std::unique_ptr<API::CMinMaxTransform> transform);
     CError ClearTransforms();
     /// Transforms that stretch what is left after cutting (100 - percent) per cent of the cells, half at either end, to
-    /// the full range; from the statistics. \a sampling (1 to 100) is the share of their cells to look at, in per cent.
+    /// the full range; from the statistics that the file carries, else from a small resolution level. \a sampling (1 to
+    /// 100) is the share of their cells to look at, in per cent.
     CError CalculateMinMaxTransforms(unsigned bandCount, const unsigned *bands,
                                      std::vector<std::unique_ptr<API::CMinMaxTransform>> *transforms, double percent,
                                      unsigned sampling);

@@ -13,10 +13,10 @@ namespace {
 /// Tile indexes kept per file, in bytes.
 constexpr std::size_t kIndexBudget = 32u << 20;
 
-// How much of a tile-part its header takes is not known before it is read: packet lengths take about this share of it.
-constexpr std::uint64_t kHeaderShare = 512;
 constexpr std::uint64_t kLocalReadAhead = 1024;
-constexpr std::uint64_t kShortestHeader = 256, kLongestHeader = 64 * 1024;
+// How much of a tile-part its header takes is not known before it is read; most of it are the packets' lengths.
+constexpr std::uint64_t kBytesPerPacketLength = 2;
+constexpr std::uint64_t kShortestHeader = 96, kLongestHeader = 64 * 1024;
 /// The cells of low resolutions take more bits each than those of the others: times this.
 constexpr std::uint64_t kLowResolutionBits = 2;
 /// Discarded resolutions from which on the rest is little enough to be read along with the header.
@@ -120,7 +120,9 @@ std::uint64_t TileIndexStore::readAhead(int discarded) const
     if (!source->isRemote())
         return kLocalReadAhead;
     const std::uint64_t bytesOfTile = codestream.length / header.tileCount();
-    std::uint64_t ahead = std::clamp(bytesOfTile / kHeaderShare, kShortestHeader, kLongestHeader);
+    const std::uint64_t packets = PacketNumbering(header, header.style, tileRect(header, 0)).count();
+    std::uint64_t ahead =
+        std::min(kShortestHeader + kBytesPerPacketLength * std::min(packets, kMostPackets), kLongestHeader);
     if (discarded >= kFewResolutions && beginsWithLowResolutions(header.style))
         ahead += bytesOfTile / (std::uint64_t(1) << std::min(2 * discarded, 62)) * kLowResolutionBits;
     return std::min(ahead, kLongestReadAhead);

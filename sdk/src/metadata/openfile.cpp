@@ -1,6 +1,5 @@
 #include "openfile.h"
 
-#include "statistics.h"
 #include "viewmetadatavalues.h"
 
 #include "../config/faultlog.h"
@@ -62,7 +61,8 @@ bool isUsable(const xrv::GeoReference &geo)
 } // namespace
 
 OpenFile::OpenFile()
-    : keptStatistics(nullptr, PLKFreeStatistics)
+    : fullStatistics(nullptr, PLKFreeStatistics)
+    , roughStatistics(nullptr, PLKFreeStatistics)
 {
 }
 
@@ -277,37 +277,49 @@ bool OpenFile::canBeDithered() const
 CError OpenFile::statistics(const PLKFileStatistics **result)
 {
     const std::lock_guard<std::mutex> lock(statisticsMutex);
+    return findStatistics(&fullStatistics, xrv::StatisticsDetail::Full, result);
+}
+
+CError OpenFile::displayStatistics(const PLKFileStatistics **result)
+{
+    const std::lock_guard<std::mutex> lock(statisticsMutex);
+    return findStatistics(&roughStatistics, xrv::StatisticsDetail::Display, result);
+}
+
+CError OpenFile::findStatistics(xrv::StatisticsPtr *kept, xrv::StatisticsDetail detail,
+                                const PLKFileStatistics **result)
+{
     try {
-        if (!keptStatistics && xrvStructure)
-            if (CError error = readStoredStatistics())
+        if (!*kept && xrvStructure)
+            if (CError error = readStoredStatistics(kept))
                 return error;
-        if (!keptStatistics)
-            if (CError error = makeStatistics())
+        if (!*kept)
+            if (CError error = makeStatistics(kept, detail))
                 return error;
     } catch (const std::bad_alloc &) {
         return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory for the statistics of \"" + fileName + "\"."};
     }
-    *result = keptStatistics.get();
+    *result = kept->get();
     return {};
 }
 
 /// Damaged ones are none: they are then computed.
-CError OpenFile::readStoredStatistics()
+CError OpenFile::readStoredStatistics(xrv::StatisticsPtr *kept)
 {
     xrv::Bytes content;
     if (CError error = xrv::readXrvContent(*byteSource, xrvStructure->statistics, &content))
         return error;
-    keptStatistics = xrv::parseStatistics(content, bandInfos.size());
-    if (!keptStatistics && !content.empty())
+    *kept = xrv::parseStatistics(content, bandInfos.size());
+    if (!*kept && !content.empty())
         logNamed(PLK_LOG_WARNING, "\"" + fileName + "\": The statistics are damaged and are computed anew.");
     return {};
 }
 
-CError OpenFile::makeStatistics()
+CError OpenFile::makeStatistics(xrv::StatisticsPtr *kept, xrv::StatisticsDetail detail)
 {
     const bool resilient = xrv::globalConfig().IsResilientDecodingEnabled();
     const auto start = std::chrono::steady_clock::now();
-    if (CError error = xrv::computeStatistics(*rasterReader, map, resilient, &keptStatistics, faultLog.get()))
+    if (CError error = xrv::computeStatistics(*rasterReader, map, detail, resilient, kept, faultLog.get()))
         return error;
     const auto elapsed = std::chrono::steady_clock::now() - start;
     logNamed(PLK_LOG_DEBUG, "Statistics of \"" + fileName + "\" took " +

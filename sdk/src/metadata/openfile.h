@@ -7,6 +7,8 @@
 #include "../io/bytesource.h"
 #include "../xrv/xrvstructure.h"
 
+#include "statistics.h"
+
 #include <xrv60/plkerror.h>
 #include <xrv60/plktypes.h>
 #include <xrv60/plkviewmetadata.h>
@@ -57,6 +59,9 @@ public:
     /// Statistics of all bands, owned by this object: those that the file carries, else computed at the first call,
     /// which may decode.
     CError statistics(const PLKFileStatistics **result);
+    /// The same where they are known; else what a small resolution level tells, which is enough for a picture's
+    /// contrast.
+    CError displayStatistics(const PLKFileStatistics **result);
 
 private:
     OpenFile();
@@ -69,8 +74,9 @@ private:
     void fillBandInfos();
     void fillXrvInfo();
     void fillTexts();
-    CError readStoredStatistics();
-    CError makeStatistics();
+    CError readStoredStatistics(xrv::StatisticsPtr *kept);
+    CError findStatistics(xrv::StatisticsPtr *kept, xrv::StatisticsDetail detail, const PLKFileStatistics **result);
+    CError makeStatistics(xrv::StatisticsPtr *kept, xrv::StatisticsDetail detail);
     double uncompressedBytes() const;
     std::string typeName() const;
 
@@ -89,8 +95,8 @@ private:
     PLKFileMetaData textRecord{};
     std::vector<PLKXMLBox> xmls;
     std::shared_ptr<const ViewMetadata::ViewMetadataJp2::Values> jp2Values;
-    std::mutex statisticsMutex; ///< guards keptStatistics
-    std::unique_ptr<PLKFileStatistics, void (*)(PLKFileStatistics *)> keptStatistics;
+    std::mutex statisticsMutex; ///< guards what follows
+    xrv::StatisticsPtr fullStatistics, roughStatistics;
 };
 
 } // namespace PLK

@@ -14,7 +14,6 @@ using PLK::CError;
 
 namespace {
 
-constexpr std::int64_t kEnoughCells = 750'000;            // "about a million"
 constexpr std::int64_t kMostCellsOfAllBands = 64'000'000; // what can be read in reasonable time
 constexpr std::int64_t kFewestCells = 4096;
 constexpr std::size_t kMostBuckets = 65536;
@@ -100,11 +99,11 @@ CError countOnce(BandRows &rows, const StatisticsPlan &plan, bool resilient, std
     return {};
 }
 
-CError countGroup(RasterReader &reader, const BandMap &map, const std::vector<int> &group, bool resilient,
-                  PLKBandStatistics *statistics, FaultLog *faults)
+CError countGroup(RasterReader &reader, const BandMap &map, const std::vector<int> &group, StatisticsDetail detail,
+                  bool resilient, PLKBandStatistics *statistics, FaultLog *faults)
 {
     const std::vector<Band> &bands = map.bands();
-    const StatisticsPlan plan = planStatistics(reader.info(), static_cast<int>(bands.size()), map.hasPalette());
+    const StatisticsPlan plan = planStatistics(reader.info(), static_cast<int>(bands.size()), map.hasPalette(), detail);
     std::vector<BandCounter> counters;
     for (int band : group)
         counters.emplace_back(bands[static_cast<std::size_t>(band)].bits,
@@ -125,10 +124,10 @@ CError countGroup(RasterReader &reader, const BandMap &map, const std::vector<in
 
 } // namespace
 
-StatisticsPlan planStatistics(const RasterInfo &info, int bandCount, bool fullResolutionOnly)
+StatisticsPlan planStatistics(const RasterInfo &info, int bandCount, bool fullResolutionOnly, StatisticsDetail detail)
 {
     const std::int64_t share = kMostCellsOfAllBands / std::max(1, bandCount);
-    const std::int64_t enough = std::clamp(share, kFewestCells, kEnoughCells);
+    const std::int64_t enough = std::clamp(share, kFewestCells, static_cast<std::int64_t>(detail));
     StatisticsPlan plan;
     while (!fullResolutionOnly && plan.level + 1 < info.codedLevels && cellsAtLevel(info, plan.level + 1) >= enough)
         ++plan.level;
@@ -138,8 +137,8 @@ StatisticsPlan planStatistics(const RasterInfo &info, int bandCount, bool fullRe
     return plan;
 }
 
-CError computeStatistics(RasterReader &reader, const BandMap &map, bool resilient, StatisticsPtr *statistics,
-                         FaultLog *faults)
+CError computeStatistics(RasterReader &reader, const BandMap &map, StatisticsDetail detail, bool resilient,
+                         StatisticsPtr *statistics, FaultLog *faults)
 {
     const std::size_t bandCount = map.bands().size();
     StatisticsPtr result(new PLKFileStatistics{nullptr, 0}, PLKFreeStatistics);
@@ -147,7 +146,7 @@ CError computeStatistics(RasterReader &reader, const BandMap &map, bool resilien
     result->nBands = static_cast<std::uint32_t>(bandCount);
     for (std::size_t begin = 0; begin < bandCount;) {
         const std::vector<int> group = nextGroup(map.bands(), begin);
-        if (CError error = countGroup(reader, map, group, resilient, result->pBandStats, faults))
+        if (CError error = countGroup(reader, map, group, detail, resilient, result->pBandStats, faults))
             return error;
         begin += group.size();
     }

@@ -96,7 +96,7 @@ StatisticsPtr statisticsOf(FakeReader &reader, const Jp2Structure &structure = {
     std::vector<std::string> warnings;
     const BandMap map = BandMap::make(reader.info(), structure, &warnings);
     StatisticsPtr statistics(nullptr, PLKFreeStatistics);
-    if (PLK::CError error = xrv::computeStatistics(reader, map, true, &statistics))
+    if (PLK::CError error = xrv::computeStatistics(reader, map, xrv::StatisticsDetail::Full, true, &statistics))
         qFatal("%s", error.GetErrorMessage());
     return statistics;
 }
@@ -323,8 +323,8 @@ void TestStatistics::errorsOfTheReader()
     Failing reader(raster(10, 10, 1, {component(8, false)}), [](int, std::int64_t, std::int64_t) { return 0; });
     std::vector<std::string> warnings;
     StatisticsPtr statistics(nullptr, PLKFreeStatistics);
-    const PLK::CError error =
-        xrv::computeStatistics(reader, BandMap::make(reader.info(), {}, &warnings), true, &statistics);
+    const PLK::CError error = xrv::computeStatistics(reader, BandMap::make(reader.info(), {}, &warnings),
+                                                     xrv::StatisticsDetail::Full, true, &statistics);
     QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_DECODE));
     QVERIFY(!statistics);
 }

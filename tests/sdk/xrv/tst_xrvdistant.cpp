@@ -1,0 +1,156 @@
+#include "data/syntheticimage.h"
+
+#include "codestream/mainheader.h"
+#include "decode/rasterreader.h"
+#include "io/memorysource.h"
+#include "xrv/xrvstructure.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <mutex>
+
+using namespace xrv;
+
+namespace {
+
+constexpr std::uint64_t kPage = 4096;
+
+/// A distant file that is fetched in pages, which stay at hand. What one call lacks costs one request.
+class DistantFile : public ByteSource
+{
+public:
+    explicit DistantFile(const Bytes &file)
+        : memory(file)
+        , isAtHand(static_cast<std::size_t>(file.size() / kPage) + 1, false)
+    {
+    }
+    const std::string &name() const override { return memory.name(); }
+    std::uint64_t size() const override { return memory.size(); }
+    bool isRemote() const override { return true; }
+    std::string identity() const override { return memory.identity(); }
+    using ByteSource::read;
+    PLK::CError read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel, std::vector<Bytes> *out) override
+    {
+        take(ranges);
+        return memory.read(ranges, cancel, out);
+    }
+    PLK::CError prefetch(const std::vector<ByteRange> &ranges, const CancelFlag &) override
+    {
+        take(ranges);
+        return {};
+    }
+
+    int requests = 0;
+    std::uint64_t fetched = 0;
+
+private:
+    void take(const std::vector<ByteRange> &ranges)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        const std::uint64_t before = fetched;
+        for (const ByteRange &range : ranges) {
+            for (std::uint64_t page = range.offset / kPage; page * kPage < range.end(); ++page) {
+                fetched += isAtHand.at(page) ? 0 : kPage;
+                isAtHand[page] = true;
+            }
+        }
+        requests += fetched > before ? 1 : 0;
+    }
+
+    MemorySource memory;
+    std::vector<bool> isAtHand;
+    std::mutex mutex; ///< guards requests, fetched and isAtHand
+};
+
+} // namespace
+
+/// What reading XRV files from a distance costs.
+class TestXrvDistant : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void openingTakesTwoRequests();
+    void overviewTakesOneMore();
+    void windowTakesOneMore();
+
+private:
+    std::unique_ptr<RasterReader> open(const std::shared_ptr<DistantFile> &file)
+    {
+        std::unique_ptr<RasterReader> reader;
+        if (readXrvStructure(*file, &structure, nullptr).IsSuccess())
+            RasterReader::open(file, structure.boxes.codestream, &reader, structure.packetIndex);
+        return reader;
+    }
+    Bytes bytes;
+    XrvStructure structure;
+};
+
+void TestXrvDistant::initTestCase()
+{
+    SyntheticImage image(2100, 1900, 3, 8);
+    image.image.colourSpace = PLK_COLORSPACE_SRGB;
+    image.image.xmls = {std::string(200000, ' '), std::string(50000, ' ')};
+    WriteOptions options;
+    options.blockSize = 256;
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("distant.xrv"));
+    QVERIFY(writeImage(image, options, path.toStdString()).IsSuccess());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray content = file.readAll();
+    bytes.assign(content.begin(), content.end());
+}
+
+/// The start of the file, and what its table of contents names; not what lies between.
+void TestXrvDistant::openingTakesTwoRequests()
+{
+    const auto file = std::make_shared<DistantFile>(bytes);
+    QVERIFY(open(file));
+    QCOMPARE(file->requests, 2);
+    QVERIFY2(file->fetched < structure.packetIndex.length + 48 * 1024, qPrintable(QString::number(file->fetched)));
+}
+
+void TestXrvDistant::overviewTakesOneMore()
+{
+    const auto file = std::make_shared<DistantFile>(bytes);
+    const auto reader = open(file);
+    QVERIFY(reader);
+    const std::uint64_t opening = file->fetched;
+    ReadRequest request;
+    request.datasetRect = {0, 0, 2100, 1900};
+    request.level = 3;
+    request.components = {0, 1, 2};
+    ReadResult result;
+    QVERIFY(reader->read(request, &result).IsSuccess() && !result.damaged);
+    QCOMPARE(file->requests, 3);
+
+    // The packets of the two lowest of five resolutions.
+    const PacketIndex &index = *reader->mainHeader().packetIndex;
+    QCOMPARE(index.parts().size(), std::size_t(5 * 72));
+    const std::uint64_t needed = index.parts()[2 * 72].offset;
+    QVERIFY2(file->fetched - opening < needed * 5 / 4 + 2 * kPage,
+             qPrintable(QStringLiteral("%1 for %2").arg(file->fetched - opening).arg(needed)));
+}
+
+void TestXrvDistant::windowTakesOneMore()
+{
+    const auto file = std::make_shared<DistantFile>(bytes);
+    const auto reader = open(file);
+    QVERIFY(reader);
+    const std::uint64_t opening = file->fetched;
+    ReadRequest request;
+    request.datasetRect = {900, 700, 1200, 1000};
+    request.components = {0, 1, 2};
+    ReadResult result;
+    QVERIFY(reader->read(request, &result).IsSuccess() && !result.damaged);
+    QCOMPARE(file->requests, 3);
+    // Nine of 72 blocks at the finest resolutions.
+    QVERIFY2(file->fetched - opening < bytes.size() / 5, qPrintable(QString::number(file->fetched - opening)));
+}
+
+QTEST_GUILESS_MAIN(TestXrvDistant)
+#include "tst_xrvdistant.moc"

@@ -114,6 +114,10 @@ CError StreamSource::connect()
         fetcher.setWholeSink(std::make_shared<WholeFileSink>(cached, printableAddress));
     fileNumber = SegmentStore::instance().fileNumber(identity());
     newestPin = nextNumber();
+    if (logEnabled(PLK_LOG_DEBUG))
+        log(PLK_LOG_DEBUG, wideFromUtf8("\"" + name() + "\" has " + std::to_string(size()) + " bytes, " +
+                                        std::to_string(cached ? cached->held().byteCount() : 0) +
+                                        " of which are in the stream cache."));
     return keep(0, first.data(), first.size(), newestPin);
 }
 

@@ -63,7 +63,7 @@ public:
     /// What was asked since the last call.
     std::vector<Request> takeRequests();
     /// The largest number of requests that were under way at a time.
-    int mostAtOnce() const { return peak; }
+    int mostAtOnce();
 
 private:
     void acceptAll();
@@ -73,10 +73,10 @@ private:
     std::uint16_t port = 0;
     int listener = -1;
     std::atomic<bool> stopping{false};
-    std::atomic<int> underWay{0}, peak{0};
     std::thread acceptor;
     std::mutex mutex; ///< guards the members below
     Handler handler;
+    int underWay = 0, peak = 0;
     std::vector<Request> requests;
     std::list<std::thread> threads;
     std::vector<int> sockets;

@@ -35,12 +35,13 @@ NginxServer::~NginxServer()
 bool NginxServer::writeConfig(const QString &folder) const
 {
     QString text =
-        QStringLiteral("daemon off;\nworker_processes 1;\npid %1/pid;\nerror_log %1/errors;\nevents {}\n"
-                       "http {\n  log_format asked '$status $body_bytes_sent $http_range $server_protocol';\n"
-                       "  access_log %1/asked asked;\n"
-                       "  client_body_temp_path %1/t1;\n  proxy_temp_path %1/t2;\n"
-                       "  fastcgi_temp_path %1/t3;\n  uwsgi_temp_path %1/t4;\n  scgi_temp_path %1/t5;\n"
-                       "  server { listen 127.0.0.1:%2%4; root %3; }\n}\n")
+        QStringLiteral(
+            "daemon off;\nworker_processes 1;\npid %1/pid;\nerror_log %1/errors;\nevents {}\n"
+            "http {\n  log_format asked '$status $body_bytes_sent $http_range $server_protocol';\n"
+            "  access_log %1/asked asked;\n"
+            "  client_body_temp_path %1/t1;\n  proxy_temp_path %1/t2;\n"
+            "  fastcgi_temp_path %1/t3;\n  uwsgi_temp_path %1/t4;\n  scgi_temp_path %1/t5;\n"
+            "  server { listen 127.0.0.1:%2%4; root %3; location /away/ { return 302 http://127.0.0.1/; } }\n}\n")
             .arg(place.path())
             .arg(listeningPort)
             .arg(folder)

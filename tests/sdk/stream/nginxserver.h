@@ -13,7 +13,8 @@ public:
     static bool isInstalled();
     ~NginxServer();
 
-    /// Serves \a folder. Waits until the server answers.
+    /// Serves \a folder; what is asked for in "away/" is to be had over an open connection, it says. Waits until the
+    /// server answers.
     bool start(const QString &folder);
     void stop();
     quint16 port() const { return listeningPort; }

@@ -16,6 +16,7 @@ inline xrv::StreamOptions quickOptions()
     options.firstBackOff = 10;
     options.longestRetryAfter = 1500;
     options.firstBytes = 1000;
+    options.wholeInMemory = 4 << 20;
     return options;
 }
 

@@ -499,7 +499,7 @@ void TestStreamFaults::fewRequestsAtATime()
     WebFile file = WebFile::make(3000000, 3);
     file.takesSeveral = false;
     FaultServer server([file](const Request &request, const Connection &connection) {
-        connection.linger(30);
+        connection.linger(60);
         return connection.send(file.answer(request));
     });
     std::shared_ptr<xrv::ByteSource> source;
@@ -510,7 +510,7 @@ void TestStreamFaults::fewRequestsAtATime()
     std::vector<xrv::Bytes> out;
     QVERIFY(!source->read(ranges, never, &out));
     QVERIFY(out == expectedBytes(file, ranges));
-    QCOMPARE(server.mostAtOnce(), 6);
+    QVERIFY2(server.mostAtOnce() > 1 && server.mostAtOnce() <= 6, qPrintable(QString::number(server.mostAtOnce())));
 }
 
 void TestStreamFaults::prefetchedBytesNeedNoRequest()

@@ -266,12 +266,16 @@ void TestStreamView::secureServerMustBeTrusted()
         QSKIP("no certificate can be made, or nginx knows no TLS");
     PLK::CView view;
     const std::string address = secure.address(kSingle);
-    QCOMPARE(view.Open(utf8(address), false, false).GetErrorNumber(), int(PLK_ERR_UNTRUSTED));
+    PLK::CError error = view.Open(utf8(address), false, false);
+    QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_UNTRUSTED));
     config().SetXrvpClientCaFile(secure.certificateFile().toLocal8Bit().constData());
     QVERIFY(!view.Open(utf8(address), false, false));
     QVERIFY(picture(view, kOverview) == localPicture(kSingle, kOverview));
     for (const QString &line : secure.takeLog())
         QVERIFY2(line.endsWith(QLatin1String("HTTP/2.0")), qPrintable(line));
+    error = view.Open(utf8(secure.address(QStringLiteral("away/a"))), false, false);
+    QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_SERVER));
+    QVERIFY(QByteArray(error.GetErrorMessage()).contains("open one"));
     config().SetXrvpClientCaFile(nullptr);
 }
 

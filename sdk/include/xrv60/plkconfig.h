@@ -33,11 +33,15 @@ public:
     /// Shortest time between two refresh callbacks of a view, in milliseconds; 0 is one callback per pass.
     void SetRefreshTimeMS(unsigned milliseconds);
     unsigned GetRefreshTimeMS() const;
+    /// Streams are kept on disk between visits, where there is a folder for it. On from the start.
     void SetXrvpCacheEnabled(bool enabled);
     bool IsXrvpCacheEnabled() const;
+    /// What all streams on disk may take together, in MB of 2^20 bytes; what was not used for longest goes first. Also the
+    /// largest file taken from servers that give files as a whole only. 256 from the start, 0 is no cache.
     void SetXrvpCacheSizeMb(int megabytes);
     int GetXrvpCacheSizeMb() const;
-    /// \a folder in the local 8-bit encoding. Null is no folder.
+    /// \a folder in the local 8-bit encoding, made where it is missing. Other files in it are left alone. Null is no
+    /// folder, and so no cache.
     void SetXrvpCacheLocation(const char *folder);
     std::string GetXrvpCacheLocation() const;
     /// Budget of the decoded-tile cache of all views in bytes. What a caller makes by sign-extending a 32-bit number

@@ -85,11 +85,17 @@ FileVersion CachedStream::version() const
     return wholeVersion;
 }
 
-ByteRangeSet CachedStream::held() const
+std::uint64_t CachedStream::heldBytes() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return index->heldBytes();
+}
+
+ByteRangeSet CachedStream::lacking(const std::vector<ByteRange> &ranges) const
 {
     const std::lock_guard<std::mutex> lock(mutex);
     index->refresh(false);
-    return index->held();
+    return index->lacking(ranges);
 }
 
 bool CachedStream::readSegment(std::uint64_t offset, const CacheIndex::Segment &segment, Bytes *bytes) const
@@ -107,14 +113,7 @@ void CachedStream::load(const std::vector<ByteRange> &ranges, const Sink &sink)
     index->refresh(false);
     Bytes bytes;
     for (const ByteRange &range : ranges) {
-        for (std::uint64_t position = range.offset; position < range.end();) {
-            auto it = index->segments().upper_bound(position);
-            if (it != index->segments().begin() && std::prev(it)->first + std::prev(it)->second.length > position)
-                --it;
-            if (it == index->segments().end() || it->first >= range.end())
-                break;
-            const auto [offset, segment] = *it;
-            position = offset + segment.length;
+        for (const auto &[offset, segment] : index->segmentsWithin(range)) {
             if (readSegment(offset, segment, &bytes))
                 sink(offset, bytes.data(), bytes.size());
             else
@@ -152,23 +151,22 @@ void CachedStream::put(std::uint64_t offset, const std::uint8_t *bytes, std::uin
     if (!lock.isHeld() || !index->file()->isLinked())
         return;
     index->refresh(true);
-    ByteRangeSet lacking({ByteRange{offset, length}});
-    lacking.remove(index->held());
-    if (lacking.isEmpty())
+    const ByteRangeSet missing = index->lacking({ByteRange{offset, length}});
+    if (missing.isEmpty())
         return;
-    if (mayGrow(lacking.byteCount() + kRecordSize * lacking.ranges().size()))
-        write(offset, bytes, lacking.ranges());
+    if (mayGrow(missing.byteCount() + kRecordSize * missing.ranges().size()))
+        write(offset, bytes, missing.ranges());
     else
         isFull = true;
 }
 
 /// With the lock held. First the bytes, then what points to them.
-void CachedStream::write(std::uint64_t offset, const std::uint8_t *bytes, const std::vector<ByteRange> &lacking)
+void CachedStream::write(std::uint64_t offset, const std::uint8_t *bytes, const std::vector<ByteRange> &missing)
 {
     std::map<std::uint64_t, CacheIndex::Segment> written;
     const std::uint64_t begin = data->size();
     std::uint64_t place = begin;
-    for (const ByteRange &range : lacking) {
+    for (const ByteRange &range : missing) {
         for (std::uint64_t at = range.offset; at < range.end(); at += kLargestSegment) {
             const std::uint64_t count = std::min(kLargestSegment, range.end() - at);
             const std::uint8_t *const source = bytes + (at - offset);

@@ -25,7 +25,9 @@ public:
                                               const FileVersion *version, RoomKeeper roomKeeper);
 
     FileVersion version() const;
-    ByteRangeSet held() const;
+    std::uint64_t heldBytes() const;
+    /// What is not here of \a ranges.
+    ByteRangeSet lacking(const std::vector<ByteRange> &ranges) const;
     /// Hands over what is here of \a ranges, with what lies around it. \a sink must not call back.
     void load(const std::vector<ByteRange> &ranges, const Sink &sink);
     void put(std::uint64_t offset, const std::uint8_t *data, std::uint64_t length);
@@ -39,7 +41,7 @@ private:
     bool reopenWhereRemoved();
     void removeFiles();
     bool readSegment(std::uint64_t offset, const CacheIndex::Segment &segment, Bytes *bytes) const;
-    void write(std::uint64_t offset, const std::uint8_t *data, const std::vector<ByteRange> &lacking);
+    void write(std::uint64_t offset, const std::uint8_t *data, const std::vector<ByteRange> &missing);
     bool mayGrow(std::uint64_t bytes);
 
     const std::string basePath;

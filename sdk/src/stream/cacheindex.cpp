@@ -109,7 +109,7 @@ void CacheIndex::refresh(bool repairs)
     if (size < end) { // cut by somebody who found it damaged further up
         end = 0;
         bySegmentOffset.clear();
-        heldRanges = {};
+        byteCount = 0;
         knowledgePlaces.clear();
         isBegun = false;
     }
@@ -162,18 +162,40 @@ void CacheIndex::takeSegment(const Bytes &content)
     }
 }
 
+std::map<std::uint64_t, CacheIndex::Segment>::const_iterator CacheIndex::firstEndingAfter(std::uint64_t offset) const
+{
+    auto it = bySegmentOffset.upper_bound(offset);
+    if (it != bySegmentOffset.begin() && std::prev(it)->first + std::prev(it)->second.length > offset)
+        --it;
+    return it;
+}
+
+std::vector<std::pair<std::uint64_t, CacheIndex::Segment>> CacheIndex::segmentsWithin(const ByteRange &range) const
+{
+    auto last = firstEndingAfter(range.offset);
+    const auto first = last;
+    while (last != bySegmentOffset.end() && last->first < range.end())
+        ++last;
+    return {first, last};
+}
+
+ByteRangeSet CacheIndex::lacking(const std::vector<ByteRange> &ranges) const
+{
+    ByteRangeSet lacking(ranges);
+    const std::vector<ByteRange> wanted = lacking.ranges();
+    for (const ByteRange &range : wanted)
+        for (const auto &[offset, segment] : segmentsWithin(range))
+            lacking.remove(ByteRange{offset, segment.length});
+    return lacking;
+}
+
 /// What is newer holds: it was written because the older was found to be damaged.
 void CacheIndex::insert(std::uint64_t offset, const Segment &segment)
 {
-    auto it = bySegmentOffset.lower_bound(offset);
-    if (it != bySegmentOffset.begin() && std::prev(it)->first + std::prev(it)->second.length > offset)
-        --it;
-    while (it != bySegmentOffset.end() && it->first < offset + segment.length) {
-        heldRanges.remove(ByteRange{it->first, it->second.length});
-        it = bySegmentOffset.erase(it);
-    }
+    for (const auto &[otherOffset, other] : segmentsWithin({offset, segment.length}))
+        forget(otherOffset);
     bySegmentOffset.emplace(offset, segment);
-    heldRanges.add({offset, segment.length});
+    byteCount += segment.length;
 }
 
 void CacheIndex::forget(std::uint64_t offset)
@@ -181,7 +203,7 @@ void CacheIndex::forget(std::uint64_t offset)
     const auto found = bySegmentOffset.find(offset);
     if (found == bySegmentOffset.end())
         return;
-    heldRanges.remove(ByteRange{offset, found->second.length});
+    byteCount -= found->second.length;
     bySegmentOffset.erase(found);
 }
 

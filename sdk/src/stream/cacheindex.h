@@ -7,6 +7,8 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace xrv {
 
@@ -30,8 +32,11 @@ public:
     /// The file says which version its bytes are of. Without, begin() must come first.
     bool hasVersion() const { return isBegun; }
     const FileVersion &version() const { return knownVersion; }
-    const ByteRangeSet &held() const { return heldRanges; }
-    const std::map<std::uint64_t, Segment> &segments() const { return bySegmentOffset; }
+    std::uint64_t heldBytes() const { return byteCount; }
+    /// Those that share bytes with \a range, by their offsets.
+    std::vector<std::pair<std::uint64_t, Segment>> segmentsWithin(const ByteRange &range) const;
+    /// What is not held of \a ranges.
+    ByteRangeSet lacking(const std::vector<ByteRange> &ranges) const;
     /// The segment at \a offset is not what it should be.
     void forget(std::uint64_t offset);
 
@@ -48,6 +53,7 @@ private:
         std::uint32_t type = 0;
         Bytes content;
     };
+    std::map<std::uint64_t, Segment>::const_iterator firstEndingAfter(std::uint64_t offset) const;
     bool readRecord(std::uint64_t position, Record *record, std::uint64_t *next) const;
     bool write(const Record &record);
     void take(const Record &record, std::uint64_t position);
@@ -60,7 +66,7 @@ private:
     std::uint64_t end = 0; ///< of what was read
     bool isBegun = false;
     FileVersion knownVersion;
-    ByteRangeSet heldRanges;
+    std::uint64_t byteCount = 0;
     std::map<std::uint64_t, Segment> bySegmentOffset;
     std::map<std::string, std::uint64_t> knowledgePlaces;
 };

@@ -92,9 +92,8 @@ FileVersion StreamSource::cachedVersion()
     if (!cached)
         return {};
     const FileVersion known = cached->version();
-    ByteRangeSet first({ByteRange{0, std::min(known.length, link.options().firstBytes)}});
-    first.remove(cached->held());
-    return first.isEmpty() ? known : FileVersion();
+    const ByteRange first{0, std::min(known.length, link.options().firstBytes)};
+    return cached->lacking({first}).isEmpty() ? known : FileVersion();
 }
 
 CError StreamSource::connect()
@@ -115,9 +114,9 @@ CError StreamSource::connect()
     fileNumber = SegmentStore::instance().fileNumber(identity());
     newestPin = nextNumber();
     if (logEnabled(PLK_LOG_DEBUG))
-        log(PLK_LOG_DEBUG, wideFromUtf8("\"" + name() + "\" has " + std::to_string(size()) + " bytes, " +
-                                        std::to_string(cached ? cached->held().byteCount() : 0) +
-                                        " of which are in the stream cache."));
+        log(PLK_LOG_DEBUG,
+            wideFromUtf8("\"" + name() + "\" has " + std::to_string(size()) + " bytes, " +
+                         std::to_string(cached ? cached->heldBytes() : 0) + " of which are in the stream cache."));
     return keep(0, first.data(), first.size(), newestPin);
 }
 
@@ -131,10 +130,7 @@ CError StreamSource::keep(std::uint64_t offset, const std::uint8_t *data, std::u
         return {};
     }
     // The whole file, as a rule because its server gives nothing less: it must not be asked for twice.
-    ByteRangeSet lacking({ByteRange{0, length}});
-    if (cached)
-        lacking.remove(cached->held());
-    if (lacking.isEmpty())
+    if (cached && cached->lacking({ByteRange{0, length}}).isEmpty())
         return {};
     if (length > link.options().wholeInMemory)
         return notOnDisk();
@@ -144,10 +140,9 @@ CError StreamSource::keep(std::uint64_t offset, const std::uint8_t *data, std::u
 }
 
 /// A file that came as a whole must not be asked for again for want of room.
-CError StreamSource::checkOnDisk(ByteRangeSet ranges) const
+CError StreamSource::checkOnDisk(const ByteRangeSet &ranges) const
 {
-    ranges.remove(cached->held());
-    return ranges.isEmpty() ? CError() : notOnDisk();
+    return cached->lacking(ranges.ranges()).isEmpty() ? CError() : notOnDisk();
 }
 
 CError StreamSource::notOnDisk() const

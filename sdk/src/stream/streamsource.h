@@ -49,7 +49,7 @@ private:
     void loadCached(const std::vector<ByteRange> &ranges, std::uint64_t pin, const RangeFetcher::Sink &sink) const;
     void collectHere(RangeAssembly *assembly, const RangeFetcher::Sink &take) const;
     std::shared_ptr<const Bytes> wholeFile() const;
-    PLK::CError checkOnDisk(ByteRangeSet ranges) const;
+    PLK::CError checkOnDisk(const ByteRangeSet &ranges) const;
     PLK::CError notOnDisk() const;
     PLK::CError fetch(const ByteRangeSet &lacking, const CancelFlag &cancel, std::uint64_t pin,
                       const RangeFetcher::Sink &sink);

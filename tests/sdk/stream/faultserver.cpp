@@ -163,18 +163,9 @@ bool FaultServer::answer(const std::string &head, int socket)
         const std::lock_guard<std::mutex> lock(mutex);
         requests.push_back(request);
         current = handler;
-        peak = std::max(peak, ++underWay);
     }
     const bool goesOn = current(request, Connection(socket));
-    const std::lock_guard<std::mutex> lock(mutex);
-    --underWay;
     return goesOn && !stopping;
-}
-
-int FaultServer::mostAtOnce()
-{
-    const std::lock_guard<std::mutex> lock(mutex);
-    return peak;
 }
 
 std::string FaultServer::url() const

@@ -62,8 +62,6 @@ public:
     std::string address(const std::string &path, const std::string &user = {}) const;
     /// What was asked since the last call.
     std::vector<Request> takeRequests();
-    /// The largest number of requests that were under way at a time.
-    int mostAtOnce();
 
 private:
     void acceptAll();
@@ -76,7 +74,6 @@ private:
     std::thread acceptor;
     std::mutex mutex; ///< guards the members below
     Handler handler;
-    int underWay = 0, peak = 0;
     std::vector<Request> requests;
     std::list<std::thread> threads;
     std::vector<int> sockets;

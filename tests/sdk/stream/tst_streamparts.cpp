@@ -26,6 +26,7 @@ private slots:
     void rangeSetsBehaveLikeSetsOfBytes();
     void requestsAreFewAndShort();
     void multipartBodiesMayEndAnywhere();
+    void multipartBodiesMayHoldAnything();
     void checksumsAreThoseOfTheAlgorithm();
     void memoryStaysWithinItsBudget();
 };
@@ -172,6 +173,33 @@ void TestStreamParts::multipartBodiesMayEndAnywhere()
         if (length == body.size()) {
             QCOMPARE(pieces.size(), std::size_t(2));
             QCOMPARE(pieces[1].length, std::uint64_t(2));
+        }
+    }
+}
+
+void TestStreamParts::multipartBodiesMayHoldAnything()
+{
+    std::mt19937 random(2);
+    std::string body;
+    for (int i = 0; i < 5; ++i)
+        body += "\r\n--cut\r\nContent-Range: bytes " + std::to_string(i * 100) + '-' + std::to_string(i * 100 + 9) +
+                "/5000\r\n\r\n0123456789";
+    body += "\r\n--cut--\r\n";
+    for (int i = 0; i < 5000; ++i) {
+        std::string spoilt = body;
+        for (unsigned long k = random() % 6 + 1; k > 0; --k)
+            spoilt[random() % spoilt.size()] = "\r\n-:/ 9\0x"[random() % 9];
+        xrv::HttpAnswer answer;
+        answer.headers = {{"content-type", "multipart/byteranges; boundary=cut"}};
+        answer.body.assign(spoilt.begin(), spoilt.end());
+        std::vector<xrv::RangePiece> pieces;
+        std::string fault;
+        const bool isRead = xrv::readPieces(answer, &pieces, &fault);
+        QCOMPARE(isRead, fault.empty());
+        for (const xrv::RangePiece &piece : pieces) {
+            QVERIFY(piece.length <= piece.contentRange.range.length);
+            QVERIFY(piece.data >= answer.body.data() &&
+                    piece.data + piece.length <= answer.body.data() + answer.body.size());
         }
     }
 }

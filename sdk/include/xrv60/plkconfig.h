@@ -36,8 +36,8 @@ public:
     /// Streams are kept on disk between visits, where there is a folder for it. On from the start.
     void SetXrvpCacheEnabled(bool enabled);
     bool IsXrvpCacheEnabled() const;
-    /// What all streams on disk may take together, in MB of 2^20 bytes; what was not used for longest goes first. Also the
-    /// largest file taken from servers that give files as a whole only. 256 from the start, 0 is no cache.
+    /// What all streams on disk may take together, in MB of 2^20 bytes; what was not used for longest goes first. Also
+    /// the largest file taken from servers that give files as a whole only. 256 from the start, 0 is no cache.
     void SetXrvpCacheSizeMb(int megabytes);
     int GetXrvpCacheSizeMb() const;
     /// \a folder in the local 8-bit encoding, made where it is missing. Other files in it are left alone. Null is no

@@ -9,8 +9,9 @@
 namespace Korvane {
 namespace Gui {
 
-/// Dialog in which a person enters or picks the address of an image stream. Addresses used before are offered again;
-/// passwords in them are never stored.
+/// Dialog in which a person enters or picks the address of an image stream. Addresses used before are offered again,
+/// and servers that list their folders can be browsed. User names and passwords in addresses are never stored or shown
+/// in a list. GUI thread, which it never holds up.
 class QDGUI_EXPORT XRVPBrowser : public QDialog
 {
     Q_OBJECT
@@ -24,7 +25,8 @@ public:
     /// Shows the dialog modally and returns the chosen address, or a null string when cancelled.
     static QString getXrvpUrl(QWidget *parent, BrowserProtocol protocol);
 
-    /// The address as entered, without blanks around it; the chosen one after the dialog was accepted.
+    /// The address to be opened: as entered, without blanks around it. One that has no user name and password gets
+    /// those with which its server was browsed.
     QString getAddress() const;
     void setAddress(const QString &address);
 
@@ -36,14 +38,21 @@ public:
     static QStringList recentAddresses();
 
 public Q_SLOTS:
+    /// Chooses the address and closes the dialog; does nothing while the address cannot be opened.
     void accept() override;
+    /// Chooses the address and keeps the dialog for more.
+    void addAddress();
+    /// Lists the folder that the address names or lies in.
+    void browse();
 
 Q_SIGNALS:
-    /// The person accepted \a address.
+    /// The person chose \a address. Emitted once per choice, of which there may be several while the dialog is shown.
     void urlSelected(const QString &address);
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     Q_DISABLE_COPY(XRVPBrowser)

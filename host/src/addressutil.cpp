@@ -1,0 +1,42 @@
+#include <QDGui/addressutil.h>
+
+#include <QByteArray>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace Korvane {
+namespace Util {
+namespace Address {
+
+bool isAddress(const QString &source)
+{
+    // Two letters at least, so that a drive letter is not taken for a scheme.
+    static const QRegularExpression kPattern(QStringLiteral("\\A\\s*[A-Za-z][A-Za-z0-9+.-]+://"));
+    return kPattern.match(source).hasMatch() &&
+           !source.trimmed().startsWith(QLatin1String("file:"), Qt::CaseInsensitive);
+}
+
+QString withoutCredentials(const QString &source)
+{
+    if (!isAddress(source))
+        return source;
+    // Up to the last "@" before the path: a password may hold one too.
+    static const QRegularExpression kCredentials(QStringLiteral("\\A(\\s*[A-Za-z][A-Za-z0-9+.-]+://)[^/?#]*@"));
+    QString result = source;
+    return result.replace(kCredentials, QStringLiteral("\\1"));
+}
+
+QString narrowed(const QString &source)
+{
+    const auto isWide = [](QChar character) { return character.unicode() > 0xFF; };
+    const auto isAscii = [](QChar character) { return character.unicode() < 0x80; };
+    if (std::any_of(source.cbegin(), source.cend(), isWide) || std::all_of(source.cbegin(), source.cend(), isAscii))
+        return source;
+    const QString text = QString::fromUtf8(source.toLatin1());
+    return text.contains(QChar::ReplacementCharacter) ? source : text;
+}
+
+} // namespace Address
+} // namespace Util
+} // namespace Korvane

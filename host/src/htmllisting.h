@@ -1,0 +1,35 @@
+#pragma once
+
+#include "listingentry.h"
+
+namespace Korvane {
+namespace Gui {
+
+/// Reads the links of an HTML page and what stands beside each: one pass over \a page, whatever is in it. Keeps folders
+/// and images, in the order of the page, at most ServerListing::kMostEntries.
+class HtmlListing
+{
+public:
+    HtmlListing(const QByteArray &page, const QUrl &folder);
+    ServerListing read();
+
+private:
+    void readTag();
+    void readAttributes(const QByteArray &tag);
+    void onAttribute(const QByteArray &tag, const QByteArray &name, const QByteArray &value);
+    void skipElement(const QByteArray &tag);
+    void readText();
+    void beginEntry(const QByteArray &link);
+    void endEntry();
+
+    const QByteArray page;
+    const ListingLinks links;
+    int position = 0;
+    ServerListing listing;
+    std::optional<ServerListing::Entry> entry; ///< the one that is being read
+    QByteArray beside;                         ///< the text after its link
+    bool isInLink = false;
+};
+
+} // namespace Gui
+} // namespace Korvane

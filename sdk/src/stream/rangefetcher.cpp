@@ -44,6 +44,7 @@ struct RangeFetcher::Round
 {
     CError trouble;                        ///< worth another try
     int pause = -1;                        ///< milliseconds the server wants to be left alone
+    bool isTimeOut = false;                ///< the server kept silent
     bool isInSink = false;                 ///< the whole file went there
     bool isFallback = false;               ///< another way of asking was found to be needed
     std::uint64_t lacking = 0, gained = 0; ///< bytes before, and how many of these came
@@ -70,7 +71,8 @@ public:
             failures = 0;
             backOff = options.firstBackOff;
         }
-        if (++failures >= options.tries || round.pause > options.longestRetryAfter)
+        failures += round.isTimeOut ? 2 : 1; // that one took long enough
+        if (failures >= options.tries || round.pause > options.longestRetryAfter)
             return false;
         wait(std::max(round.pause, backOff), cancel);
         backOff *= 2;
@@ -389,6 +391,7 @@ CError RangeFetcher::takeFailure(const HttpAnswer &answer, bool isOpening, Round
         return {PLK_ERR_SERVER, of + " answers with what cannot be used: " + answer.failure + '.'};
     if (CError error = statusError(answer.status, isOpening))
         return error;
+    round->isTimeOut = round->isTimeOut || answer.outcome == HttpOutcome::TimedOut;
     if (isTransient(answer.status)) {
         round->pause = std::max(round->pause, retryAfter(answer));
         round->trouble = {lostCode,

@@ -307,6 +307,8 @@ CError StreamSource::prefetch(const std::vector<ByteRange> &ranges, const Cancel
                                              [](auto, auto, auto) {});
             if (error)
                 return error;
+            if (wholeFile())
+                return {};
             lacking.remove(claim.ranges());
             if (claim.ranges().isEmpty())
                 lacking = store.missing(fileNumber, lacking.ranges(), pin);

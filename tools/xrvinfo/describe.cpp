@@ -118,7 +118,8 @@ private:
         const Size block = view.MetadataXRV().Blocksize();
         const bool isReversible = view.MetadataJp2().TransformationType() == 1;
         node.add("lossless", isReversible);
-        node.add("target rate", info->nCompressionRate > 0 ? Node(int(info->nCompressionRate)) : Node());
+        node.add("target rate",
+                 info->nCompressionRate > 0 && !isReversible ? Node(int(info->nCompressionRate)) : Node());
         node.add("actual rate", info->fActualCompressionRate > 0 ? Node(double(info->fActualCompressionRate)) : Node());
         node.add("date", *info->szCompressionDate ? Node(info->szCompressionDate) : Node());
         node.add("block size", block.first > 0 ? sizeNode(block) : Node());

@@ -248,7 +248,7 @@ private:
             return makeJp2FileStart(image, assembler.length());
         XrvFileInfo info;
         info.isLossless = options.isLossless;
-        info.targetRate = options.isLossless ? 0 : static_cast<std::uint16_t>(std::lround(options.rate));
+        info.targetRate = options.isLossless ? 1 : static_cast<std::uint16_t>(std::lround(options.rate));
         info.blockWidth = info.blockHeight = blockSize;
         info.compressionDate = options.compressionDate.empty() ? now() : options.compressionDate;
         const PacketIndex *index = assembler.isIndexComplete() ? &assembler.index() : nullptr;

@@ -28,7 +28,7 @@ struct XrvFileInfo
     bool isLossless = false;
     bool hasPlace = false;                         ///< transform is a place in the world
     std::uint16_t bands = 0;                       ///< number of bands
-    std::uint16_t targetRate = 0;                  ///< n of n:1, 0 for lossless
+    std::uint16_t targetRate = 0;                  ///< n of n:1, 1 for lossless, 0 unknown
     float actualRate = 0.0f;                       ///< bytes of all cells against bytes of the file, 0 where unknown
     std::uint32_t blockWidth = 0, blockHeight = 0; ///< cells
     std::array<double, 6> transform{0.0, 1.0, 0.0, 0.0, 0.0, -1.0}; ///< see GeoReference::transform

@@ -348,7 +348,7 @@ void TestXrvFile::fileInformationOfPlainFile()
     QVERIFY(view.Open(path(QStringLiteral("plain.xrv")).c_str(), false, false).IsSuccess());
     const PLKFileInfo &info = *view.GetFileInfo();
     QVERIFY(!info.pFileMetaData);
-    QCOMPARE(int(info.nCompressionRate), 0);
+    QCOMPARE(int(info.nCompressionRate), 1);
     QCOMPARE(info.szDatum, "RAW");
     QCOMPARE(info.eCellType, PLKCT_UINT8);
     QCOMPARE(info.fCellIncrementX, 0.5);

@@ -82,11 +82,10 @@ struct PLKFileMetaData
 /// What is known of an open file. Owned by the view; valid until the view is closed.
 struct PLKFileInfo
 {
-    std::uint32_t nSizeX; ///< width in cells
-    std::uint32_t nSizeY; ///< height in cells
-    std::uint16_t nBands; ///< number of bands
-    std::uint16_t
-        nCompressionRate; ///< target compression rate n of n:1; 1 for lossless XRV, 0 where the format does not tell
+    std::uint32_t nSizeX;                 ///< width in cells
+    std::uint32_t nSizeY;                 ///< height in cells
+    std::uint16_t nBands;                 ///< number of bands
+    std::uint16_t nCompressionRate;       ///< target rate n of n:1; 1 for lossless XRV, 0 where it is not told
     PLKCellSizeUnits eCellSizeUnits;      ///< unit of the cell increments and of the origin
     double fCellIncrementX;               ///< world units per cell along a row
     double fCellIncrementY;               ///< world units per cell down a column; negative for north-up images

@@ -113,13 +113,13 @@ void BatchRunner::takeLayer(const QString &source, std::unique_ptr<Layer> layer)
     if (view->addLayer(layer.get(), -1) >= 0)
         layer.release();
     else
-        fail(tr("%1 cannot be shown.").arg(source));
+        fail(tr("%1 cannot be shown.").arg(Sources::withoutCredentials(source)));
 }
 
 void BatchRunner::describe(const QString &source, Layer &layer)
 {
     QJsonObject object = LayerDescriber::describe(layer);
-    object[QStringLiteral("source")] = Sources::withoutPassword(source);
+    object[QStringLiteral("source")] = Sources::withoutCredentials(source);
     object[QStringLiteral("pages")] = PageTexts::read(registry, layer);
     out << QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) << '\n';
 }
@@ -129,7 +129,7 @@ void BatchRunner::describeFailure(const QString &source, const QString &error)
     fail(error);
     if (!commandLine.describe)
         return;
-    const QJsonObject object{{QStringLiteral("source"), Sources::withoutPassword(source)},
+    const QJsonObject object{{QStringLiteral("source"), Sources::withoutCredentials(source)},
                              {QStringLiteral("error"), error}};
     out << QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) << '\n';
 }

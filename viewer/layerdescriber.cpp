@@ -122,7 +122,7 @@ QJsonObject LayerDescriber::describe(Layer &layer)
 
 void LayerDescriber::addLayerGetters(const Layer &layer, QJsonObject *object)
 {
-    object->insert(QStringLiteral("dataSource"), Sources::ofLayer(layer));
+    object->insert(QStringLiteral("dataSource"), Sources::withoutCredentials(Sources::ofLayer(layer)));
     object->insert(QStringLiteral("description"), layer.getDescription());
     object->insert(QStringLiteral("comments"), layer.getComments());
     object->insert(QStringLiteral("format"), layer.getFormat());

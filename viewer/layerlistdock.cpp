@@ -208,7 +208,7 @@ void LayerListDock::renameSelected()
 void LayerListDock::copySource()
 {
     if (const Layer *layer = selectedLayer())
-        QApplication::clipboard()->setText(Sources::withoutPassword(Sources::ofLayer(*layer)));
+        QApplication::clipboard()->setText(Sources::withoutCredentials(Sources::ofLayer(*layer)));
 }
 
 void LayerListDock::removeSelected()

@@ -45,7 +45,7 @@ LayerOpener::Result LayerOpener::open(const QString &source) const
         if (layer && firstError.isEmpty())
             firstError = layer->getLastError().simplified();
     }
-    const QString name = QDir::toNativeSeparators(Sources::withoutPassword(normalized));
+    const QString name = QDir::toNativeSeparators(Sources::withoutCredentials(normalized));
     if (registry.getPlugins().isEmpty())
         return {nullptr, tr("%1 cannot be opened: no layer plug-in is loaded. %2")
                              .arg(name, registry.getErrors().join(QLatin1Char(' ')))

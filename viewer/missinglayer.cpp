@@ -1,5 +1,7 @@
 #include "missinglayer.h"
 
+#include "sources.h"
+
 namespace Viewer {
 
 namespace {
@@ -21,6 +23,12 @@ QDomElement MissingLayer::toElement(QDomDocument &document, const QDir &projectF
 {
     QDomElement element = document.importNode(holder.documentElement(), true).toElement();
     QDomElement source = element.firstChildElement(kDataSource);
+    const QString shown = Sources::withoutCredentials(source.text());
+    if (shown != source.text()) {
+        while (source.hasChildNodes())
+            source.removeChild(source.firstChild());
+        source.appendChild(document.createTextNode(shown));
+    }
     if (source.hasAttribute(kRelative)) {
         const QString absolute = QDir::cleanPath(folder.absoluteFilePath(source.attribute(kRelative)));
         source.setAttribute(kRelative, projectFolder.relativeFilePath(absolute));

@@ -14,7 +14,8 @@ public:
     MissingLayer(const QDomElement &element, const QDir &projectFolder, int position);
 
     int getPosition() const { return position; }
-    /// A copy of the element for \a document, with its relative source rewritten for a project in \a projectFolder.
+    /// A copy of the element for \a document, with its relative source rewritten for a project in \a projectFolder,
+    /// and without the credentials that an address may hold.
     QDomElement toElement(QDomDocument &document, const QDir &projectFolder) const;
 
 private:

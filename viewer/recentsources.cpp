@@ -27,7 +27,7 @@ QStringList RecentSources::entries() const
 void RecentSources::add(const QString &source)
 {
     QStringList sources = entries();
-    const QString stored = Sources::withoutPassword(source);
+    const QString stored = Sources::withoutCredentials(source);
     sources.removeAll(stored);
     sources.prepend(stored);
     store(sources.mid(0, kMaximum));
@@ -36,7 +36,7 @@ void RecentSources::add(const QString &source)
 void RecentSources::remove(const QString &source)
 {
     QStringList sources = entries();
-    if (sources.removeAll(Sources::withoutPassword(source)) > 0)
+    if (sources.removeAll(Sources::withoutCredentials(source)) > 0)
         store(sources);
 }
 

@@ -9,7 +9,7 @@ class QSettings;
 
 namespace Viewer {
 
-/// Files, addresses and projects opened lately, newest first, kept in the settings. Passwords in addresses are not
+/// Files, addresses and projects opened lately, newest first, kept in the settings. User names and passwords in addresses are not
 /// kept.
 class RecentSources : public QObject
 {

@@ -1,5 +1,6 @@
 #include "sources.h"
 
+#include <QDGui/addressutil.h>
 #include <QDGui/layer.h>
 
 #include <QCoreApplication>
@@ -35,10 +36,7 @@ QStringList fromText(const QString &text)
 
 bool isAddress(const QString &source)
 {
-    // Two letters at least, so that a drive letter is not taken for a scheme.
-    static const QRegularExpression pattern(QStringLiteral("\\A\\s*[A-Za-z][A-Za-z0-9+.-]+://"));
-    return pattern.match(source).hasMatch() &&
-           !source.trimmed().startsWith(QLatin1String("file:"), Qt::CaseInsensitive);
+    return Korvane::Util::Address::isAddress(source);
 }
 
 QString normalized(const QString &source)
@@ -54,13 +52,9 @@ QString normalized(const QString &source)
     return source.isEmpty() ? source : QDir::cleanPath(QFileInfo(source).absoluteFilePath());
 }
 
-QString withoutPassword(const QString &source)
+QString withoutCredentials(const QString &source)
 {
-    if (!isAddress(source))
-        return source;
-    static const QRegularExpression credentials(QStringLiteral("\\A([A-Za-z][A-Za-z0-9+.-]+://[^/?#:@]*):[^/?#]*@"));
-    QString result = source;
-    return result.replace(credentials, QStringLiteral("\\1@"));
+    return Korvane::Util::Address::withoutCredentials(source);
 }
 
 QString shortName(const QString &source)
@@ -69,7 +63,7 @@ QString shortName(const QString &source)
     while (path.endsWith(QLatin1Char('/')))
         path.chop(1);
     const QString name = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
-    return name.isEmpty() ? withoutPassword(source) : name;
+    return name.isEmpty() ? withoutCredentials(source) : name;
 }
 
 QStringList fromMimeData(const QMimeData &data)
@@ -89,13 +83,10 @@ QStringList fromMimeData(const QMimeData &data)
 QString ofLayer(const Korvane::Map::Layer &layer)
 {
     const QString source = layer.getDataSource();
-    if (isAddress(source) || QFileInfo::exists(source))
+    if (!isAddress(source) && QFileInfo::exists(source))
         return source;
-    const QByteArray bytes = source.toLatin1();
-    if (QString::fromLatin1(bytes) != source)
-        return source;
-    const QString decoded = QString::fromUtf8(bytes);
-    return QFileInfo::exists(decoded) ? decoded : source;
+    const QString decoded = Korvane::Util::Address::narrowed(source);
+    return isAddress(source) || QFileInfo::exists(decoded) ? decoded : source;
 }
 
 QString checkReadable(const QString &source)

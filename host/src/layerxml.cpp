@@ -1,5 +1,6 @@
 // Saving a layer in a project and restoring it.
 
+#include <QDGui/addressutil.h>
 #include <QDGui/layer.h>
 
 #include "layer_p.h"
@@ -15,6 +16,8 @@ namespace Korvane {
 namespace Map {
 
 namespace {
+
+using Util::Address::isAddress;
 
 const QLatin1String kUid("Uid");
 const QLatin1String kDescription("Description");
@@ -42,11 +45,6 @@ QString childText(const QDomNode &node, const QString &name)
     return node.firstChildElement(name).text();
 }
 
-bool isAddress(const QString &source)
-{
-    return source.contains(QLatin1String("://"));
-}
-
 /// \a source if such a file exists. Layers may also name a file by the bytes of its UTF-8 name, widened one by one;
 /// then the file's real name. Otherwise empty.
 QString existingFile(const QString &source)
@@ -55,8 +53,14 @@ QString existingFile(const QString &source)
         return QString();
     if (QFileInfo::exists(source))
         return source;
-    const QString narrowed = QString::fromUtf8(source.toLatin1());
+    const QString narrowed = Util::Address::narrowed(source);
     return QFileInfo::exists(narrowed) ? narrowed : QString();
+}
+
+/// Projects are passed on to others; whoever opens one gives name and password anew.
+QString storedAddress(const QString &source)
+{
+    return Util::Address::withoutCredentials(isAddress(source) ? Util::Address::narrowed(source) : source);
 }
 
 /// The saved source, preferably where it lies relative to the project.
@@ -117,7 +121,8 @@ bool Layer::writeXML(QDomNode &node, QDomDocument &document)
 
     const QString source = getDataSource();
     const QString file = existingFile(source);
-    appendText(node, document, kDataSource, file.isEmpty() ? source : QFileInfo(file).absoluteFilePath());
+    appendText(node, document, kDataSource,
+               file.isEmpty() ? storedAddress(source) : QFileInfo(file).absoluteFilePath());
 
     QDomElement list = document.createElement(kProperties);
     const QVector<QMetaProperty> properties = storedProperties(*this, Layer::staticMetaObject);
@@ -148,7 +153,7 @@ bool Layer::readXML(QDomNode &node, QDir &projectFolder, QString *error)
     const QString source = resolvedSource(sourceElement, projectFolder);
     const bool isOpen = source.isEmpty() || setDataSource(source);
     if (!isOpen && error)
-        *error = translated("%1 cannot be opened: %2").arg(source, getLastError());
+        *error = translated("%1 cannot be opened: %2").arg(Util::Address::withoutCredentials(source), getLastError());
 
     // Opening a source gives the layer its description, so the saved one comes after.
     const QString description = childText(node, kDescription);

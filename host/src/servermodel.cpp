@@ -39,6 +39,15 @@ struct ServerModel::Node
 
 namespace {
 
+/// To the minute, which is all that most servers tell.
+QString dateText(const QDateTime &date)
+{
+    const QLocale locale;
+    return date.isValid() ? locale.toString(date.date(), QLocale::ShortFormat) + QLatin1Char(' ') +
+                                locale.toString(date.time(), QStringLiteral("HH:mm"))
+                          : QString();
+}
+
 /// As a person would write it where every client understands that, else as it goes over the wire.
 QString readablePath(const QByteArray &encoded)
 {
@@ -181,7 +190,7 @@ QVariant ServerModel::text(const Node &node, int column) const
         return node.entry.size < 0 ? QString()
                                    : Util::String::formatFileSize(static_cast<quint64>(node.entry.size), "%.1f");
     default:
-        return QLocale().toString(node.entry.modified, QLocale::ShortFormat);
+        return dateText(node.entry.modified);
     }
 }
 

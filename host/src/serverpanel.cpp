@@ -72,6 +72,7 @@ ServerPanel::ServerPanel(QWidget *parent)
     layout->addWidget(statusLabel);
     statusLabel->setObjectName(QStringLiteral("statusLabel"));
     statusLabel->setWordWrap(true);
+    statusLabel->hide();
     statusLabel->setTextFormat(Qt::PlainText);
     setUpTree();
     connect(&client, &ListingClient::listed, this, &ServerPanel::onListed);
@@ -301,7 +302,7 @@ void ServerPanel::setStatus(const QString &text)
     const bool isEmpty = model->rowCount() == 0;
     if (!text.isEmpty() || !isEmpty)
         tree->setPlaceholder(text);
-    statusLabel->setVisible(!isEmpty);
+    statusLabel->setVisible(!isEmpty && !text.isEmpty());
 }
 
 void ServerPanel::updateBar()

@@ -1,4 +1,5 @@
 # xrv_add_test(NAME tst_x SOURCES ... LIBRARIES ... [INCLUDES ...] [LABELS ...] [SERIAL]): one test program, one ctest entry.
+# All speak English, whatever the machine does.
 # LABELS threads: is built and run under the thread sanitizer too. SERIAL: measures time or memory, so runs alone.
 
 include(CTest)
@@ -20,5 +21,5 @@ function(xrv_add_test)
         set_tests_properties(${TEST_NAME} PROPERTIES RUN_SERIAL ON)
     endif()
     set_tests_properties(${TEST_NAME} PROPERTIES TIMEOUT 300 LABELS "${TEST_LABELS}" ENVIRONMENT
-        "QT_QPA_PLATFORM=offscreen;ASAN_OPTIONS=detect_leaks=1:allocator_may_return_null=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
+        "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;ASAN_OPTIONS=detect_leaks=1:allocator_may_return_null=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endfunction()

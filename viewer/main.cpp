@@ -3,6 +3,7 @@
 #include "icons.h"
 #include "mainwindow.h"
 #include "pluginfolders.h"
+#include "translations.h"
 
 #include <QDGui/application.h>
 #include <QDGui/pluginregistry.h>
@@ -35,16 +36,23 @@ QString translated(const char *text)
     return QCoreApplication::translate("main", text);
 }
 
-/// In the plain "C" locale, file names beyond ASCII would be lost between the command line and the file system.
+/// In the plain "C" locale, file names beyond ASCII would be lost between the command line and the file system. The
+/// same goes for a locale that the C library does not have; Qt knows its language and formats all the same, so they
+/// stay.
 void ensureUtf8Locale()
 {
 #ifdef Q_OS_LINUX
     std::setlocale(LC_CTYPE, "");
     if (qstrcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") != 0)
         return;
-    if (!qEnvironmentVariableIsEmpty("LC_ALL"))
-        qputenv("LC_ALL", "C.UTF-8");
+    const QByteArray everything = qgetenv("LC_ALL");
+    if (!everything.isEmpty()) {
+        for (const char *name : {"LANG", "LC_NUMERIC", "LC_TIME", "LC_MONETARY", "LC_MEASUREMENT", "LC_MESSAGES"})
+            qputenv(name, everything);
+        qunsetenv("LC_ALL");
+    }
     qputenv("LC_CTYPE", "C.UTF-8");
+    std::setlocale(LC_CTYPE, "");
 #endif
 }
 
@@ -166,6 +174,7 @@ int main(int argc, char *argv[])
     nameApplication();
     QApplication application(argc, argv);
 
+    const Translations translations;
     dressApplication();
     QTextStream out(stdout);
     QTextStream err(stderr);

@@ -1,0 +1,158 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QXmlStreamReader>
+#include <QtTest>
+
+/// The translation files against the sources, and what a translation must keep of the text that it translates.
+class TestCatalogues : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void haveTheTextsOfTheSources_data() { addFiles(); }
+    void haveTheTextsOfTheSources();
+    void areFinished_data() { addFiles(); }
+    void areFinished();
+    void keepWhatTheProgramNeeds_data() { addFiles(); }
+    void keepWhatTheProgramNeeds();
+
+private:
+    struct Message
+    {
+        QString context, source, translation, state;
+    };
+
+    static void addFiles();
+    static QVector<Message> readMessages(const QString &fileName);
+    static QString complaint(const Message &message);
+
+    QTemporaryDir updated;
+};
+
+void TestCatalogues::addFiles()
+{
+    QTest::addColumn<QString>("name");
+    const QDir folder(QStringLiteral(CATALOGUE_FOLDER));
+    for (const QString &name : folder.entryList({QStringLiteral("*.ts")}))
+        QTest::newRow(qPrintable(name)) << name;
+}
+
+QVector<TestCatalogues::Message> TestCatalogues::readMessages(const QString &fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QVector<Message> messages;
+    QString context;
+    QXmlStreamReader xml(&file);
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement)
+            continue;
+        if (xml.name() == QLatin1String("name")) {
+            context = xml.readElementText();
+        } else if (xml.name() == QLatin1String("source")) {
+            messages.append({context, xml.readElementText(), {}, {}});
+        } else if (xml.name() == QLatin1String("translation")) {
+            messages.last().state = xml.attributes().value(QLatin1String("type")).toString();
+            messages.last().translation = xml.readElementText();
+        }
+    }
+    return xml.hasError() ? QVector<Message>() : messages;
+}
+
+/// Copies of all files, brought up to date.
+void TestCatalogues::initTestCase()
+{
+    const QDir folder(QStringLiteral(CATALOGUE_FOLDER));
+    const QStringList names = folder.entryList({QStringLiteral("*.ts")});
+    QVERIFY(!names.isEmpty());
+    for (const QString &name : names)
+        QVERIFY(QFile::copy(folder.filePath(name), updated.filePath(name)));
+    if (!QFileInfo(QStringLiteral(LUPDATE)).isExecutable())
+        return;
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LUPDATE"), QStringLiteral(LUPDATE));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(UPDATE_SCRIPT), {updated.path()});
+    QVERIFY(process.waitForFinished(120000));
+    QVERIFY2(process.exitCode() == 0, process.readAllStandardError().constData());
+}
+
+void TestCatalogues::haveTheTextsOfTheSources()
+{
+    if (!QFileInfo(QStringLiteral(LUPDATE)).isExecutable())
+        QSKIP("there is no lupdate");
+    QFETCH(QString, name);
+    const auto keys = [](const QVector<Message> &messages) {
+        QStringList list;
+        for (const Message &message : messages)
+            list.append(message.context + QLatin1String(": ") + message.source);
+        list.sort();
+        return list;
+    };
+    const QStringList had = keys(readMessages(QDir(QStringLiteral(CATALOGUE_FOLDER)).filePath(name)));
+    const QStringList wanted = keys(readMessages(updated.filePath(name)));
+    for (const QString &key : wanted)
+        QVERIFY2(had.contains(key), qPrintable(QStringLiteral("missing, run the update script: ") + key));
+    for (const QString &key : had)
+        QVERIFY2(wanted.contains(key), qPrintable(QStringLiteral("no source has it any more: ") + key));
+}
+
+void TestCatalogues::areFinished()
+{
+    QFETCH(QString, name);
+    const QVector<Message> messages = readMessages(QDir(QStringLiteral(CATALOGUE_FOLDER)).filePath(name));
+    QVERIFY(!messages.isEmpty());
+    for (const Message &message : messages) {
+        QVERIFY2(message.state.isEmpty(), qPrintable(message.source));
+        QVERIFY2(!message.translation.isEmpty(), qPrintable(message.source));
+    }
+}
+
+static QStringList allMatches(const QString &pattern, const QString &text)
+{
+    QStringList found;
+    auto matches = QRegularExpression(pattern).globalMatch(text);
+    while (matches.hasNext())
+        found.append(matches.next().captured());
+    found.sort();
+    return found;
+}
+
+/// What is wrong with a translation, empty if nothing.
+QString TestCatalogues::complaint(const Message &message)
+{
+    // Every value, tag, variable and product name has to occur as often as in the source; so has the mark of the access
+    // key, which in languages with other letters stands in brackets at the end.
+    for (const char *pattern : {"%[0-9n]", "</?[a-z]+>", "\\$\\{\\w+\\}", "\\bXRVP?\\b", "JPEG 2000", "TANNIS", "MILTO",
+                                "--[a-z]+", "&(?=[^\\s&])"}) {
+        const QString expression = QLatin1String(pattern);
+        if (allMatches(expression, message.source) != allMatches(expression, message.translation))
+            return QStringLiteral("not the same as in the source: ") + expression;
+    }
+    // Fields and lines are put together from these, so their ends count.
+    for (const char *pattern : {"\\A *", "[:\\s]*\\z", "(\\.\\.\\.)?(?=(\\(&.\\))?\\z)"}) {
+        const QRegularExpression end(QLatin1String(pattern), QRegularExpression::UseUnicodePropertiesOption);
+        if (end.match(message.source).captured() != end.match(message.translation).captured().remove(QChar(0xa0)))
+            return QStringLiteral("does not begin or end as the source does: ") + end.pattern();
+    }
+    return {};
+}
+
+void TestCatalogues::keepWhatTheProgramNeeds()
+{
+    QFETCH(QString, name);
+    for (const Message &message : readMessages(QDir(QStringLiteral(CATALOGUE_FOLDER)).filePath(name))) {
+        const QString text = complaint(message);
+        QVERIFY2(text.isEmpty(),
+                 qPrintable(QStringLiteral("%1\n%2\n%3").arg(text, message.source, message.translation)));
+    }
+}
+
+QTEST_APPLESS_MAIN(TestCatalogues)
+#include "tst_catalogues.moc"

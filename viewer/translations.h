@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QList>
+#include <QSharedPointer>
+#include <QTranslator>
+
+namespace Viewer {
+
+/// The texts of the viewer and of the toolkit (the buttons of its dialogs) in the language of QLocale(), for as long as
+/// this lives. Where there are none in that language they stay English. To be made after the application.
+class Translations
+{
+public:
+    Translations();
+
+private:
+    QTranslator toolkit;
+    QList<QSharedPointer<QTranslator>> own;
+};
+
+} // namespace Viewer

@@ -110,13 +110,16 @@ Bytes joinXrvBoxes(const std::vector<TypedBox> &boxes, std::uint64_t streamLengt
 
 } // namespace
 
-Bytes makeJp2FileStart(const ImageDescription &image, std::uint64_t streamLength)
+Bytes makeJp2FileStart(const ImageDescription &image, const PacketIndex *index, std::uint64_t streamLength)
 {
     Bytes bytes = makeJp2Start();
     append(&bytes, makeHeaderBox(image));
     append(&bytes, makeGeoBox(geoTagsOf(image)));
     for (const std::string &xml : image.xmls)
         append(&bytes, makeBox(boxType("xml "), xml));
+    // Readers that do not know the box pass over it (ISO/IEC 15444-1 I.8).
+    if (index)
+        append(&bytes, makeBox(kPacketIndexBox, index->content()));
     append(&bytes, makeBoxHeader(boxType("jp2c"), streamLength));
     return bytes;
 }

@@ -244,14 +244,14 @@ private:
 
     Bytes makeStart(const CodestreamAssembler &assembler) const
     {
+        const PacketIndex *index = assembler.isIndexComplete() ? &assembler.index() : nullptr;
         if (options.kind == FileKind::GeoJp2)
-            return makeJp2FileStart(image, assembler.length());
+            return makeJp2FileStart(image, index, assembler.length());
         XrvFileInfo info;
         info.isLossless = options.isLossless;
         info.targetRate = options.isLossless ? 1 : static_cast<std::uint16_t>(std::lround(options.rate));
         info.blockWidth = info.blockHeight = blockSize;
         info.compressionDate = options.compressionDate.empty() ? now() : options.compressionDate;
-        const PacketIndex *index = assembler.isIndexComplete() ? &assembler.index() : nullptr;
         return makeXrvFileStart(image, info, *statistics, index, assembler.length());
     }
 

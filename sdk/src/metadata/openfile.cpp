@@ -137,8 +137,7 @@ CError OpenFile::openRaster(std::vector<std::string> *warnings)
 {
     if (CError error = readBoxes(warnings))
         return error;
-    const xrv::ByteRange packetIndex = xrvStructure ? xrvStructure->packetIndex : xrv::ByteRange();
-    if (CError error = xrv::RasterReader::open(byteSource, boxes.codestream, &rasterReader, packetIndex))
+    if (CError error = xrv::RasterReader::open(byteSource, boxes.codestream, &rasterReader, xrv::packetIndexOf(boxes)))
         return error;
     jp2Values = ViewMetadata::ViewMetadataJp2::Values::of(rasterReader->mainHeader(), boxes.hasGmlBox);
     compareWithHeaderBox(warnings);

@@ -104,7 +104,7 @@ public:
         warnOfDamaged(kTextsBox, structure->texts.has_value(), "The authoring texts are damaged and are not used.");
         warnOfDamaged(kRpcBox, structure->rpc.has_value(), "The RPC coefficients are damaged and are not used.");
         structure->statistics = placeOf(kStatisticsBox);
-        structure->packetIndex = placeOf(kPacketIndexBox);
+        structure->packetIndex = packetIndexOf(structure->boxes);
         return {};
     }
 
@@ -159,6 +159,14 @@ CError readStart(ByteSource &source, Bytes *start)
 }
 
 } // namespace
+
+ByteRange packetIndexOf(const Jp2Structure &boxes)
+{
+    for (const BoxPlace &place : boxes.otherBoxes)
+        if (place.type == kPacketIndexBox)
+            return place.content;
+    return {};
+}
 
 CError isXrv(ByteSource &source, bool *result)
 {

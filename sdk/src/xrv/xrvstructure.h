@@ -25,6 +25,9 @@ struct XrvStructure
     ByteRange packetIndex; ///< content of the box, empty without
 };
 
+/// The content of the packet index box of an XRV or a JP2 file; empty without.
+ByteRange packetIndexOf(const Jp2Structure &boxes);
+
 /// Whether \a source begins as an XRV file does. Errors are those of the source.
 PLK::CError isXrv(ByteSource &source, bool *result);
 

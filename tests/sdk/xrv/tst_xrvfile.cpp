@@ -480,6 +480,7 @@ void TestXrvFile::geoJp2CarriesTheSame()
     PLK::CView view;
     QVERIFY(view.Open(path(QStringLiteral("file.jp2")).c_str(), false, false).IsSuccess());
     QCOMPARE(view.GetFileType(), PLK_FILE_JPEG2000);
+    QVERIFY(findBox(readFile(path(QStringLiteral("file.jp2"))), "pidx").start > 0);
     QCOMPARE(view.MetadataXRV().Blocksize(), std::make_pair(0u, 0u));
     QCOMPARE(view.GetEPSGCode(), 32633);
     QCOMPARE(view.GetFileInfo()->fOriginY, 5200000.0);

@@ -224,7 +224,6 @@ void TestFileSource::whatCannotBeOpened_data()
     QTest::newRow("empty name") << QString() << int(PLK_ERR_NOT_FOUND) << "name";
     QTest::newRow("folder") << folder.path() << int(PLK_ERR_NO_ACCESS) << "folder";
     QTest::newRow("device") << "/dev/null" << int(PLK_ERR_NO_ACCESS) << "regular file";
-    QTest::newRow("stream") << "XRVPS://server/a.jp2" << int(PLK_ERR_PROTOCOL) << "XRVPS://server/a.jp2";
     QTest::newRow("jpip") << "jpip://server/a.jp2" << int(PLK_ERR_PROTOCOL) << "JPIP";
     QTest::newRow("web") << "https://server/a.jp2" << int(PLK_ERR_PROTOCOL) << "xrvps://";
 }

@@ -59,6 +59,7 @@ TileIndexReader::TileIndexReader(ByteSource &source, const MainHeader &header, s
     for (const MarkerSegment &segment : header.segments)
         applyQuantization(segment);
     qccSet.assign(qccSet.size(), false);
+    made->isPacked = !header.packedHeaders.empty();
 }
 
 TileIndexReader::TileIndexReader(ByteSource &source, const MainHeader &header, const TileIndex &known)
@@ -66,17 +67,6 @@ TileIndexReader::TileIndexReader(ByteSource &source, const MainHeader &header, c
     , header(header)
     , made(std::make_shared<TileIndex>(known))
 {
-}
-
-CError TileIndexReader::readHeaders(const std::vector<TilePart> &parts, std::uint64_t readAhead,
-                                    const CancelFlag &cancel)
-{
-    made->isPacked = !header.packedHeaders.empty();
-    for (const TilePart &part : parts)
-        if (CError error = readPart(part, readAhead, cancel))
-            return error;
-    finishHeaders();
-    return {};
 }
 
 void TileIndexReader::finishHeaders()
@@ -110,13 +100,13 @@ CError TileIndexReader::walk(int resolution, const std::vector<ByteRange> &atHan
     return error;
 }
 
-CError TileIndexReader::readPart(const TilePart &part, std::uint64_t readAhead, const CancelFlag &cancel)
+CError TileIndexReader::readPart(const TilePart &part, std::uint64_t firstRead, const CancelFlag &cancel)
 {
     made->truncated |= part.isTruncated;
     std::vector<MarkerSegment> segments;
     std::size_t position = 0;
     bool isComplete = false;
-    if (CError error = readPartHeader(part, readAhead, cancel, &segments, &position, &isComplete))
+    if (CError error = readPartHeader(part, firstRead, cancel, &segments, &position, &isComplete))
         return error;
     if (!isComplete) {
         made->truncated = true;
@@ -134,10 +124,10 @@ CError TileIndexReader::readPart(const TilePart &part, std::uint64_t readAhead, 
 }
 
 /// \a position is set to where the packets begin, after the SOD marker.
-CError TileIndexReader::readPartHeader(const TilePart &part, std::uint64_t readAhead, const CancelFlag &cancel,
+CError TileIndexReader::readPartHeader(const TilePart &part, std::uint64_t firstRead, const CancelFlag &cancel,
                                        std::vector<MarkerSegment> *segments, std::size_t *position, bool *isComplete)
 {
-    for (std::uint64_t want = readAhead;; want *= 8) {
+    for (std::uint64_t want = firstRead;; want *= 8) {
         const std::uint64_t have = std::min(want, part.range.length);
         Bytes bytes;
         if (CError error = source.read(ByteRange{part.range.offset, have}, &bytes, cancel))

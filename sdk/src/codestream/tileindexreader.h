@@ -17,8 +17,10 @@ public:
     /// Goes on where \a known ends.
     TileIndexReader(ByteSource &source, const MainHeader &header, const TileIndex &known);
 
-    /// \a readAhead: bytes of a tile-part that are read at once, more than none. A tile without \a parts is missing.
-    PLK::CError readHeaders(const std::vector<TilePart> &parts, std::uint64_t readAhead, const CancelFlag &cancel);
+    /// Reads the header of the tile's next tile-part, \a firstRead bytes (more than none) at first.
+    PLK::CError readPart(const TilePart &part, std::uint64_t firstRead, const CancelFlag &cancel);
+    /// After the last tile-part; a tile without any is missing.
+    void finishHeaders();
     /// The same from header.packetIndex, for which nothing is read; \a codestream is its place in the file.
     void useIndex(ByteRange codestream);
     /// Finds the packets of resolutions up to \a resolution where the index does not know them. \a atHand: of each
@@ -28,13 +30,11 @@ public:
     const std::shared_ptr<TileIndex> &index() const { return made; }
 
 private:
-    PLK::CError readPart(const TilePart &part, std::uint64_t readAhead, const CancelFlag &cancel);
-    PLK::CError readPartHeader(const TilePart &part, std::uint64_t readAhead, const CancelFlag &cancel,
+    PLK::CError readPartHeader(const TilePart &part, std::uint64_t firstRead, const CancelFlag &cancel,
                                std::vector<MarkerSegment> *segments, std::size_t *position, bool *isComplete);
     PLK::CError applySegment(MarkerSegment &segment, std::vector<MarkerSegment> *plt);
     void appendPacked(const Bytes &bytes);
     void applyQuantization(const MarkerSegment &segment);
-    void finishHeaders();
     void placePackets();
     bool lengthsAddUp() const;
 

@@ -362,6 +362,13 @@ CError BlockStore::decodeBlock(const PrecinctTask &task, const BlockPlace &place
     return {};
 }
 
+CError BlockStore::prefetch(const std::vector<BlockRequest> &requests, const CancelFlag &cancel)
+{
+    std::vector<BlockSet> cached(requests.size());
+    std::vector<PrecinctTask> tasks = collectMissing(requests, &cached);
+    return prefetchPackets(tasks, cancel);
+}
+
 CError BlockStore::fetch(const std::vector<BlockRequest> &requests, bool resilient, const CancelFlag &cancel,
                          std::vector<BlockSet> *sets, std::string *damage)
 {

@@ -68,6 +68,8 @@ public:
     /// they are PLK_ERR_DECODE. PLK_ERR_CANCELLED.
     PLK::CError fetch(const std::vector<BlockRequest> &requests, bool resilient, const CancelFlag &cancel,
                       std::vector<BlockSet> *sets, std::string *damage);
+    /// Has a distant source fetch the packets that \a requests need.
+    PLK::CError prefetch(const std::vector<BlockRequest> &requests, const CancelFlag &cancel);
 
 private:
     struct PrecinctKey

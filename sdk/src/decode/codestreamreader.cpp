@@ -196,6 +196,45 @@ struct CodestreamReader::Batch
     std::int64_t cells = 0;
 };
 
+CError CodestreamReader::prefetch(const std::vector<ReadRequest> &requests)
+{
+    if (!source->isRemote() || requests.size() < 2)
+        return {};
+    std::vector<DecodePlan> plans;
+    for (const ReadRequest &request : requests)
+        plans.push_back(planner.plan(request));
+    if (CError error = prefetchIndexes(requests, plans))
+        return error;
+    Batch batch;
+    for (std::size_t i = 0; i < requests.size(); ++i) {
+        std::vector<TileIndexPtr> tileIndexes;
+        if (CError error = loadIndexes(requests[i], plans[i].jobs, &tileIndexes))
+            return error;
+        for (std::size_t job = 0; job < plans[i].jobs.size() && batch.cells < kMostCellsPerBatch; ++job) {
+            Decoded ignored; // damage is told when it is read
+            const TileIndexPtr &index = tileIndexes[job];
+            if (!index->isMissing() && TileSynthesis::supports(*header, *index))
+                addToBatch(requests[i], plans[i].jobs, job, index, &batch, &ignored);
+        }
+    }
+    return blocks.prefetch(batch.requests, requests.front().cancel);
+}
+
+/// All tiles of all requests at once.
+CError CodestreamReader::prefetchIndexes(const std::vector<ReadRequest> &requests, const std::vector<DecodePlan> &plans)
+{
+    std::vector<std::uint32_t> tiles;
+    int lowestLevel = requests.front().level;
+    for (std::size_t i = 0; i < requests.size(); ++i) {
+        lowestLevel = std::min(lowestLevel, requests[i].level);
+        for (const DecodeJob &job : plans[i].jobs)
+            tiles.push_back(job.tile);
+    }
+    std::sort(tiles.begin(), tiles.end());
+    std::vector<TileIndexPtr> ignored;
+    return indexes.load(tiles, lowestLevel, requests.front().cancel, &ignored);
+}
+
 CError CodestreamReader::decodeByBlocks(const ReadRequest &request, const std::vector<DecodeJob> &jobs,
                                         const std::vector<TileIndexPtr> &tileIndexes, std::vector<Decoded> *decoded)
 {

@@ -22,6 +22,7 @@ public:
     const MainHeader &mainHeader() const override { return *header; }
     ReadCost cost(const ReadRequest &request) override;
     PLK::CError read(const ReadRequest &request, ReadResult *result) override;
+    PLK::CError prefetch(const std::vector<ReadRequest> &requests) override;
     void dropCached() override;
 
 private:
@@ -38,6 +39,7 @@ private:
 
     PLK::CError decodeAll(const ReadRequest &request, const std::vector<DecodeJob> &jobs,
                           std::vector<Decoded> *decoded);
+    PLK::CError prefetchIndexes(const std::vector<ReadRequest> &requests, const std::vector<DecodePlan> &plans);
     PLK::CError loadIndexes(const ReadRequest &request, const std::vector<DecodeJob> &jobs,
                             std::vector<TileIndexPtr> *indexes);
     PLK::CError decodeByBlocks(const ReadRequest &request, const std::vector<DecodeJob> &jobs,

@@ -127,6 +127,9 @@ public:
     /// PLK_ERR_CANCELLED when the request's flag was raised. Without resilience damage is PLK_ERR_DECODE or
     /// PLK_ERR_TRUNCATED. \a result is undefined on failure.
     virtual PLK::CError read(const ReadRequest &request, ReadResult *result) = 0;
+    /// Says that all of \a requests will be read soon: has a distant source fetch what they need together. Costs
+    /// nothing where the source is near. Errors are those of the source.
+    virtual PLK::CError prefetch(const std::vector<ReadRequest> & /*requests*/) { return {}; }
     /// Drops this file's entries from the tile cache.
     virtual void dropCached() = 0;
 };

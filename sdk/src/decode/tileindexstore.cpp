@@ -81,6 +81,8 @@ TileIndexStore::TileIndexStore(std::shared_ptr<ByteSource> source, ByteRange cod
     , table(source, codestream, header)
     , indexes(kIndexBudget)
 {
+    const std::uint64_t packets = PacketNumbering(header, header.style, tileRect(header, 0)).count();
+    headerAhead = std::min(kShortestHeader + kBytesPerPacketLength * std::min(packets, kMostPackets), kLongestHeader);
 }
 
 CError TileIndexStore::load(const std::vector<std::uint32_t> &tiles, int discarded, const CancelFlag &cancel,
@@ -120,9 +122,7 @@ std::uint64_t TileIndexStore::readAhead(int discarded) const
     if (!source->isRemote())
         return kLocalReadAhead;
     const std::uint64_t bytesOfTile = codestream.length / header.tileCount();
-    const std::uint64_t packets = PacketNumbering(header, header.style, tileRect(header, 0)).count();
-    std::uint64_t ahead =
-        std::min(kShortestHeader + kBytesPerPacketLength * std::min(packets, kMostPackets), kLongestHeader);
+    std::uint64_t ahead = headerAhead;
     if (discarded >= kFewResolutions && beginsWithLowResolutions(header.style))
         ahead += bytesOfTile / (std::uint64_t(1) << std::min(2 * discarded, 62)) * kLowResolutionBits;
     return std::min(ahead, kLongestReadAhead);
@@ -160,12 +160,26 @@ CError TileIndexStore::readHeaders(const std::vector<Task *> &tasks, std::uint64
         if (CError error = table.find(task->tile, source->isRemote() ? ahead : 0, cancel, &task->parts))
             return error;
         for (const TilePart &part : task->parts)
-            ranges.push_back({part.range.offset, std::min(part.range.length, ahead)});
+            ranges.push_back({part.range.offset, std::min(part.range.length, firstRead(*task, part, ahead))});
     }
     if (CError error = source->prefetch(ranges, cancel))
         return error;
-    return runAll(tasks.size(), cancel,
-                  [&](std::size_t i) { return tasks[i]->reader->readHeaders(tasks[i]->parts, ahead, cancel); });
+    return runAll(tasks.size(), cancel, [&](std::size_t i) {
+        TileIndexReader &reader = *tasks[i]->reader;
+        for (const TilePart &part : tasks[i]->parts)
+            if (CError error = reader.readPart(part, firstRead(*tasks[i], part, ahead), cancel))
+                return error;
+        reader.finishHeaders();
+        return CError();
+    });
+}
+
+/// What comes after the header is worth having in the first tile-part only.
+std::uint64_t TileIndexStore::firstRead(const Task &task, const TilePart &part, std::uint64_t ahead) const
+{
+    if (!source->isRemote() || &part == &task.parts.front())
+        return ahead;
+    return std::min(ahead, headerAhead / task.parts.size() + kShortestHeader);
 }
 
 CError TileIndexStore::walk(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel)

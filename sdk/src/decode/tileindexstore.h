@@ -29,6 +29,7 @@ private:
     struct Task;
 
     std::uint64_t readAhead(int discarded) const;
+    std::uint64_t firstRead(const Task &task, const TilePart &part, std::uint64_t ahead) const;
     PLK::CError readHeaders(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel);
     PLK::CError readHeaders(const std::vector<Task *> &tasks, std::uint64_t ahead, const CancelFlag &cancel);
     PLK::CError walk(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel);
@@ -36,6 +37,7 @@ private:
     std::shared_ptr<ByteSource> source;
     const ByteRange codestream;
     const MainHeader &header;
+    std::uint64_t headerAhead = 0; ///< bytes that the headers of a tile's tile-parts are likely to take
     TilePartTable table;
     ByteBudgetMap<std::uint32_t, TileIndex> indexes;
 };

@@ -94,15 +94,28 @@ IntRect BandRows::coreRect(const IntRect &window, int level, Steps steps) const
     return {placeX(window.x0), placeY(window.y0), placeX(window.x1), placeY(window.y1)};
 }
 
-CError BandRows::read(const IntRect &window, int level, bool resilient, std::vector<BandCounter> *counters) const
+ReadRequest BandRows::requestFor(const IntRect &window, int level, bool resilient) const
 {
     ReadRequest request;
     request.datasetRect = window;
     request.level = level;
     request.components = map.componentsFor(bands);
     request.resilient = resilient;
+    return request;
+}
+
+CError BandRows::prefetch(const std::vector<IntRect> &windows, int level, bool resilient) const
+{
+    std::vector<ReadRequest> requests;
+    for (const IntRect &window : windows)
+        requests.push_back(requestFor(window, level, resilient));
+    return reader.prefetch(requests);
+}
+
+CError BandRows::read(const IntRect &window, int level, bool resilient, std::vector<BandCounter> *counters) const
+{
     ReadResult result;
-    if (CError error = reader.read(request, &result))
+    if (CError error = reader.read(requestFor(window, level, resilient), &result))
         return error;
     if (result.damaged && faults)
         faults->damaged(result.damage);

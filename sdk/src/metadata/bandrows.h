@@ -22,6 +22,8 @@ public:
     /// \a faults, which may be null, is told of damage.
     BandRows(RasterReader &reader, const BandMap &map, std::vector<int> bands, FaultLog *faults);
 
+    /// Says that all of \a windows will be read at \a level.
+    PLK::CError prefetch(const std::vector<IntRect> &windows, int level, bool resilient) const;
     /// Adds the cells of \a window (dataset cells) at \a level to \a counters, one for each band. Windows that touch
     /// give no cell twice. Errors are those of the reader.
     PLK::CError read(const IntRect &window, int level, bool resilient, std::vector<BandCounter> *counters) const;
@@ -31,6 +33,7 @@ private:
     {
         std::uint32_t x = 1, y = 1;
     };
+    ReadRequest requestFor(const IntRect &window, int level, bool resilient) const;
     Steps stepsOf(int component) const;
     Steps finestSteps(const std::vector<int> &components) const;
     IntRect coreRect(const IntRect &window, int level, Steps steps) const;

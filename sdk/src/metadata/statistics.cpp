@@ -92,6 +92,8 @@ std::vector<int> nextGroup(const std::vector<Band> &bands, std::size_t begin)
 /// Goes through the image once for the bands of \a rows.
 CError countOnce(BandRows &rows, const StatisticsPlan &plan, bool resilient, std::vector<BandCounter> *counters)
 {
+    if (CError error = rows.prefetch(plan.windows, plan.level, resilient))
+        return error;
     for (const IntRect &window : plan.windows) {
         if (CError error = rows.read(window, plan.level, resilient, counters))
             return error;

@@ -42,7 +42,7 @@ QSslConfiguration trust()
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
     const QString file = qEnvironmentVariable("SSL_CERT_FILE");
     if (!file.isEmpty())
-        configuration.addCaCertificates(QSslCertificate::fromPath(file));
+        configuration.setCaCertificates(QSslConfiguration::systemCaCertificates() + QSslCertificate::fromPath(file));
     return configuration;
 }
 #endif
@@ -85,6 +85,9 @@ ListingClient::~ListingClient()
 void ListingClient::fetch(const QUrl &folder, const QString &credentials)
 {
     cancel();
+    // A connection that is kept keeps its trust too.
+    if (isSecure(folder))
+        manager.clearConnectionCache();
     firstUrl = folder;
     authorization = basicAuthorization(credentials);
     redirectCount = 0;
@@ -116,10 +119,16 @@ void ListingClient::ask(const QUrl &url)
     if (!authorization.isEmpty() && serverOf(url) == serverOf(firstUrl))
         request.setRawHeader("Authorization", authorization);
     body.clear();
+    distrust.clear();
     reply = manager.get(request);
     reply->setReadBufferSize(kReadAhead);
     connect(reply.data(), &QNetworkReply::readyRead, this, &ListingClient::onRead);
     connect(reply.data(), &QNetworkReply::finished, this, &ListingClient::onFinished);
+#ifndef QT_NO_SSL
+    connect(reply.data(), &QNetworkReply::sslErrors, this, [this](const QList<QSslError> &errors) {
+        distrust = errors.isEmpty() ? QString() : errors.first().errorString();
+    });
+#endif
 }
 
 void ListingClient::onRead()
@@ -218,7 +227,7 @@ QString ListingClient::networkError() const
         return tr("No server answers at %1.").arg(server);
     case QNetworkReply::SslHandshakeFailedError:
         return tr("The server %1 cannot prove that it is the one it claims to be: %2")
-            .arg(server, reply->errorString());
+            .arg(server, distrust.isEmpty() ? reply->errorString() : distrust);
     case QNetworkReply::UnknownNetworkError:
     case QNetworkReply::ProtocolFailure:
         return tr("The answer of %1 cannot be understood: %2").arg(server, reply->errorString());

@@ -62,6 +62,7 @@ private:
     QByteArray body;
     QUrl firstUrl; ///< the one that credentials are for
     QByteArray authorization;
+    QString distrust; ///< what is wrong with the server's certificate
     int redirectCount = 0;
     int timeoutMs = 15000;
 };

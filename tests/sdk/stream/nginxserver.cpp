@@ -41,14 +41,15 @@ bool NginxServer::writeConfig(const QString &folder) const
             "  access_log %1/asked asked;\n"
             "  client_body_temp_path %1/t1;\n  proxy_temp_path %1/t2;\n"
             "  fastcgi_temp_path %1/t3;\n  uwsgi_temp_path %1/t4;\n  scgi_temp_path %1/t5;\n"
-            "  server { listen 127.0.0.1:%2%4; root %3; location /away/ { return 302 http://127.0.0.1/; } }\n}\n")
+            "  server { listen 127.0.0.1:%2%4; root %3; %5 location /away/ { return 302 http://127.0.0.1/; } }\n}\n")
             .arg(place.path())
             .arg(listeningPort)
             .arg(folder)
             .arg(isSecure ? QStringLiteral(" ssl http2; ssl_certificate %1/certificate; "
                                            "ssl_certificate_key %1/key")
                                 .arg(place.path())
-                          : QString());
+                          : QString(),
+                 serverDirectives);
     if (::geteuid() == 0)
         text.prepend(QStringLiteral("user root;\n")); // else its workers may not read temporary folders
     QFile file(filePath(QStringLiteral("config")));

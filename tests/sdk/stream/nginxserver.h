@@ -13,6 +13,8 @@ public:
     static bool isInstalled();
     ~NginxServer();
 
+    /// Directives for the server block, such as "autoindex on;". Before start().
+    void configure(const QString &directives) { serverDirectives = directives; }
     /// Serves \a folder; what is asked for in "away/" is to be had over an open connection, it says. Waits until the
     /// server answers.
     bool start(const QString &folder);
@@ -33,6 +35,7 @@ private:
 
     QTemporaryDir place;
     QProcess process;
+    QString serverDirectives;
     quint16 listeningPort = 0;
     bool isSecure = false;
     int linesTaken = 0;

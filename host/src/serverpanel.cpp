@@ -202,9 +202,9 @@ void ServerPanel::stop()
     updateBar();
 }
 
-bool ServerPanel::isBusy() const
+void ServerPanel::focusTree()
 {
-    return client.isBusy();
+    tree->setFocus();
 }
 
 void ServerPanel::ask(const QUrl &folder, const QString &user)
@@ -255,9 +255,8 @@ void ServerPanel::showRoot(const QUrl &folder, const ServerListing &listing)
     place = folder;
     model->setRoot(folder, listing);
     tellContent(listing);
-    // The list is what was asked for: arrows work at once. Nothing is chosen until a person does.
     if (!listing.entries.isEmpty())
-        tree->setFocus();
+        Q_EMIT rootShown();
 }
 
 void ServerPanel::tellContent(const ServerListing &listing)
@@ -308,7 +307,9 @@ void ServerPanel::setStatus(const QString &text)
 void ServerPanel::updateBar()
 {
     placeLabel->setText(place.isEmpty() ? QString() : ServerAddress::onServer(place, place.path()).toString());
-    placeLabel->setToolTip(placeLabel->text());
+    // Encoded: a tool tip would take "<" for the beginning of a tag.
+    placeLabel->setToolTip(place.isEmpty() ? QString()
+                                           : ServerAddress::onServer(place, place.path(QUrl::FullyEncoded)).toString());
     upButton->setEnabled(!place.isEmpty() && !isTopFolder(place));
     reloadButton->setEnabled(!place.isEmpty() && !client.isBusy());
     stopButton->setEnabled(client.isBusy());

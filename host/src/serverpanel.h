@@ -33,9 +33,12 @@ public:
     void reload();
     /// Gives up what is under way.
     void stop();
-    bool isBusy() const;
+    /// Puts the keyboard into the tree.
+    void focusTree();
 
 Q_SIGNALS:
+    /// A folder that has something in it was listed at the root.
+    void rootShown();
     /// An entry became the current one; \a address is without credentials.
     void addressSelected(const QString &address);
     /// An image was double-clicked, or Return pressed on it.

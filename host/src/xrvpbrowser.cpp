@@ -88,6 +88,7 @@ struct XRVPBrowser::Private
     QDialogButtonBox *buttons = nullptr;
     QPushButton *okButton = nullptr;
     QPushButton *addButton = nullptr;
+    QString browsedAddress; ///< as entered when it was asked for
     bool wasAccepted = false;
     bool hasSize = false;
 };
@@ -172,6 +173,11 @@ void XRVPBrowser::Private::connectWidgets()
     QObject::connect(browseButton, &QPushButton::clicked, q, &XRVPBrowser::browse);
     QObject::connect(addressBox, &QComboBox::editTextChanged, q, [this] { update(); });
     QObject::connect(panel, &ServerPanel::addressSelected, q, &XRVPBrowser::setAddress);
+    QObject::connect(panel, &ServerPanel::rootShown, q, [this] {
+        // The list is what was asked for, so that arrows work at once; unless something else is being typed by now.
+        if (!addressBox->hasFocus() || entered() == browsedAddress)
+            panel->focusTree();
+    });
     QObject::connect(panel, &ServerPanel::addressActivated, q, [this](const QString &address) {
         q->setAddress(address);
         q->accept();
@@ -322,8 +328,10 @@ void XRVPBrowser::addAddress()
 void XRVPBrowser::browse()
 {
     const ServerAddress address(d->entered());
-    if (canBeBrowsed(address))
-        d->panel->browse(address);
+    if (!canBeBrowsed(address))
+        return;
+    d->browsedAddress = d->entered();
+    d->panel->browse(address);
 }
 
 void XRVPBrowser::showEvent(QShowEvent *event)

@@ -73,6 +73,7 @@ ListingClient::ListingClient(QObject *parent)
     : QObject(parent)
 {
     manager.setProxyFactory(new SystemProxies); // which the manager owns from here on
+    parser.setMaxThreadCount(1);
     timer.setSingleShot(true);
     connect(&timer, &QTimer::timeout, this, &ListingClient::onTimeout);
 }
@@ -99,6 +100,8 @@ void ListingClient::cancel()
 {
     timer.stop();
     release();
+    isParsing = false;
+    ++generation;
 }
 
 void ListingClient::release()
@@ -164,13 +167,36 @@ void ListingClient::finish()
     } else if (status < 200 || (reply->error() != QNetworkReply::NoError && body.size() < kMostBytes)) {
         fail(networkError());
     } else {
-        ServerListing listing = parseServerListing(body, url);
-        listing.isCutOff = listing.isCutOff || body.size() >= kMostBytes;
-        cancel();
-        Q_EMIT listed(
-            url.adjusted(QUrl::RemoveFilename | QUrl::RemoveQuery | QUrl::RemoveFragment | QUrl::RemoveUserInfo),
-            listing);
+        parse(url);
     }
+}
+
+void ListingClient::parse(const QUrl &url)
+{
+    timer.stop();
+    const QByteArray page = body;
+    release();
+    isParsing = true;
+    parser.start([this, page, url, asked = generation] {
+        const ServerListing listing = parseServerListing(page, url);
+        const bool isCutOff = page.size() >= kMostBytes;
+        // The pool ends before this object does, and takes no event to an object that is gone.
+        QMetaObject::invokeMethod(
+            this,
+            [this, listing, url, isCutOff, asked] {
+                if (asked == generation)
+                    tell(url, listing, isCutOff);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void ListingClient::tell(const QUrl &url, ServerListing listing, bool isCutOff)
+{
+    isParsing = false;
+    listing.isCutOff = listing.isCutOff || isCutOff;
+    Q_EMIT listed(url.adjusted(QUrl::RemoveFilename | QUrl::RemoveQuery | QUrl::RemoveFragment | QUrl::RemoveUserInfo),
+                  listing);
 }
 
 bool ListingClient::redirects(const QUrl &target)

@@ -6,6 +6,7 @@
 #include <QNetworkAccessManager>
 #include <QObject>
 #include <QPointer>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <memory>
@@ -30,7 +31,7 @@ public:
     void fetch(const QUrl &folder, const QString &credentials);
     /// Gives up at once; neither signal follows.
     void cancel();
-    bool isBusy() const { return !reply.isNull(); }
+    bool isBusy() const { return !reply.isNull() || isParsing; }
 
     /// For a whole answer, redirects included.
     void setTimeout(int milliseconds) { timeoutMs = milliseconds; }
@@ -49,6 +50,8 @@ private:
     void onFinished();
     void onTimeout();
     void finish();
+    void parse(const QUrl &url);
+    void tell(const QUrl &url, ServerListing listing, bool isCutOff);
     void fail(const QString &sentence);
     void release();
     /// Whether the answer sends elsewhere; follows, or fails.
@@ -65,6 +68,9 @@ private:
     QString distrust; ///< what is wrong with the server's certificate
     int redirectCount = 0;
     int timeoutMs = 15000;
+    bool isParsing = false;
+    int generation = 0; ///< of what is asked for; a list of an earlier one is dropped
+    QThreadPool parser; ///< long lists would hold up the GUI; the last member, so that it ends first, by waiting
 };
 
 } // namespace Gui

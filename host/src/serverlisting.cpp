@@ -89,7 +89,9 @@ void removeRepeated(QVector<ServerListing::Entry> *entries)
 
 void sortByName(QVector<ServerListing::Entry> *entries)
 {
-    QCollator collator;
+    // The locale of no language knows no order by number.
+    const QLocale locale;
+    QCollator collator(locale.language() == QLocale::C ? QLocale(QLocale::English) : locale);
     collator.setNumericMode(true);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     using Keyed = std::pair<QCollatorSortKey, int>;

@@ -39,6 +39,13 @@ struct ServerModel::Node
 
 namespace {
 
+QString sizeText(qint64 bytes)
+{
+    constexpr qint64 kKilobyte = 1024;
+    const char *const format = bytes < kKilobyte ? "%.0f" : "%.1f";
+    return bytes < 0 ? QString() : Util::String::formatFileSize(static_cast<quint64>(bytes), format);
+}
+
 /// To the minute, which is all that most servers tell.
 QString dateText(const QDateTime &date)
 {
@@ -187,8 +194,7 @@ QVariant ServerModel::text(const Node &node, int column) const
     case NameColumn:
         return node.entry.name;
     case SizeColumn:
-        return node.entry.size < 0 ? QString()
-                                   : Util::String::formatFileSize(static_cast<quint64>(node.entry.size), "%.1f");
+        return sizeText(node.entry.size);
     default:
         return dateText(node.entry.modified);
     }

@@ -216,11 +216,11 @@ void TestServerListing::withoutEntries()
 
 void TestServerListing::sorts()
 {
-    const QByteArray page = "<a href=b10.jp2>1</a><a href=B9.jp2></a><a href=z/></a><a href=b10.jp2>2</a>"
-                            " 2024-09-06 07:05 5<br><a href=A/></a>";
+    const QByteArray page = "<a href=b10.jp2>1</a><a href=b9.jp2></a><a href=Z/></a><a href=b10.jp2>2</a>"
+                            " 2024-09-06 07:05 5<br><a href=a/></a>";
     const ServerListing listing = parseServerListing(page, folderUrl());
     QCOMPARE(summary(listing),
-             (QStringList{QStringLiteral("A/|A|-1|"), QStringLiteral("z/|z|-1|"), QStringLiteral("B9.jp2|B9.jp2|-1|"),
+             (QStringList{QStringLiteral("a/|a|-1|"), QStringLiteral("Z/|Z|-1|"), QStringLiteral("b9.jp2|b9.jp2|-1|"),
                           QStringLiteral("b10.jp2|b10.jp2|5|2024-09-06 07:05")}));
 }
 

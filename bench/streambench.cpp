@@ -8,6 +8,7 @@
 
 #include "child.h"
 #include "gdalpeer.h"
+#include "scenarios.h"
 #include "slowlink.h"
 #include "viewpeer.h"
 #include "webserver.h"
@@ -60,6 +61,12 @@ PLK::SDK::CConfig &config()
     return PLK::SDK::CFileBase::sFilesHelper().Get()->Config();
 }
 
+void useCache(const CacheFolder &cache)
+{
+    config().SetXrvpCacheEnabled(true);
+    config().SetXrvpCacheLocation(cache.name().c_str());
+}
+
 std::string streamAddress(int port, const std::string &image)
 {
     return "xrvp://127.0.0.1:" + std::to_string(port) + "/" + image;
@@ -87,12 +94,30 @@ ChildResult viewStream(const std::string &address, const Window &window, const C
 {
     return inChild([&] {
         ViewPeer peer;
-        config().SetXrvpCacheEnabled(true);
-        config().SetXrvpCacheLocation(cache.name().c_str());
+        useCache(cache);
         return std::vector<double>{millisecondsOf([&] {
             peer.open(address);
             peer.show(window);
         })};
+    });
+}
+
+/// What a person does: the whole scene, then closer and across it, then to full resolution and on. Number of views.
+ChildResult viewSession(const std::string &address, const Window &size, const CacheFolder &cache)
+{
+    return inChild([&] {
+        std::vector<Window> views{{0, 0, size.width, size.height, 687, 687}};
+        for (const Walk &walk : walks(size.width, size.height)) {
+            const bool isFar = walk.windows.front().width > kPictureWidth;
+            const auto end = walk.windows.begin() + (isFar ? 10 : 20);
+            views.insert(isFar ? views.begin() + 1 : views.end(), walk.windows.begin(), end);
+        }
+        ViewPeer peer;
+        useCache(cache);
+        peer.open(address);
+        for (const Window &view : views)
+            peer.show(view);
+        return std::vector<double>{double(views.size())};
     });
 }
 
@@ -102,7 +127,7 @@ ChildResult comparePictures(const std::string &address, const std::string &file,
 {
     return inChild([&] {
         ViewPeer local, stream;
-        config().SetXrvpCacheLocation(cache.name().c_str());
+        useCache(cache);
         local.open(file);
         local.show(window);
         stream.open(address);
@@ -178,6 +203,17 @@ void measureTraffic(WebServer &server, const std::string &folder, const std::str
     std::fflush(stdout);
 }
 
+/// One row of the table of sessions.
+void measureSession(WebServer &server, const std::string &image, const Window &size, const CacheFolder &cache)
+{
+    cache.clear();
+    server.takeTraffic();
+    const ChildResult session = viewSession(streamAddress(server.port(), image), size, cache);
+    check(session);
+    std::printf("| %s | %.0f | %s |\n", image.c_str(), session.numbers[0], traffic(server.takeTraffic()).c_str());
+    std::fflush(stdout);
+}
+
 /// One row of the table of times over a slow link.
 void measureLink(const WebServer &server, const std::string &image, const NamedWindow &view, const CacheFolder &cache)
 {
@@ -205,6 +241,11 @@ int run(const std::string &folder, const std::vector<std::string> &images)
         for (const NamedWindow &view : windowsOf(size.width, size.height))
             measureTraffic(server, folder, image, view, cache);
     }
+    std::printf("\nSessions: the whole scene, ten views at 1:4 and twenty at 1:1, each %d × %d but the first:\n\n"
+                "| image | views | requests | MB |\n| --- | --: | --: | --: |\n",
+                kPictureWidth, kPictureHeight);
+    for (const std::string &image : images)
+        measureSession(server, image, sizeOf(folder + "/" + image), cache);
     std::printf("\nWith a round trip of %d ms and %.0f Mbit/s, seconds from open to the last line:\n\n"
                 "| image | view | cold | again | GDAL |\n| --- | --- | --: | --: | --: |\n",
                 kRoundTrip, kMegabits);

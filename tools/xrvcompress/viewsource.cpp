@@ -1,7 +1,7 @@
 #include "sourceparts.h"
 
 #include "geo/geojp2.h"
-#include "io/opensource.h"
+#include "stream/opensource.h"
 #include "io/utf8.h"
 #include "xrv/xrvstructure.h"
 

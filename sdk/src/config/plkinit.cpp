@@ -7,7 +7,7 @@
 #include "../decode/tilecache.h"
 #include "../geo/crsnames.h"
 #include "../io/utf8.h"
-#include "../stream/httpclient.h"
+#include "../stream/http/httpclient.h"
 #include "../stream/segmentstore.h"
 
 #include <xrv60/plklog.h>

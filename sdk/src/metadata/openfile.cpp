@@ -6,8 +6,8 @@
 #include "../config/globalconfig.h"
 #include "../config/logger.h"
 #include "../io/filenames.h"
-#include "../io/opensource.h"
 #include "../io/utf8.h"
+#include "../stream/opensource.h"
 #include "../stream/streamaddress.h"
 
 #include <xrv60/plkinit.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "httpexchange.h"
+#include "http/httpexchange.h"
 
 #include <string>
 #include <vector>

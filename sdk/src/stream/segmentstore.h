@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rangeassembly.h"
+#include "http/rangeassembly.h"
 
 #include <cstdint>
 #include <list>

@@ -1,9 +1,29 @@
-set(stage_sources byterangeset.cpp cachedstream.cpp cachefolder.cpp cacheindex.cpp checksum.cpp fileversion.cpp
-    httpclient.cpp httptransfer.cpp knowncredentials.cpp rangeanswer.cpp rangeassembly.cpp rangefetcher.cpp rangeplan.cpp
-    segmentstore.cpp serverlink.cpp servertraits.cpp streamaddress.cpp streamcache.cpp streamoptions.cpp
-    streamsource.cpp wholefilesink.cpp)
+set(stage_sources
+    byterangeset.cpp
+    fileversion.cpp
+    opensource.cpp
+    segmentstore.cpp
+    streamaddress.cpp
+    streamoptions.cpp
+    streamsource.cpp
+    cache/cachedstream.cpp
+    cache/cachefolder.cpp
+    cache/cacheindex.cpp
+    cache/checksum.cpp
+    cache/streamcache.cpp
+    http/httpclient.cpp
+    http/httptransfer.cpp
+    http/knowncredentials.cpp
+    http/rangeanswer.cpp
+    http/rangeassembly.cpp
+    http/rangefetcher.cpp
+    http/rangeplan.cpp
+    http/serverlink.cpp
+    http/servertraits.cpp
+    http/wholefilesink.cpp
+)
 if(WIN32)
-    list(APPEND stage_sources diskfile_windows.cpp)
+    list(APPEND stage_sources cache/diskfile_windows.cpp)
 else()
-    list(APPEND stage_sources diskfile_posix.cpp)
+    list(APPEND stage_sources cache/diskfile_posix.cpp)
 endif()

@@ -2,8 +2,8 @@
 
 #include "../config/logger.h"
 #include "../io/utf8.h"
-#include "knowncredentials.h"
-#include "wholefilesink.h"
+#include "http/knowncredentials.h"
+#include "http/wholefilesink.h"
 
 #include <xrv60/plklog.h>
 

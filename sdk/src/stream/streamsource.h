@@ -1,9 +1,9 @@
 #pragma once
 
-#include "rangefetcher.h"
+#include "cache/streamcache.h"
+#include "http/rangefetcher.h"
+#include "http/serverlink.h"
 #include "segmentstore.h"
-#include "serverlink.h"
-#include "streamcache.h"
 
 #include "../io/bytesource.h"
 

@@ -1,6 +1,6 @@
 #include "io/filesource.h"
 #include "io/memorysource.h"
-#include "io/opensource.h"
+#include "stream/opensource.h"
 
 #include <QFile>
 #include <QTemporaryDir>

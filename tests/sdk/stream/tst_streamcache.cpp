@@ -1,7 +1,7 @@
 #include "streamreading.h"
 
+#include "stream/http/servertraits.h"
 #include "stream/segmentstore.h"
-#include "stream/servertraits.h"
 
 #include <QDateTime>
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "streamreading.h"
 
+#include "stream/http/servertraits.h"
 #include "stream/segmentstore.h"
-#include "stream/servertraits.h"
 
 #include <xrv60/plklog.h>
 #include <xrv60/plkview.h>

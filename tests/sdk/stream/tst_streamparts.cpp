@@ -1,7 +1,7 @@
 #include "stream/byterangeset.h"
-#include "stream/checksum.h"
-#include "stream/rangeanswer.h"
-#include "stream/rangeplan.h"
+#include "stream/cache/checksum.h"
+#include "stream/http/rangeanswer.h"
+#include "stream/http/rangeplan.h"
 #include "stream/segmentstore.h"
 #include "stream/streamaddress.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "byterangeset.h"
+#include "../byterangeset.h"
+#include "../fileversion.h"
 #include "diskfile.h"
-#include "fileversion.h"
 
 #include <map>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "rangeanswer.h"
 
-#include "../io/utf8.h"
+#include "../../io/utf8.h"
 
 #include <curl/curl.h>
 

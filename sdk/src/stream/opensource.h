@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bytesource.h"
+#include "../io/bytesource.h"
 
 #include <memory>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cachedstream.h"
+#include "../cache/cachedstream.h"
 #include "httpexchange.h"
 
 #include <memory>

@@ -1,7 +1,7 @@
 #include "serverlink.h"
 
-#include "../config/logger.h"
-#include "../io/utf8.h"
+#include "../../config/logger.h"
+#include "../../io/utf8.h"
 #include "httpclient.h"
 
 #include <xrv60/plklog.h>

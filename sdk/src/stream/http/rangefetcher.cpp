@@ -1,7 +1,7 @@
 #include "rangefetcher.h"
 
-#include "../config/logger.h"
-#include "../io/utf8.h"
+#include "../../config/logger.h"
+#include "../../io/utf8.h"
 #include "rangeanswer.h"
 
 #include <xrv60/plklog.h>

@@ -1,9 +1,9 @@
 #include "opensource.h"
 
-#include "filenames.h"
-#include "filesource.h"
+#include "../io/filenames.h"
+#include "../io/filesource.h"
 
-#include "../stream/streamsource.h"
+#include "streamsource.h"
 
 namespace xrv {
 

@@ -1,7 +1,7 @@
 #include "streamcache.h"
 
-#include "../config/logger.h"
-#include "../io/utf8.h"
+#include "../../config/logger.h"
+#include "../../io/utf8.h"
 #include "cachefolder.h"
 #include "checksum.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "../streamoptions.h"
 #include "cachedstream.h"
-#include "streamoptions.h"
 
 #include <memory>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "byterangeset.h"
+#include "../byterangeset.h"
 
 namespace xrv {
 

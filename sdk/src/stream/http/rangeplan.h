@@ -1,6 +1,6 @@
 #pragma once
 
-#include "byterangeset.h"
+#include "../byterangeset.h"
 #include "servertraits.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "byterangeset.h"
-#include "fileversion.h"
+#include "../byterangeset.h"
+#include "../fileversion.h"
 #include "rangeplan.h"
 #include "serverlink.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "../streamaddress.h"
+#include "../streamoptions.h"
 #include "httpexchange.h"
-#include "streamaddress.h"
-#include "streamoptions.h"
 
 #include <mutex>
 

@@ -1,7 +1,7 @@
 #include "httptransfer.h"
 
-#include "../io/filenames.h"
-#include "../io/utf8.h"
+#include "../../io/filenames.h"
+#include "../../io/utf8.h"
 
 #include <algorithm>
 #include <cstdlib>

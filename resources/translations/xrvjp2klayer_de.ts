@@ -808,7 +808,7 @@ Möchten Sie den Festplattencache wirklich leeren?</translation>
     </message>
     <message>
         <source>Use adaptive pan/zoom</source>
-        <translation>Adaptives Verschieben/Zoomen verwenden</translation>
+        <translation>Adaptiv verschieben und zoomen</translation>
     </message>
     <message>
         <source>Enable texturing when decompressing XRV images</source>
@@ -919,7 +919,7 @@ Möchten Sie den Festplattencache wirklich leeren?</translation>
     </message>
     <message>
         <source>Use adaptive pan/zoom</source>
-        <translation>Adaptives Verschieben/Zoomen verwenden</translation>
+        <translation>Adaptiv verschieben und zoomen</translation>
     </message>
     <message>
         <source>Use backing store</source>
@@ -927,7 +927,7 @@ Möchten Sie den Festplattencache wirklich leeren?</translation>
     </message>
     <message>
         <source>Enable texture/dither (XRV only)</source>
-        <translation>Textur/Dithering aktivieren (nur XRV)</translation>
+        <translation>Textur/Dithering (nur XRV)</translation>
     </message>
     <message>
         <source>Draw outline</source>
@@ -939,7 +939,7 @@ Möchten Sie den Festplattencache wirklich leeren?</translation>
     </message>
     <message>
         <source>Resample Method:</source>
-        <translation>Resampling-Methode:</translation>
+        <translation>Resampling:</translation>
     </message>
     <message>
         <source>Nearest Neighbour</source>
@@ -955,7 +955,7 @@ Möchten Sie den Festplattencache wirklich leeren?</translation>
     </message>
     <message>
         <source>Flush memory cache when closing images</source>
-        <translation>Speichercache beim Schließen von Bildern leeren</translation>
+        <translation>Speichercache beim Schließen leeren</translation>
     </message>
     <message>
         <source>Read Line Method</source>

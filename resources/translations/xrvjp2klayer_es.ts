@@ -808,7 +808,7 @@ Are you sure you want to clear the disk cache?</source>
     </message>
     <message>
         <source>Use adaptive pan/zoom</source>
-        <translation>Usar desplazamiento y zoom adaptativos</translation>
+        <translation>Desplazamiento y zoom adaptativos</translation>
     </message>
     <message>
         <source>Enable texturing when decompressing XRV images</source>
@@ -919,7 +919,7 @@ Are you sure you want to clear the disk cache?</source>
     </message>
     <message>
         <source>Use adaptive pan/zoom</source>
-        <translation>Usar desplazamiento y zoom adaptativos</translation>
+        <translation>Desplazamiento y zoom adaptativos</translation>
     </message>
     <message>
         <source>Use backing store</source>
@@ -955,7 +955,7 @@ Are you sure you want to clear the disk cache?</source>
     </message>
     <message>
         <source>Flush memory cache when closing images</source>
-        <translation>Vaciar la caché de memoria al cerrar imágenes</translation>
+        <translation>Vaciar la memoria caché al cerrar</translation>
     </message>
     <message>
         <source>Read Line Method</source>

@@ -927,7 +927,7 @@ Are you sure you want to clear the disk cache?</source>
     </message>
     <message>
         <source>Enable texture/dither (XRV only)</source>
-        <translation>テクスチャ/ディザを有効にする (XRV のみ)</translation>
+        <translation>テクスチャ/ディザを有効化 (XRV のみ)</translation>
     </message>
     <message>
         <source>Draw outline</source>
@@ -955,7 +955,7 @@ Are you sure you want to clear the disk cache?</source>
     </message>
     <message>
         <source>Flush memory cache when closing images</source>
-        <translation>画像を閉じるときにメモリキャッシュを消去</translation>
+        <translation>閉じるときにメモリキャッシュを消去</translation>
     </message>
     <message>
         <source>Read Line Method</source>

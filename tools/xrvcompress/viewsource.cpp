@@ -1,8 +1,8 @@
 #include "sourceparts.h"
 
 #include "geo/geojp2.h"
-#include "stream/opensource.h"
 #include "io/utf8.h"
+#include "stream/opensource.h"
 #include "xrv/xrvstructure.h"
 
 #include <xrv60/plkinit.h>

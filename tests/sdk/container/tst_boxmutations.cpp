@@ -1,12 +1,9 @@
 #include "data/boxbuilder.h"
+#include "fuzz/mutations.h"
 
 #include <QtTest>
 
-#include <random>
-
 using namespace boxbuilder;
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
 /// Replays small files through the fuzz entry, whole, cut and with bytes changed. The entry ends the process where a
 /// promise is broken.
@@ -47,22 +44,7 @@ void TestBoxMutations::replay_data()
 void TestBoxMutations::replay()
 {
     QFETCH(QByteArray, file);
-    const auto run = [](const QByteArray &bytes) {
-        return LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.constData()),
-                                      static_cast<std::size_t>(bytes.size()));
-    };
-    for (int length = 0; length <= file.size(); ++length)
-        QCOMPARE(run(file.left(length)), 0);
-    std::mt19937 random(1);
-    for (int round = 0; round < 3000; ++round) {
-        QByteArray changed = file;
-        for (unsigned change = random() % 4 + 1; change > 0; --change) {
-            const unsigned choice = random() % 4;
-            const char value = choice == 0 ? '\0' : choice == 1 ? '\xff' : choice == 2 ? '\x01' : char(random() % 256);
-            changed[int(random() % unsigned(changed.size()))] = value;
-        }
-        QCOMPARE(run(changed), 0);
-    }
+    replayMutations(file, 3000);
 }
 
 QTEST_GUILESS_MAIN(TestBoxMutations)

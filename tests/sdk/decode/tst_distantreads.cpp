@@ -1,11 +1,9 @@
 #include "data/jp2maker.h"
+#include "sdk/distantfile.h"
 
 #include "decode/rasterreader.h"
-#include "io/memorysource.h"
 
 #include <QtTest>
-
-#include <map>
 
 using jp2maker::Options;
 using namespace xrv;
@@ -30,72 +28,11 @@ Options image(int side, int tile)
     return options;
 }
 
-/// A distant file: what is prefetched or read costs one request and stays at hand.
-class DistantFile : public ByteSource
-{
-public:
-    using Knowledge = std::map<std::string, Bytes>;
-
-    DistantFile(const Bytes &file, Knowledge *knowledge)
-        : bytes(file)
-        , memory(file)
-        , knowledge(knowledge)
-        , isAtHand(file.size(), false)
-    {
-    }
-    const std::string &name() const override { return memory.name(); }
-    std::uint64_t size() const override { return bytes.size(); }
-    bool isRemote() const override { return true; }
-    std::string identity() const override { return memory.identity(); }
-    using ByteSource::read;
-    PLK::CError read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel, std::vector<Bytes> *out) override
-    {
-        take(ranges);
-        return memory.read(ranges, cancel, out);
-    }
-    PLK::CError prefetch(const std::vector<ByteRange> &ranges, const CancelFlag &) override
-    {
-        take(ranges);
-        return {};
-    }
-    void remember(const std::string &name, const Bytes &value) override { (*knowledge)[name] = value; }
-    bool recall(const std::string &name, Bytes *value) override
-    {
-        const auto found = knowledge->find(name);
-        if (found != knowledge->end())
-            *value = found->second;
-        return found != knowledge->end();
-    }
-
-    int requests = 0;
-    std::size_t fetched = 0;
-
-private:
-    void take(const std::vector<ByteRange> &ranges)
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        const std::size_t before = fetched;
-        for (const ByteRange &range : ranges) {
-            for (std::uint64_t at = range.offset; at < std::min<std::uint64_t>(range.end(), bytes.size()); ++at) {
-                fetched += isAtHand[at] ? 0 : 1;
-                isAtHand[at] = true;
-            }
-        }
-        requests += fetched > before ? 1 : 0;
-    }
-
-    const Bytes bytes;
-    MemorySource memory;
-    Knowledge *knowledge;
-    std::mutex mutex; ///< guards what follows
-    std::vector<bool> isAtHand;
-};
-
 /// A reader of a file far away.
 struct Distant
 {
     explicit Distant(const Bytes &file, DistantFile::Knowledge *knowledge = nullptr)
-        : source(std::make_shared<DistantFile>(file, knowledge ? knowledge : &own))
+        : source(std::make_shared<DistantFile>(file, 1, knowledge))
     {
         if (const PLK::CError error = RasterReader::open(source, ByteRange{0, file.size()}, &reader))
             qFatal("%s", error.GetErrorMessage());
@@ -114,7 +51,6 @@ struct Distant
     }
     ReadResult readAll(int level) const { return read({0, 0, reader->info().width, reader->info().height}, level); }
 
-    DistantFile::Knowledge own;
     std::shared_ptr<DistantFile> source;
     std::unique_ptr<RasterReader> reader;
 };

@@ -1,68 +1,19 @@
 #include "data/syntheticimage.h"
+#include "sdk/distantfile.h"
 
 #include "codestream/mainheader.h"
 #include "decode/rasterreader.h"
-#include "io/memorysource.h"
 #include "xrv/xrvstructure.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <mutex>
-
 using namespace xrv;
 
 namespace {
 
 constexpr std::uint64_t kPage = 4096;
-
-/// A distant file that is fetched in pages, which stay at hand. What one call lacks costs one request.
-class DistantFile : public ByteSource
-{
-public:
-    explicit DistantFile(const Bytes &file)
-        : memory(file)
-        , isAtHand(static_cast<std::size_t>(file.size() / kPage) + 1, false)
-    {
-    }
-    const std::string &name() const override { return memory.name(); }
-    std::uint64_t size() const override { return memory.size(); }
-    bool isRemote() const override { return true; }
-    std::string identity() const override { return memory.identity(); }
-    using ByteSource::read;
-    PLK::CError read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel, std::vector<Bytes> *out) override
-    {
-        take(ranges);
-        return memory.read(ranges, cancel, out);
-    }
-    PLK::CError prefetch(const std::vector<ByteRange> &ranges, const CancelFlag &) override
-    {
-        take(ranges);
-        return {};
-    }
-
-    int requests = 0;
-    std::uint64_t fetched = 0;
-
-private:
-    void take(const std::vector<ByteRange> &ranges)
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        const std::uint64_t before = fetched;
-        for (const ByteRange &range : ranges) {
-            for (std::uint64_t page = range.offset / kPage; page * kPage < range.end(); ++page) {
-                fetched += isAtHand.at(page) ? 0 : kPage;
-                isAtHand[page] = true;
-            }
-        }
-        requests += fetched > before ? 1 : 0;
-    }
-
-    MemorySource memory;
-    std::vector<bool> isAtHand;
-    std::mutex mutex; ///< guards requests, fetched and isAtHand
-};
 
 } // namespace
 
@@ -108,7 +59,7 @@ void TestXrvDistant::initTestCase()
 /// The start of the file, and what its table of contents names; not what lies between.
 void TestXrvDistant::openingTakesTwoRequests()
 {
-    const auto file = std::make_shared<DistantFile>(bytes);
+    const auto file = std::make_shared<DistantFile>(bytes, kPage);
     QVERIFY(open(file));
     QCOMPARE(file->requests, 2);
     QVERIFY2(file->fetched < structure.packetIndex.length + 48 * 1024, qPrintable(QString::number(file->fetched)));
@@ -116,7 +67,7 @@ void TestXrvDistant::openingTakesTwoRequests()
 
 void TestXrvDistant::overviewTakesOneMore()
 {
-    const auto file = std::make_shared<DistantFile>(bytes);
+    const auto file = std::make_shared<DistantFile>(bytes, kPage);
     const auto reader = open(file);
     QVERIFY(reader);
     const std::uint64_t opening = file->fetched;
@@ -138,7 +89,7 @@ void TestXrvDistant::overviewTakesOneMore()
 
 void TestXrvDistant::windowTakesOneMore()
 {
-    const auto file = std::make_shared<DistantFile>(bytes);
+    const auto file = std::make_shared<DistantFile>(bytes, kPage);
     const auto reader = open(file);
     QVERIFY(reader);
     const std::uint64_t opening = file->fetched;

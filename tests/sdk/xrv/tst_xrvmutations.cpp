@@ -1,15 +1,12 @@
 #include "data/boxbuilder.h"
+#include "fuzz/mutations.h"
 
 #include "codestream/packetindex.h"
 #include "xrv/xrvrecords.h"
 
 #include <QtTest>
 
-#include <random>
-
 using namespace boxbuilder;
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
 /// Replays small XRV files through the fuzz entry, whole, cut and with bytes changed. The entry ends the process where
 /// a promise is broken.
@@ -81,22 +78,7 @@ void TestXrvMutations::replay_data()
 void TestXrvMutations::replay()
 {
     QFETCH(QByteArray, file);
-    const auto run = [](const QByteArray &bytes) {
-        return LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.constData()),
-                                      static_cast<std::size_t>(bytes.size()));
-    };
-    for (int length = 0; length <= file.size(); ++length)
-        QCOMPARE(run(file.left(length)), 0);
-    std::mt19937 random(1);
-    for (int round = 0; round < 5000; ++round) {
-        QByteArray changed = file;
-        for (auto change = random() % 4 + 1; change > 0; --change) {
-            const auto choice = random() % 4;
-            const char value = choice == 0 ? '\0' : choice == 1 ? '\xff' : choice == 2 ? '\x01' : char(random() % 256);
-            changed[int(random() % unsigned(changed.size()))] = value;
-        }
-        QCOMPARE(run(changed), 0);
-    }
+    replayMutations(file, 5000);
 }
 
 QTEST_GUILESS_MAIN(TestXrvMutations)

@@ -29,22 +29,38 @@ using ImagePtr = std::unique_ptr<opj_image_t, ImageDeleter>;
 using CodecPtr = std::unique_ptr<opj_codec_t, CodecDeleter>;
 using StreamPtr = std::unique_ptr<opj_stream_t, StreamDeleter>;
 
-ImagePtr toImage(const RgbPicture &picture)
+constexpr int kGlintEvery = 49999; // cells
+constexpr int kGlint = 60000, kDarkest = 400, kStep = 11;
+
+/// What a sensor would count for the cell of colour \a rgb with number \a cell. Plants are bright in the near infrared.
+int sensorValue(const std::uint8_t *rgb, std::size_t cell, std::size_t band)
 {
-    opj_image_cmptparm_t parameters[3] = {};
+    if (cell % kGlintEvery == 0)
+        return kGlint;
+    const int value = band < 3 ? rgb[band] : std::clamp(3 * rgb[1] - rgb[0] - rgb[2], 0, 255);
+    return kDarkest + kStep * value;
+}
+
+ImagePtr toImage(const RgbPicture &picture, Bands bands)
+{
+    const std::size_t count = bands == Bands::Sensor ? 4 : 3;
+    opj_image_cmptparm_t parameters[4] = {};
     for (auto &parameter : parameters) {
         parameter.dx = parameter.dy = 1;
         parameter.w = static_cast<OPJ_UINT32>(picture.width);
         parameter.h = static_cast<OPJ_UINT32>(picture.height);
-        parameter.prec = 8;
+        parameter.prec = bands == Bands::Sensor ? 16 : 8;
     }
-    ImagePtr image(opj_image_create(3, parameters, OPJ_CLRSPC_SRGB));
+    ImagePtr image(opj_image_create(static_cast<OPJ_UINT32>(count), parameters, OPJ_CLRSPC_SRGB));
     if (!image)
         return image;
     image->x1 = parameters[0].w;
     image->y1 = parameters[0].h;
-    for (std::size_t i = 0; i < picture.bytes.size(); ++i)
-        image->comps[i % 3].data[i / 3] = picture.bytes[i];
+    for (std::size_t cell = 0; cell < picture.bytes.size() / 3; ++cell) {
+        const std::uint8_t *rgb = &picture.bytes[cell * 3];
+        for (std::size_t band = 0; band < count; ++band)
+            image->comps[band].data[cell] = bands == Bands::Sensor ? sensorValue(rgb, cell, band) : rgb[band];
+    }
     return image;
 }
 
@@ -197,9 +213,9 @@ bool insertBox(const std::string &path, const ByteVector &box)
 
 } // namespace
 
-std::string writeGeoJp2(const std::string &path, const RgbPicture &picture, const MapPlace &place)
+std::string writeGeoJp2(const std::string &path, const RgbPicture &picture, const MapPlace &place, Bands bands)
 {
-    const ImagePtr image = toImage(picture);
+    const ImagePtr image = toImage(picture, bands);
     if (!image)
         return "There is not enough memory for the picture.";
     if (!encode(path, image.get()))

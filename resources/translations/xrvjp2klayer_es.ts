@@ -808,7 +808,7 @@ Are you sure you want to clear the disk cache?</source>
     </message>
     <message>
         <source>Use adaptive pan/zoom</source>
-        <translation>Desplazamiento y zoom adaptativos</translation>
+        <translation>Zoom y desplazamiento adaptativos</translation>
     </message>
     <message>
         <source>Enable texturing when decompressing XRV images</source>
@@ -919,7 +919,7 @@ Are you sure you want to clear the disk cache?</source>
     </message>
     <message>
         <source>Use adaptive pan/zoom</source>
-        <translation>Desplazamiento y zoom adaptativos</translation>
+        <translation>Zoom y desplazamiento adaptativos</translation>
     </message>
     <message>
         <source>Use backing store</source>
@@ -927,7 +927,7 @@ Are you sure you want to clear the disk cache?</source>
     </message>
     <message>
         <source>Enable texture/dither (XRV only)</source>
-        <translation>Activar textura/tramado (solo XRV)</translation>
+        <translation>Textura/tramado (solo XRV)</translation>
     </message>
     <message>
         <source>Draw outline</source>
@@ -955,7 +955,7 @@ Are you sure you want to clear the disk cache?</source>
     </message>
     <message>
         <source>Flush memory cache when closing images</source>
-        <translation>Vaciar la memoria caché al cerrar</translation>
+        <translation>Vaciar la caché al cerrar</translation>
     </message>
     <message>
         <source>Read Line Method</source>

@@ -927,7 +927,7 @@ Voulez-vous vraiment vider le cache disque ?</translation>
     </message>
     <message>
         <source>Enable texture/dither (XRV only)</source>
-        <translation>Texture/tramage (XRV uniquement)</translation>
+        <translation>Texture/tramage (XRV seulement)</translation>
     </message>
     <message>
         <source>Draw outline</source>
@@ -939,7 +939,7 @@ Voulez-vous vraiment vider le cache disque ?</translation>
     </message>
     <message>
         <source>Resample Method:</source>
-        <translation>Rééchantillonnage :</translation>
+        <translation>Interpolation :</translation>
     </message>
     <message>
         <source>Nearest Neighbour</source>
@@ -955,7 +955,7 @@ Voulez-vous vraiment vider le cache disque ?</translation>
     </message>
     <message>
         <source>Flush memory cache when closing images</source>
-        <translation>Vider le cache mémoire à la fermeture</translation>
+        <translation>Vider le cache à la fermeture</translation>
     </message>
     <message>
         <source>Read Line Method</source>

@@ -939,7 +939,7 @@ Are you sure you want to clear the disk cache?</source>
     </message>
     <message>
         <source>Resample Method:</source>
-        <translation>リサンプリング方法:</translation>
+        <translation>補間方法:</translation>
     </message>
     <message>
         <source>Nearest Neighbour</source>

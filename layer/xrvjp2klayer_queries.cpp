@@ -174,7 +174,7 @@ QList<QString> XRVJP2kLayer::getBandDescriptions() const
     QList<QString> descriptions;
     const PLKFileInfo *info = getFileInfo();
     for (int band = 0; info && band < info->nBands; ++band)
-        descriptions.append(QString::fromLatin1(info->pBands[band].szDesc));
+        descriptions.append(QString::fromUtf8(info->pBands[band].szDesc));
     return descriptions;
 }
 

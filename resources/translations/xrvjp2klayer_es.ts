@@ -931,7 +931,7 @@ Are you sure you want to clear the disk cache?</source>
     </message>
     <message>
         <source>Draw outline</source>
-        <translation>Dibujar el contorno</translation>
+        <translation>Dibujar contorno</translation>
     </message>
     <message>
         <source>Color</source>

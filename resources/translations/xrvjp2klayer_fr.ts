@@ -931,7 +931,7 @@ Voulez-vous vraiment vider le cache disque ?</translation>
     </message>
     <message>
         <source>Draw outline</source>
-        <translation>Dessiner le contour</translation>
+        <translation>Tracer le contour</translation>
     </message>
     <message>
         <source>Color</source>

@@ -72,7 +72,6 @@ QNetworkRequest requestOf(const QUrl &url)
 ListingClient::ListingClient(QObject *parent)
     : QObject(parent)
 {
-    manager.setProxyFactory(new SystemProxies); // which the manager owns from here on
     parser.setMaxThreadCount(1);
     timer.setSingleShot(true);
     connect(&timer, &QTimer::timeout, this, &ListingClient::onTimeout);
@@ -83,12 +82,21 @@ ListingClient::~ListingClient()
     cancel();
 }
 
+QNetworkAccessManager &ListingClient::manager()
+{
+    if (!network) {
+        network = std::make_unique<QNetworkAccessManager>();
+        network->setProxyFactory(new SystemProxies); // which the manager owns from here on
+    }
+    return *network;
+}
+
 void ListingClient::fetch(const QUrl &folder, const QString &credentials)
 {
     cancel();
     // A connection that is kept keeps its trust too.
     if (isSecure(folder))
-        manager.clearConnectionCache();
+        manager().clearConnectionCache();
     firstUrl = folder;
     authorization = basicAuthorization(credentials);
     redirectCount = 0;
@@ -123,7 +131,7 @@ void ListingClient::ask(const QUrl &url)
         request.setRawHeader("Authorization", authorization);
     body.clear();
     distrust.clear();
-    reply = manager.get(request);
+    reply = manager().get(request);
     reply->setReadBufferSize(kReadAhead);
     connect(reply.data(), &QNetworkReply::readyRead, this, &ListingClient::onRead);
     connect(reply.data(), &QNetworkReply::finished, this, &ListingClient::onFinished);

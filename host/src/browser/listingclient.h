@@ -53,13 +53,14 @@ private:
     void parse(const QUrl &url);
     void tell(const QUrl &url, ServerListing listing, bool isCutOff);
     void fail(const QString &sentence);
+    QNetworkAccessManager &manager();
     void release();
     /// Whether the answer sends elsewhere; follows, or fails.
     bool redirects(const QUrl &target);
     QString networkError() const;
     static QString statusError(int status, const QString &reason);
 
-    QNetworkAccessManager manager;
+    std::unique_ptr<QNetworkAccessManager> network; ///< made at the first question: it has a thread of its own
     QPointer<QNetworkReply> reply;
     QTimer timer;
     QByteArray body;

@@ -7,7 +7,8 @@
 #include <QDGui/geopainter.h>
 
 #include <QDateTime>
-#include <QMutexLocker>
+
+#include <mutex>
 
 namespace Korvane {
 
@@ -67,7 +68,9 @@ void XRVJP2kLayer::setView(int width, int height, double x1, double y1, double x
         width = static_cast<int>(width * 0.5);
         height = static_cast<int>(height * 0.5);
     }
-    const QMutexLocker locker(renderer ? &renderer->getImageMutex() : nullptr);
+    std::unique_lock<std::recursive_mutex> locker;
+    if (renderer)
+        locker = std::unique_lock(renderer->getImageMutex());
     if (!valid || !renderer)
         return;
     if (!calculateClippedCoords(width, height, x1, y1, x2, y2)) {

@@ -6,7 +6,6 @@
 #include <QDGui/application.h>
 
 #include <QColor>
-#include <QMutexLocker>
 #include <QPainter>
 #include <QSettings>
 
@@ -176,12 +175,12 @@ PLKFileStatistics *XRVJP2kRenderer::getClientStatistics()
 void XRVJP2kRenderer::cancelRead()
 {
     cancelRequested = true;
-    const QMutexLocker locker(&imageMutex);
+    const std::lock_guard<std::recursive_mutex> locker(imageMutex);
 }
 
 void XRVJP2kRenderer::clearImage()
 {
-    const QMutexLocker locker(&imageMutex);
+    const std::lock_guard<std::recursive_mutex> locker(imageMutex);
     currentImage.reset();
 }
 
@@ -262,7 +261,7 @@ PLKReadStatus XRVJP2kRenderer::finishRead(PLKReadStatus status, std::unique_ptr<
         cancelRequested = false;
         return status;
     }
-    const QMutexLocker locker(&imageMutex);
+    const std::lock_guard<std::recursive_mutex> locker(imageMutex);
     currentImage.swap(image);
     return status;
 }
@@ -299,7 +298,7 @@ void XRVJP2kRenderer::paint(QPainter &painter, const QRectF &worldRect, const QR
     if (!IsProgressive() && IsViewSet())
         readBlockingView();
 
-    const QMutexLocker locker(&imageMutex);
+    const std::lock_guard<std::recursive_mutex> locker(imageMutex);
     if (!currentImage)
         return;
     std::unique_ptr<GeoImage> derivedImage;

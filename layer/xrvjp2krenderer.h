@@ -6,13 +6,13 @@
 #include <QImage>
 #include <QRect>
 #include <QRectF>
-#include <QRecursiveMutex>
 #include <QString>
 
 #include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 class QPainter;
@@ -95,7 +95,7 @@ public:
     PLKFileStatistics *getClientStatistics();
 
     /// Guards the current image. The layer holds it while it issues a view.
-    QRecursiveMutex &getImageMutex() { return imageMutex; }
+    std::recursive_mutex &getImageMutex() { return imageMutex; }
 
     PLKReadStatus RefreshPass(PLKSetViewInfo *info) override;
 
@@ -116,7 +116,8 @@ private:
     std::unique_ptr<GeoImage> toneMappedImage();
     std::unique_ptr<GeoImage> hillShadeOverlay() const;
 
-    QRecursiveMutex imageMutex; // guards currentImage
+    /// Guards currentImage. Not a QRecursiveMutex: thread checkers see through the standard one.
+    std::recursive_mutex imageMutex;
     std::unique_ptr<GeoImage> currentImage;
     // Memory for the tone-mapped copy, kept while there is a tone: fresh pages at every repaint cost more than the
     // mapping.

@@ -9,8 +9,8 @@ class QSettings;
 
 namespace Viewer {
 
-/// Files, addresses and projects opened lately, newest first, kept in the settings. User names and passwords in addresses are not
-/// kept.
+/// Files, addresses and projects opened lately, newest first, kept in the settings. User names and passwords in
+/// addresses are not kept.
 class RecentSources : public QObject
 {
     Q_OBJECT

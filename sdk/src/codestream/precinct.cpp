@@ -29,12 +29,15 @@ int floorLog2(unsigned value)
 }
 
 constexpr int kMostPasses = 164;       ///< 37 + 127, table B.4
+constexpr int kPassesOfSet = 3;        ///< of high-throughput blocks: cleanup and two refinements
 constexpr int kMostZeroBitPlanes = 74; ///< more than 7 guard bits and 5-bit exponents with a region of interest allow
 
 } // namespace
 
 int passesInSegment(std::uint8_t style, int firstPass)
 {
+    if (style & BlockStyle::kHighThroughput)
+        return firstPass % kPassesOfSet == 0 ? 1 : kPassesOfSet - firstPass % kPassesOfSet;
     if (style & BlockStyle::kTerminateAll)
         return 1;
     if (!(style & BlockStyle::kBypass))
@@ -43,6 +46,12 @@ int passesInSegment(std::uint8_t style, int firstPass)
     if (firstPass < 10)
         return 10 - firstPass;
     return (firstPass - 10) % 3 == 0 ? 2 : 1;
+}
+
+bool hasMixedBlocks(const TileStyle &style)
+{
+    return std::any_of(style.components.begin(), style.components.end(),
+                       [](const ComponentStyle &component) { return component.codeBlockStyle & BlockStyle::kMixed; });
 }
 
 IntRect BandGrid::blockRect(std::uint32_t block) const
@@ -168,33 +177,47 @@ bool Precinct::parseBlock(PacketBits &bits, BandState &band, std::uint32_t numbe
     return parseLengths(bits, block, passes, layer, bodyLength);
 }
 
+/// In high-throughput blocks whole sets of three passes may come first that have no bytes and stand for a bit-plane
+/// each (ISO/IEC 15444-15 annex B). Takes them off \a passes.
+bool Precinct::skipPlaceholders(BlockState &block, int *passes, int *placeholders) const
+{
+    *placeholders = 0;
+    if (!(codeBlockStyle & BlockStyle::kHighThroughput) || block.passes > 0)
+        return true;
+    const int sets = (*passes - 1) / kPassesOfSet;
+    *placeholders = sets * kPassesOfSet;
+    *passes -= *placeholders;
+    block.zeroBitPlanes = static_cast<std::uint8_t>(block.zeroBitPlanes + sets);
+    return block.zeroBitPlanes < kMostZeroBitPlanes;
+}
+
 /// B.10.7: one length for each codeword segment that the packet adds to.
 bool Precinct::parseLengths(PacketBits &bits, BlockState &block, int passes, int layer, std::uint64_t *bodyLength)
 {
-    if (block.passes + passes > kMostPasses)
+    int placeholders = 0;
+    if (block.passes + passes > kMostPasses || !skipPlaceholders(block, &passes, &placeholders))
         return false;
     while (passes > 0) {
-        int inSegment = 0;
-        if (codeBlockStyle & (BlockStyle::kBypass | BlockStyle::kTerminateAll)) {
+        int inSegment = kMostPasses;
+        if (codeBlockStyle & BlockStyle::kManySegments) {
             // Passes left in the segment that is open.
             int begun = 0;
             for (auto piece = block.pieces.rbegin(); piece != block.pieces.rend() && !piece->endsSegment; ++piece)
                 begun += piece->passes;
             inSegment = passesInSegment(codeBlockStyle, block.passes - begun) - begun;
-        } else {
-            inSegment = kMostPasses;
         }
         BlockPiece piece;
         piece.passes = static_cast<std::uint8_t>(std::min(passes, inSegment));
         piece.endsSegment = piece.passes == inSegment;
         piece.layer = static_cast<std::uint16_t>(layer);
-        const int count = block.lengthBits + floorLog2(piece.passes);
+        const int count = block.lengthBits + floorLog2(static_cast<unsigned>(piece.passes + placeholders));
         if (count > 32)
             return false;
         piece.length = bits.bits(count);
         *bodyLength += piece.length;
         block.passes = static_cast<std::uint8_t>(block.passes + piece.passes);
         passes -= piece.passes;
+        placeholders = 0;
         block.pieces.push_back(piece);
         lastPieces.emplace_back(&block, block.pieces.size() - 1);
     }

@@ -44,8 +44,8 @@ struct BlockPiece
 struct BlockState
 {
     std::vector<BlockPiece> pieces;
-    std::uint8_t zeroBitPlanes = 0;
-    std::uint8_t lengthBits = 3; ///< Lblock
+    std::uint8_t zeroBitPlanes = 0; ///< with those that placeholder passes stand for
+    std::uint8_t lengthBits = 3;    ///< Lblock
     std::uint8_t passes = 0;
     bool isIncluded = false;
 };
@@ -80,6 +80,7 @@ public:
 
 private:
     bool parseBlock(PacketBits &bits, BandState &band, std::uint32_t number, int layer, std::uint64_t *bodyLength);
+    bool skipPlaceholders(BlockState &block, int *passes, int *placeholders) const;
     bool parseLengths(PacketBits &bits, BlockState &block, int passes, int layer, std::uint64_t *bodyLength);
 
     std::vector<BandState> bandStates;
@@ -91,10 +92,18 @@ private:
 /// Bits of the code-block style (table A.19).
 namespace BlockStyle {
 constexpr std::uint8_t kBypass = 1, kReset = 2, kTerminateAll = 4, kVerticallyCausal = 8, kPredictableTermination = 16,
-                       kSegmentationSymbols = 32, kHighThroughput = 64;
-}
+                       kSegmentationSymbols = 32;
+/// ISO/IEC 15444-15 annex A: high-throughput code-blocks, alone or mixed with others.
+constexpr std::uint8_t kHighThroughput = 64, kMixed = 128;
+/// Any of these may divide a code-block's data into several codeword segments.
+constexpr std::uint8_t kManySegments = kBypass | kTerminateAll | kHighThroughput;
+} // namespace BlockStyle
 
-/// Passes that the codeword segment with its first pass numbered \a firstPass can hold (table D.9).
+/// Passes that the codeword segment with its first pass numbered \a firstPass can hold (table D.9; in high-throughput
+/// blocks a cleanup pass stands alone, the two refinement passes after it together: ISO/IEC 15444-15 annex B).
 int passesInSegment(std::uint8_t codeBlockStyle, int firstPass);
+
+/// High-throughput code-blocks stand among others. Their packet headers cannot be told apart from outside.
+bool hasMixedBlocks(const TileStyle &style);
 
 } // namespace xrv

@@ -2,6 +2,7 @@
 
 #include "../io/bytecursor.h"
 #include "packedheaders.h"
+#include "precinct.h"
 
 #include <algorithm>
 
@@ -75,7 +76,7 @@ void TileIndexReader::finishHeaders()
     const bool canPlace = !made->isPacked && !made->isMissing() && made->numbering->count() <= kMostPackets;
     if (canPlace)
         placePackets();
-    made->isWalkable = canPlace && !header.isHighThroughput;
+    made->isWalkable = canPlace && !hasMixedBlocks(made->tileStyle);
 }
 
 void TileIndexReader::useIndex(ByteRange codestream)

@@ -3,6 +3,7 @@
 #include "plkconfig.h"
 #include "plkerror.h"
 #include "plkexport.h"
+#include "plkopencontrol.h"
 #include "plkstream.h"
 #include "plkstring.h"
 #include "plktypes.h"
@@ -96,7 +97,7 @@ public:
     const ViewMetadata::ViewMetadataXRV &MetadataXRV() const { return metadataXRV; }
 
 protected:
-    CError OpenFileNamed(const CString &name);
+    CError OpenFileNamed(const CString &name, const COpenControl &control = {});
     /// Forgets the file; \a freeCache drops its decoded tiles.
     void CloseFile(bool freeCache);
     const std::shared_ptr<OpenFile> &SharedFile() const { return file; }

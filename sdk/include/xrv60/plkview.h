@@ -3,6 +3,7 @@
 #include "plkerror.h"
 #include "plkexport.h"
 #include "plkfile.h"
+#include "plkopencontrol.h"
 #include "plkstring.h"
 #include "plktransform.h"
 #include "plktypes.h"
@@ -49,15 +50,17 @@ public:
     /// Opens a local file (any of XRV, JP2, JPX, bare codestream; the content decides) or a stream address. A file that
     /// is open already is closed first. \a update is reserved and must be false. A narrow name is UTF-8. A wide name is
     /// the name itself, or the bytes of the UTF-8 name each widened to one character: names that GetFileName() gave
-    /// survive that trip.
+    /// survive that trip. PLK_ERR_CANCELLED when its control was cancelled.
     CError Open(const wchar_t *name, bool progressive, bool update);
     CError Open(const CString &name, bool progressive, bool update);
+    /// The control of every Open() from now on, by which other threads can end and watch it. Not while one is under
+    /// way.
+    void SetOpenControl(const COpenControl &control);
     /// Cancels, waits for a callback in flight and closes. \a freeCache drops the file's decoded tiles.
     CError Close(bool freeCache);
     /// Reconnects a stream after error 76 and goes on where it stopped: the view that was set last begins again, from
-    /// the bytes that are there. Waits for nothing then; success where no connection was lost, and for local files. A
-    /// stream whose file was changed on the server (PLK_ERR_FILE_CHANGED) is closed and opened anew, which may fail,
-    /// for which the rules of Close() hold, and after which a view must be set.
+    /// the bytes that are there. Waits for nothing; success where no connection was lost, and for local files.
+    /// PLK_ERR_FILE_CHANGED for a stream whose file was changed on the server: it has to be opened anew.
     CError Reconnect();
 
     /// Sets what the next lines show: \a bandCount band indices (1 to 4 entries: one as grey, three as red, green and
@@ -123,6 +126,7 @@ public:
 private:
     class Private;
     std::unique_ptr<Private> d;
+    COpenControl openControl;
     ViewParametersDecompress parametersDecompress;
     ViewParametersJp2 parametersJp2;
 };

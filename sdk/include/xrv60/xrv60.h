@@ -6,6 +6,7 @@
 #include "plkfile.h"
 #include "plkinit.h"
 #include "plklog.h"
+#include "plkopencontrol.h"
 #include "plkstream.h"
 #include "plkstring.h"
 #include "plktransform.h"

@@ -15,10 +15,21 @@ public:
     {
     }
     void raise() { flag->store(true, std::memory_order_relaxed); }
-    bool isRaised() const { return flag->load(std::memory_order_relaxed); }
+    bool isRaised() const { return isSet(flag) || (other && isSet(other)); }
+    /// This flag, raised also when \a further is (of whose own joined flag nothing is known then).
+    CancelFlag joinedWith(const CancelFlag &further) const
+    {
+        CancelFlag joined(*this);
+        joined.other = further.flag;
+        return joined;
+    }
 
 private:
-    std::shared_ptr<std::atomic<bool>> flag;
+    using Flag = std::shared_ptr<std::atomic<bool>>;
+    static bool isSet(const Flag &flag) { return flag->load(std::memory_order_relaxed); }
+
+    Flag flag;
+    Flag other; ///< null as a rule
 };
 
 } // namespace xrv

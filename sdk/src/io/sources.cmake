@@ -1,4 +1,5 @@
-set(stage_sources bytesource.cpp filenames.cpp filesource.cpp memorysource.cpp plkerror.cpp plkstring.cpp
+set(stage_sources bytesource.cpp filenames.cpp filesource.cpp memorysource.cpp plkerror.cpp plkopencontrol.cpp
+    plkstring.cpp
     utf8.cpp)
 if(WIN32)
     list(APPEND stage_sources localfile_windows.cpp)

@@ -49,10 +49,10 @@ CFileClient::CFileClient() = default;
 
 CFileClient::~CFileClient() = default;
 
-CError CFileClient::OpenFileNamed(const CString &name)
+CError CFileClient::OpenFileNamed(const CString &name, const COpenControl &control)
 {
     CloseFile(false);
-    if (CError error = OpenFile::open(name.Utf8(), &file))
+    if (CError error = OpenFile::open(name.Utf8(), control, &file))
         return error;
     facade = std::make_unique<FileFacade>(file);
     metadataJp2.Assign(file->metadataJp2());

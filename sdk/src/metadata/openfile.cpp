@@ -72,7 +72,7 @@ OpenFile::~OpenFile()
         logNamed(PLK_LOG_INFO, "Closed \"" + fileName + "\".");
 }
 
-CError OpenFile::open(const std::string &givenName, std::shared_ptr<OpenFile> *file)
+CError OpenFile::open(const std::string &givenName, const COpenControl &control, std::shared_ptr<OpenFile> *file)
 {
     const std::string name = xrv::printableName(givenName); // a password goes nowhere from here
     std::shared_ptr<OpenFile> opened(new OpenFile);
@@ -81,13 +81,18 @@ CError OpenFile::open(const std::string &givenName, std::shared_ptr<OpenFile> *f
     std::vector<std::string> warnings;
     CError error;
     try {
-        error = xrv::openSource(givenName, &opened->byteSource);
+        error = xrv::openSource(givenName, &opened->byteSource, control.watch);
         if (!error)
             error = opened->openParts(&warnings);
     } catch (const std::bad_alloc &) {
         error = {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to open \"" + name + "\"."};
     } catch (const std::exception &exception) {
         error = {PLK_ERR_MALFORMED, "\"" + name + "\" cannot be opened: " + exception.what() + "."};
+    }
+    // Whatever came of it: parts that could not be read may have been passed over.
+    if (control.IsCancelled()) {
+        logNamed(PLK_LOG_INFO, "The opening of \"" + name + "\" was cancelled.");
+        return {PLK_ERR_CANCELLED, "The opening was cancelled."};
     }
     for (const std::string &warning : warnings)
         logNamed(PLK_LOG_WARNING, "\"" + name + "\": " + warning);

@@ -10,6 +10,7 @@
 #include "statistics.h"
 
 #include <xrv60/plkerror.h>
+#include <xrv60/plkopencontrol.h>
 #include <xrv60/plktypes.h>
 #include <xrv60/plkviewmetadata.h>
 
@@ -30,7 +31,8 @@ class OpenFile
 {
 public:
     /// Opens a local file or a stream by its UTF-8 name. Damage that the file can be shown in spite of is logged.
-    static CError open(const std::string &givenName, std::shared_ptr<OpenFile> *file);
+    /// PLK_ERR_CANCELLED when \a control was cancelled.
+    static CError open(const std::string &givenName, const COpenControl &control, std::shared_ptr<OpenFile> *file);
     ~OpenFile();
 
     /// As given, but without the user and password of an address.

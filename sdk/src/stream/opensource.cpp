@@ -5,14 +5,16 @@
 
 #include "streamsource.h"
 
+#include <utility>
+
 namespace xrv {
 
 using PLK::CError;
 
-CError openSource(const std::string &name, std::shared_ptr<ByteSource> *source)
+CError openSource(const std::string &name, std::shared_ptr<ByteSource> *source, std::shared_ptr<OpenWatch> watch)
 {
     if (isStreamAddress(name))
-        return StreamSource::open(name, StreamOptions::fromConfig(), source);
+        return StreamSource::open(name, StreamOptions::fromConfig(), source, std::move(watch));
     if (hasScheme(name, "jpip") || hasScheme(name, "jpips"))
         return {PLK_ERR_PROTOCOL, "The JPIP protocol is not supported: \"" + name + "\"."};
     if (hasScheme(name, "http") || hasScheme(name, "https"))

@@ -58,9 +58,11 @@ private:
     ByteRangeSet claimed;
 };
 
-StreamSource::StreamSource(const StreamAddress &address, const StreamOptions &options)
+StreamSource::StreamSource(const StreamAddress &address, const StreamOptions &options,
+                           std::shared_ptr<OpenWatch> openWatch)
     : printableAddress(address.printable())
-    , link(address, options)
+    , watch(openWatch ? std::move(openWatch) : std::make_shared<OpenWatch>())
+    , link(address, options, watch)
     , fetcher(link)
     , cache(options)
 {
@@ -71,13 +73,14 @@ StreamSource::~StreamSource()
     SegmentStore::instance().release(fileNumber, newestPin);
 }
 
-CError StreamSource::open(const std::string &address, const StreamOptions &options, std::shared_ptr<ByteSource> *source)
+CError StreamSource::open(const std::string &address, const StreamOptions &options, std::shared_ptr<ByteSource> *source,
+                          std::shared_ptr<OpenWatch> watch)
 {
     StreamAddress parsed;
     if (CError error = StreamAddress::parse(address, &parsed))
         return error;
     KnownCredentials::instance().complete(&parsed);
-    std::shared_ptr<StreamSource> opened(new StreamSource(parsed, options));
+    std::shared_ptr<StreamSource> opened(new StreamSource(parsed, options, std::move(watch)));
     if (CError error = opened->connect())
         return error;
     KnownCredentials::instance().remember(parsed);
@@ -103,7 +106,7 @@ CError StreamSource::connect()
     const RangeFetcher::Sink take = [&](std::uint64_t, const std::uint8_t *data, std::uint64_t length) {
         first.assign(data, data + length);
     };
-    if (CError error = fetcher.open(known, {}, take, &version))
+    if (CError error = fetcher.open(known, watch->cancel, take, &version))
         return error;
     if (!version.isTellable())
         uniqueMark = '|' + std::to_string(nextNumber());
@@ -245,8 +248,9 @@ CError StreamSource::waitForOthers(const CancelFlag &cancel)
     return cancel.isRaised() ? CError(PLK_ERR_CANCELLED, "Reading was cancelled.") : CError();
 }
 
-CError StreamSource::read(const std::vector<ByteRange> &ranges, const CancelFlag &cancel, std::vector<Bytes> *out)
+CError StreamSource::read(const std::vector<ByteRange> &ranges, const CancelFlag &readCancel, std::vector<Bytes> *out)
 {
+    const CancelFlag cancel = readCancel.joinedWith(watch->cancel);
     if (CError error = checkRanges(ranges))
         return error;
     try {
@@ -277,8 +281,9 @@ CError StreamSource::read(const std::vector<ByteRange> &ranges, const CancelFlag
     }
 }
 
-CError StreamSource::prefetch(const std::vector<ByteRange> &ranges, const CancelFlag &cancel)
+CError StreamSource::prefetch(const std::vector<ByteRange> &ranges, const CancelFlag &readCancel)
 {
+    const CancelFlag cancel = readCancel.joinedWith(watch->cancel);
     if (CError error = checkRanges(ranges))
         return error;
     if (wholeFile())

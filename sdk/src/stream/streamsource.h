@@ -6,6 +6,7 @@
 #include "segmentstore.h"
 
 #include "../io/bytesource.h"
+#include "../io/openwatch.h"
 
 #include <condition_variable>
 #include <mutex>
@@ -22,9 +23,9 @@ class StreamSource : public ByteSource
 {
 public:
     /// \a address as StreamAddress takes it. Asks the server; the errors of StreamAddress::parse() and
-    /// RangeFetcher::open().
+    /// RangeFetcher::open(). Once the flag of \a watch is raised, neither this nor any read goes on.
     static PLK::CError open(const std::string &address, const StreamOptions &options,
-                            std::shared_ptr<ByteSource> *source);
+                            std::shared_ptr<ByteSource> *source, std::shared_ptr<OpenWatch> watch = nullptr);
     ~StreamSource() override;
 
     const std::string &name() const override { return printableAddress; }
@@ -42,7 +43,7 @@ public:
 private:
     class Claim;
 
-    explicit StreamSource(const StreamAddress &address, const StreamOptions &options);
+    StreamSource(const StreamAddress &address, const StreamOptions &options, std::shared_ptr<OpenWatch> openWatch);
     PLK::CError connect();
     FileVersion cachedVersion();
     PLK::CError keep(std::uint64_t offset, const std::uint8_t *data, std::uint64_t length, std::uint64_t pin);
@@ -57,6 +58,7 @@ private:
     PLK::CError waitForOthers(const CancelFlag &cancel);
 
     const std::string printableAddress;
+    const std::shared_ptr<OpenWatch> watch;
     ServerLink link;
     RangeFetcher fetcher;
     const StreamCache cache;

@@ -158,7 +158,7 @@ CError CView::Open(const CString &name, bool progressive, bool update)
     if (const CError error = Close(false))
         return error;
     try {
-        if (const CError error = OpenFileNamed(name))
+        if (const CError error = OpenFileNamed(name, openControl))
             return error;
         const std::shared_ptr<OpenFile> &file = SharedFile();
         const xrv::ViewSource source{file,         &file->reader(), &file->bandMap(), file->canBeDithered(),
@@ -169,6 +169,11 @@ CError CView::Open(const CString &name, bool progressive, bool update)
         return outOfMemory();
     }
     return {};
+}
+
+void CView::SetOpenControl(const COpenControl &control)
+{
+    openControl = control;
 }
 
 CError CView::Close(bool freeCache)
@@ -193,13 +198,11 @@ CError CView::Reconnect()
     if (!engine)
         return notOpen();
     xrv::ByteSource &source = SharedFile()->source();
-    const int condition = source.condition().GetErrorNumber();
-    if (condition == PLK_ERR_FILE_CHANGED)
-        return Open(CString(GetFileName().c_str()), engine->isProgressive(), false);
-    if (condition == PLK_ERR_CONNECTION_LOST) {
-        source.reconnect();
-        engine->restart();
-    }
+    const CError condition = source.condition();
+    if (condition.GetErrorNumber() != PLK_ERR_CONNECTION_LOST)
+        return condition;
+    source.reconnect();
+    engine->restart();
     return {};
 }
 

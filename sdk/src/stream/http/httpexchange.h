@@ -1,6 +1,7 @@
 #pragma once
 
 #include "../../io/bytesource.h"
+#include "../../io/openwatch.h"
 
 #include <atomic>
 #include <functional>
@@ -37,6 +38,7 @@ struct HttpRequest
     std::uint64_t partialLimit = 0;      ///< bytes taken of the body of a 206, more is "too long"
     std::uint64_t wholeLimit = 0;        ///< the same of a 200
     std::shared_ptr<BodySink> wholeSink; ///< gets the body of a 200, where there is one
+    std::shared_ptr<OpenWatch> watch;    ///< told how much of it came, where there is one
 };
 
 /// How an exchange ended.

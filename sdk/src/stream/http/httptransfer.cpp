@@ -167,6 +167,10 @@ bool HttpTransfer::takeBody(const char *data, std::size_t length)
     answer.body.insert(answer.body.end(), data, data + taken);
     answer.bodyLength += taken;
     isTooLong = taken < length;
+    if (answer.status == 200 && request.watch) {
+        request.watch->received = answer.bodyLength;
+        request.watch->expected = answer.contentLength();
+    }
     if (usesSink() && answer.body.size() >= kSinkBlock && !flushToSink())
         return false;
     return !isTooLong;

@@ -47,9 +47,10 @@ bool mayBeOutdated(const HttpAnswer &answer)
 
 } // namespace
 
-ServerLink::ServerLink(StreamAddress address, StreamOptions options)
+ServerLink::ServerLink(StreamAddress address, StreamOptions options, std::shared_ptr<OpenWatch> watch)
     : streamAddress(std::move(address))
     , streamOptions(std::move(options))
+    , watch(std::move(watch))
     , current(ownTarget())
 {
 }
@@ -80,6 +81,7 @@ HttpRequest ServerLink::request(const std::string &range, std::uint64_t limit) c
     request.caFile = streamOptions.caFile;
     request.connectTimeout = streamOptions.connectTimeout;
     request.stallTimeout = streamOptions.stallTimeout;
+    request.watch = watch;
     return request;
 }
 

@@ -13,7 +13,8 @@ namespace xrv {
 class ServerLink
 {
 public:
-    ServerLink(StreamAddress address, StreamOptions options);
+    /// \a watch is told how much came of files that are given as a whole; null for none.
+    ServerLink(StreamAddress address, StreamOptions options, std::shared_ptr<OpenWatch> watch = nullptr);
 
     const StreamAddress &address() const { return streamAddress; }
     const StreamOptions &options() const { return streamOptions; }
@@ -39,6 +40,7 @@ private:
 
     const StreamAddress streamAddress;
     const StreamOptions streamOptions;
+    const std::shared_ptr<OpenWatch> watch;
     mutable std::mutex mutex; ///< guards current
     Target current;           ///< where the address led to last
 };

@@ -68,7 +68,8 @@ ColourModel enumerated(const ColourSpecification &specification, const std::vect
     const std::uint32_t space = specification.enumeratedSpace;
     switch (specification.kind) {
     case Kind::Greyscale:
-        if (space == kBiLevelReversed)
+        // Number 0 is also what encoders write that were told no colour space.
+        if (space == kBiLevelReversed && colours[0].bits == 1)
             return {Meaning::Grey, 1, LinearConversion::reversed(colours[0])};
         return {Meaning::Grey, 1, nullptr};
     case Kind::SYcc: {

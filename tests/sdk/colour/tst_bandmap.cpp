@@ -139,6 +139,8 @@ void TestBandMap::layout_data()
     row("grey and opacity", raster(2, 8), boxes(Kind::Greyscale, 17, {{0, 0, 1}, {1, 1, 0}}),
         "Greyscale:8<0* AllOpacity:8<1*", grey);
     row("bi-level, 0 is white", raster(1, 1), boxes(Kind::Greyscale, 0), "Greyscale:1<0", grey);
+    row("called bi-level, but of 8 bits", raster(2, 8), boxes(Kind::Greyscale, 0), "Greyscale:8<0* Band #2:8<1*",
+        multi);
     row("sYCC", raster(3, 8), sYcc, "Red:8<0 Green:8<1 Blue:8<2", rgb);
     row("sYCC of 12 bits and opacity", raster(4, 12),
         boxes(Kind::SYcc, 18, {{3, 1, 0}, {0, 0, 1}, {1, 0, 2}, {2, 0, 3}}),

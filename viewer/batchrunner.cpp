@@ -8,6 +8,7 @@
 #include "project.h"
 #include "projectreader.h"
 #include "sources.h"
+#include "translations.h"
 
 #include <QDGui/mapview.h>
 #include <QDGui/pluginregistry.h>
@@ -44,30 +45,43 @@ BatchRunner::~BatchRunner() = default;
 
 int BatchRunner::run()
 {
-    makeView();
     for (const QString &source : commandLine.sources)
         takeSource(source);
     // Without anything to show, what went wrong has been told already.
-    const bool hasPicture = view && (view->getLayerCount() > 0 || commandLine.sources.isEmpty());
-    if (hasPicture && !commandLine.screenshotFile.isEmpty())
-        writeScreenshot();
-    if (hasPicture && !commandLine.windowFile.isEmpty())
-        writeWindowPicture();
+    if (wantsPictures() && (!opened.empty() || commandLine.sources.isEmpty()))
+        writePictures();
     out.flush();
     err.flush();
     return hasFailed ? 1 : 0;
 }
 
+bool BatchRunner::wantsPictures() const
+{
+    return !commandLine.screenshotFile.isEmpty() || !commandLine.windowFile.isEmpty();
+}
+
 void BatchRunner::makeView()
 {
     if (!commandLine.windowFile.isEmpty()) {
+        translations = std::make_unique<Translations>();
         window = std::make_unique<MainWindow>(registry);
         window->restoreLayout();
         view = window->mapArea()->createView();
-    } else if (!commandLine.screenshotFile.isEmpty()) {
+    } else {
         ownView = std::make_unique<MapView>();
         view = ownView.get();
     }
+}
+
+void BatchRunner::showLayers()
+{
+    for (Opened &entry : opened) {
+        if (view->addLayer(entry.layer.get(), -1) >= 0)
+            entry.layer.release();
+        else
+            fail(QStringLiteral("%1 cannot be shown.").arg(Sources::withoutCredentials(entry.source)));
+    }
+    opened.clear();
 }
 
 void BatchRunner::takeSource(const QString &source)
@@ -90,7 +104,8 @@ void BatchRunner::takeProject(const QString &fileName)
     for (const QString &warning : qAsConst(project.warnings))
         describeFailure(fileName, warning);
     if (!error.isEmpty() || project.views.empty()) {
-        describeFailure(fileName, error.isEmpty() ? tr("The project %1 has no views.").arg(fileName) : error);
+        describeFailure(fileName,
+                        error.isEmpty() ? QStringLiteral("The project %1 has no views.").arg(fileName) : error);
         return;
     }
     ProjectView &current = project.views[static_cast<size_t>(project.currentView)];
@@ -106,14 +121,11 @@ void BatchRunner::takeLayer(const QString &source, std::unique_ptr<Layer> layer)
 {
     if (commandLine.describe)
         describe(source, *layer);
-    if (!view)
+    if (!wantsPictures())
         return;
     if (firstBounds.isNull())
         firstBounds = layer->getBounds();
-    if (view->addLayer(layer.get(), -1) >= 0)
-        layer.release();
-    else
-        fail(tr("%1 cannot be shown.").arg(Sources::withoutCredentials(source)));
+    opened.push_back({source, std::move(layer)});
 }
 
 void BatchRunner::describe(const QString &source, Layer &layer)
@@ -134,21 +146,33 @@ void BatchRunner::describeFailure(const QString &source, const QString &error)
     out << QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) << '\n';
 }
 
+void BatchRunner::writePictures()
+{
+    makeView();
+    showLayers();
+    if (view->getLayerCount() == 0 && !commandLine.sources.isEmpty())
+        return;
+    const QImage wholeWindow = window ? windowPicture() : QImage();
+    translations.reset();
+    if (!wholeWindow.isNull())
+        write(wholeWindow, commandLine.windowFile);
+    if (!commandLine.screenshotFile.isEmpty())
+        writeScreenshot();
+}
+
 void BatchRunner::writeScreenshot()
 {
     const QRectF wanted = commandLine.worldRect.isNull() ? firstBounds : commandLine.worldRect;
     bool isComplete = false;
     const QImage image = view->renderToImage(commandLine.pictureSize, wanted, timeoutMs, &isComplete);
     if (image.isNull()) {
-        fail(tr("There is not enough memory for a picture of %1x%2 pixels.")
+        fail(QStringLiteral("There is not enough memory for a picture of %1x%2 pixels.")
                  .arg(commandLine.pictureSize.width())
                  .arg(commandLine.pictureSize.height()));
     } else if (!isComplete) {
-        fail(tr("The picture was not complete after %1 seconds and is not written.").arg(timeoutMs / 1000));
+        fail(QStringLiteral("The picture was not complete after %1 seconds and is not written.").arg(timeoutMs / 1000));
     } else {
-        const QString error = Pictures::writePng(image, commandLine.screenshotFile);
-        if (!error.isEmpty())
-            fail(error);
+        write(image, commandLine.screenshotFile);
     }
 }
 
@@ -170,27 +194,34 @@ void BatchRunner::settle()
     loop.exec(QEventLoop::ExcludeUserInputEvents);
 }
 
-void BatchRunner::writeWindowPicture()
+/// A null picture when there is none, after telling why.
+QImage BatchRunner::windowPicture()
 {
     resizeWindow();
     const QSize pixels = (QSizeF(window->size()) * window->devicePixelRatioF()).toSize();
     if (commandLine.hasPictureSize && pixels != commandLine.pictureSize) {
-        fail(tr("The window cannot be made %1x%2 pixels large; it takes at least %3x%4.")
+        fail(QStringLiteral("The window cannot be made %1x%2 pixels large; it takes at least %3x%4.")
                  .arg(commandLine.pictureSize.width())
                  .arg(commandLine.pictureSize.height())
                  .arg(pixels.width())
                  .arg(pixels.height()));
-        return;
+        return QImage();
     }
     const QRectF wanted = commandLine.worldRect.isNull() ? firstBounds : commandLine.worldRect;
     if (!wanted.isNull())
         view->setVisibleWorldRect(wanted);
     if (!view->waitUntilComplete(timeoutMs)) {
-        fail(tr("The window was not complete after %1 seconds and its picture is not written.").arg(timeoutMs / 1000));
-        return;
+        fail(QStringLiteral("The window was not complete after %1 seconds and its picture is not written.")
+                 .arg(timeoutMs / 1000));
+        return QImage();
     }
     settle();
-    const QString error = Pictures::writePng(window->grab().toImage(), commandLine.windowFile);
+    return window->grab().toImage();
+}
+
+void BatchRunner::write(const QImage &image, const QString &fileName)
+{
+    const QString error = Pictures::writePng(image, fileName);
     if (!error.isEmpty())
         fail(error);
 }

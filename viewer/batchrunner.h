@@ -3,10 +3,11 @@
 #include "commandline.h"
 #include "layeropener.h"
 
-#include <QCoreApplication>
+#include <QImage>
 #include <QStringList>
 
 #include <memory>
+#include <vector>
 
 class QTextStream;
 
@@ -20,12 +21,12 @@ class MapView;
 namespace Viewer {
 
 class MainWindow;
+class Translations;
 
 /// Does what the command line asks for without a person: describes the sources, makes pictures, ends. GUI thread.
+/// What it says on the way is English; only the window in a picture speaks the user's language.
 class BatchRunner
 {
-    Q_DECLARE_TR_FUNCTIONS(BatchRunner)
-
 public:
     /// Descriptions go to \a out, errors to \a err, one line each. All arguments must outlive it.
     BatchRunner(const CommandLine &commandLine, const Korvane::PluginRegistry &registry, QTextStream &out,
@@ -40,14 +41,18 @@ public:
     static constexpr int kDefaultTimeoutMs = 300 * 1000;
 
 private:
+    bool wantsPictures() const;
     void makeView();
+    void showLayers();
     void takeSource(const QString &source);
     void takeProject(const QString &fileName);
     void takeLayer(const QString &source, std::unique_ptr<Korvane::Map::Layer> layer);
     void describe(const QString &source, Korvane::Map::Layer &layer);
     void describeFailure(const QString &source, const QString &error);
+    void writePictures();
     void writeScreenshot();
-    void writeWindowPicture();
+    QImage windowPicture();
+    void write(const QImage &image, const QString &fileName);
     void resizeWindow();
     void settle();
     void fail(const QString &sentence);
@@ -60,6 +65,13 @@ private:
     int timeoutMs = kDefaultTimeoutMs;
     bool hasFailed = false;
     QRectF firstBounds; ///< Of the first layer that was opened; null until then.
+    struct Opened
+    {
+        QString source;
+        std::unique_ptr<Korvane::Map::Layer> layer;
+    };
+    std::vector<Opened> opened; ///< What the pictures are to show, until they do.
+    std::unique_ptr<Translations> translations;
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<Korvane::Map::MapView> ownView;
     Korvane::Map::MapView *view = nullptr; ///< In the window or the own one; null when no picture is wanted.

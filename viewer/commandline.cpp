@@ -21,33 +21,33 @@ const QString kVersion = QStringLiteral("version");
 
 void addOptions(QCommandLineParser *parser)
 {
-    parser->setApplicationDescription(CommandLine::tr(
+    parser->setApplicationDescription(QStringLiteral(
         "Shows very large wavelet-compressed images from files and image servers.\n"
         "Without --screenshot, --window and --describe the program opens its window and stays.\n"
         "Exit status: 0 when all went well, 1 when a source or a picture failed, 2 for a wrong command line."));
     parser->addOptions({
         {kScreenshot,
-         CommandLine::tr("Open the sources, wait until every layer is complete, write the map as a picture, exit."),
+         QStringLiteral("Open the sources, wait until every layer is complete, write the map as a picture, exit."),
          QStringLiteral("PNG")},
         {kSize,
-         CommandLine::tr("Size of that picture in pixels (default 1024x768). With --window: of the window's picture."),
+         QStringLiteral("Size of that picture in pixels (default 1024x768). With --window: of the window's picture."),
          QStringLiteral("WxH")},
         {kExtent,
-         CommandLine::tr("World rectangle to show: top left, bottom right (default: all of the first layer, fitted)."),
+         QStringLiteral("World rectangle to show: top left, bottom right (default: all of the first layer, fitted)."),
          QStringLiteral("X1,Y1,X2,Y2")},
-        {kDescribe, CommandLine::tr("Write what each layer and its pages say to standard output: one JSON object per "
-                                    "source, each on a line of its own, in the order of the sources; exit. A source "
-                                    "that cannot be opened gives an object with \"source\" and \"error\".")},
-        {kSettings, CommandLine::tr("Use this settings file instead of your own."), QStringLiteral("FILE")},
-        {kWindow, CommandLine::tr("Like --screenshot, but the whole main window with its docks."),
+        {kDescribe, QStringLiteral("Write what each layer and its pages say to standard output: one JSON object per "
+                                   "source, each on a line of its own, in the order of the sources; exit. A source "
+                                   "that cannot be opened gives an object with \"source\" and \"error\".")},
+        {kSettings, QStringLiteral("Use this settings file instead of your own."), QStringLiteral("FILE")},
+        {kWindow, QStringLiteral("Like --screenshot, but the whole main window with its docks."),
          QStringLiteral("PNG")},
-        {{QStringLiteral("h"), kHelp}, CommandLine::tr("Show this help, exit.")},
-        {{QStringLiteral("v"), kVersion}, CommandLine::tr("Show the version, exit.")},
+        {{QStringLiteral("h"), kHelp}, QStringLiteral("Show this help, exit.")},
+        {{QStringLiteral("v"), kVersion}, QStringLiteral("Show the version, exit.")},
     });
     parser->addPositionalArgument(
         QStringLiteral("sources"),
-        CommandLine::tr("Images (also .url files), addresses such as xrvp://host/path, or a project."),
-        CommandLine::tr("[FILE|ADDRESS ...]"));
+        QStringLiteral("Images (also .url files), addresses such as xrvp://host/path, or a project."),
+        QStringLiteral("[FILE|ADDRESS ...]"));
 }
 
 CommandLine failed(const QString &sentence)
@@ -80,18 +80,18 @@ CommandLine fromParser(const QCommandLineParser &parser)
         result.hasPictureSize = true;
         result.pictureSize = CommandLine::parseSize(parser.value(kSize));
         if (!result.pictureSize.isValid())
-            return failed(CommandLine::tr("\"%1\" is not a size such as 1024x768 (1 to %2 pixels each way).")
+            return failed(QStringLiteral("\"%1\" is not a size such as 1024x768 (1 to %2 pixels each way).")
                               .arg(parser.value(kSize))
                               .arg(CommandLine::kMaximumSide));
     }
     if (parser.isSet(kExtent)) {
         result.worldRect = CommandLine::parseWorldRect(parser.value(kExtent));
         if (result.worldRect.isNull())
-            return failed(CommandLine::tr("\"%1\" is not an extent X1,Y1,X2,Y2 with X1 < X2 and Y1 > Y2.")
+            return failed(QStringLiteral("\"%1\" is not an extent X1,Y1,X2,Y2 with X1 < X2 and Y1 > Y2.")
                               .arg(parser.value(kExtent)));
     }
     if (result.sources.isEmpty() && (result.describe || !result.screenshotFile.isEmpty()))
-        return failed(CommandLine::tr("Name at least one file or address."));
+        return failed(QStringLiteral("Name at least one file or address."));
     return result;
 }
 
@@ -113,7 +113,7 @@ CommandLine CommandLine::parse(const QStringList &arguments)
     }
     const QString empty = emptyOption(parser);
     if (!empty.isEmpty())
-        return failed(tr("The option --%1 needs a file name.").arg(empty));
+        return failed(QStringLiteral("The option --%1 needs a file name.").arg(empty));
     return fromParser(parser);
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QCoreApplication>
 #include <QRectF>
 #include <QSize>
 #include <QString>
@@ -8,12 +7,9 @@
 
 namespace Viewer {
 
-/// What the person asked for on the command line.
+/// What the person asked for on the command line. Its texts are English everywhere: scripts read them too.
 struct CommandLine
 {
-    Q_DECLARE_TR_FUNCTIONS(CommandLine)
-
-public:
     enum class Outcome { Run, Help, Version, Error };
 
     Outcome outcome = Outcome::Run;

@@ -27,7 +27,7 @@ QString FailureReport::headline(const QStringList &failures, int total)
 {
     if (failures.size() == 1)
         return failures.first();
-    return tr("%1 of %2 sources could not be opened.").arg(failures.size()).arg(qMax(total, failures.size()));
+    return tr("%1 of %n sources could not be opened.", nullptr, qMax(total, failures.size())).arg(failures.size());
 }
 
 void FailureReport::show(QWidget *parent, const QStringList &failures, int total)
@@ -40,7 +40,7 @@ void FailureReport::show(QWidget *parent, const QStringList &failures, int total
     if (failures.size() > 1) {
         QStringList listed = failures.mid(0, kListed);
         if (listed.size() < failures.size())
-            listed.append(tr("... and %1 more (see the details)").arg(failures.size() - listed.size()));
+            listed.append(tr("... and %n more (see the details)", nullptr, failures.size() - listed.size()));
         box.setInformativeText(listed.join(QLatin1Char('\n')));
         box.setDetailedText(failures.join(QLatin1Char('\n')));
     }

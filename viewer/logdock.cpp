@@ -90,7 +90,7 @@ QWidget *LogDock::makeBar()
     auto *bar = new QWidget;
     auto *layout = new QHBoxLayout(bar);
     layout->setContentsMargins(6, 3, 6, 3);
-    auto *label = new QLabel(tr("&From level:"));
+    auto *label = new QLabel(tr("Fro&m level:"));
     label->setBuddy(levels);
     auto *copy = new QPushButton(tr("&Copy"));
     copy->setToolTip(tr("Copies the selected lines, or all that are shown"));

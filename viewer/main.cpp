@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
+#include <optional>
 
 #ifdef Q_OS_UNIX
 #include <langinfo.h>
@@ -30,11 +31,6 @@ namespace {
 constexpr int kFailure = 1;
 constexpr int kUsageError = 2;
 constexpr double kOffscreenFontSize = 9.0;
-
-QString translated(const char *text)
-{
-    return QCoreApplication::translate("main", text);
-}
 
 /// In the plain "C" locale, file names beyond ASCII would be lost between the command line and the file system. The
 /// same goes for a locale that the C library does not have; Qt knows its language and formats all the same, so they
@@ -124,7 +120,8 @@ void loadPlugins(Korvane::PluginRegistry *registry)
     for (const QString &error : errors)
         Korvane::Application::logMessage(error, Korvane::Application::LogWarning, QDateTime::currentDateTime());
     if (registry->getPlugins().isEmpty()) {
-        const QString text = translated("No layer plug-in was found in %1.").arg(folders.join(QStringLiteral(", ")));
+        const QString text = QCoreApplication::translate("Viewer", "No layer plug-in was found in %1.")
+                                 .arg(folders.join(QStringLiteral(", ")));
         Korvane::Application::logMessage(text, Korvane::Application::LogError, QDateTime::currentDateTime());
     }
 }
@@ -174,7 +171,6 @@ int main(int argc, char *argv[])
     nameApplication();
     QApplication application(argc, argv);
 
-    const Translations translations;
     dressApplication();
     QTextStream out(stdout);
     QTextStream err(stderr);
@@ -183,11 +179,16 @@ int main(int argc, char *argv[])
     if (commandLine.outcome != CommandLine::Outcome::Run)
         return answer(commandLine, out);
     if (!commandLine.isBatch() && !hasWindows)
-        return refuse(translated("There is no display to show a window on; --screenshot, --window and --describe work "
-                                 "without one."),
+        return refuse(QStringLiteral("There is no display to show a window on; --screenshot, --window and --describe "
+                                     "work without one."),
                       kFailure);
     if (!commandLine.settingsFile.isEmpty() && !useSettings(commandLine.settingsFile))
-        return refuse(translated("The settings file %1 cannot be used.").arg(commandLine.settingsFile), kFailure);
+        return refuse(QStringLiteral("The settings file %1 cannot be used.").arg(commandLine.settingsFile), kFailure);
+    // Whatever goes to standard error is English, so that scripts can rely on it; a window speaks the user's language.
+    // Before the plug-ins: they may make windows of the host's as soon as they are loaded.
+    std::optional<Translations> translations;
+    if (!commandLine.isBatch())
+        translations.emplace();
     Korvane::PluginRegistry registry;
     loadPlugins(&registry);
     if (!commandLine.isBatch())

@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QDockWidget>
+#include <QGuiApplication>
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QToolBar>
@@ -43,7 +44,7 @@ void MainActions::makeFileActions()
     open = make(Shape::Open, tr("&Open..."), tr("Open images in the current view"));
     open->setShortcut(QKeySequence::Open);
     openInNewView = make(tr("Open in Ne&w View..."), tr("Open images in a view of their own"));
-    openInNewView->setShortcut(tr("Ctrl+Shift+O"));
+    openInNewView->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_O);
     newView = make(Shape::NewView, tr("&New View"), tr("Add an empty map view"));
     newView->setShortcut(QKeySequence::New);
     openProject = make(tr("Open &Project..."), tr("Replace all views by those of a project"));
@@ -57,7 +58,7 @@ void MainActions::makeFileActions()
     quit = make(tr("&Quit"));
     quit->setShortcut(QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
-    about = make(tr("&About"));
+    about = make(tr("&About %1").arg(QGuiApplication::applicationDisplayName()));
     about->setMenuRole(QAction::AboutRole);
     aboutToolkit = make(tr("About &Qt"));
     aboutToolkit->setMenuRole(QAction::AboutQtRole);
@@ -66,17 +67,17 @@ void MainActions::makeFileActions()
 void MainActions::makeViewActions()
 {
     zoomIn = make(Shape::ZoomIn, tr("Zoom &In"), tr("Show the map larger"));
-    zoomIn->setShortcuts({QKeySequence(QKeySequence::ZoomIn), QKeySequence(tr("Ctrl+="))});
+    zoomIn->setShortcuts({QKeySequence(QKeySequence::ZoomIn), QKeySequence(Qt::CTRL + Qt::Key_Equal)});
     zoomOut = make(Shape::ZoomOut, tr("Zoom &Out"), tr("Show the map smaller"));
     zoomOut->setShortcut(QKeySequence::ZoomOut);
     zoomToAll = make(Shape::ZoomAll, tr("Zoom to &All"), tr("Show all layers of the view"));
-    zoomToAll->setShortcut(tr("Ctrl+0"));
+    zoomToAll->setShortcut(Qt::CTRL + Qt::Key_0);
     zoomToLayer = make(Shape::ZoomLayer, tr("Zoom to &Layer"), tr("Show all of the selected layer"));
-    zoomToLayer->setShortcut(tr("Ctrl+L"));
+    zoomToLayer->setShortcut(Qt::CTRL + Qt::Key_L);
     zoomToNative = make(Shape::ZoomNative, tr("Zoom to &1:1"), tr("Show one cell of the selected layer per pixel"));
-    zoomToNative->setShortcut(tr("Ctrl+1"));
+    zoomToNative->setShortcut(Qt::CTRL + Qt::Key_1);
     layerProperties = make(Shape::Properties, tr("Layer &Properties..."), tr("What is known of the selected layer"));
-    layerProperties->setShortcut(tr("Alt+Return"));
+    layerProperties->setShortcut(Qt::ALT + Qt::Key_Return);
 }
 
 void MainActions::makeWindowActions()
@@ -84,7 +85,7 @@ void MainActions::makeWindowActions()
     tabs = make(tr("&Tabs"), tr("Show one view at a time, in tabs"));
     cascade = make(tr("&Cascade"), tr("Show the views as windows, one behind the other"));
     tile = make(tr("T&ile"), tr("Show the views as windows, side by side"));
-    nextView = make(tr("&Next View"));
+    nextView = make(tr("Ne&xt View"));
     nextView->setShortcut(QKeySequence::NextChild);
     renameView = make(tr("&Rename View..."));
     closeView = make(tr("Cl&ose View"));

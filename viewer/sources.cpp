@@ -16,10 +16,11 @@ namespace Sources {
 
 namespace {
 
-QString tr(const char *text)
+/// A context for texts.
+struct Texts
 {
-    return QCoreApplication::translate("Viewer::Sources", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(Viewer::Sources)
+};
 
 QStringList fromText(const QString &text)
 {
@@ -96,16 +97,16 @@ QString checkReadable(const QString &source)
     const QFileInfo info(source);
     const QString name = QDir::toNativeSeparators(source);
     if (!info.exists())
-        return info.isSymLink() ? tr("%1 is a link to a file that does not exist.").arg(name)
-                                : tr("%1 does not exist.").arg(name);
+        return info.isSymLink() ? Texts::tr("%1 is a link to a file that does not exist.").arg(name)
+                                : Texts::tr("%1 does not exist.").arg(name);
     if (info.isDir())
-        return tr("%1 is a folder, not an image.").arg(name);
+        return Texts::tr("%1 is a folder, not an image.").arg(name);
     if (!info.isFile())
-        return tr("%1 is not an ordinary file.").arg(name);
+        return Texts::tr("%1 is not an ordinary file.").arg(name);
     QFile file(source);
     if (!file.open(QIODevice::ReadOnly))
-        return tr("%1 cannot be read: %2.").arg(name, file.errorString());
-    return file.size() > 0 ? QString() : tr("%1 is empty.").arg(name);
+        return Texts::tr("%1 cannot be read: %2.").arg(name, file.errorString());
+    return file.size() > 0 ? QString() : Texts::tr("%1 is empty.").arg(name);
 }
 
 } // namespace Sources

@@ -15,7 +15,7 @@ Translations::Translations()
         QCoreApplication::installTranslator(&toolkit);
     // A package of the program may bring the toolkit's texts along in its own folder.
     own = Korvane::Application::instance()->initializeTranslations(
-        {QStringLiteral("qtbase"), QStringLiteral("qdviewer")}, locale);
+        {QStringLiteral("qtbase"), QStringLiteral("qdgui"), QStringLiteral("qdviewer")}, locale);
 }
 
 } // namespace Viewer

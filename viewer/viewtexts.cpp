@@ -18,10 +18,11 @@ bool isPositive(double value)
     return std::isfinite(value) && value > 0.0;
 }
 
-QString tr(const char *text)
+/// A context for texts.
+struct Texts
 {
-    return QCoreApplication::translate("Viewer::ViewTexts", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(Viewer::ViewTexts)
+};
 
 /// With three significant digits, never in exponent form for the sizes that occur.
 QString significant(double value)
@@ -51,7 +52,7 @@ QString coordinates(const QPointF &worldPoint, double unitsPerPixel)
 {
     const int decimals = decimalsFor(unitsPerPixel);
     const QLocale locale;
-    return tr("X %1  Y %2")
+    return Texts::tr("X %1  Y %2")
         .arg(locale.toString(worldPoint.x(), 'f', decimals), locale.toString(worldPoint.y(), 'f', decimals));
 }
 
@@ -60,12 +61,12 @@ QString zoomPercent(double cellSize, double unitsPerPixel)
     const double size = std::fabs(cellSize);
     if (!isPositive(size) || !isPositive(unitsPerPixel))
         return QString();
-    return tr("%1 %").arg(significant(100.0 * size / unitsPerPixel));
+    return Texts::tr("%1 %").arg(significant(100.0 * size / unitsPerPixel));
 }
 
 QString unitsPerPixel(double units)
 {
-    return isPositive(units) ? tr("%1 units per pixel").arg(significant(units)) : QString();
+    return isPositive(units) ? Texts::tr("%1 units per pixel").arg(significant(units)) : QString();
 }
 
 } // namespace ViewTexts

@@ -6,7 +6,6 @@
 #include "layer_p.h"
 #include "propertytext.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QDomDocument>
 #include <QFileInfo>
@@ -101,11 +100,6 @@ bool restoreProperties(Layer &layer, const QMap<QString, QString> &saved)
     return hasChanged;
 }
 
-QString translated(const char *text)
-{
-    return QCoreApplication::translate("Korvane::Map::Layer", text);
-}
-
 } // namespace
 
 bool Layer::writeXML(QDomNode &node, QDomDocument &document)
@@ -142,7 +136,7 @@ bool Layer::readXML(QDomNode &node, QDir &projectFolder, QString *error)
     const QDomElement sourceElement = node.firstChildElement(kDataSource);
     if (sourceElement.isNull()) {
         if (error)
-            *error = translated("The project does not say what the layer shows.");
+            *error = tr("The project does not say what the layer shows.");
         return false;
     }
     const QString uid = childText(node, kUid);
@@ -153,7 +147,7 @@ bool Layer::readXML(QDomNode &node, QDir &projectFolder, QString *error)
     const QString source = resolvedSource(sourceElement, projectFolder);
     const bool isOpen = source.isEmpty() || setDataSource(source);
     if (!isOpen && error)
-        *error = translated("%1 cannot be opened: %2").arg(Util::Address::withoutCredentials(source), getLastError());
+        *error = tr("%1 cannot be opened: %2").arg(Util::Address::withoutCredentials(source), getLastError());
 
     // Opening a source gives the layer its description, so the saved one comes after.
     const QString description = childText(node, kDescription);

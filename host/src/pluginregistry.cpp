@@ -18,10 +18,11 @@ namespace Korvane {
 
 namespace {
 
-QString translated(const char *text)
+/// A context for texts.
+struct Texts
 {
-    return QCoreApplication::translate("Korvane::PluginRegistry", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(Korvane::PluginRegistry)
+};
 
 /// The patterns ("*.jp2") of all filters in \a fileFilter.
 QStringList filterPatterns(const QString &fileFilter)
@@ -70,7 +71,7 @@ struct PluginRegistry::Private
     }
     bool fail(const QString &fileName, const QString &reason)
     {
-        errors.append(translated("%1: %2").arg(QDir::toNativeSeparators(fileName), reason));
+        errors.append(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(fileName), reason));
         return false;
     }
 
@@ -119,7 +120,7 @@ bool PluginRegistry::loadFile(const QString &fileName)
         return true;
     }
     const QString reason =
-        plugin.info ? translated("The plug-in is already loaded.") : translated("The library is not a layer plug-in.");
+        plugin.info ? Texts::tr("The plug-in is already loaded.") : Texts::tr("The library is not a layer plug-in.");
     loader->unload();
     return d->fail(fileName, reason);
 }
@@ -175,8 +176,8 @@ QString PluginRegistry::getFileFilter() const
     }
     patterns.removeDuplicates();
     if (!patterns.isEmpty())
-        filters.prepend(translated("All supported files (%1)").arg(patterns.join(QLatin1Char(' '))));
-    filters.append(translated("All files (*)"));
+        filters.prepend(Texts::tr("All supported files (%1)").arg(patterns.join(QLatin1Char(' '))));
+    filters.append(Texts::tr("All files (*)"));
     return filters.join(QLatin1String(";;"));
 }
 

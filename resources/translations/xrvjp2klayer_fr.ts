@@ -48,7 +48,7 @@
     </message>
     <message>
         <source>Box Id:</source>
-        <translation>ID de la boîte :</translation>
+        <translation>ID de la boîte&#xa0;:</translation>
     </message>
 </context>
 <context>
@@ -63,7 +63,7 @@
     </message>
     <message>
         <source>XRVP Version:</source>
-        <translation>Version XRVP :</translation>
+        <translation>Version XRVP&#xa0;:</translation>
     </message>
     <message>
         <source>File Format Version</source>
@@ -71,79 +71,79 @@
     </message>
     <message>
         <source>GDT Datum:</source>
-        <translation>Datum GDT :</translation>
+        <translation>Datum GDT&#xa0;:</translation>
     </message>
     <message>
         <source>GDT Projection:</source>
-        <translation>Projection GDT :</translation>
+        <translation>Projection GDT&#xa0;:</translation>
     </message>
     <message>
         <source>GDT Units:</source>
-        <translation>Unités GDT :</translation>
+        <translation>Unités GDT&#xa0;:</translation>
     </message>
     <message>
         <source>Compressed Size:</source>
-        <translation>Taille compressée :</translation>
+        <translation>Taille compressée&#xa0;:</translation>
     </message>
     <message>
         <source>Uncompressed Size:</source>
-        <translation>Taille non compressée :</translation>
+        <translation>Taille non compressée&#xa0;:</translation>
     </message>
     <message>
         <source>Target Compression Rate:</source>
-        <translation>Taux de compression visé :</translation>
+        <translation>Taux de compression visé&#xa0;:</translation>
     </message>
     <message>
         <source>Actual Compression Rate:</source>
-        <translation>Taux de compression réel :</translation>
+        <translation>Taux de compression réel&#xa0;:</translation>
     </message>
     <message>
         <source>Block Size:</source>
-        <translation>Taille de bloc :</translation>
+        <translation>Taille de bloc&#xa0;:</translation>
     </message>
     <message>
         <source>Compression Date:</source>
-        <translation>Date de compression :</translation>
+        <translation>Date de compression&#xa0;:</translation>
     </message>
     <message>
         <source>Classification:</source>
-        <translation>Classification :</translation>
+        <translation>Classification&#xa0;:</translation>
     </message>
     <message>
         <source>Acquisition Date:</source>
-        <translation>Date d’acquisition :</translation>
+        <translation>Date d’acquisition&#xa0;:</translation>
     </message>
     <message>
         <source>Acquisition Sensor Name:</source>
-        <translation>Nom du capteur d’acquisition :</translation>
+        <translation>Nom du capteur d’acquisition&#xa0;:</translation>
     </message>
     <message>
         <source>Compression Software:</source>
-        <translation>Logiciel de compression :</translation>
+        <translation>Logiciel de compression&#xa0;:</translation>
     </message>
     <message>
         <source>Author:</source>
-        <translation>Auteur :</translation>
+        <translation>Auteur&#xa0;:</translation>
     </message>
     <message>
         <source>Copyright:</source>
-        <translation>Copyright :</translation>
+        <translation>Copyright&#xa0;:</translation>
     </message>
     <message>
         <source>Company:</source>
-        <translation>Société :</translation>
+        <translation>Société&#xa0;:</translation>
     </message>
     <message>
         <source>Email:</source>
-        <translation>E-mail :</translation>
+        <translation>E-mail&#xa0;:</translation>
     </message>
     <message>
         <source>Address:</source>
-        <translation>Adresse :</translation>
+        <translation>Adresse&#xa0;:</translation>
     </message>
     <message>
         <source>Telephone:</source>
-        <translation>Téléphone :</translation>
+        <translation>Téléphone&#xa0;:</translation>
     </message>
     <message>
         <source>Copy to Clipboard</source>
@@ -254,63 +254,63 @@
     </message>
     <message>
         <source>Comments:</source>
-        <translation>Commentaires :</translation>
+        <translation>Commentaires&#xa0;:</translation>
     </message>
     <message>
         <source>Profile:</source>
-        <translation>Profil :</translation>
+        <translation>Profil&#xa0;:</translation>
     </message>
     <message>
         <source>Number of Tiles (X,Y):</source>
-        <translation>Nombre de tuiles (X,Y) :</translation>
+        <translation>Nombre de tuiles (X,Y)&#xa0;:</translation>
     </message>
     <message>
         <source>Tile Size (X,Y):</source>
-        <translation>Taille des tuiles (X,Y) :</translation>
+        <translation>Taille des tuiles (X,Y)&#xa0;:</translation>
     </message>
     <message>
         <source>Precinct Size X:</source>
-        <translation>Taille des precincts X :</translation>
+        <translation>Taille des precincts X&#xa0;:</translation>
     </message>
     <message>
         <source>Precinct Size Y:</source>
-        <translation>Taille des precincts Y :</translation>
+        <translation>Taille des precincts Y&#xa0;:</translation>
     </message>
     <message>
         <source>Code Block Size (Y,X):</source>
-        <translation>Taille des blocs de code (Y,X) :</translation>
+        <translation>Taille des blocs de code (Y,X)&#xa0;:</translation>
     </message>
     <message>
         <source>Bitdepth:</source>
-        <translation>Profondeur de bits :</translation>
+        <translation>Profondeur de bits&#xa0;:</translation>
     </message>
     <message>
         <source>Resolution Levels:</source>
-        <translation>Niveaux de résolution :</translation>
+        <translation>Niveaux de résolution&#xa0;:</translation>
     </message>
     <message>
         <source>Quality Layers:</source>
-        <translation>Couches de qualité :</translation>
+        <translation>Couches de qualité&#xa0;:</translation>
     </message>
     <message>
         <source>Progression Order:</source>
-        <translation>Ordre de progression :</translation>
+        <translation>Ordre de progression&#xa0;:</translation>
     </message>
     <message>
         <source>Filter:</source>
-        <translation>Filtre :</translation>
+        <translation>Filtre&#xa0;:</translation>
     </message>
     <message>
         <source>Use Sop:</source>
-        <translation>SOP utilisé :</translation>
+        <translation>SOP utilisé&#xa0;:</translation>
     </message>
     <message>
         <source>Use Eph:</source>
-        <translation>EPH utilisé :</translation>
+        <translation>EPH utilisé&#xa0;:</translation>
     </message>
     <message>
         <source>GML in JP2 Box:</source>
-        <translation>Boîte GML en JP2 :</translation>
+        <translation>Boîte GML en JP2&#xa0;:</translation>
     </message>
     <message>
         <source>Copy to Clipboard</source>
@@ -389,7 +389,7 @@
     </message>
     <message>
         <source>&apos;%1&apos; Box #%2:</source>
-        <translation>Boîte « %1 » nº %2 :</translation>
+        <translation>Boîte «&#xa0;%1&#xa0;» nº %2&#xa0;:</translation>
     </message>
 </context>
 <context>
@@ -400,43 +400,43 @@
     </message>
     <message>
         <source>      XRV Library Version : %1</source>
-        <translation>      Version de la bibliothèque XRV : %1</translation>
+        <translation>      Version de la bibliothèque XRV&#xa0;: %1</translation>
     </message>
     <message>
         <source>      XRVP local disk cache enabled : %1</source>
-        <translation>      Cache disque XRVP local activé : %1</translation>
+        <translation>      Cache disque XRVP local activé&#xa0;: %1</translation>
     </message>
     <message>
         <source>      XRVP local disk cache dir: %1</source>
-        <translation>      Dossier du cache disque XRVP local : %1</translation>
+        <translation>      Dossier du cache disque XRVP local&#xa0;: %1</translation>
     </message>
     <message>
         <source>      XRVP local disk cache max size (Mb): %1</source>
-        <translation>      Taille maximale du cache disque XRVP local (Mo) : %1</translation>
+        <translation>      Taille maximale du cache disque XRVP local (Mo)&#xa0;: %1</translation>
     </message>
     <message>
         <source>      XRV apply texture dither: %1</source>
-        <translation>      Appliquer le tramage de texture XRV : %1</translation>
+        <translation>      Appliquer le tramage de texture XRV&#xa0;: %1</translation>
     </message>
     <message>
         <source>      Cache max mem (Mb): %1</source>
-        <translation>      Mémoire maximale du cache (Mo) : %1</translation>
+        <translation>      Mémoire maximale du cache (Mo)&#xa0;: %1</translation>
     </message>
     <message>
         <source>      Use resilient decoding: %1</source>
-        <translation>      Utiliser le décodage tolérant : %1</translation>
+        <translation>      Utiliser le décodage tolérant&#xa0;: %1</translation>
     </message>
     <message>
         <source>      Optimize for nearest neighbour resampling: %1</source>
-        <translation>      Optimiser pour le rééchantillonnage au plus proche voisin : %1</translation>
+        <translation>      Optimiser pour le rééchantillonnage au plus proche voisin&#xa0;: %1</translation>
     </message>
     <message>
         <source>      XRVP HTTP User-Agent: %1</source>
-        <translation>      User-Agent HTTP pour XRVP : %1</translation>
+        <translation>      User-Agent HTTP pour XRVP&#xa0;: %1</translation>
     </message>
     <message>
         <source>      Using WinHttp (instead of WinInet) for XRVP streaming: %1</source>
-        <translation>      Utiliser WinHttp (au lieu de WinInet) pour la diffusion XRVP : %1</translation>
+        <translation>      Utiliser WinHttp (au lieu de WinInet) pour la diffusion XRVP&#xa0;: %1</translation>
     </message>
     <message>
         <source>      Using %1 (curl abstraction library) instead of winhhtp.dll</source>
@@ -448,7 +448,7 @@
     </message>
     <message>
         <source>XRV JP2 Error:</source>
-        <translation>Erreur XRV JP2 :</translation>
+        <translation>Erreur XRV JP2&#xa0;:</translation>
     </message>
     <message>
         <source>XRV JPEG 2000 Properties</source>
@@ -491,51 +491,51 @@
     </message>
     <message>
         <source>Error Bias:</source>
-        <translation>Erreur systématique :</translation>
+        <translation>Erreur systématique&#xa0;:</translation>
     </message>
     <message>
         <source>Error Random:</source>
-        <translation>Erreur aléatoire :</translation>
+        <translation>Erreur aléatoire&#xa0;:</translation>
     </message>
     <message>
         <source>Line Offset:</source>
-        <translation>Décalage des lignes :</translation>
+        <translation>Décalage des lignes&#xa0;:</translation>
     </message>
     <message>
         <source>Line Scale:</source>
-        <translation>Échelle des lignes :</translation>
+        <translation>Échelle des lignes&#xa0;:</translation>
     </message>
     <message>
         <source>Latitude Offset:</source>
-        <translation>Décalage en latitude :</translation>
+        <translation>Décalage en latitude&#xa0;:</translation>
     </message>
     <message>
         <source>Latitude Scale:</source>
-        <translation>Échelle en latitude :</translation>
+        <translation>Échelle en latitude&#xa0;:</translation>
     </message>
     <message>
         <source>Longitude Offset:</source>
-        <translation>Décalage en longitude :</translation>
+        <translation>Décalage en longitude&#xa0;:</translation>
     </message>
     <message>
         <source>Longitude Scale:</source>
-        <translation>Échelle en longitude :</translation>
+        <translation>Échelle en longitude&#xa0;:</translation>
     </message>
     <message>
         <source>Height Offset:</source>
-        <translation>Décalage en altitude :</translation>
+        <translation>Décalage en altitude&#xa0;:</translation>
     </message>
     <message>
         <source>Height Scale:</source>
-        <translation>Échelle en altitude :</translation>
+        <translation>Échelle en altitude&#xa0;:</translation>
     </message>
     <message>
         <source>Sample Offset:</source>
-        <translation>Décalage des colonnes :</translation>
+        <translation>Décalage des colonnes&#xa0;:</translation>
     </message>
     <message>
         <source>Sample Scale:</source>
-        <translation>Échelle des colonnes :</translation>
+        <translation>Échelle des colonnes&#xa0;:</translation>
     </message>
     <message>
         <source>Coefficients</source>
@@ -548,25 +548,25 @@
     <message>
         <source>Line Numerator Coefficients:
 </source>
-        <translation>Coefficients du numérateur (lignes) :
+        <translation>Coefficients du numérateur (lignes)&#xa0;:
 </translation>
     </message>
     <message>
         <source>Line Denominator Coefficients:
 </source>
-        <translation>Coefficients du dénominateur (lignes) :
+        <translation>Coefficients du dénominateur (lignes)&#xa0;:
 </translation>
     </message>
     <message>
         <source>Sample Numerator Coefficients:
 </source>
-        <translation>Coefficients du numérateur (colonnes) :
+        <translation>Coefficients du numérateur (colonnes)&#xa0;:
 </translation>
     </message>
     <message>
         <source>Sample Denominator Coefficients:
 </source>
-        <translation>Coefficients du dénominateur (colonnes) :
+        <translation>Coefficients du dénominateur (colonnes)&#xa0;:
 </translation>
     </message>
     <message>
@@ -626,31 +626,31 @@
     </message>
     <message>
         <source>Select a Band:</source>
-        <translation>Choisir une bande :</translation>
+        <translation>Choisir une bande&#xa0;:</translation>
     </message>
     <message>
         <source>Mode:</source>
-        <translation>Mode :</translation>
+        <translation>Mode&#xa0;:</translation>
     </message>
     <message>
         <source>Median:</source>
-        <translation>Médiane :</translation>
+        <translation>Médiane&#xa0;:</translation>
     </message>
     <message>
         <source>Mean:</source>
-        <translation>Moyenne :</translation>
+        <translation>Moyenne&#xa0;:</translation>
     </message>
     <message>
         <source>Standard Deviation:</source>
-        <translation>Écart-type :</translation>
+        <translation>Écart-type&#xa0;:</translation>
     </message>
     <message>
         <source>Minimum Value:</source>
-        <translation>Valeur minimale :</translation>
+        <translation>Valeur minimale&#xa0;:</translation>
     </message>
     <message>
         <source>Maximum Value:</source>
-        <translation>Valeur maximale :</translation>
+        <translation>Valeur maximale&#xa0;:</translation>
     </message>
     <message>
         <source>Histogram</source>
@@ -705,7 +705,7 @@
     </message>
     <message>
         <source>Directory does not exist!</source>
-        <translation>Le dossier n’existe pas !</translation>
+        <translation>Le dossier n’existe pas&#xa0;!</translation>
     </message>
     <message>
         <source>Clearing the XRVP disk cache cannot be undone.
@@ -713,7 +713,7 @@
 Are you sure you want to clear the disk cache?</source>
         <translation>Le vidage du cache disque XRVP est irréversible.
 
-Voulez-vous vraiment vider le cache disque ?</translation>
+Voulez-vous vraiment vider le cache disque&#xa0;?</translation>
     </message>
     <message>
         <source>Disk Cache</source>
@@ -725,7 +725,7 @@ Voulez-vous vraiment vider le cache disque ?</translation>
     </message>
     <message>
         <source>Could not open local XRVP cache folder &apos;%1&apos;.</source>
-        <translation>Impossible d’ouvrir le dossier local du cache XRVP « %1 ».</translation>
+        <translation>Impossible d’ouvrir le dossier local du cache XRVP «&#xa0;%1&#xa0;».</translation>
     </message>
 </context>
 <context>
@@ -760,11 +760,11 @@ Voulez-vous vraiment vider le cache disque ?</translation>
     </message>
     <message>
         <source>Location:</source>
-        <translation>Emplacement :</translation>
+        <translation>Emplacement&#xa0;:</translation>
     </message>
     <message>
         <source>Max Cache Size:</source>
-        <translation>Taille maximale :</translation>
+        <translation>Taille maximale&#xa0;:</translation>
     </message>
     <message>
         <source>500 MB</source>
@@ -772,7 +772,7 @@ Voulez-vous vraiment vider le cache disque ?</translation>
     </message>
     <message>
         <source>Cache Used:</source>
-        <translation>Cache utilisé :</translation>
+        <translation>Cache utilisé&#xa0;:</translation>
     </message>
     <message>
         <source>0 MB</source>
@@ -828,11 +828,11 @@ Voulez-vous vraiment vider le cache disque ?</translation>
     </message>
     <message>
         <source>XRVP HTTP User-Agent:</source>
-        <translation>User-Agent HTTP pour XRVP :</translation>
+        <translation>User-Agent HTTP pour XRVP&#xa0;:</translation>
     </message>
     <message>
         <source>&lt;i&gt;Note: you must restart to apply these settings.&lt;/i&gt;</source>
-        <translation>&lt;i&gt;Remarque : ces réglages ne prennent effet qu’après un redémarrage.&lt;/i&gt;</translation>
+        <translation>&lt;i&gt;Remarque&#xa0;: ces réglages ne prennent effet qu’après un redémarrage.&lt;/i&gt;</translation>
     </message>
     <message>
         <source>Defaults</source>
@@ -895,19 +895,19 @@ Voulez-vous vraiment vider le cache disque ?</translation>
     </message>
     <message>
         <source>Red:</source>
-        <translation>Rouge :</translation>
+        <translation>Rouge&#xa0;:</translation>
     </message>
     <message>
         <source>Green:</source>
-        <translation>Vert :</translation>
+        <translation>Vert&#xa0;:</translation>
     </message>
     <message>
         <source>Blue:</source>
-        <translation>Bleu :</translation>
+        <translation>Bleu&#xa0;:</translation>
     </message>
     <message>
         <source>Opacity:</source>
-        <translation>Opacité :</translation>
+        <translation>Opacité&#xa0;:</translation>
     </message>
     <message>
         <source>Display</source>
@@ -939,7 +939,7 @@ Voulez-vous vraiment vider le cache disque ?</translation>
     </message>
     <message>
         <source>Resample Method:</source>
-        <translation>Interpolation :</translation>
+        <translation>Interpolation&#xa0;:</translation>
     </message>
     <message>
         <source>Nearest Neighbour</source>
@@ -986,11 +986,11 @@ Voulez-vous vraiment vider le cache disque ?</translation>
     </message>
     <message>
         <source>Azumith:</source>
-        <translation>Azimut :</translation>
+        <translation>Azimut&#xa0;:</translation>
     </message>
     <message>
         <source>Elevation:</source>
-        <translation>Élévation :</translation>
+        <translation>Élévation&#xa0;:</translation>
     </message>
 </context>
 </TS>

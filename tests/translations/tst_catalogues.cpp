@@ -23,22 +23,35 @@ private Q_SLOTS:
 private:
     struct Message
     {
-        QString context, source, translation, state;
+        QString context, source, state;
+        QStringList translations; // one, or one for each of the language's plural forms
     };
 
+    static QStringList catalogues();
     static void addFiles();
     static QVector<Message> readMessages(const QString &fileName);
-    static QString complaint(const Message &message);
+    static QString complaint(const QString &source, const QString &translation);
 
     QTemporaryDir updated;
 };
 
+/// The files of the plug-in, the host library and the program, as paths from the root of the tree.
+QStringList TestCatalogues::catalogues()
+{
+    QStringList paths;
+    for (const char *name :
+         {"resources/translations/xrvjp2klayer", "host/translations/qdgui", "viewer/translations/qdviewer"}) {
+        for (const char *language : {"de", "es", "fr", "ja"})
+            paths.append(QStringLiteral("%1_%2.ts").arg(QLatin1String(name), QLatin1String(language)));
+    }
+    return paths;
+}
+
 void TestCatalogues::addFiles()
 {
     QTest::addColumn<QString>("name");
-    const QDir folder(QStringLiteral(CATALOGUE_FOLDER));
-    for (const QString &name : folder.entryList({QStringLiteral("*.ts")}))
-        QTest::newRow(qPrintable(name)) << name;
+    for (const QString &path : catalogues())
+        QTest::newRow(qPrintable(QFileInfo(path).fileName())) << path;
 }
 
 QVector<TestCatalogues::Message> TestCatalogues::readMessages(const QString &fileName)
@@ -48,17 +61,23 @@ QVector<TestCatalogues::Message> TestCatalogues::readMessages(const QString &fil
         return {};
     QVector<Message> messages;
     QString context;
+    bool hasPlurals = false;
     QXmlStreamReader xml(&file);
     while (!xml.atEnd()) {
         if (xml.readNext() != QXmlStreamReader::StartElement)
             continue;
         if (xml.name() == QLatin1String("name")) {
             context = xml.readElementText();
+        } else if (xml.name() == QLatin1String("message")) {
+            hasPlurals = xml.attributes().hasAttribute(QLatin1String("numerus"));
         } else if (xml.name() == QLatin1String("source")) {
             messages.append({context, xml.readElementText(), {}, {}});
         } else if (xml.name() == QLatin1String("translation")) {
             messages.last().state = xml.attributes().value(QLatin1String("type")).toString();
-            messages.last().translation = xml.readElementText();
+            if (!hasPlurals)
+                messages.last().translations.append(xml.readElementText());
+        } else if (xml.name() == QLatin1String("numerusform")) {
+            messages.last().translations.append(xml.readElementText());
         }
     }
     return xml.hasError() ? QVector<Message>() : messages;
@@ -67,11 +86,11 @@ QVector<TestCatalogues::Message> TestCatalogues::readMessages(const QString &fil
 /// Copies of all files, brought up to date.
 void TestCatalogues::initTestCase()
 {
-    const QDir folder(QStringLiteral(CATALOGUE_FOLDER));
-    const QStringList names = folder.entryList({QStringLiteral("*.ts")});
-    QVERIFY(!names.isEmpty());
-    for (const QString &name : names)
-        QVERIFY(QFile::copy(folder.filePath(name), updated.filePath(name)));
+    const QDir folder(QStringLiteral(SOURCE_FOLDER));
+    for (const QString &path : catalogues()) {
+        QVERIFY(QDir(updated.path()).mkpath(QFileInfo(path).path()));
+        QVERIFY(QFile::copy(folder.filePath(path), updated.filePath(path)));
+    }
     if (!QFileInfo(QStringLiteral(LUPDATE)).isExecutable())
         return;
     QProcess process;
@@ -95,7 +114,7 @@ void TestCatalogues::haveTheTextsOfTheSources()
         list.sort();
         return list;
     };
-    const QStringList had = keys(readMessages(QDir(QStringLiteral(CATALOGUE_FOLDER)).filePath(name)));
+    const QStringList had = keys(readMessages(QDir(QStringLiteral(SOURCE_FOLDER)).filePath(name)));
     const QStringList wanted = keys(readMessages(updated.filePath(name)));
     for (const QString &key : wanted)
         QVERIFY2(had.contains(key), qPrintable(QStringLiteral("missing, run the update script: ") + key));
@@ -106,11 +125,12 @@ void TestCatalogues::haveTheTextsOfTheSources()
 void TestCatalogues::areFinished()
 {
     QFETCH(QString, name);
-    const QVector<Message> messages = readMessages(QDir(QStringLiteral(CATALOGUE_FOLDER)).filePath(name));
+    const QVector<Message> messages = readMessages(QDir(QStringLiteral(SOURCE_FOLDER)).filePath(name));
     QVERIFY(!messages.isEmpty());
     for (const Message &message : messages) {
         QVERIFY2(message.state.isEmpty(), qPrintable(message.source));
-        QVERIFY2(!message.translation.isEmpty(), qPrintable(message.source));
+        QVERIFY2(!message.translations.isEmpty(), qPrintable(message.source));
+        QVERIFY2(!message.translations.contains(QString()), qPrintable(message.source));
     }
 }
 
@@ -125,20 +145,20 @@ static QStringList allMatches(const QString &pattern, const QString &text)
 }
 
 /// What is wrong with a translation, empty if nothing.
-QString TestCatalogues::complaint(const Message &message)
+QString TestCatalogues::complaint(const QString &source, const QString &translation)
 {
     // Every value, tag, variable and product name has to occur as often as in the source; so has the mark of the access
     // key, which in languages with other letters stands in brackets at the end.
     for (const char *pattern : {"%[0-9n]", "</?[a-z]+>", "\\$\\{\\w+\\}", "\\bXRVP?\\b", "JPEG 2000", "TANNIS", "MILTO",
                                 "--[a-z]+", "&(?=[^\\s&])"}) {
         const QString expression = QLatin1String(pattern);
-        if (allMatches(expression, message.source) != allMatches(expression, message.translation))
+        if (allMatches(expression, source) != allMatches(expression, translation))
             return QStringLiteral("not the same as in the source: ") + expression;
     }
     // Fields and lines are put together from these, so their ends count.
     for (const char *pattern : {"\\A *", "[:\\s]*\\z", "(\\.\\.\\.)?(?=(\\(&.\\))?\\z)"}) {
         const QRegularExpression end(QLatin1String(pattern), QRegularExpression::UseUnicodePropertiesOption);
-        if (end.match(message.source).captured() != end.match(message.translation).captured().remove(QChar(0xa0)))
+        if (end.match(source).captured() != end.match(translation).captured().remove(QChar(0xa0)))
             return QStringLiteral("does not begin or end as the source does: ") + end.pattern();
     }
     return {};
@@ -147,10 +167,11 @@ QString TestCatalogues::complaint(const Message &message)
 void TestCatalogues::keepWhatTheProgramNeeds()
 {
     QFETCH(QString, name);
-    for (const Message &message : readMessages(QDir(QStringLiteral(CATALOGUE_FOLDER)).filePath(name))) {
-        const QString text = complaint(message);
-        QVERIFY2(text.isEmpty(),
-                 qPrintable(QStringLiteral("%1\n%2\n%3").arg(text, message.source, message.translation)));
+    for (const Message &message : readMessages(QDir(QStringLiteral(SOURCE_FOLDER)).filePath(name))) {
+        for (const QString &translation : message.translations) {
+            const QString text = complaint(message.source, translation);
+            QVERIFY2(text.isEmpty(), qPrintable(QStringLiteral("%1\n%2\n%3").arg(text, message.source, translation)));
+        }
     }
 }
 

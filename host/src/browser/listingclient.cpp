@@ -151,7 +151,7 @@ void ListingClient::onRead()
 
 void ListingClient::onTimeout()
 {
-    fail(tr("The server did not answer within %n second(s).", nullptr, timeoutMs / 1000));
+    fail(tr("The server did not answer within %n seconds.", nullptr, timeoutMs / 1000));
 }
 
 void ListingClient::onFinished()

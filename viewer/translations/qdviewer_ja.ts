@@ -1,0 +1,645 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ja" sourcelanguage="en_US">
+<context>
+    <name>AboutBox</name>
+    <message>
+        <source>Shows very large wavelet-compressed images from files and image servers.</source>
+        <translation>ファイルや画像サーバーの、ウェーブレット圧縮された非常に大きな画像を表示します。</translation>
+    </message>
+    <message>
+        <source>No layer plug-in is loaded.</source>
+        <translation>レイヤープラグインが読み込まれていません。</translation>
+    </message>
+    <message>
+        <source>Plug-ins:</source>
+        <translation>プラグイン:</translation>
+    </message>
+    <message>
+        <source>About %1</source>
+        <translation>%1 について</translation>
+    </message>
+</context>
+<context>
+    <name>FailureReport</name>
+    <message numerus="yes">
+        <source>%1 of %n sources could not be opened.</source>
+        <translation>
+            <numerusform>%n 個のソースのうち %1 個を開けませんでした。</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>... and %n more (see the details)</source>
+        <translation>
+            <numerusform>... 他 %n 件 (詳細を参照)</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>LayerOpener</name>
+    <message>
+        <source>%1 cannot be opened: no layer plug-in is loaded. %2</source>
+        <translation>%1 を開けません。レイヤープラグインが読み込まれていません。%2</translation>
+    </message>
+    <message>
+        <source>the format is not known</source>
+        <translation>不明な形式です</translation>
+    </message>
+    <message>
+        <source>%1 cannot be opened: %2</source>
+        <translation>%1 を開けません: %2</translation>
+    </message>
+</context>
+<context>
+    <name>ProjectReader</name>
+    <message>
+        <source>The project %1 cannot be read: %2.</source>
+        <translation>プロジェクト %1 を読み取れません: %2</translation>
+    </message>
+    <message>
+        <source>%1 is too large to be a project.</source>
+        <translation>%1 はプロジェクトとしては大きすぎます。</translation>
+    </message>
+    <message>
+        <source>%1 is not a project: %2 in line %3, column %4.</source>
+        <translation>%1 はプロジェクトではありません: %2 (%3 行目、%4 列目)</translation>
+    </message>
+    <message>
+        <source>%1 is an XML file, but not a project.</source>
+        <translation>%1 は XML ファイルですが、プロジェクトではありません。</translation>
+    </message>
+    <message>
+        <source>The project %1 does not tell its version.</source>
+        <translation>プロジェクト %1 にバージョンが記録されていません。</translation>
+    </message>
+    <message>
+        <source>The project %1 was written by a newer version of this program.</source>
+        <translation>プロジェクト %1 は、このプログラムの新しいバージョンで保存されています。</translation>
+    </message>
+    <message>
+        <source>A view has no valid extent and is shown whole.</source>
+        <translation>有効な表示範囲のないビューがあるため、全体を表示します。</translation>
+    </message>
+    <message>
+        <source>A layer of the project does not tell its kind.</source>
+        <translation>プロジェクトのレイヤーに種類が記録されていません。</translation>
+    </message>
+    <message>
+        <source>No loaded plug-in makes layers of the kind %1.</source>
+        <translation>%1 という種類のレイヤーを作成するプラグインが読み込まれていません。</translation>
+    </message>
+    <message>
+        <source>A layer of the kind %1 cannot be restored.</source>
+        <translation>%1 という種類のレイヤーを復元できません。</translation>
+    </message>
+</context>
+<context>
+    <name>ProjectWriter</name>
+    <message>
+        <source>%1 cannot be written: %2</source>
+        <translation>%1 に書き込めません: %2</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer</name>
+    <message>
+        <source>No layer plug-in was found in %1.</source>
+        <translation>%1 にレイヤープラグインが見つかりませんでした。</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::LayerListDock</name>
+    <message>
+        <source>Layers</source>
+        <translation>レイヤー</translation>
+    </message>
+    <message>
+        <source>&amp;Zoom to Layer</source>
+        <translation>レイヤー全体を表示(&amp;Z)</translation>
+    </message>
+    <message>
+        <source>Show all of this layer</source>
+        <translation>このレイヤーの全体を表示します</translation>
+    </message>
+    <message>
+        <source>Zoom to &amp;1:1</source>
+        <translation>1:1 で表示(&amp;1)</translation>
+    </message>
+    <message>
+        <source>Show this layer with one cell per pixel</source>
+        <translation>このレイヤーを 1 ピクセルあたり 1 セルで表示します</translation>
+    </message>
+    <message>
+        <source>Move &amp;Up</source>
+        <translation>上へ移動(&amp;U)</translation>
+    </message>
+    <message>
+        <source>Move the layer up</source>
+        <translation>レイヤーを上へ移動します</translation>
+    </message>
+    <message>
+        <source>Move &amp;Down</source>
+        <translation>下へ移動(&amp;D)</translation>
+    </message>
+    <message>
+        <source>Move the layer down</source>
+        <translation>レイヤーを下へ移動します</translation>
+    </message>
+    <message>
+        <source>Move to &amp;Top</source>
+        <translation>一番上へ移動(&amp;T)</translation>
+    </message>
+    <message>
+        <source>Move to &amp;Bottom</source>
+        <translation>一番下へ移動(&amp;B)</translation>
+    </message>
+    <message>
+        <source>Re&amp;name</source>
+        <translation>名前を変更(&amp;N)</translation>
+    </message>
+    <message>
+        <source>&amp;Copy File Name or Address</source>
+        <translation>ファイル名またはアドレスをコピー(&amp;C)</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>取り除く(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Remove the layer from the view</source>
+        <translation>レイヤーをビューから取り除きます</translation>
+    </message>
+    <message>
+        <source>&amp;Properties...</source>
+        <translation>プロパティ(&amp;P)...</translation>
+    </message>
+    <message>
+        <source>What is known of this layer</source>
+        <translation>このレイヤーの情報を表示します</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::LayerListModel</name>
+    <message>
+        <source>%1 × %2 cells</source>
+        <translation>%1 × %2 セル</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::LayerSummaryPage</name>
+    <message>
+        <source>General</source>
+        <translation>全般</translation>
+    </message>
+    <message>
+        <source>Source:</source>
+        <translation>ソース:</translation>
+    </message>
+    <message>
+        <source>Format:</source>
+        <translation>形式:</translation>
+    </message>
+    <message>
+        <source>Access:</source>
+        <translation>アクセス:</translation>
+    </message>
+    <message>
+        <source>Coordinate system:</source>
+        <translation>座標系:</translation>
+    </message>
+    <message>
+        <source>First corner:</source>
+        <translation>始点の隅:</translation>
+    </message>
+    <message>
+        <source>Opposite corner:</source>
+        <translation>対角の隅:</translation>
+    </message>
+    <message>
+        <source>Comments:</source>
+        <translation>コメント:</translation>
+    </message>
+    <message>
+        <source>Size in cells:</source>
+        <translation>サイズ (セル数):</translation>
+    </message>
+    <message>
+        <source>Cell size:</source>
+        <translation>セルサイズ:</translation>
+    </message>
+    <message>
+        <source>Cell type:</source>
+        <translation>セルの種類:</translation>
+    </message>
+    <message>
+        <source>Bands:</source>
+        <translation>バンド数:</translation>
+    </message>
+    <message>
+        <source>Rotation:</source>
+        <translation>回転:</translation>
+    </message>
+    <message>
+        <source>%1° clockwise</source>
+        <translation>時計回りに %1°</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::LogDock</name>
+    <message>
+        <source>Log</source>
+        <translation>ログ</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>コピー(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Copies the selected lines, or all that are shown</source>
+        <translation>選択した行、または表示中のすべての行をコピーします</translation>
+    </message>
+    <message>
+        <source>C&amp;lear</source>
+        <translation>クリア(&amp;L)</translation>
+    </message>
+    <message>
+        <source>The least severe messages that are shown, and logged from now on</source>
+        <translation>表示するメッセージ、および今後記録するメッセージの最低の重要度</translation>
+    </message>
+    <message>
+        <source>Fro&amp;m level:</source>
+        <translation>表示レベル(&amp;M):</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::LogModel</name>
+    <message>
+        <source>Time</source>
+        <translation>時刻</translation>
+    </message>
+    <message>
+        <source>Level</source>
+        <translation>レベル</translation>
+    </message>
+    <message>
+        <source>Message</source>
+        <translation>メッセージ</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::MainActions</name>
+    <message>
+        <source>&amp;Open...</source>
+        <translation>開く(&amp;O)...</translation>
+    </message>
+    <message>
+        <source>Open images in the current view</source>
+        <translation>現在のビューで画像を開きます</translation>
+    </message>
+    <message>
+        <source>Open in Ne&amp;w View...</source>
+        <translation>新しいビューで開く(&amp;W)...</translation>
+    </message>
+    <message>
+        <source>Open images in a view of their own</source>
+        <translation>専用のビューで画像を開きます</translation>
+    </message>
+    <message>
+        <source>&amp;New View</source>
+        <translation>新しいビュー(&amp;N)</translation>
+    </message>
+    <message>
+        <source>Add an empty map view</source>
+        <translation>空のマップビューを追加します</translation>
+    </message>
+    <message>
+        <source>Open &amp;Project...</source>
+        <translation>プロジェクトを開く(&amp;P)...</translation>
+    </message>
+    <message>
+        <source>Replace all views by those of a project</source>
+        <translation>すべてのビューをプロジェクトのビューに置き換えます</translation>
+    </message>
+    <message>
+        <source>&amp;Save Project</source>
+        <translation>プロジェクトを保存(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Save all views and their layers</source>
+        <translation>すべてのビューとレイヤーを保存します</translation>
+    </message>
+    <message>
+        <source>Save Project &amp;As...</source>
+        <translation>名前を付けてプロジェクトを保存(&amp;A)...</translation>
+    </message>
+    <message>
+        <source>Save all views and their layers in another file</source>
+        <translation>すべてのビューとレイヤーを別のファイルに保存します</translation>
+    </message>
+    <message>
+        <source>Save P&amp;icture...</source>
+        <translation>画像を保存(&amp;I)...</translation>
+    </message>
+    <message>
+        <source>Save what the current view shows as a picture</source>
+        <translation>現在のビューの表示内容を画像として保存します</translation>
+    </message>
+    <message>
+        <source>Pre&amp;ferences...</source>
+        <translation>設定(&amp;F)...</translation>
+    </message>
+    <message>
+        <source>Settings of the plug-ins</source>
+        <translation>プラグインの設定</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>終了(&amp;Q)</translation>
+    </message>
+    <message>
+        <source>About &amp;Qt</source>
+        <translation>Qt について(&amp;Q)</translation>
+    </message>
+    <message>
+        <source>Zoom &amp;In</source>
+        <translation>拡大(&amp;I)</translation>
+    </message>
+    <message>
+        <source>Show the map larger</source>
+        <translation>地図を拡大して表示します</translation>
+    </message>
+    <message>
+        <source>Zoom &amp;Out</source>
+        <translation>縮小(&amp;O)</translation>
+    </message>
+    <message>
+        <source>Show the map smaller</source>
+        <translation>地図を縮小して表示します</translation>
+    </message>
+    <message>
+        <source>Zoom to &amp;All</source>
+        <translation>全体を表示(&amp;A)</translation>
+    </message>
+    <message>
+        <source>Show all layers of the view</source>
+        <translation>ビューのすべてのレイヤーを表示します</translation>
+    </message>
+    <message>
+        <source>Zoom to &amp;Layer</source>
+        <translation>レイヤー全体を表示(&amp;L)</translation>
+    </message>
+    <message>
+        <source>Show all of the selected layer</source>
+        <translation>選択したレイヤーの全体を表示します</translation>
+    </message>
+    <message>
+        <source>Zoom to &amp;1:1</source>
+        <translation>1:1 で表示(&amp;1)</translation>
+    </message>
+    <message>
+        <source>Show one cell of the selected layer per pixel</source>
+        <translation>選択したレイヤーを 1 ピクセルあたり 1 セルで表示します</translation>
+    </message>
+    <message>
+        <source>Layer &amp;Properties...</source>
+        <translation>レイヤーのプロパティ(&amp;P)...</translation>
+    </message>
+    <message>
+        <source>What is known of the selected layer</source>
+        <translation>選択したレイヤーの情報を表示します</translation>
+    </message>
+    <message>
+        <source>&amp;Tabs</source>
+        <translation>タブ(&amp;T)</translation>
+    </message>
+    <message>
+        <source>Show one view at a time, in tabs</source>
+        <translation>ビューをタブで 1 つずつ表示します</translation>
+    </message>
+    <message>
+        <source>&amp;Cascade</source>
+        <translation>重ねて表示(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Show the views as windows, one behind the other</source>
+        <translation>ビューをウィンドウとして重ねて表示します</translation>
+    </message>
+    <message>
+        <source>T&amp;ile</source>
+        <translation>並べて表示(&amp;I)</translation>
+    </message>
+    <message>
+        <source>Show the views as windows, side by side</source>
+        <translation>ビューをウィンドウとして並べて表示します</translation>
+    </message>
+    <message>
+        <source>Ne&amp;xt View</source>
+        <translation>次のビュー(&amp;X)</translation>
+    </message>
+    <message>
+        <source>&amp;Rename View...</source>
+        <translation>ビューの名前を変更(&amp;R)...</translation>
+    </message>
+    <message>
+        <source>Cl&amp;ose View</source>
+        <translation>ビューを閉じる(&amp;O)</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>表示(&amp;V)</translation>
+    </message>
+    <message>
+        <source>&amp;Window</source>
+        <translation>ウィンドウ(&amp;W)</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>ヘルプ(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>ファイル(&amp;F)</translation>
+    </message>
+    <message>
+        <source>Open &amp;Recent</source>
+        <translation>最近使った項目を開く(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Open Recent Pro&amp;ject</source>
+        <translation>最近使ったプロジェクトを開く(&amp;J)</translation>
+    </message>
+    <message>
+        <source>Main</source>
+        <translation>メインツールバー</translation>
+    </message>
+    <message>
+        <source>&amp;About %1</source>
+        <translation>%1 について(&amp;A)</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::MainWindow</name>
+    <message>
+        <source>Open</source>
+        <translation>開く</translation>
+    </message>
+    <message>
+        <source>Open in New View</source>
+        <translation>新しいビューで開く</translation>
+    </message>
+    <message>
+        <source>%1 cannot be shown.</source>
+        <translation>%1 を表示できません。</translation>
+    </message>
+    <message>
+        <source>Save Picture</source>
+        <translation>画像を保存</translation>
+    </message>
+    <message>
+        <source>PNG images (*.png)</source>
+        <translation>PNG 画像 (*.png)</translation>
+    </message>
+    <message>
+        <source>Rename View</source>
+        <translation>ビューの名前を変更</translation>
+    </message>
+    <message>
+        <source>Title (empty: the layer&apos;s name):</source>
+        <translation>タイトル (空の場合はレイヤー名):</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::MapArea</name>
+    <message>
+        <source>View %1</source>
+        <translation>ビュー %1</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::Pictures</name>
+    <message>
+        <source>The picture %1 cannot be written: %2</source>
+        <translation>画像 %1 を書き込めません: %2</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::PreferencesDialog</name>
+    <message>
+        <source>Preferences</source>
+        <translation>設定</translation>
+    </message>
+    <message>
+        <source>No loaded plug-in has preferences.</source>
+        <translation>設定項目のあるプラグインは読み込まれていません。</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::ProjectDialogs</name>
+    <message>
+        <source>Projects (*%1)</source>
+        <translation>プロジェクト (*%1)</translation>
+    </message>
+    <message>
+        <source>Open Project</source>
+        <translation>プロジェクトを開く</translation>
+    </message>
+    <message>
+        <source>All files (*)</source>
+        <translation>すべてのファイル (*)</translation>
+    </message>
+    <message>
+        <source>Save Project</source>
+        <translation>プロジェクトを保存</translation>
+    </message>
+    <message>
+        <source>Project</source>
+        <translation>プロジェクト</translation>
+    </message>
+    <message>
+        <source>The project %1 was changed. Save the changes?</source>
+        <translation>プロジェクト %1 は変更されています。変更を保存しますか?</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::PropertiesWindow</name>
+    <message>
+        <source>Properties of %1</source>
+        <translation>%1 のプロパティ</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::RecentSources</name>
+    <message>
+        <source>&amp;Clear List</source>
+        <translation>一覧を消去(&amp;C)</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::Sources</name>
+    <message>
+        <source>%1 is a link to a file that does not exist.</source>
+        <translation>%1 は存在しないファイルへのリンクです。</translation>
+    </message>
+    <message>
+        <source>%1 does not exist.</source>
+        <translation>%1 は存在しません。</translation>
+    </message>
+    <message>
+        <source>%1 is a folder, not an image.</source>
+        <translation>%1 はフォルダーであり、画像ではありません。</translation>
+    </message>
+    <message>
+        <source>%1 is not an ordinary file.</source>
+        <translation>%1 は通常のファイルではありません。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be read: %2.</source>
+        <translation>%1 を読み取れません: %2</translation>
+    </message>
+    <message>
+        <source>%1 is empty.</source>
+        <translation>%1 は空です。</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::ViewCommands</name>
+    <message>
+        <source>The view did not become complete in time; no picture was written.</source>
+        <translation>ビューの表示が時間内に完了しなかったため、画像は書き込まれませんでした。</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::ViewStatus</name>
+    <message>
+        <source>How much of the view is decoded</source>
+        <translation>ビューのデコードの進み具合</translation>
+    </message>
+    <message>
+        <source>World coordinates under the pointer</source>
+        <translation>ポインター位置のワールド座標</translation>
+    </message>
+    <message>
+        <source>Coordinate system of the active layer</source>
+        <translation>アクティブなレイヤーの座標系</translation>
+    </message>
+    <message>
+        <source>Screen pixels per cell of the active layer, and world units per screen pixel</source>
+        <translation>アクティブなレイヤーの 1 セルあたりの画面ピクセル数、および画面 1 ピクセルあたりのワールド単位</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::ViewTexts</name>
+    <message>
+        <source>X %1  Y %2</source>
+        <translation>X %1  Y %2</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1%</translation>
+    </message>
+    <message>
+        <source>%1 units per pixel</source>
+        <translation>%1 単位/ピクセル</translation>
+    </message>
+</context>
+</TS>

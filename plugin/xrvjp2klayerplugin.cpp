@@ -43,6 +43,14 @@ QString patterns(QStringList extensions)
     return extensions.join(QLatin1Char(' '));
 }
 
+/// A host may leave the plug-in to the end of the process. The toolkit's application object is gone by then, and no
+/// widget can be destroyed without it.
+void deleteBrowser(XRVPBrowser *browser)
+{
+    if (QCoreApplication::instance())
+        delete browser;
+}
+
 } // namespace
 
 XRVJP2kLayerPlugin::XRVJP2kLayerPlugin(QObject *parent)
@@ -100,7 +108,7 @@ void XRVJP2kLayerPlugin::startSdk(const SdkSettings &settings) const
 
 void XRVJP2kLayerPlugin::createBrowser()
 {
-    xrvpBrowser = QSharedPointer<XRVPBrowser>::create(nullptr, XRVPBrowser::XRVP);
+    xrvpBrowser = QSharedPointer<XRVPBrowser>(new XRVPBrowser(nullptr, XRVPBrowser::XRVP), deleteBrowser);
     xrvpBrowser->setWindowIcon(QIcon(QStringLiteral(":/Resources/pnxlogo.png")));
 }
 

@@ -30,6 +30,7 @@ private Q_SLOTS:
     void instanceIsMadeAnew();
     void layerOpensAFile();
     void unloadedWhileDecoding();
+    void leftToTheEnd();
 
 private:
     QTemporaryDir folder;
@@ -123,6 +124,13 @@ void TestPluginLoading::unloadedWhileDecoding()
         layer.reset();
         QVERIFY2(loader.unload(), qPrintable(loader.errorString()));
     }
+}
+
+void TestPluginLoading::leftToTheEnd()
+{
+    // Goes when the process does, after the application object: a crash then is this program's.
+    QPluginLoader loader(QStringLiteral(XRV_PLUGIN_FILE));
+    QVERIFY(loader.instance());
 }
 
 QTEST_MAIN(TestPluginLoading)

@@ -169,8 +169,8 @@ public:
 
     /// The open view; null without one. Owned by the layer.
     PLK::CView *getFile() const;
-    /// Owned by the view; null without one.
-    const PLKFileInfo *getFileInfo() const;
+    /// Owned by the view, and not to be changed; null without one.
+    PLKFileInfo *getFileInfo() const;
     PLKFileType getFileType() const;
     /// To be freed with PLKFreeStatistics(); null where there are none.
     PLKFileStatistics *getStatistics() const;

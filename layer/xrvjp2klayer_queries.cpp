@@ -74,9 +74,10 @@ PLK::CView *XRVJP2kLayer::getFile() const
     return renderer.get();
 }
 
-const PLKFileInfo *XRVJP2kLayer::getFileInfo() const
+PLKFileInfo *XRVJP2kLayer::getFileInfo() const
 {
-    return renderer ? renderer->GetFileInfo() : nullptr;
+    // The interface promises a plain pointer; the view gives a read-only one.
+    return renderer ? const_cast<PLKFileInfo *>(renderer->GetFileInfo()) : nullptr;
 }
 
 PLKFileType XRVJP2kLayer::getFileType() const

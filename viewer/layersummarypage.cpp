@@ -23,6 +23,12 @@ QString numberText(double value)
     return QLocale().toString(value, 'g', 15);
 }
 
+QString pairText(double x, double y)
+{
+    //: Two numbers, which must be told apart where the comma is the decimal point.
+    return LayerSummaryPage::tr("%1, %2").arg(numberText(x), numberText(y));
+}
+
 } // namespace
 
 LayerSummaryPage::LayerSummaryPage(const Layer &layer, QWidget *parent)
@@ -37,9 +43,8 @@ LayerSummaryPage::LayerSummaryPage(const Layer &layer, QWidget *parent)
     addRow(tr("Access:"), layer.getProtocol());
     addRow(tr("Coordinate system:"), layer.getCoordSysName());
     const QRectF bounds = layer.getBounds();
-    addRow(tr("First corner:"), QStringLiteral("%1, %2").arg(numberText(bounds.x()), numberText(bounds.y())));
-    addRow(tr("Opposite corner:"), QStringLiteral("%1, %2").arg(numberText(bounds.x() + bounds.width()),
-                                                                numberText(bounds.y() + bounds.height())));
+    addRow(tr("First corner:"), pairText(bounds.x(), bounds.y()));
+    addRow(tr("Opposite corner:"), pairText(bounds.x() + bounds.width(), bounds.y() + bounds.height()));
     if (const auto *raster = qobject_cast<const RasterLayer *>(&layer))
         addRasterRows(*raster);
     addRow(tr("Comments:"), layer.getComments());
@@ -52,8 +57,7 @@ void LayerSummaryPage::addRasterRows(const RasterLayer &layer)
     if (size.isValid())
         addRow(tr("Size in cells:"),
                QStringLiteral("%1 × %2").arg(locale.toString(size.width()), locale.toString(size.height())));
-    addRow(tr("Cell size:"),
-           QStringLiteral("%1, %2").arg(numberText(layer.getCellSizeX()), numberText(layer.getCellSizeY())));
+    addRow(tr("Cell size:"), pairText(layer.getCellSizeX(), layer.getCellSizeY()));
     addRow(tr("Cell type:"), layer.getCellType());
     addRow(tr("Bands:"), locale.toString(layer.getNumberOfBands()));
     if (layer.getRotation() != 0.0)

@@ -7,11 +7,23 @@
 #include <QGuiApplication>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QRegularExpression>
 #include <QToolBar>
 
 namespace Viewer {
 
 using Icons::Shape;
+
+namespace {
+
+/// What of a menu's \a text a tool tip shows: no dots, no mark of a mnemonic, which some languages have in brackets.
+QString tipText(QString text)
+{
+    static const QRegularExpression kMarks(QStringLiteral("\\(&.\\)|&|\\.\\.\\.\\z"));
+    return text.remove(kMarks);
+}
+
+} // namespace
 
 MainActions::MainActions(QMainWindow *window)
     : QObject(window)
@@ -28,6 +40,7 @@ MainActions::MainActions(QMainWindow *window)
 QAction *MainActions::make(const QString &text, const QString &statusTip)
 {
     auto *action = new QAction(text, this);
+    action->setToolTip(tipText(text));
     action->setStatusTip(statusTip);
     return action;
 }

@@ -8,8 +8,10 @@
 #include <QDGui/layer.h>
 
 #include <QDialogButtonBox>
+#include <QScreen>
 #include <QSettings>
 #include <QSignalBlocker>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -38,7 +40,7 @@ PropertiesWindow::PropertiesWindow(const PluginContributions &contributions, QWi
     layout->addWidget(tabs);
     layout->addWidget(buttons);
     resize(560, 560);
-    restoreGeometry(Korvane::Application::instance()->settings()->value(kGeometryKey).toByteArray());
+    hasOwnSize = restoreGeometry(Korvane::Application::instance()->settings()->value(kGeometryKey).toByteArray());
 }
 
 void PropertiesWindow::setLayer(Layer *newLayer)
@@ -62,6 +64,8 @@ void PropertiesWindow::setLayer(Layer *newLayer)
             addPage(page);
         tabs->setCurrentIndex(qBound(0, lastTab, tabs->count() - 1));
     }
+    if (!hasOwnSize)
+        makeRoom();
     loadCurrentPage();
 }
 
@@ -84,6 +88,17 @@ void PropertiesWindow::forgetLayer()
 void PropertiesWindow::addPage(QWidget *page)
 {
     tabs->addTab(page, PluginContributions::titleOf(*page));
+}
+
+/// Words are longer in some languages than in others.
+void PropertiesWindow::makeRoom()
+{
+    hasOwnSize = true;
+    // Tabs are content with arrows to scroll them by; a person is not.
+    const QMargins margins = layout()->contentsMargins();
+    const QSize allTabs(tabs->tabBar()->sizeHint().width() + margins.left() + margins.right(), 0);
+    const QSize room = screen() ? screen()->availableSize() : size();
+    resize(size().expandedTo(sizeHint()).expandedTo(allTabs).boundedTo(room).expandedTo(minimumSizeHint()));
 }
 
 void PropertiesWindow::loadCurrentPage()

@@ -35,6 +35,7 @@ public:
 private:
     void forgetLayer();
     void addPage(QWidget *page);
+    void makeRoom();
     void loadCurrentPage();
 
     const PluginContributions &contributions;
@@ -42,6 +43,7 @@ private:
     QPointer<Korvane::Map::Layer> layer;
     QSet<QWidget *> loadedPages;
     int lastTab = 0;
+    bool hasOwnSize = false; ///< That of the last run, or one that the pages fit into.
 };
 
 } // namespace Viewer

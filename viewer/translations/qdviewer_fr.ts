@@ -245,6 +245,11 @@
         <source>%1° clockwise</source>
         <translation>%1° dans le sens horaire</translation>
     </message>
+    <message>
+        <source>%1, %2</source>
+        <extracomment>Two numbers, which must be told apart where the comma is the decimal point.</extracomment>
+        <translation>%1&#xa0;; %2</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::LogDock</name>

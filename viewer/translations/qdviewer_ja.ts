@@ -243,6 +243,11 @@
         <source>%1° clockwise</source>
         <translation>時計回りに %1°</translation>
     </message>
+    <message>
+        <source>%1, %2</source>
+        <extracomment>Two numbers, which must be told apart where the comma is the decimal point.</extracomment>
+        <translation>%1, %2</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::LogDock</name>

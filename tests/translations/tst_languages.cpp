@@ -42,11 +42,12 @@ private Q_SLOTS:
     void valuesStayAsTheyAre();
     void program_data();
     void program();
+    void errorsStayEnglish();
 
 private:
     static QStringList textsOf(const QWidget *widget);
     static QStringList textsOf(const QList<QWidget *> &widgets);
-    QByteArray describe(const QByteArray &variable, const QByteArray &locale) const;
+    QByteArray run(const QByteArray &variable, const QByteArray &locale, const QStringList &arguments) const;
 
     QTemporaryDir folder;
     QString imageFile;
@@ -179,7 +180,7 @@ void TestLanguages::program_data()
     QTest::newRow("plain") << QByteArray("LC_ALL") << QByteArray("C") << QStringLiteral("Statistics");
 }
 
-QByteArray TestLanguages::describe(const QByteArray &variable, const QByteArray &locale) const
+QByteArray TestLanguages::run(const QByteArray &variable, const QByteArray &locale, const QStringList &arguments) const
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char *name : {"LC_ALL", "LC_NUMERIC", "LC_MESSAGES", "LC_CTYPE", "LANGUAGE", "LANG"})
@@ -189,8 +190,7 @@ QByteArray TestLanguages::describe(const QByteArray &variable, const QByteArray 
     QProcess process;
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(QDVIEWER_PROGRAM),
-                  {QStringLiteral("--settings"), folder.filePath(QStringLiteral("own.ini")),
-                   QStringLiteral("--describe"), imageFile});
+                  QStringList{QStringLiteral("--settings"), folder.filePath(QStringLiteral("own.ini"))} + arguments);
     process.waitForFinished(kPatienceMs);
     return process.readAllStandardOutput() + process.readAllStandardError();
 }
@@ -200,12 +200,27 @@ void TestLanguages::program()
     QFETCH(QByteArray, variable);
     QFETCH(QByteArray, locale);
     QFETCH(QString, pageTitle);
-    const QByteArray out = describe(variable, locale);
+    const QByteArray out = run(variable, locale, {QStringLiteral("--describe"), imageFile});
     const QJsonObject layer = QJsonDocument::fromJson(out).object();
     QVERIFY2(!layer.isEmpty(), out.constData());
     // The file has a name beyond ASCII, which must not get lost on the way either.
     QVERIFY2(!layer.contains(QLatin1String("error")), out.constData());
     QVERIFY2(out.contains('"' + pageTitle.toUtf8() + '"'), out.constData());
+}
+
+/// Scripts read them. The window in the picture speaks German all the same.
+void TestLanguages::errorsStayEnglish()
+{
+    const QByteArray locale("de_DE.UTF-8");
+    const QByteArray failure = run("LC_ALL", locale,
+                                   {QStringLiteral("--window"), folder.filePath(QStringLiteral("none/window.png")),
+                                    imageFile, folder.filePath(QStringLiteral("none.jp2"))});
+    QVERIFY2(failure.contains("none.jp2 does not exist."), failure.constData());
+    QVERIFY2(failure.contains("window.png cannot be written"), failure.constData());
+    const QByteArray usage = run("LC_ALL", locale, {QStringLiteral("--nosuch")});
+    QVERIFY2(usage.contains("Unknown option"), usage.constData());
+    const QByteArray help = run("LC_ALL", locale, {QStringLiteral("--help")});
+    QVERIFY2(help.startsWith("Usage:"), help.constData());
 }
 
 QTEST_MAIN(TestLanguages)

@@ -1,6 +1,7 @@
 #include "blockstore.h"
 
 #include "blockdecoder.h"
+#include "htblockdecoder.h"
 #include "parallel.h"
 #include "planeops.h"
 #include "quantization.h"
@@ -329,6 +330,7 @@ CError BlockStore::decodeBlock(const PrecinctTask &task, const BlockPlace &place
                                TileCache::PlanePtr *plane, bool *isSound)
 {
     thread_local BlockDecoder decoder;
+    thread_local HtBlockDecoder htDecoder;
     thread_local std::vector<std::int32_t> coefficients;
     const TileToDecode &tile = task.request->tile;
     const BlockState &state = task.index->blocks[place.name.band][place.name.block];
@@ -338,7 +340,8 @@ CError BlockStore::decodeBlock(const PrecinctTask &task, const BlockPlace &place
     block.orientation = place.orientation;
     block.style = tile.index->style().components[place.name.component].codeBlockStyle;
     const int shift = regionOfInterestShift(tile.index->quantization()[place.name.component].regionOfInterest);
-    block.bitPlanes = magnitudeBits(tile, place) + shift - state.zeroBitPlanes;
+    const int magnitude = magnitudeBits(tile, place) + shift;
+    block.bitPlanes = magnitude - state.zeroBitPlanes;
     coefficients.resize(std::size_t(block.width) * block.height);
     *isSound = true;
     if (!state.pieces.empty() && block.bitPlanes > 0) {
@@ -355,10 +358,13 @@ CError BlockStore::decodeBlock(const PrecinctTask &task, const BlockPlace &place
             segment = {segment.offset + segment.length, 0, 0};
         }
     }
-    *isSound = decoder.decode(block, coefficients.data());
+    const bool isHighThroughput = block.style & BlockStyle::kHighThroughput;
+    *isSound =
+        isHighThroughput ? htDecoder.decode(block, coefficients.data()) : decoder.decode(block, coefficients.data());
     if (shift > 0)
         undoRegionOfInterest(std::min(shift, 30), &coefficients);
-    *plane = std::make_shared<const Plane>(toPlane(place, coefficients, block.bitPlanes));
+    *plane =
+        std::make_shared<const Plane>(toPlane(place, coefficients, isHighThroughput ? magnitude : block.bitPlanes));
     return {};
 }
 

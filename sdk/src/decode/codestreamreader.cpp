@@ -323,11 +323,12 @@ CError CodestreamReader::decodeWhole(const ReadRequest &request, const DecodeJob
         return settle(request, job, error, decoded);
     const int averagedLevels = request.level - std::min(request.level, index.style().minDecompositionLevels());
     const std::int64_t side = std::max<std::int64_t>(1, 2048 >> averagedLevels);
-    const std::int64_t tileCells = areaOf(job.levelRect) << (2 * averagedLevels);
+    const IntRect rect = header->isHighThroughput ? levelRect(index.rect(), request.level) : job.levelRect;
+    const std::int64_t tileCells = areaOf(rect) << (2 * averagedLevels);
     if (header->isHighThroughput && tileCells * std::int64_t(job.components.size()) > kMostHighThroughputCells)
         return CError(PLK_ERR_UNSUPPORTED, "The tiles of this high-throughput image are too large to be decoded.");
     const bool isSmall = header->isHighThroughput || tileCells <= kMostCellsPerJob;
-    for (const IntRect &piece : isSmall ? std::vector<IntRect>{job.levelRect} : inPieces(job.levelRect, side, side)) {
+    for (const IntRect &piece : isSmall ? std::vector<IntRect>{rect} : inPieces(rect, side, side)) {
         const DecodeJob part{job.tile, piece, job.components};
         if (request.cancel.isRaised())
             return CError(PLK_ERR_CANCELLED, "The read was cancelled.");

@@ -137,8 +137,6 @@ void DecodePlanner::addJobs(const ReadRequest &request, std::uint32_t tile,
             rects = {boundingRect(every)};
             break;
         }
-    if (header.isHighThroughput)
-        rects = {whole}; // OpenJPEG 2.5.0 decodes parts of such tiles wrongly
     for (const IntRect &rect : rects) {
         const IntRect widened = onGrid(rect, whole);
         if (!widened.isEmpty())

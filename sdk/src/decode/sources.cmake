@@ -4,6 +4,8 @@ set(stage_sources
     codestreamreader.cpp
     decodeplanner.cpp
     decodepool.cpp
+    htblockdecoder.cpp
+    htcodewords.cpp
     mqdecoder.cpp
     openjpegdecoder.cpp
     planeops.cpp

@@ -92,11 +92,11 @@ template <typename T> struct TileSynthesis::Component
 
 bool TileSynthesis::supports(const MainHeader &header, const TileIndex &index)
 {
-    if (!index.hasPacketPlaces() || header.isHighThroughput)
-        return false;
     const TileStyle &style = index.style();
+    if (!index.hasPacketPlaces() || hasMixedBlocks(style))
+        return false;
     for (std::size_t c = 0; c < style.components.size(); ++c)
-        if ((style.components[c].codeBlockStyle & BlockStyle::kHighThroughput) || header.components[c].bits > 26)
+        if (header.components[c].bits > 26)
             return false;
     if (!style.multipleComponentTransform)
         return true;

@@ -1,3 +1,4 @@
+#include "data/htmaker.h"
 #include "data/jp2maker.h"
 #include "peerdecoder.h"
 
@@ -93,6 +94,8 @@ class TestRasterReader : public QObject
 private slots:
     void agreesWithPeer_data();
     void agreesWithPeer();
+    void highThroughput_data();
+    void highThroughput();
     void fewerLayers();
     void levelsBeyondTheCoded();
     void componentsOneByOne();
@@ -100,6 +103,9 @@ private slots:
     void manyComponents();
     void damagedBytes();
     void noCells();
+
+private:
+    static void compareWithPeer(const Bytes &bytes, int levels, int tolerance);
 };
 
 void TestRasterReader::agreesWithPeer_data()
@@ -188,20 +194,17 @@ void TestRasterReader::agreesWithPeer_data()
     row("no decomposition", o);
 }
 
-void TestRasterReader::agreesWithPeer()
+/// Windows at random and the whole, at every level.
+void TestRasterReader::compareWithPeer(const Bytes &bytes, int levels, int tolerance)
 {
-    QFETCH(Options, options);
-    QFETCH(int, tolerance);
-    options.cell = [&options](int c, int x, int y) { return textured(options, c, x, y); };
-    const Bytes bytes = jp2maker::make(options);
     const std::unique_ptr<RasterReader> reader = openBytes(bytes);
     QVERIFY(reader);
-    QCOMPARE(reader->info().codedLevels, options.levels + 1);
+    QCOMPARE(reader->info().codedLevels, levels + 1);
     std::mt19937 random(7);
 
-    for (int level = 0; level <= options.levels; ++level) {
+    for (int level = 0; level <= levels; ++level) {
         const std::vector<PeerComponent> peer = decodeWithPeer(bytes, level, 0);
-        QCOMPARE(peer.size(), options.components.size());
+        QCOMPARE(peer.size(), reader->info().components.size());
         // Parts first, then all: what is cached of parts must fit in with the rest.
         for (int part = 0; part < 6; ++part) {
             IntRect rect = wholeOf(*reader);
@@ -238,6 +241,66 @@ void TestRasterReader::agreesWithPeer()
             }
         }
     }
+}
+
+void TestRasterReader::agreesWithPeer()
+{
+    QFETCH(Options, options);
+    QFETCH(int, tolerance);
+    options.cell = [&options](int c, int x, int y) { return textured(options, c, x, y); };
+    compareWithPeer(jp2maker::make(options), options.levels, tolerance);
+}
+
+void TestRasterReader::highThroughput_data()
+{
+    QTest::addColumn<Options>("options");
+    QTest::addColumn<int>("tolerance");
+
+    const auto row = [](const QString &name, const Options &options) {
+        QTest::newRow(qPrintable(name)) << options << (options.reversible ? 0 : 1);
+    };
+    for (const bool reversible : {true, false}) {
+        const QString kind = reversible ? QStringLiteral("reversible, ") : QStringLiteral("irreversible, ");
+        Options o = base(317, 203, 3);
+        o.reversible = reversible;
+        o.componentTransform = true;
+        o.tileWidth = o.tileHeight = 100;
+        row(kind + QStringLiteral("tiles of odd sizes"), o);
+        o = base(213, 177);
+        o.reversible = reversible;
+        o.offsetX = 37;
+        o.offsetY = 51;
+        o.progression = "RPCL";
+        o.precincts = {{64, 64}, {32, 64}};
+        row(kind + QStringLiteral("image offset, precincts"), o);
+        for (const auto &[width, height] : {std::pair{4, 1024}, {1024, 4}, {32, 128}, {16, 16}}) {
+            o = base(1030, 1027);
+            o.reversible = reversible;
+            o.levels = 1;
+            o.codeBlockWidth = width;
+            o.codeBlockHeight = height;
+            row(kind + QStringLiteral("blocks of %1 x %2").arg(width).arg(height), o);
+        }
+        for (const int bits : {1, 4, 12, 16}) {
+            o = base(120, 90);
+            o.reversible = reversible;
+            o.components[0].bits = bits;
+            o.components[0].isSigned = bits == 12;
+            row(kind + QStringLiteral("%1 bits").arg(bits), o);
+        }
+        o = base(131, 99, 2);
+        o.reversible = reversible;
+        o.components[1].stepX = o.components[1].stepY = 2;
+        row(kind + QStringLiteral("subsampled"), o);
+    }
+}
+
+void TestRasterReader::highThroughput()
+{
+    QFETCH(Options, options);
+    QFETCH(int, tolerance);
+    options.cell = [&options](int c, int x, int y) { return textured(options, c, x, y); };
+    compareWithPeer(htmaker::make(options), options.levels, tolerance);
 }
 
 void TestRasterReader::fewerLayers()

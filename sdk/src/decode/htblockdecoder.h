@@ -1,0 +1,50 @@
+#pragma once
+
+#include "blockdecoder.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace xrv {
+
+/// Decodes high-throughput code-blocks (ISO/IEC 15444-15 clause 7). Holds scratch memory; one per thread.
+///
+/// A set of passes is a cleanup pass, which codes all magnitude bits down to one bit-plane, and up to two passes that
+/// refine by one bit-plane more. Where there are several sets, the last one whose cleanup pass is there has it all.
+class HtBlockDecoder
+{
+public:
+    /// As BlockDecoder::decode(), with bitPlanes counting the planes from the top to that of the first cleanup pass,
+    /// 1 to 30. False for damaged blocks too; all coefficients are 0 then.
+    bool decode(const CodeBlock &block, std::int32_t *coefficients);
+
+private:
+    /// Two by two cells; see HtCodeword.
+    struct Quad
+    {
+        std::uint8_t significance = 0, knownExponents = 0, topBits = 0;
+        std::uint8_t exponentOffset = 0;
+    };
+    struct Set;
+
+    bool decodeCleanup(const std::uint8_t *data, std::size_t length);
+    void readQuads(const std::uint8_t *data, std::size_t length, std::size_t suffixLength);
+    bool readMagnitudes(const std::uint8_t *data, std::size_t length);
+    bool readQuad(const Quad &quad, int x, int y, unsigned exponent, class ForwardBits &bits);
+    void markSignificance();
+    void refineMagnitudes(class BackwardBits bits);
+    void propagateSignificance(class ForwardBits bits, bool isCausal);
+    bool hasSignificantNeighbour(std::size_t mark, bool isLastRowOfStripe) const;
+
+    int width = 0, height = 0;
+    int bitPlane = 0; ///< that the cleanup pass ends with, counted from 1 at the lowest
+    std::int32_t *cells = nullptr;
+    int quadsAcross = 0;
+    std::size_t quadPitch = 0;
+    std::vector<Quad> quads;                             ///< with a row of none above, a column of none on both sides
+    std::vector<std::uint8_t> exponents, exponentsAbove; ///< of the lower cells of a row of quads
+    std::vector<std::uint8_t> significance;              ///< of cells, with a border of zeros
+};
+
+} // namespace xrv

@@ -1,0 +1,210 @@
+#include <QDGui/longtask.h>
+
+#include "taskthread.h"
+#include "waitingdialog.h"
+
+#include <QDGui/application.h>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QMainWindow>
+#include <QPointer>
+#include <QThread>
+#include <QTimer>
+
+#include <algorithm>
+#include <optional>
+#include <system_error>
+
+namespace Korvane {
+namespace Gui {
+
+namespace {
+
+constexpr int kUnnoticed = 40;   // milliseconds: what is done by then needs no event loop
+constexpr int kPatience = 500;   // milliseconds from the beginning until the dialog
+constexpr int kPollInterval = 8; // milliseconds
+
+int runningTasks = 0;
+int cancelledTasks = 0;
+
+/// Puts the arrow in the place of a wait cursor: there is a button to click.
+class PlainCursor
+{
+public:
+    PlainCursor()
+        : isSet(QApplication::overrideCursor() != nullptr)
+    {
+        if (isSet)
+            QApplication::setOverrideCursor(Qt::ArrowCursor);
+    }
+    ~PlainCursor()
+    {
+        if (isSet)
+            QApplication::restoreOverrideCursor();
+    }
+    PlainCursor(const PlainCursor &) = delete;
+    PlainCursor &operator=(const PlainCursor &) = delete;
+
+private:
+    const bool isSet;
+};
+
+/// The window that a person is likely to look at.
+QWidget *windowInFront()
+{
+    for (QWidget *window : {QApplication::activeModalWidget(), QApplication::activeWindow(),
+                            static_cast<QWidget *>(Application::instance()->getMainWindow())}) {
+        if (window && window->isVisible())
+            return window;
+    }
+    return nullptr;
+}
+
+/// One task under way.
+class Waiting
+{
+public:
+    Waiting(const LongTask &task, TaskThread &thread)
+        : task(task)
+        , thread(thread)
+    {
+        ++runningTasks;
+        sinceBegin.start();
+    }
+    ~Waiting()
+    {
+        end();
+        --runningTasks;
+    }
+    Waiting(const Waiting &) = delete;
+    Waiting &operator=(const Waiting &) = delete;
+
+    LongTask::Outcome wait();
+
+private:
+    bool turnEvents(QEventLoop::ProcessEventsFlags flags, const std::function<bool()> &isEnough) const;
+    bool waitWithDialog();
+    void end();
+
+    const LongTask &task;
+    TaskThread &thread;
+    QElapsedTimer sinceBegin;
+    bool isEnded = false;
+};
+
+LongTask::Outcome Waiting::wait()
+{
+    thread.waitFor(kUnnoticed);
+    const auto isDone = [this] { return thread.isDone(); };
+    // Until there is a dialog in front of the windows, nothing must be done in them.
+    bool goesOn = isDone() || turnEvents(QEventLoop::ExcludeUserInputEvents,
+                                         [&] { return isDone() || sinceBegin.hasExpired(kPatience); });
+    goesOn = goesOn && (isDone() || waitWithDialog());
+    if (goesOn && isDone())
+        return LongTask::Outcome::Done;
+    end();
+    if (goesOn)
+        turnEvents(QEventLoop::ExcludeUserInputEvents, isDone);
+    return LongTask::Outcome::Cancelled;
+}
+
+/// Handles events until \a isEnough. False when the application quits before.
+bool Waiting::turnEvents(QEventLoop::ProcessEventsFlags flags, const std::function<bool()> &isEnough) const
+{
+    QEventLoop loop;
+    QTimer poll; // no signal from the other thread: it may end while nobody listens
+    QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
+        if (isEnough())
+            loop.quit();
+    });
+    poll.start(kPollInterval);
+    loop.exec(flags);
+    return isEnough();
+}
+
+/// Until the task is done or the person has had enough. False when the application quits before.
+bool Waiting::waitWithDialog()
+{
+    const PlainCursor cursor;
+    // The window may be destroyed, and its dialogs with it.
+    const QPointer<WaitingDialog> dialog(new WaitingDialog(task.title, task.text, windowInFront()));
+    const auto isEnough = [&] {
+        if (thread.isDone() || !dialog || !dialog->isVisible())
+            return true;
+        if (task.progress)
+            dialog->setProgress(task.progress());
+        return false;
+    };
+    if (task.progress)
+        dialog->setProgress(task.progress());
+    dialog->show();
+    const bool goesOn = turnEvents(QEventLoop::AllEvents, isEnough);
+    delete dialog;
+    return goesOn;
+}
+
+void Waiting::end()
+{
+    if (isEnded || thread.isDone())
+        return;
+    isEnded = true;
+    if (task.cancel)
+        task.cancel();
+}
+
+bool isPainting()
+{
+    const QWidgetList widgets = QApplication::allWidgets();
+    return std::any_of(widgets.cbegin(), widgets.cend(),
+                       [](const QWidget *widget) { return widget->testAttribute(Qt::WA_WState_InPaintEvent); });
+}
+
+bool showsWindow()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    return std::any_of(windows.cbegin(), windows.cend(), [](const QWidget *window) { return window->isVisible(); });
+}
+
+} // namespace
+
+bool LongTask::canStayAlive()
+{
+    const auto *application = qobject_cast<QApplication *>(QCoreApplication::instance());
+    return application && application->thread() == QThread::currentThread() && !QCoreApplication::closingDown() &&
+           showsWindow() && !isPainting();
+}
+
+bool LongTask::isRunning()
+{
+    return runningTasks > 0;
+}
+
+int LongTask::getCancelCount()
+{
+    return cancelledTasks;
+}
+
+LongTask::Outcome LongTask::run() const
+{
+    std::optional<TaskThread> thread;
+    try {
+        if (canStayAlive())
+            thread.emplace(work);
+    } catch (const std::system_error &) {
+        // Without a thread to spare the windows have to wait.
+    }
+    Outcome outcome = Outcome::Done;
+    if (!thread) {
+        work();
+        return outcome;
+    }
+    outcome = Waiting(*this, *thread).wait();
+    cancelledTasks += outcome == Outcome::Cancelled ? 1 : 0;
+    thread->finish();
+    return outcome;
+}
+
+} // namespace Gui
+} // namespace Korvane

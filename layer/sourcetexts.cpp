@@ -1,10 +1,26 @@
 #include "sourcetexts.h"
 
+#include <QDGui/addressutil.h>
+
 #include <QFileInfo>
+#include <QUrl>
 
 #include <algorithm>
 
 namespace Korvane {
+
+namespace {
+
+constexpr int kLongestName = 60;
+
+QString shortened(const QString &text)
+{
+    if (text.size() <= kLongestName)
+        return text;
+    return text.left(kLongestName / 2) + QChar(0x2026) + text.right(kLongestName / 2 - 1);
+}
+
+} // namespace
 
 QString widenedName(const std::string &name)
 {
@@ -25,6 +41,23 @@ QString sourceDescription(const QString &source)
     const QString name = QFileInfo(source).fileName();
     const int bar = name.indexOf(QLatin1Char('|'));
     return bar > 0 ? name.left(bar) : name;
+}
+
+bool isStreamAddress(const QString &source)
+{
+    return source.startsWith(QLatin1String("xrvp"), Qt::CaseInsensitive);
+}
+
+QString streamFileName(const QString &source)
+{
+    const QUrl url(Util::Address::narrowed(source));
+    const QString name = url.fileName(QUrl::FullyDecoded).simplified();
+    return shortened(name.isEmpty() ? url.path(QUrl::FullyDecoded).simplified() : name);
+}
+
+QString streamHost(const QString &source)
+{
+    return shortened(QUrl(Util::Address::narrowed(source)).host());
 }
 
 QString gigaPixelText(quint32 width, quint32 height)

@@ -17,6 +17,14 @@ QString localFileName(const QString &source);
 /// Last path component, cut before a "|" that is not its first character.
 QString sourceDescription(const QString &source);
 
+/// Whether the SDK reads \a source from a server.
+bool isStreamAddress(const QString &source);
+
+/// What a person calls the file of a stream, its name without escapes, and its server. Shortened in the middle where
+/// they are long; never with user name and password.
+QString streamFileName(const QString &source);
+QString streamHost(const QString &source);
+
 /// Size of an image of \a width by \a height cells in gigapixels: "< 1 GP", or as "2.35 GP".
 QString gigaPixelText(quint32 width, quint32 height);
 

@@ -5,6 +5,7 @@
 #include <QDGui/application.h>
 
 #include <QDateTime>
+#include <QPointer>
 #include <QSettings>
 
 #include <limits>
@@ -44,6 +45,8 @@ XRVJP2kLayer::XRVJP2kLayer(Map::IRendererClient *client)
 
 XRVJP2kLayer::~XRVJP2kLayer()
 {
+    if (opening)
+        opening->Cancel();
     closeRenderer(renderer);
     closeRenderer(backingRenderer);
 }
@@ -171,8 +174,10 @@ void XRVJP2kLayer::setProgressive(bool on)
     if (on == progressive || !renderer)
         return;
     progressive = on;
+    const QPointer<XRVJP2kLayer> self(this);
     setDataSource(viewName());
-    refreshWithUpdate();
+    if (self)
+        refreshWithUpdate();
 }
 
 void XRVJP2kLayer::setReadRGBA(bool on)
@@ -217,8 +222,11 @@ void XRVJP2kLayer::setBackingStore(bool on)
     } else {
         // The main file is closed and opened again within this call and must not lose its cached data.
         const bool rememberedFreeCache = getFreeCache();
+        const QPointer<XRVJP2kLayer> self(this);
         setFreeCache(false);
         setDataSource(getDataSource());
+        if (!self)
+            return;
         setFreeCache(rememberedFreeCache);
     }
     refresh(0, 0, 0, 0);

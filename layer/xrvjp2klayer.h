@@ -15,6 +15,7 @@
 namespace PLK {
 class CView;
 class CError;
+class COpenControl;
 } // namespace PLK
 
 namespace Korvane {
@@ -80,6 +81,10 @@ public:
     QString getDataSource() const override;
     /// Opens a local file, a stream address ("xrvp://", "xrvps://"), or the address named in a ".url" file. Settings of
     /// the image shown before are carried over. What is shown stays when the source is refused without being opened.
+    ///
+    /// A stream that is not there at once is opened with the windows left alive, where Gui::LongTask can: events are
+    /// handled within this call, the person may cancel it, which is a failure like others, and the layer may even be
+    /// deleted. Meanwhile it has no image, and refuses further sources.
     bool setDataSource(QString source) override;
     QIcon getIcon() const override;
     bool isVisible() const override { return visible; }
@@ -204,7 +209,9 @@ private:
     CarriedSettings currentSettings() const;
     void applySettings(XRVJP2kRenderer &target, const CarriedSettings &settings) const;
     void closeRenderer(std::unique_ptr<XRVJP2kRenderer> &target);
-    bool openBackingRenderer(const QString &source);
+    PLK::CError openRenderer(XRVJP2kRenderer &target, const QString &source, bool progressively,
+                             const CarriedSettings *carried);
+    bool openBackingRenderer(const QString &source, const CarriedSettings *carried);
     void restoreSettings(const CarriedSettings &settings);
     void applyFirstSettings();
     void requestLastViewAfterOpening();
@@ -243,6 +250,7 @@ private:
     QVector<int> bandList;
     std::unique_ptr<XRVJP2kRenderer> renderer;
     std::unique_ptr<XRVJP2kRenderer> backingRenderer;
+    std::unique_ptr<PLK::COpenControl> opening; // of the stream that is being opened
     QString lastError;
     QString sizeGigaPixel;
     QString sizeOnDisk;

@@ -6,12 +6,30 @@
 #include "xrvjp2krenderer.h"
 
 #include <QDGui/application.h>
+#include <QDGui/longtask.h>
 #include <QDGui/stringutil.h>
 
 #include <QDateTime>
 #include <QFileInfo>
+#include <QPointer>
 
 namespace Korvane {
+
+namespace {
+
+/// Of a stream that comes as a whole; no other knows how far it is.
+Gui::LongTask::Progress progressOf(const PLK::COpenControl &control)
+{
+    const auto sizeText = [](quint64 bytes) { return Util::String::formatFileSize(bytes, "%.1f"); };
+    Gui::LongTask::Progress progress{control.GetBytesReceived(), control.GetBytesExpected(), QString()};
+    if (progress.total > 0)
+        progress.text = XRVJP2kLayer::tr("%1 of %2").arg(sizeText(progress.done), sizeText(progress.total));
+    else if (progress.done > 0)
+        progress.text = sizeText(progress.done);
+    return progress;
+}
+
+} // namespace
 
 QString XRVJP2kLayer::viewName() const
 {
@@ -26,6 +44,10 @@ QString XRVJP2kLayer::getDataSource() const
 
 bool XRVJP2kLayer::setDataSource(QString source)
 {
+    if (opening) { // events are handled while a stream is opened
+        lastError = tr("Another source is being opened.");
+        return false;
+    }
     histogramCache.clear();
     if (!resolveSource(&source))
         return false;
@@ -39,10 +61,19 @@ bool XRVJP2kLayer::setDataSource(QString source)
     if (hasBackingRenderer())
         closeRenderer(backingRenderer);
 
-    renderer = std::make_unique<XRVJP2kRenderer>(this);
-    if (const PLK::CError error = renderer->openFile(source, progressive))
+    // Nobody else sees the renderers before they are open, and the layer may be gone then.
+    const QPointer<XRVJP2kLayer> self(this);
+    auto opened = std::make_unique<XRVJP2kRenderer>(this);
+    const PLK::CError error = openRenderer(*opened, source, progressive, carried.get());
+    if (!self)
+        return false;
+    if (error)
         return failOpening(error);
-    if (backingStore && !openBackingRenderer(source))
+    const bool isBacked = !backingStore || openBackingRenderer(source, carried.get());
+    if (!self)
+        return false;
+    renderer = std::move(opened);
+    if (!isBacked)
         return false;
     if (carried)
         restoreSettings(*carried);
@@ -91,20 +122,51 @@ void XRVJP2kLayer::closeRenderer(std::unique_ptr<XRVJP2kRenderer> &target)
 
 bool XRVJP2kLayer::failOpening(const PLK::CError &error)
 {
-    renderer.reset();
     bandList.clear();
     valid = false;
     lastError = tr(error.GetErrorMessage());
     return false;
 }
 
-bool XRVJP2kLayer::openBackingRenderer(const QString &source)
+/// Returns with the renderer opened, or not. Within it a stream may be cancelled and this layer deleted.
+PLK::CError XRVJP2kLayer::openRenderer(XRVJP2kRenderer &target, const QString &source, bool progressively,
+                                       const CarriedSettings *carried)
 {
-    backingRenderer = std::make_unique<XRVJP2kRenderer>(this);
-    if (!backingRenderer->openFile(source, false))
-        return true;
-    backingRenderer.reset();
-    return false;
+    const int defaultClip = XRVJP2kRenderer::defaultTransformClip();
+    if (!isStreamAddress(source))
+        return target.openFile(source, progressively, defaultClip);
+
+    const QPointer<XRVJP2kLayer> self(this);
+    PLK::COpenControl control;
+    target.SetOpenControl(control);
+    opening = std::make_unique<PLK::COpenControl>(control);
+    PLK::CError error;
+    Gui::LongTask task;
+    task.title = tr("Open Stream");
+    task.text = tr("Opening %1 from %2...").arg(streamFileName(source), streamHost(source));
+    task.work = [&] {
+        error = target.openFile(source, progressively, defaultClip);
+        // What the stretch of the cells takes from the server is waited for here too.
+        if (!error && carried)
+            target.setTransformClip(carried->transformClip);
+    };
+    task.cancel = [&control] { control.Cancel(); };
+    task.progress = [&control] { return progressOf(control); };
+    if (task.run() == Gui::LongTask::Outcome::Cancelled)
+        error = {PLK_ERR_CANCELLED, QT_TR_NOOP("The opening was cancelled.")};
+    if (self)
+        opening.reset();
+    return error;
+}
+
+bool XRVJP2kLayer::openBackingRenderer(const QString &source, const CarriedSettings *carried)
+{
+    const QPointer<XRVJP2kLayer> self(this);
+    auto opened = std::make_unique<XRVJP2kRenderer>(this);
+    if (openRenderer(*opened, source, false, carried) || !self)
+        return false;
+    backingRenderer = std::move(opened);
+    return true;
 }
 
 XRVJP2kLayer::CarriedSettings XRVJP2kLayer::currentSettings() const
@@ -154,7 +216,7 @@ void XRVJP2kLayer::describeSource(const QString &source)
     setDescription(sourceDescription(fileName));
     if (const PLKFileInfo *info = renderer->GetFileInfo())
         sizeGigaPixel = gigaPixelText(info->nSizeX, info->nSizeY);
-    if (source.toLower().startsWith(QLatin1String("xrvp")))
+    if (isStreamAddress(source))
         sizeOnDisk = tr("Unknown");
     else
         sizeOnDisk = Util::String::formatFileSize(static_cast<quint64>(QFileInfo(fileName).size()), "%2.2f");

@@ -48,7 +48,18 @@ XRVJP2kRenderer::~XRVJP2kRenderer()
     Close(true);
 }
 
+int XRVJP2kRenderer::defaultTransformClip()
+{
+    const QSettings *settings = Application::instance()->settings();
+    return settings->value(QStringLiteral("XRVJP2kLayer/DefaultClipTransform"), kDefaultClipTransform).toInt();
+}
+
 PLK::CError XRVJP2kRenderer::openFile(const QString &path, bool progressive)
+{
+    return openFile(path, progressive, defaultTransformClip());
+}
+
+PLK::CError XRVJP2kRenderer::openFile(const QString &path, bool progressive, int defaultClip)
 {
     try {
         const std::wstring name = path.toStdWString();
@@ -57,7 +68,7 @@ PLK::CError XRVJP2kRenderer::openFile(const QString &path, bool progressive)
             return error;
         if (GetFileInfo() && GetFile()) {
             hasOpacityBand = getOpacityBandNumber() >= 0;
-            applyDefaultTransform();
+            applyDefaultTransform(defaultClip);
         }
         qualityLayers = MetadataJp2().Layers();
         return error;
@@ -66,17 +77,11 @@ PLK::CError XRVJP2kRenderer::openFile(const QString &path, bool progressive)
     }
 }
 
-void XRVJP2kRenderer::applyDefaultTransform()
+void XRVJP2kRenderer::applyDefaultTransform(int defaultClip)
 {
     const PLKCellType cellType = GetFileInfo()->eCellType;
-    if (cellType == PLKCT_UINT8 || cellType == PLKCT_INT8) {
-        calculateMinMaxTransforms(100);
-        return;
-    }
-    const QSettings *settings = Application::instance()->settings();
-    const int percent =
-        settings->value(QStringLiteral("XRVJP2kLayer/DefaultClipTransform"), kDefaultClipTransform).toInt();
-    calculateMinMaxTransforms(static_cast<std::uint8_t>(percent));
+    const bool isByte = cellType == PLKCT_UINT8 || cellType == PLKCT_INT8;
+    calculateMinMaxTransforms(static_cast<std::uint8_t>(isByte ? 100 : defaultClip));
 }
 
 int XRVJP2kRenderer::getOpacityBandNumber() const

@@ -28,9 +28,9 @@ class XRVJP2kLayer;
 /// Turns one open image into pictures on the map: a view of the format SDK that decodes what the layer last asked for
 /// into an image with a world extent, keeps the newest finished image and paints it with the layer's settings.
 ///
-/// Everything runs on the GUI thread, but RefreshPass(), which the SDK calls on its own thread for progressive views.
-/// Decoding works on an image that nobody else sees; imageMutex() is held only where the current image is exchanged,
-/// dropped or painted.
+/// Everything runs on the GUI thread, but RefreshPass(), which the SDK calls on its own thread for progressive views,
+/// and the opening of streams, before anybody else knows of the renderer. Decoding works on an image that nobody else
+/// sees; imageMutex() is held only where the current image is exchanged, dropped or painted.
 class XRVJP2kRenderer : public PLK::CView
 {
 public:
@@ -40,6 +40,10 @@ public:
 
     /// Opens a file name or stream address and applies the default dynamic range for its cell type.
     PLK::CError openFile(const QString &path, bool progressive);
+    /// The same with a clip, in per cent, for cells that are not of 8 bits. Any thread that has the renderer to itself.
+    PLK::CError openFile(const QString &path, bool progressive, int defaultClip);
+    /// That clip as the settings have it. GUI thread.
+    static int defaultTransformClip();
 
     /// Abandons a decode in progress at its next line. Returns once no image is being exchanged or painted.
     void cancelRead();
@@ -103,7 +107,7 @@ private:
     Q_DISABLE_COPY(XRVJP2kRenderer)
     friend class LayerProbe; // the tests' window on the state
 
-    void applyDefaultTransform();
+    void applyDefaultTransform(int defaultClip);
     void calculateMinMaxTransforms(std::uint8_t percent);
     void applyMinMaxTransforms();
     std::unique_ptr<GeoImage> makeImage(int width, int height, double x1, double y1, double x2, double y2) const;

@@ -20,6 +20,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMessageBox>
+#include <QPointer>
 #include <QToolBar>
 
 using Korvane::Application;
@@ -108,20 +109,24 @@ void XRVJP2kLayerPlugin::onAddXrvpUrl(const QString &address)
     if (!area)
         return;
     QMainWindow *mainWindow = Application::instance()->getMainWindow();
-    MapView *view = activeOrNewMapView(*area);
+    const QPointer<MapView> view(activeOrNewMapView(*area));
     if (!view) {
         QMessageBox::critical(mainWindow, tr("Map View"), tr("Could not get map view from subwindow."));
         return;
     }
     // A layer that cannot be opened or added is left alone, not deleted.
     auto *layer = new XRVJP2kLayer(nullptr);
-    if (!layer->setDataSource(address)) {
+    const bool isOpen = layer->setDataSource(address);
+    // Events have been handled meanwhile.
+    mainWindow = Application::instance()->getMainWindow();
+    if (!isOpen) {
         QMessageBox::warning(mainWindow, tr("Map View"), layer->getLastError());
         return;
     }
-    if (view->addLayer(layer, -1) == -1) {
+    if (!view || view->addLayer(layer, -1) == -1) {
         QMessageBox::warning(mainWindow, tr("Map View"), tr("Error adding layer to view."));
         return;
     }
-    Q_EMIT area->subWindowActivated(area->activeSubWindow());
+    if ((area = mapArea()))
+        Q_EMIT area->subWindowActivated(area->activeSubWindow());
 }

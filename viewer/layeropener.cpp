@@ -4,6 +4,7 @@
 
 #include <QDGui/ilayerplugin.h>
 #include <QDGui/ilayerplugininfo.h>
+#include <QDGui/longtask.h>
 #include <QDGui/pluginregistry.h>
 
 #include <QDir>
@@ -38,12 +39,17 @@ LayerOpener::Result LayerOpener::open(const QString &source) const
 
     // What the best-suited plug-in said matters more than what the others say about a file that is not theirs.
     QString firstError;
+    bool isCancelled = false;
+    const int cancelled = Korvane::Gui::LongTask::getCancelCount();
     for (ILayerPlugin *factory : factoriesFor(normalized)) {
         std::unique_ptr<Layer> layer(factory->createLayer(false));
         if (layer && layer->setDataSource(normalized))
             return {std::move(layer), QString()};
-        if (layer && firstError.isEmpty())
+        isCancelled = Korvane::Gui::LongTask::getCancelCount() != cancelled;
+        if (layer && (firstError.isEmpty() || isCancelled))
             firstError = layer->getLastError().simplified();
+        if (isCancelled)
+            break;
     }
     const QString name = QDir::toNativeSeparators(Sources::withoutCredentials(normalized));
     if (registry.getPlugins().isEmpty())
@@ -52,7 +58,7 @@ LayerOpener::Result LayerOpener::open(const QString &source) const
                              .trimmed()};
     if (firstError.isEmpty())
         firstError = tr("the format is not known");
-    return {nullptr, tr("%1 cannot be opened: %2").arg(name, firstError)};
+    return {nullptr, tr("%1 cannot be opened: %2").arg(name, firstError), isCancelled};
 }
 
 } // namespace Viewer

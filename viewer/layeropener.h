@@ -26,6 +26,7 @@ public:
     {
         std::unique_ptr<Korvane::Map::Layer> layer; ///< Null on failure.
         QString error;                              ///< One sentence that names the source; empty on success.
+        bool isCancelled = false;                   ///< The person did not want to wait for it.
     };
 
     explicit LayerOpener(const Korvane::PluginRegistry &registry);

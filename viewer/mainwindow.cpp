@@ -20,6 +20,7 @@
 #include "viewstatus.h"
 
 #include <QDGui/application.h>
+#include <QDGui/longtask.h>
 #include <QDGui/mapview.h>
 #include <QDGui/pluginregistry.h>
 
@@ -33,6 +34,7 @@
 #include <QMdiSubWindow>
 #include <QSettings>
 #include <QStatusBar>
+#include <QTimer>
 #include <QToolBar>
 
 namespace Viewer {
@@ -50,6 +52,8 @@ const QString kFolderKey = QStringLiteral("Viewer/Folder");
 
 /// In average characters: wide enough for a layer's name and for a panel's controls.
 constexpr int kDockWidth = 44;
+
+constexpr int kOpenLaterMs = 100;
 
 /// Raised whenever docks or tool bars are named otherwise, so that no old state is restored.
 constexpr int kStateVersion = 1;
@@ -219,7 +223,8 @@ QString MainWindow::addLayer(const QString &source, QPointer<MapView> *view)
 {
     LayerOpener::Result result = opener.open(source);
     if (!result.layer) {
-        recentSources->remove(Sources::normalized(source));
+        if (!result.isCancelled)
+            recentSources->remove(Sources::normalized(source));
         return result.error;
     }
     // Only now, so that no empty view is left behind by a source that cannot be opened.
@@ -239,6 +244,11 @@ void MainWindow::openSources(const QStringList &sources)
 
 void MainWindow::openIn(const QStringList &sources, MapView *view)
 {
+    if (Korvane::Gui::LongTask::isRunning()) { // dropped on the window while a stream is opened
+        const QPointer<MapView> target(view);
+        QTimer::singleShot(kOpenLaterMs, this, [this, sources, target] { openIn(sources, target); });
+        return;
+    }
     const auto isProject = [](const QString &source) { return isProjectFile(source); };
     if (std::any_of(sources.cbegin(), sources.cend(), isProject) && !projectDialogs->mayDiscard())
         return;

@@ -35,6 +35,26 @@
         <source>JPIP protocol not supported.</source>
         <translation>Das JPIP-Protokoll wird nicht unterstützt.</translation>
     </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 von %2</translation>
+    </message>
+    <message>
+        <source>Another source is being opened.</source>
+        <translation>Es wird gerade eine andere Quelle geöffnet.</translation>
+    </message>
+    <message>
+        <source>Open Stream</source>
+        <translation>Stream öffnen</translation>
+    </message>
+    <message>
+        <source>Opening %1 from %2...</source>
+        <translation>%1 wird von %2 geöffnet...</translation>
+    </message>
+    <message>
+        <source>The opening was cancelled.</source>
+        <translation>Das Öffnen wurde abgebrochen.</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

@@ -35,6 +35,26 @@
         <source>JPIP protocol not supported.</source>
         <translation>El protocolo JPIP no es compatible.</translation>
     </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 de %2</translation>
+    </message>
+    <message>
+        <source>Another source is being opened.</source>
+        <translation>Se está abriendo otra fuente.</translation>
+    </message>
+    <message>
+        <source>Open Stream</source>
+        <translation>Abrir flujo</translation>
+    </message>
+    <message>
+        <source>Opening %1 from %2...</source>
+        <translation>Abriendo %1 desde %2...</translation>
+    </message>
+    <message>
+        <source>The opening was cancelled.</source>
+        <translation>Se canceló la apertura.</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

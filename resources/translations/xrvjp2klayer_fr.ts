@@ -35,6 +35,26 @@
         <source>JPIP protocol not supported.</source>
         <translation>Le protocole JPIP n’est pas pris en charge.</translation>
     </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 sur %2</translation>
+    </message>
+    <message>
+        <source>Another source is being opened.</source>
+        <translation>Une autre source est en cours d’ouverture.</translation>
+    </message>
+    <message>
+        <source>Open Stream</source>
+        <translation>Ouvrir un flux</translation>
+    </message>
+    <message>
+        <source>Opening %1 from %2...</source>
+        <translation>Ouverture de %1 depuis %2...</translation>
+    </message>
+    <message>
+        <source>The opening was cancelled.</source>
+        <translation>L’ouverture a été annulée.</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

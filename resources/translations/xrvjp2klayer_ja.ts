@@ -35,6 +35,26 @@
         <source>JPIP protocol not supported.</source>
         <translation>JPIP プロトコルはサポートされていません。</translation>
     </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%2 中 %1</translation>
+    </message>
+    <message>
+        <source>Another source is being opened.</source>
+        <translation>別のソースを開いています。</translation>
+    </message>
+    <message>
+        <source>Open Stream</source>
+        <translation>ストリームを開く</translation>
+    </message>
+    <message>
+        <source>Opening %1 from %2...</source>
+        <translation>%2 から %1 を開いています...</translation>
+    </message>
+    <message>
+        <source>The opening was cancelled.</source>
+        <translation>開く操作はキャンセルされました。</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

@@ -3,7 +3,8 @@
 
 function(use_installed_library name root)
     add_library(${name} SHARED IMPORTED GLOBAL)
-    find_library(${name}_LOCATION NAMES ${name} PATHS "${root}/lib" "${root}" NO_DEFAULT_PATH REQUIRED)
+    # Not kept: with another root it is another one.
+    find_library(${name}_LOCATION NAMES ${name} PATHS "${root}/lib" "${root}" NO_DEFAULT_PATH NO_CACHE REQUIRED)
     set_target_properties(${name} PROPERTIES IMPORTED_LOCATION "${${name}_LOCATION}" IMPORTED_IMPLIB "${${name}_LOCATION}")
     target_include_directories(${name} INTERFACE "${root}/include")
 endfunction()

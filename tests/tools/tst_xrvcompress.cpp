@@ -12,6 +12,10 @@
 
 #include <tiff.h>
 
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
 /// xrvcompress and xrvinfo from the shell.
 class TestXrvCompress : public QObject
 {
@@ -31,6 +35,7 @@ private slots:
     void wrongUsage();
     void whatCannotBeRead_data();
     void whatCannotBeRead();
+    void namesOfTheOutput();
     void interruptedLeavesNothing();
     void infoOfWhatIsNone();
 
@@ -350,6 +355,23 @@ void TestXrvCompress::whatCannotBeRead()
     QVERIFY2(run.errors.startsWith(QStringLiteral("xrvcompress: ")) && run.errors.contains(words),
              qPrintable(run.errors));
     QCOMPARE(QDir(own.path()).entryList(QDir::Files | QDir::Hidden), QStringList({QStringLiteral("in")}));
+}
+
+void TestXrvCompress::namesOfTheOutput()
+{
+    save(QStringLiteral("in.pgm"), QByteArray("P5 2 1 255\nab"));
+    const QString input = path(QStringLiteral("in.pgm"));
+    const QString longest = path(QString(255, QLatin1Char('n')));
+    QCOMPARE(runTool(QStringLiteral("xrvcompress"), {input, longest}).status, 0);
+    QVERIFY(QFileInfo(longest).size() > 0);
+#ifdef Q_OS_UNIX
+    const QString pipe = path(QStringLiteral("pipe"));
+    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const ToolRun run = runTool(QStringLiteral("xrvcompress"), {input, pipe});
+    QVERIFY(run.status != 0);
+    QVERIFY2(run.errors.contains(QStringLiteral("not an ordinary file")), qPrintable(run.errors));
+    QVERIFY2(!QFileInfo(pipe).isFile(), "the pipe was replaced");
+#endif
 }
 
 void TestXrvCompress::interruptedLeavesNothing()

@@ -14,6 +14,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// What is added must not make a name too long, which is 255 bytes or words with most file systems.
+constexpr std::size_t kLongestNameKept = 200;
+
 std::FILE *openNew(const fs::path &path)
 {
 #ifdef _WIN32
@@ -37,7 +40,8 @@ fs::path temporaryName(const fs::path &path, int attempt)
 {
     const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
     fs::path name = path.parent_path() / fs::u8path(".");
-    name += path.filename();
+    if (path.filename().native().size() <= kLongestNameKept)
+        name += path.filename();
     name += fs::u8path("." + std::to_string(ticks) + std::to_string(attempt) + ".part");
     return name;
 }
@@ -65,8 +69,12 @@ CError OutputFile::open(const std::string &path)
     finalPath = path;
     const fs::path target = fs::u8path(path);
     std::error_code ignored;
-    if (target.filename().empty() || fs::is_directory(target, ignored))
+    const fs::file_status status = fs::status(target, ignored);
+    if (target.filename().empty() || fs::is_directory(status))
         return {PLK_ERR_INVALID_ARGUMENT, "\"" + path + "\" is no name of a file."};
+    // The file takes the place of what has its name: a device or a pipe would be gone.
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        return {PLK_ERR_INVALID_ARGUMENT, "\"" + path + "\" is not an ordinary file and is not replaced."};
     for (int attempt = 0; attempt < 16 && !file; ++attempt) {
         const fs::path name = temporaryName(target, attempt);
         errno = 0;

@@ -3,7 +3,7 @@
 
 build_packages=(
     git g++ cmake ninja-build ccache mold pkg-config
-    qtbase5-dev qttools5-dev qttools5-dev-tools
+    qtbase5-dev qttools5-dev qttools5-dev-tools qttranslations5-l10n
     libopenjp2-7-dev libproj-dev proj-data libgeotiff-dev libtiff-dev
     libpng-dev libopenjph-dev liblcms2-dev libpugixml-dev libcurl4-openssl-dev
     fonts-dejavu-core

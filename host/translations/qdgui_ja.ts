@@ -29,6 +29,13 @@
     </message>
 </context>
 <context>
+    <name>Korvane::Gui::AddressBox</name>
+    <message>
+        <source>xrvp://server/folder/image.jp2</source>
+        <translation>xrvp://server/folder/image.jp2</translation>
+    </message>
+</context>
+<context>
     <name>Korvane::Gui::ListingClient</name>
     <message numerus="yes">
         <source>The server did not answer within %n seconds.</source>

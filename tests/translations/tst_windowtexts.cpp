@@ -13,8 +13,8 @@
 
 #include <QAbstractButton>
 #include <QDockWidget>
-#include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QTabBar>
@@ -160,6 +160,8 @@ QStringList TestWindowTexts::textsOf(const QWidget &window)
         texts.append({button->text(), button->toolTip()});
     for (const auto *action : window.findChildren<QAction *>())
         texts.append({action->text(), action->toolTip(), action->statusTip()});
+    for (const auto *field : window.findChildren<QLineEdit *>())
+        texts.append(field->placeholderText());
     for (const auto *dock : window.findChildren<QDockWidget *>())
         texts.append(dock->windowTitle());
     for (const auto *part : window.findChildren<QMdiSubWindow *>())

@@ -60,7 +60,8 @@ public:
 
     /// Loads and installs a translation for each of \a names: "<name>_<locale>.qm" (with the locale shortened from its
     /// end as QTranslator::load() does) from ":/translations", then from the folder "translations" next to the
-    /// executable. The result holds the translators that were found; they are uninstalled when it goes.
+    /// executable. The result holds the translators that were found; they are uninstalled when it goes. The texts of
+    /// this library are there under the name "qdgui"; a host that speaks other languages than English asks for them.
     QList<QSharedPointer<QTranslator>> initializeTranslations(const QStringList &names, const QString &locale);
 
     /// Null when there is none, or it has been destroyed.

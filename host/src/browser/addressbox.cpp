@@ -19,7 +19,7 @@ AddressBox::AddressBox(QWidget *parent)
     setMinimumContentsLength(30);
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     setMaxVisibleItems(RecentAddresses::kMost);
-    lineEdit()->setPlaceholderText(QStringLiteral("xrvp://server/folder/image.jp2"));
+    lineEdit()->setPlaceholderText(tr("xrvp://server/folder/image.jp2"));
     // Completing in the line itself would let Return open an image that nobody typed.
     completer()->setCompletionMode(QCompleter::PopupCompletion);
     completer()->setFilterMode(Qt::MatchContains);

@@ -19,6 +19,7 @@ public:
 
     const xrv::ImageDescription &description() const override { return image; }
     PLK::CError read(const xrv::IntRect &rect, const std::vector<std::int32_t *> &planes) override;
+    PLK::CError rewind() override { return {}; }
 
     xrv::ImageDescription image; ///< to be changed before it is written
     CellFunction cell; ///< at first a smooth landscape with a little noise that reaches both ends of the range

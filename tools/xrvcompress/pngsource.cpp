@@ -25,19 +25,15 @@ public:
     {
         name = path;
         file.open(std::filesystem::u8path(path), std::ios::binary);
-        png = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, keepError, dropWarning);
-        info = png ? png_create_info_struct(png) : nullptr;
-        if (!info)
-            return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory."};
-        if (!readHeader())
-            return damaged();
+        if (CError error = begin())
+            return error;
         describe();
         completePlace(path, &image, warnings);
         if (passes > 1) {
-            picture.resize(std::size_t(image.height) * rowBytes);
+            picture.resize(std::size_t(image.height) * bytesOfRow);
             for (int pass = 0; pass < passes; ++pass)
                 for (std::uint32_t y = 0; y < image.height; ++y)
-                    if (!nextRow(picture.data() + y * rowBytes))
+                    if (!nextRow(picture.data() + y * bytesOfRow))
                         return damaged();
         }
         return {};
@@ -47,13 +43,33 @@ protected:
     CError readRow(std::uint8_t *row) override
     {
         if (passes > 1)
-            std::memcpy(row, picture.data() + rowsGiven++ * rowBytes, rowBytes);
+            std::memcpy(row, picture.data() + rowsGiven++ * bytesOfRow, bytesOfRow);
         else if (!nextRow(row))
             return damaged();
         return {};
     }
 
+    CError restart() override
+    {
+        rowsGiven = 0;
+        if (passes > 1)
+            return {}; // they are kept
+        file.clear();
+        file.seekg(0);
+        png_destroy_read_struct(&png, &info, nullptr);
+        return begin();
+    }
+
 private:
+    CError begin()
+    {
+        png = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, keepError, dropWarning);
+        info = png ? png_create_info_struct(png) : nullptr;
+        if (!info)
+            return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory."};
+        return readHeader() ? CError() : damaged();
+    }
+
     static void keepError(png_structp png, png_const_charp text)
     {
         static_cast<PngSource *>(png_get_error_ptr(png))->message = text;
@@ -82,7 +98,7 @@ private:
             png_set_swap(png); // words of this machine
         passes = png_set_interlace_handling(png);
         png_read_update_info(png, info);
-        rowBytes = png_get_rowbytes(png, info);
+        bytesOfRow = png_get_rowbytes(png, info);
         return true;
     }
     bool nextRow(std::uint8_t *row)
@@ -108,8 +124,8 @@ private:
     png_structp png = nullptr;
     png_infop info = nullptr;
     int passes = 1;
-    std::size_t rowBytes = 0, rowsGiven = 0;
-    Bytes picture; ///< of an interlaced file
+    std::size_t bytesOfRow = 0, rowsGiven = 0; ///< the former as libpng has it
+    Bytes picture;                             ///< of an interlaced file
 };
 
 } // namespace

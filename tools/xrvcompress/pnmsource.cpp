@@ -26,6 +26,7 @@ public:
             return {PLK_ERR_UNSUPPORTED, "Of PNM files only binary grey (P5), colour (P6) and PAM (P7) ones are read."};
         if (!isGood || !file)
             return {PLK_ERR_MALFORMED, "The header of \"" + path + "\" is damaged."};
+        firstRow = file.tellg();
         describe();
         completePlace(path, &image, warnings);
         return {};
@@ -44,6 +45,19 @@ protected:
                 std::memcpy(row + 2 * i, &cell, sizeof cell);
             }
         }
+        return {};
+    }
+
+    CError skipRows(std::int64_t count) override
+    {
+        file.seekg(static_cast<std::streamoff>(count) * static_cast<std::streamoff>(rowBytes()), std::ios::cur);
+        return {};
+    }
+
+    CError restart() override
+    {
+        file.clear();
+        file.seekg(firstRow);
         return {};
     }
 
@@ -123,6 +137,7 @@ private:
     static constexpr std::uint32_t kMostCells = 0x7FFFFFFF;
     std::string name, tupleType;
     std::ifstream file;
+    std::ifstream::pos_type firstRow = 0;
     std::uint32_t depth = 0, largest = 0;
 };
 

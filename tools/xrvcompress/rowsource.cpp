@@ -39,21 +39,36 @@ std::size_t RowSource::bytesPerCell() const
 CError RowSource::keepRows(std::int64_t first, std::int64_t end)
 {
     kept.resize(static_cast<std::size_t>(end - first) * rowBytes());
-    for (std::int64_t y = keptEnd; y < end; ++y) {
-        // Rows before the first one are read and dropped.
-        const std::int64_t place = std::max<std::int64_t>(0, y - first);
-        if (CError error = readRow(kept.data() + static_cast<std::size_t>(place) * rowBytes()))
+    if (first > keptEnd)
+        if (CError error = skipRows(first - keptEnd))
             return error;
-    }
+    for (std::int64_t y = std::max(first, keptEnd); y < end; ++y)
+        if (CError error = readRow(kept.data() + static_cast<std::size_t>(y - first) * rowBytes()))
+            return error;
     keptFirst = first;
     keptEnd = end;
     return {};
 }
 
+CError RowSource::skipRows(std::int64_t count)
+{
+    Bytes dropped(rowBytes());
+    for (; count > 0; --count)
+        if (CError error = readRow(dropped.data()))
+            return error;
+    return {};
+}
+
+CError RowSource::rewind()
+{
+    keptFirst = keptEnd = 0;
+    return restart();
+}
+
 CError RowSource::read(const IntRect &rect, const std::vector<std::int32_t *> &planes)
 {
     if (rect.y0 < keptFirst)
-        return {PLK_ERR_INVALID_ARGUMENT, "The rows of this image cannot be read twice."};
+        return {PLK_ERR_INVALID_ARGUMENT, "The rows of this image come from top to bottom."};
     if (rect.y1 > keptEnd)
         if (CError error = keepRows(rect.y0, rect.y1))
             return error;

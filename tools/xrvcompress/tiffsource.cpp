@@ -47,6 +47,12 @@ public:
         return TIFFIsTiled(first()) ? readTiles(rect, planes) : readRows(rect, planes);
     }
 
+    CError rewind() override
+    {
+        keptFirst = keptEnd = 0;
+        return {};
+    }
+
 private:
     TIFF *first() const { return handles.front().get(); }
     bool isApart() const { return planar == PLANARCONFIG_SEPARATE && samples > 1; }
@@ -166,6 +172,8 @@ private:
         if (needed > bytes)
             return failed();
         rowBytes = static_cast<std::size_t>(bytes);
+        TIFFGetFieldDefaulted(first(), TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
+        rowsPerStrip = std::max(rowsPerStrip, 1u);
         return {};
     }
 
@@ -189,11 +197,15 @@ private:
     {
         const std::size_t planeBytes = rowBytes * static_cast<std::size_t>(end - firstRow);
         kept.resize(planeBytes * handles.size());
+        // Within a strip most codecs cannot pass over rows: those before the first one are read and dropped.
+        const std::int64_t strip = firstRow / rowsPerStrip * rowsPerStrip;
         for (std::size_t plane = 0; plane < handles.size(); ++plane) {
-            std::uint8_t *row = kept.data() + plane * planeBytes;
-            for (std::int64_t y = firstRow; y < end; ++y, row += rowBytes)
-                if (TIFFReadScanline(handles[plane].get(), row, static_cast<std::uint32_t>(y),
-                                     static_cast<std::uint16_t>(plane)) < 0)
+            std::uint8_t *rows = kept.data() + plane * planeBytes;
+            for (std::int64_t y = std::max(keptEnd, strip); y < end; ++y)
+                if (TIFFReadScanline(handles[plane].get(),
+                                     rows +
+                                         static_cast<std::size_t>(std::max<std::int64_t>(0, y - firstRow)) * rowBytes,
+                                     static_cast<std::uint32_t>(y), static_cast<std::uint16_t>(plane)) < 0)
                     return failed();
         }
         keptFirst = firstRow;
@@ -273,6 +285,7 @@ private:
     std::uint32_t tileWidth = 0, tileHeight = 0;
     Bytes buffer; ///< a tile
     std::size_t rowBytes = 0;
+    std::uint32_t rowsPerStrip = 1; ///< at most all rows there can be
     std::int64_t keptFirst = 0, keptEnd = 0;
     Bytes kept; ///< rows of each handle
 };

@@ -56,6 +56,8 @@ public:
         return {};
     }
 
+    CError rewind() override { return {}; }
+
 private:
     CError readBands(const IntRect &rect, int firstBand, std::int32_t *const *planes, std::size_t count)
     {

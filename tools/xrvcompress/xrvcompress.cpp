@@ -99,6 +99,7 @@ public:
     {
         return source->read(rect, planes);
     }
+    CError rewind() override { return source->rewind(); }
 
 private:
     CError readRpcFile(const std::string &path)

@@ -2,7 +2,7 @@
 
 #include "../codestream/packetindex.h"
 #include "outputfile.h"
-#include "tileencoder.h"
+#include "tilecoding.h"
 
 #include <functional>
 #include <vector>

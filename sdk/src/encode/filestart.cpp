@@ -55,14 +55,6 @@ void describe(const ImageDescription &image, XrvFileInfo *info)
     info->projection = image.place.projection;
 }
 
-double uncompressedBytes(const ImageDescription &image)
-{
-    double bytes = 0.0;
-    for (const XrvBand &band : image.bands)
-        bytes += static_cast<double>(image.width) * image.height * ((band.bits + 7) / 8);
-    return bytes;
-}
-
 std::vector<TypedBox> makeXrvBoxes(const ImageDescription &image, const XrvFileInfo &info,
                                    const PLKFileStatistics &statistics, const PacketIndex *index)
 {
@@ -109,6 +101,14 @@ Bytes joinXrvBoxes(const std::vector<TypedBox> &boxes, std::uint64_t streamLengt
 }
 
 } // namespace
+
+double uncompressedBytes(const ImageDescription &image)
+{
+    double bytes = 0.0;
+    for (const XrvBand &band : image.bands)
+        bytes += static_cast<double>(image.width) * image.height * ((band.bits + 7) / 8);
+    return bytes;
+}
 
 Bytes makeJp2FileStart(const ImageDescription &image, const PacketIndex *index, std::uint64_t streamLength)
 {

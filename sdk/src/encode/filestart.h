@@ -5,6 +5,9 @@
 
 namespace xrv {
 
+/// Of the cells of \a image, each in whole bytes.
+double uncompressedBytes(const ImageDescription &image);
+
 // All that comes before the codestream of a file, the header of the codestream's box included.
 
 /// \a streamLength: bytes of the codestream. \a index may be null.

@@ -2,7 +2,9 @@
 
 #include "codestreamassembler.h"
 #include "filestart.h"
+#include "stepchooser.h"
 #include "tileencoder.h"
+#include "workers.h"
 
 #include "../metadata/bandcounter.h"
 
@@ -13,7 +15,6 @@
 #include <ctime>
 #include <mutex>
 #include <new>
-#include <thread>
 
 namespace xrv {
 
@@ -28,7 +29,8 @@ constexpr std::size_t kMostTiles = 65535;        ///< ISO/IEC 15444-1 A.4.2
 constexpr std::size_t kMostBands = 255;
 constexpr int kMostBits = 16;
 constexpr std::size_t kMostBucketsOfAllBands = std::size_t(4) << 20;
-constexpr double kShareOfCoding = 0.95; ///< of the time; the rest is copying
+constexpr double kShareOfCopying = 0.05; ///< of the time, at the end
+constexpr double kShareOfSampling = 0.3; ///< of the time, at the beginning, where a step has to be found
 
 std::string now()
 {
@@ -75,6 +77,9 @@ public:
         CodestreamAssembler assembler(makeLayout());
         if (CError error = assembler.open(path))
             return error;
+        if (options.isHighThroughput && !options.isLossless)
+            if (CError error = chooseStep())
+                return error;
         if (CError error = encodeAll(&assembler))
             return error;
         if (CError error = assembler.finish())
@@ -83,7 +88,7 @@ public:
         if (CError error = output.write(makeStart(assembler)))
             return error;
         const auto copied = [this](double share) {
-            report(kShareOfCoding + (1.0 - kShareOfCoding) * share);
+            report(1.0 - kShareOfCopying + kShareOfCopying * share);
             return !options.cancel.isRaised();
         };
         if (CError error = assembler.write(&output, copied))
@@ -107,6 +112,8 @@ private:
             return {PLK_ERR_INVALID_ARGUMENT, "The block size must be a power of two from 64 to 16384."};
         if (options.layers < 1 || options.layers > 32)
             return {PLK_ERR_INVALID_ARGUMENT, "The number of quality layers must be 1 to 32."};
+        if (options.isHighThroughput && options.layers != 1)
+            return {PLK_ERR_INVALID_ARGUMENT, "High-throughput blocks have one quality layer."};
         if (!options.isLossless && !(options.rate >= 1.0 && options.rate <= 1000.0))
             return {PLK_ERR_INVALID_ARGUMENT, "The rate must be 1 to 1000."};
         tileCount = makeLayout().tileCount();
@@ -134,6 +141,7 @@ private:
         coding.isLossless = options.isLossless;
         coding.rate = options.rate;
         coding.layers = options.layers;
+        coding.isHighThroughput = options.isHighThroughput;
         coding.hasColourTransform = image.colourSpace == PLK_COLORSPACE_SRGB && image.bands.size() >= 3 &&
                                     std::all_of(image.bands.begin(), image.bands.begin() + 3, isAlike);
         coding.tileSize = blockSize;
@@ -145,37 +153,43 @@ private:
             --coding.levels;
     }
 
-    CError encodeAll(CodestreamAssembler *assembler)
+    /// High-throughput blocks are coded by step; which one gives the wanted rate, a sample of the image tells.
+    CError chooseStep()
     {
-        const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
-        const auto count = options.threads > 0 ? static_cast<unsigned>(options.threads) : cores;
-        std::vector<std::thread> threads;
-        for (unsigned i = 1; i < count; ++i)
-            threads.emplace_back([this, assembler] { work(assembler); });
-        work(assembler);
-        for (std::thread &thread : threads)
-            thread.join();
-        return firstError;
+        ImageSample sample(image, coding);
+        if (CError error = sample.read(source, options.cancel))
+            return error;
+        const auto tried = [this](double share) { report(kShareOfSampling * share); };
+        StepChooser chooser(sample, threadCount(options.threads), options.cancel, tried);
+        int bits = 1;
+        for (const XrvBand &band : image.bands)
+            bits = std::max<int>(bits, band.bits);
+        const double cells = static_cast<double>(image.width) * image.height;
+        const double headers = static_cast<double>(expectedHeaderBytes());
+        const double bytes = std::max(uncompressedBytes(image) / options.rate - headers, headers);
+        // An eighth of a cell's unit: what is finer is lost in rounding.
+        if (CError error = chooser.run(bytes / cells, std::ldexp(1.0, -bits - 3), &coding.step))
+            return error;
+        shareDone = kShareOfSampling;
+        return source.rewind();
     }
 
-    void work(CodestreamAssembler *assembler)
+    /// Of the codestream, all but packets.
+    std::uint64_t expectedHeaderBytes() const
     {
-        bool goesOn = true;
-        while (goesOn) {
-            CError error;
-            try {
-                error = encodeNext(assembler, &goesOn);
-            } catch (const std::bad_alloc &) {
-                error = CError(PLK_ERR_OUT_OF_MEMORY, "There is not enough memory; take smaller blocks.");
-            }
-            if (error) {
-                const std::lock_guard<std::mutex> lock(mutex);
-                if (firstError.IsSuccess())
-                    firstError = error;
-                hasFailed = true;
-                return;
-            }
+        constexpr std::uint64_t kPartBytes = 12 + 5 + 2 + 6; // SOT, PLT and SOD, entry in the TLM
+        std::uint64_t packets = 0;
+        for (int level = 0; level <= coding.levels; ++level) {
+            const std::uint64_t across = ((blockSize >> level) + kPrecinctSize - 1) / kPrecinctSize;
+            packets += across * across * image.bands.size();
         }
+        return tileCount * (kPartBytes * (coding.levels + 1u) + packets * 3 / 2);
+    }
+
+    CError encodeAll(CodestreamAssembler *assembler)
+    {
+        return runWorkers(threadCount(options.threads),
+                          [this, assembler](bool *goesOn) { return encodeNext(assembler, goesOn); });
     }
 
     IntRect rectOf(std::uint32_t tile) const
@@ -192,11 +206,13 @@ private:
         {
             // Sources go from top to bottom, so one thread reads while the others encode.
             const std::lock_guard<std::mutex> lock(sourceMutex);
-            *goesOn = nextTile < tileCount && !hasStopped();
+            if (options.cancel.isRaised())
+                return {PLK_ERR_CANCELLED, "The compression was cancelled."};
+            *goesOn = nextTile < tileCount;
             if (!*goesOn)
-                return options.cancel.isRaised() ? cancelled() : CError();
+                return {};
             tile = nextTile++;
-            encoder = std::make_unique<TileEncoder>(coding, rectOf(tile));
+            encoder = TileEncoder::make(coding, rectOf(tile));
             if (CError error = readTile(rectOf(tile), encoder->planes()))
                 return error;
         }
@@ -207,7 +223,7 @@ private:
         const std::lock_guard<std::mutex> lock(mutex);
         CError error = assembler->add(tile, encoded);
         ++tilesDone;
-        report(kShareOfCoding * tilesDone / tileCount);
+        report(shareDone + (1.0 - kShareOfCopying - shareDone) * tilesDone / tileCount);
         return error;
     }
 
@@ -221,12 +237,6 @@ private:
         return {};
     }
 
-    bool hasStopped()
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return hasFailed || options.cancel.isRaised();
-    }
-    static CError cancelled() { return {PLK_ERR_CANCELLED, "The compression was cancelled."}; }
     void report(double share) const
     {
         if (options.progress)
@@ -261,12 +271,11 @@ private:
     std::uint32_t blockSize = kUsualBlockSize;
     std::uint32_t tileCount = 0;
     TileCoding coding;
+    double shareDone = 0.0; ///< of the time, before the tiles are coded
     std::mutex sourceMutex; ///< guards source, counters and nextTile
     std::vector<BandCounter> counters;
     std::uint32_t nextTile = 0;
     std::mutex mutex; ///< guards what follows and the assembler
-    bool hasFailed = false;
-    CError firstError;
     std::uint32_t tilesDone = 0;
     StatisticsPtr statistics;
 };

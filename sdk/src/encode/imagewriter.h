@@ -19,8 +19,9 @@ struct WriteOptions
     double rate = 10.0;          ///< n of n:1 where it is not lossless, 1 to 1000
     std::uint32_t blockSize = 0; ///< side of the square blocks, a power of two of 64 to 16384; 0 lets the writer choose
     int layers = 1;              ///< quality layers, 1 to 32
-    int threads = 0;             ///< 0: as many as there are cores
-    std::string compressionDate; ///< empty: now
+    bool isHighThroughput = false; ///< block coding of ISO/IEC 15444-15, in one quality layer
+    int threads = 0;               ///< 0: as many as there are cores
+    std::string compressionDate;   ///< empty: now
     CancelFlag cancel;
     std::function<void(double)> progress; ///< share of the work that is done, 0 to 1; from any of the threads, one at a
                                           ///< time

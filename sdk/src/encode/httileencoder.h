@@ -1,0 +1,29 @@
+#pragma once
+
+#include "tileencoder.h"
+
+namespace ojph {
+class codestream;
+}
+
+namespace xrv {
+
+/// Encodes with the high-throughput block coding of ISO/IEC 15444-15, by OpenJPH: with one quantization step, in one
+/// quality layer.
+class HtTileEncoder : public TileEncoder
+{
+public:
+    HtTileEncoder(const TileCoding &coding, const IntRect &rect);
+
+    std::vector<std::int32_t *> planes() override;
+
+protected:
+    PLK::CError runEncoder(Bytes *codestream) override;
+
+private:
+    void pushRows(ojph::codestream *encoder) const;
+
+    std::vector<std::vector<std::int32_t>> cells; ///< of each band
+};
+
+} // namespace xrv

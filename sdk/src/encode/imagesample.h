@@ -1,0 +1,38 @@
+#pragma once
+
+#include "imagesource.h"
+#include "tilecoding.h"
+
+#include "../io/cancelflag.h"
+
+namespace xrv {
+
+/// Pieces from all over an image, kept in memory to be encoded in several ways. A small image is kept as a whole, in
+/// its tiles; of a large one as many pieces as take 64 MB, smaller than tiles, so that they can be many.
+class ImageSample
+{
+public:
+    ImageSample(const ImageDescription &image, const TileCoding &coding);
+
+    /// Reads the pieces, of the rows in between nothing. \a source then has to start again.
+    PLK::CError read(ImageSource &source, const CancelFlag &cancel);
+
+    std::size_t pieces() const { return rects.size(); }
+    std::int64_t cells(std::size_t piece) const { return rects[piece].width() * rects[piece].height(); }
+    /// What a piece takes more than its share of a tile, of which it has more, smaller code-blocks.
+    double excessBytes() const;
+    /// Encodes a piece with \a step, as a tile, and gives the bytes of its packets. Any thread.
+    PLK::CError encode(std::size_t piece, double step, std::uint64_t *bytes) const;
+
+private:
+    void spread(const ImageDescription &image);
+    void keep(const std::vector<std::vector<std::int32_t>> &planes, Bytes *packed) const;
+    void unpack(const Bytes &packed, const std::vector<std::int32_t *> &planes, std::size_t count) const;
+
+    TileCoding coding;
+    bool isWhole = true;
+    std::vector<IntRect> rects; ///< by row, then from left to right
+    std::vector<Bytes> packed;  ///< bands one after the other, in one or two bytes a cell
+};
+
+} // namespace xrv

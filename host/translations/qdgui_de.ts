@@ -66,7 +66,7 @@
     </message>
     <message>
         <source>There is no list of such a folder on the server. An image in it may be there all the same.</source>
-        <translation>Auf dem Server gibt es kein Verzeichnis eines solchen Ordners. Ein Bild darin kann trotzdem vorhanden sein.</translation>
+        <translation>Auf dem Server gibt es keine Liste zu einem solchen Ordner. Ein Bild darin kann trotzdem vorhanden sein.</translation>
     </message>
     <message>
         <source>The server answers with an error: %1 %2</source>

@@ -177,7 +177,7 @@
     </message>
     <message>
         <source>What is known of this layer</source>
-        <translation>Was über diesen Layer bekannt ist</translation>
+        <translation>Angaben zu diesem Layer</translation>
     </message>
 </context>
 <context>
@@ -349,7 +349,7 @@
     </message>
     <message>
         <source>Save what the current view shows as a picture</source>
-        <translation>Was die aktuelle Ansicht zeigt, als Bild speichern</translation>
+        <translation>Den Inhalt der aktuellen Ansicht als Bild speichern</translation>
     </message>
     <message>
         <source>Pre&amp;ferences...</source>
@@ -413,7 +413,7 @@
     </message>
     <message>
         <source>What is known of the selected layer</source>
-        <translation>Was über den ausgewählten Layer bekannt ist</translation>
+        <translation>Angaben zum ausgewählten Layer</translation>
     </message>
     <message>
         <source>&amp;Tabs</source>
@@ -421,7 +421,7 @@
     </message>
     <message>
         <source>Show one view at a time, in tabs</source>
-        <translation>Eine Ansicht auf einmal anzeigen, in Registerkarten</translation>
+        <translation>Die Ansichten einzeln in Registerkarten anzeigen</translation>
     </message>
     <message>
         <source>&amp;Cascade</source>
@@ -619,7 +619,7 @@
     <name>Viewer::ViewStatus</name>
     <message>
         <source>How much of the view is decoded</source>
-        <translation>Wie viel von der Ansicht dekodiert ist</translation>
+        <translation>Anteil der Ansicht, der dekodiert ist</translation>
     </message>
     <message>
         <source>World coordinates under the pointer</source>

@@ -469,7 +469,7 @@
     </message>
     <message>
         <source>Open &amp;Recent</source>
-        <translation>Ouvrir &amp;récent</translation>
+        <translation>Ouvrir un élément &amp;récent</translation>
     </message>
     <message>
         <source>Open Recent Pro&amp;ject</source>

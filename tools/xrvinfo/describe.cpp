@@ -156,6 +156,7 @@ private:
         node.add("tiles", sizeNode(jp2.NumberOfTiles()));
         node.add("tile size", sizeNode(jp2.TileSize()));
         node.add("code-blocks", sizeNode(jp2.CodeBlock()));
+        node.add("block coding", jp2.IsHighThroughput() ? "high-throughput" : "ordinary");
         node.add("resolution levels", jp2.Levels());
         node.add("quality layers", jp2.Layers());
         const int order = jp2.PrecinctProgressionOrder();

@@ -32,6 +32,8 @@ public:
     std::vector<std::pair<std::uint32_t, std::uint32_t>> PrecinctSize() const;
     /// Width and height of the code-blocks.
     std::pair<std::uint32_t, std::uint32_t> CodeBlock() const;
+    /// The code-blocks are high-throughput ones (ISO/IEC 15444-15).
+    bool IsHighThroughput() const;
     /// Bits of every component.
     std::vector<std::uint8_t> BitDepth() const;
     /// Number of resolution levels (decomposition levels plus one).

@@ -100,10 +100,11 @@ Bytes makeBox(std::uint32_t type, const std::string &content)
     return makeBox(type, Bytes(content.begin(), content.end()));
 }
 
-Bytes makeJp2Start()
+Bytes makeJp2Start(bool isHighThroughput)
 {
     Bytes bytes = makeBox(boxType("jP  "), Bytes{0x0d, 0x0a, 0x87, 0x0a});
-    const Bytes fileType = makeBox(boxType("ftyp"), Bytes{'j', 'p', '2', ' ', 0, 0, 0, 0, 'j', 'p', '2', ' '});
+    const std::string brand = isHighThroughput ? "jph " : "jp2 ";
+    const Bytes fileType = makeBox(boxType("ftyp"), brand + std::string(4, '\0') + brand);
     bytes.insert(bytes.end(), fileType.begin(), fileType.end());
     return bytes;
 }

@@ -110,9 +110,10 @@ double uncompressedBytes(const ImageDescription &image)
     return bytes;
 }
 
-Bytes makeJp2FileStart(const ImageDescription &image, const PacketIndex *index, std::uint64_t streamLength)
+Bytes makeJp2FileStart(const ImageDescription &image, bool isHighThroughput, const PacketIndex *index,
+                       std::uint64_t streamLength)
 {
-    Bytes bytes = makeJp2Start();
+    Bytes bytes = makeJp2Start(isHighThroughput);
     append(&bytes, makeHeaderBox(image));
     append(&bytes, makeGeoBox(geoTagsOf(image)));
     for (const std::string &xml : image.xmls)

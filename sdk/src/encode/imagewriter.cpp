@@ -256,7 +256,7 @@ private:
     {
         const PacketIndex *index = assembler.isIndexComplete() ? &assembler.index() : nullptr;
         if (options.kind == FileKind::GeoJp2)
-            return makeJp2FileStart(image, index, assembler.length());
+            return makeJp2FileStart(image, coding.isHighThroughput, index, assembler.length());
         XrvFileInfo info;
         info.isLossless = options.isLossless;
         info.targetRate = options.isLossless ? 1 : static_cast<std::uint16_t>(std::lround(options.rate));

@@ -1,5 +1,7 @@
 #include "viewmetadatavalues.h"
 
+#include "../codestream/precinct.h"
+
 #include <xrv60/plkviewparameters.h>
 
 namespace PLK::ViewMetadata {
@@ -45,6 +47,7 @@ std::shared_ptr<const ViewMetadataJp2::Values> ViewMetadataJp2::Values::of(const
         const xrv::ComponentStyle &style = header.style.components.front();
         values->precincts = precinctSizes(style);
         values->codeBlock = {powerOfTwo(style.codeBlockWidthExponent), powerOfTwo(style.codeBlockHeightExponent)};
+        values->isHighThroughput = style.codeBlockStyle & xrv::BlockStyle::kHighThroughput;
         values->levels = style.decompositionLevels + 1;
         values->transformation = style.isReversible ? 1 : 0;
     }
@@ -96,6 +99,11 @@ std::vector<Size> ViewMetadataJp2::PrecinctSize() const
 Size ViewMetadataJp2::CodeBlock() const
 {
     return values->codeBlock;
+}
+
+bool ViewMetadataJp2::IsHighThroughput() const
+{
+    return values->isHighThroughput;
 }
 
 std::vector<std::uint8_t> ViewMetadataJp2::BitDepth() const

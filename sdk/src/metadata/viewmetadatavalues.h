@@ -17,6 +17,7 @@ struct ViewMetadataJp2::Values
     std::pair<std::uint32_t, std::uint32_t> tileSize{0, 0};
     std::vector<std::pair<std::uint32_t, std::uint32_t>> precincts;
     std::pair<std::uint32_t, std::uint32_t> codeBlock{0, 0};
+    bool isHighThroughput = false;
     std::vector<std::uint8_t> bitDepths;
     int levels = 0;
     int layers = 0;

@@ -125,14 +125,17 @@ void TestLongTask::init()
 
 void TestLongTask::quickWorkTurnsNoEvents()
 {
-    bool hasTurned = false;
-    QTimer::singleShot(0, this, [&] { hasTurned = true; });
-    Sleep sleep(5);
-    QCOMPARE(sleep.task().run(), LongTask::Outcome::Done);
-    QVERIFY(sleep.isOver);
-    QVERIFY(sleep.where != std::this_thread::get_id());
+    bool hasTurned = true;
+    for (int i = 0; hasTurned && i < 20; ++i) { // the machine may be busy
+        const QObject scope;
+        QTimer::singleShot(0, &scope, [&] { hasTurned = true; });
+        hasTurned = false;
+        Sleep sleep(2);
+        QCOMPARE(sleep.task().run(), LongTask::Outcome::Done);
+        QVERIFY(sleep.isOver);
+        QVERIFY(sleep.where != std::this_thread::get_id());
+    }
     QVERIFY(!hasTurned);
-    QTRY_VERIFY(hasTurned);
 }
 
 void TestLongTask::windowsStayAlive()

@@ -57,7 +57,7 @@ void MainActions::makeFileActions()
     open = make(Shape::Open, tr("&Open..."), tr("Open images in the current view"));
     open->setShortcut(QKeySequence::Open);
     openInNewView = make(tr("Open in Ne&w View..."), tr("Open images in a view of their own"));
-    openInNewView->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_O);
+    openInNewView->setShortcut(QStringLiteral("Ctrl+Shift+O"));
     newView = make(Shape::NewView, tr("&New View"), tr("Add an empty map view"));
     newView->setShortcut(QKeySequence::New);
     openProject = make(tr("Open &Project..."), tr("Replace all views by those of a project"));
@@ -80,17 +80,17 @@ void MainActions::makeFileActions()
 void MainActions::makeViewActions()
 {
     zoomIn = make(Shape::ZoomIn, tr("Zoom &In"), tr("Show the map larger"));
-    zoomIn->setShortcuts({QKeySequence(QKeySequence::ZoomIn), QKeySequence(Qt::CTRL + Qt::Key_Equal)});
+    zoomIn->setShortcuts({QKeySequence(QKeySequence::ZoomIn), QKeySequence(QStringLiteral("Ctrl+="))});
     zoomOut = make(Shape::ZoomOut, tr("Zoom &Out"), tr("Show the map smaller"));
     zoomOut->setShortcut(QKeySequence::ZoomOut);
     zoomToAll = make(Shape::ZoomAll, tr("Zoom to &All"), tr("Show all layers of the view"));
-    zoomToAll->setShortcut(Qt::CTRL + Qt::Key_0);
+    zoomToAll->setShortcut(QStringLiteral("Ctrl+0"));
     zoomToLayer = make(Shape::ZoomLayer, tr("Zoom to &Layer"), tr("Show all of the selected layer"));
-    zoomToLayer->setShortcut(Qt::CTRL + Qt::Key_L);
+    zoomToLayer->setShortcut(QStringLiteral("Ctrl+L"));
     zoomToNative = make(Shape::ZoomNative, tr("Zoom to &1:1"), tr("Show one cell of the selected layer per pixel"));
-    zoomToNative->setShortcut(Qt::CTRL + Qt::Key_1);
+    zoomToNative->setShortcut(QStringLiteral("Ctrl+1"));
     layerProperties = make(Shape::Properties, tr("Layer &Properties..."), tr("What is known of the selected layer"));
-    layerProperties->setShortcut(Qt::ALT + Qt::Key_Return);
+    layerProperties->setShortcut(QStringLiteral("Alt+Return"));
 }
 
 void MainActions::makeWindowActions()

@@ -12,7 +12,6 @@ using PLK::CError;
 
 namespace {
 
-constexpr std::uint64_t kMostBytes = 64u << 20;
 constexpr std::uint64_t kFewPieces = 96; ///< smaller ones are taken where fewer would fit
 constexpr std::uint32_t kLargestPiece = 256, kSmallestPiece = 64;
 
@@ -58,43 +57,39 @@ template <typename Cell> const std::uint8_t *unpackCells(const std::uint8_t *in,
 
 } // namespace
 
-ImageSample::ImageSample(const ImageDescription &image, const TileCoding &imageCoding)
+ImageSample::ImageSample(const ImageDescription &image, const TileCoding &imageCoding, std::uint64_t mostBytes)
     : coding(imageCoding)
 {
-    const std::uint64_t columnBytes = bytesPerColumn(image.bands);
-    const std::uint64_t cells = std::uint64_t(image.width) * image.height;
-    isWhole = cells <= kMostBytes / columnBytes;
+    const std::uint64_t mostCells = mostBytes / bytesPerColumn(image.bands);
+    isWhole = std::uint64_t(image.width) * image.height <= mostCells;
     if (!isWhole) {
         coding.tileSize = std::min(coding.tileSize, kLargestPiece);
-        const auto fitting = [&] { return kMostBytes / (columnBytes * coding.tileSize * coding.tileSize); };
-        while (coding.tileSize > kSmallestPiece && fitting() < kFewPieces)
+        while (coding.tileSize > kSmallestPiece && mostCells / coding.tileSize / coding.tileSize < kFewPieces)
             coding.tileSize /= 2;
     }
-    spread(image);
-    packed.resize(rects.size());
+    spread(image, static_cast<std::int64_t>(mostCells / coding.tileSize / coding.tileSize));
+    packed.resize(pieces.size());
 }
 
-/// A piece at a random place in each field of a grid, or all there are.
-void ImageSample::spread(const ImageDescription &image)
+/// A piece at a random place in each field of a grid, at \a most pieces, or all there are.
+void ImageSample::spread(const ImageDescription &image, std::int64_t most)
 {
     const std::int64_t size = coding.tileSize;
     const std::int64_t across = (image.width + size - 1) / size, down = (image.height + size - 1) / size;
-    const auto most =
-        static_cast<std::int64_t>(kMostBytes / (bytesPerColumn(image.bands) * coding.tileSize * coding.tileSize));
     const double share = std::sqrt(static_cast<double>(most) / static_cast<double>(across * down));
     const auto fitting = static_cast<std::int64_t>(share * static_cast<double>(across));
     const std::int64_t columns = isWhole ? across : std::clamp<std::int64_t>(fitting, 1, across);
     const std::int64_t rows = isWhole ? down : std::clamp<std::int64_t>(most / columns, 1, down);
     std::uint64_t number = 0;
     const auto place = [&number](std::int64_t field, std::int64_t fields, std::int64_t places) {
-        const double width = static_cast<double>(places) / static_cast<double>(fields);
-        return static_cast<std::int64_t>((static_cast<double>(field) + scattered(++number)) * width);
+        const std::int64_t first = field * places / fields, end = (field + 1) * places / fields;
+        return first + static_cast<std::int64_t>(scattered(++number) * static_cast<double>(end - first));
     };
     for (std::int64_t row = 0; row < rows; ++row) {
         const std::int64_t y = size * place(row, rows, down);
         for (std::int64_t column = 0; column < columns; ++column) {
             const std::int64_t x = size * place(column, columns, across);
-            rects.push_back(IntRect{x, y, x + size, y + size}.intersected({0, 0, image.width, image.height}));
+            pieces.push_back(IntRect{x, y, x + size, y + size}.intersected({0, 0, image.width, image.height}));
         }
     }
 }
@@ -103,7 +98,7 @@ CError ImageSample::read(ImageSource &source, const CancelFlag &cancel)
 {
     std::vector<std::vector<std::int32_t>> planes(coding.bands.size());
     std::vector<std::int32_t *> places;
-    for (std::size_t piece = 0; piece < rects.size(); ++piece) {
+    for (std::size_t piece = 0; piece < pieces.size(); ++piece) {
         if (cancel.isRaised())
             return {PLK_ERR_CANCELLED, "The compression was cancelled."};
         places.clear();
@@ -111,7 +106,7 @@ CError ImageSample::read(ImageSource &source, const CancelFlag &cancel)
             plane.resize(static_cast<std::size_t>(cells(piece)));
             places.push_back(plane.data());
         }
-        if (CError error = source.read(rects[piece], places))
+        if (CError error = source.read(pieces[piece], places))
             return error;
         keep(planes, &packed[piece]);
     }
@@ -151,7 +146,7 @@ CError ImageSample::encode(std::size_t piece, double step, std::uint64_t *bytes)
 {
     TileCoding own = coding;
     own.step = step;
-    const std::unique_ptr<TileEncoder> encoder = TileEncoder::make(own, rects[piece]);
+    const std::unique_ptr<TileEncoder> encoder = TileEncoder::make(own, pieces[piece]);
     unpack(packed[piece], encoder->planes(), static_cast<std::size_t>(cells(piece)));
     EncodedTile tile;
     if (CError error = encoder->encode(&tile))

@@ -41,7 +41,7 @@ CError StepChooser::run(double bytesPerCell, double finest, double *step)
     wanted = std::log2(bytesPerCell);
     least = std::log2(finest);
     double logStep = std::clamp(least + 4.0, least, kCoarsest);
-    const bool areMany = sample.pieces() >= kFewPieces;
+    const bool areMany = sample.rects().size() >= kFewPieces;
     if (areMany)
         if (CError error = search(kRoughStride, kRoughTolerance, kMostRoughTrials, &logStep))
             return error;
@@ -106,7 +106,7 @@ CError StepChooser::measure(std::size_t stride, double logStep, Trial *trial)
     double bytes = 0.0, cells = 0.0;
     CError error = runWorkers(threads, [&](bool *goesOn) -> CError {
         const std::size_t piece = nextPiece.fetch_add(stride);
-        *goesOn = piece < sample.pieces();
+        *goesOn = piece < sample.rects().size();
         if (!*goesOn)
             return {};
         if (cancel.isRaised())
@@ -118,7 +118,7 @@ CError StepChooser::measure(std::size_t stride, double logStep, Trial *trial)
         bytes += std::max(static_cast<double>(count) / 2.0, static_cast<double>(count) - sample.excessBytes());
         cells += static_cast<double>(sample.cells(piece));
         piecesDone += 1.0;
-        progress(std::min(1.0, piecesDone / (kUsualTrials * static_cast<double>(sample.pieces()))));
+        progress(std::min(1.0, piecesDone / (kUsualTrials * static_cast<double>(sample.rects().size()))));
         return {};
     });
     *trial = {logStep, std::log2(bytes / cells)};

@@ -30,6 +30,7 @@ private slots:
     void pngFiles();
     void throughJpeg2000AndBack();
     void optionsGoIntoTheFile();
+    void highThroughput();
     void sideFiles();
     void wrongUsage_data();
     void wrongUsage();
@@ -273,6 +274,34 @@ void TestXrvCompress::optionsGoIntoTheFile()
     QVERIFY(runTool(QStringLiteral("xrvinfo"), {output}).output.contains(QStringLiteral("  author: 山田太郎\n")));
 }
 
+void TestXrvCompress::highThroughput()
+{
+    QImage image(700, 500, QImage::Format_RGB888);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixelColor(x, y, QColor((x * x / 50 + y) & 255, (x * y / 100) & 255, (x ^ y) & 255));
+    QVERIFY(image.save(path(QStringLiteral("busy.png"))));
+    const QString tool = QStringLiteral("xrvcompress"), input = path(QStringLiteral("busy.png"));
+    const QString fast = QStringLiteral("--high-throughput"), output = path(QStringLiteral("fast.jph"));
+
+    const ToolRun lossless = runTool(tool, {fast, QStringLiteral("--jp2"), input, output});
+    QCOMPARE(lossless.status, 0);
+    QCOMPARE(lossless.output + lossless.errors, QString());
+    const QJsonObject info = infoOf(output);
+    QCOMPARE(info[QStringLiteral("codestream")][QStringLiteral("block coding")].toString(),
+             QStringLiteral("high-throughput"));
+    const std::vector<std::int32_t> cells = cellsOf(output, 1);
+    QCOMPARE(int(cells.size()), 700 * 500);
+    for (int i = 0; i < int(cells.size()); ++i)
+        QCOMPARE(cells[std::size_t(i)], image.pixelColor(i % 700, i / 700).green());
+
+    const ToolRun lossy = runTool(tool, {fast, QStringLiteral("--jp2"), QStringLiteral("--rate=6"), input, output});
+    QCOMPARE(lossy.status, 0);
+    QCOMPARE(lossy.output + lossy.errors, QString());
+    const double rate = 700.0 * 500.0 * 3.0 / double(QFileInfo(output).size());
+    QVERIFY2(qAbs(rate - 6.0) < 0.2, qPrintable(QString::number(rate)));
+}
+
 void TestXrvCompress::sideFiles()
 {
     Recipe recipe;
@@ -313,6 +342,7 @@ void TestXrvCompress::wrongUsage_data()
     row("rate that is no number", "--rate nan a b", "is no value");
     row("block size that is no power of two", "--block-size 1000 a b", "is no value");
     row("33 layers", "--layers 33 a b", "is no value");
+    row("layers of high-throughput blocks", "--high-throughput --layers 2 a b", "one quality layer only");
     row("both kinds", "--lossless --rate 4 a b", "exclude each other");
 }
 

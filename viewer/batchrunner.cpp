@@ -91,16 +91,19 @@ void BatchRunner::takeSource(const QString &source)
         return;
     }
     LayerOpener::Result result = opener.open(source);
-    if (result.layer)
+    if (result.layer) {
         takeLayer(source, std::move(result.layer));
-    else
+    } else {
+        failures.take(); // the layer has told what the log says
         describeFailure(source, result.error);
+    }
 }
 
 void BatchRunner::takeProject(const QString &fileName)
 {
     QString error;
     Project project = ProjectReader(registry).read(Sources::normalized(fileName), &error);
+    failures.take();
     for (const QString &warning : qAsConst(project.warnings))
         describeFailure(fileName, warning);
     if (!error.isEmpty() || project.views.empty()) {
@@ -121,7 +124,7 @@ void BatchRunner::takeLayer(const QString &source, std::unique_ptr<Layer> layer)
 {
     if (commandLine.describe)
         describe(source, *layer);
-    if (!wantsPictures())
+    if (tellFailures() || !wantsPictures())
         return;
     if (firstBounds.isNull())
         firstBounds = layer->getBounds();
@@ -144,6 +147,15 @@ void BatchRunner::describeFailure(const QString &source, const QString &error)
     const QJsonObject object{{QStringLiteral("source"), Sources::withoutCredentials(source)},
                              {QStringLiteral("error"), error}};
     out << QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) << '\n';
+}
+
+/// Whether there was anything to tell.
+bool BatchRunner::tellFailures()
+{
+    const QStringList sentences = failures.take();
+    for (const QString &sentence : sentences)
+        fail(sentence);
+    return !sentences.isEmpty();
 }
 
 void BatchRunner::writePictures()
@@ -171,7 +183,7 @@ void BatchRunner::writeScreenshot()
                  .arg(commandLine.pictureSize.height()));
     } else if (!isComplete) {
         fail(QStringLiteral("The picture was not complete after %1 seconds and is not written.").arg(timeoutMs / 1000));
-    } else {
+    } else if (!tellFailures()) {
         write(image, commandLine.screenshotFile);
     }
 }
@@ -216,7 +228,7 @@ QImage BatchRunner::windowPicture()
         return QImage();
     }
     settle();
-    return window->grab().toImage();
+    return tellFailures() ? QImage() : window->grab().toImage();
 }
 
 void BatchRunner::write(const QImage &image, const QString &fileName)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commandline.h"
+#include "failurewatch.h"
 #include "layeropener.h"
 
 #include <QImage>
@@ -49,6 +50,7 @@ private:
     void takeLayer(const QString &source, std::unique_ptr<Korvane::Map::Layer> layer);
     void describe(const QString &source, Korvane::Map::Layer &layer);
     void describeFailure(const QString &source, const QString &error);
+    bool tellFailures();
     void writePictures();
     void writeScreenshot();
     QImage windowPicture();
@@ -60,6 +62,7 @@ private:
     const CommandLine &commandLine;
     const Korvane::PluginRegistry &registry;
     LayerOpener opener;
+    FailureWatch failures;
     QTextStream &out;
     QTextStream &err;
     int timeoutMs = kDefaultTimeoutMs;

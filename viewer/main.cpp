@@ -52,27 +52,33 @@ void ensureUtf8Locale()
 #endif
 }
 
-/// Without a display the toolkit would end the program; with this platform it draws in memory. So it does for a
-/// description: that shows nothing, and what the pages copy stays off the clipboard that a person is using. Returns
-/// whether there is a window system, or one was named, that a person can be expected to see a window on.
-bool ensurePlatform(bool isDescription)
+/// Without a display the toolkit would end the program; with this platform it draws in memory. So it does where no
+/// window is asked for: the map's picture then depends on no display, and what the pages copy for a description stays
+/// off the clipboard that a person is using. Returns whether there is a window system, or one was named, that a person
+/// can be expected to see a window on.
+bool ensurePlatform(bool needsWindow)
 {
 #ifdef Q_OS_LINUX
     const bool hasDisplay = !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-    if ((!hasDisplay || isDescription) && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+    if ((!hasDisplay || !needsWindow) && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         return false;
     }
 #else
-    Q_UNUSED(isDescription);
+    Q_UNUSED(needsWindow);
 #endif
     return true;
 }
 
 /// Before the toolkit is there to take the command line apart.
-bool asksForDescription(int argc, char *argv[])
+bool needsWindow(int argc, char *argv[])
 {
-    return std::any_of(argv, argv + argc, [](const char *argument) { return qstrcmp(argument, "--describe") == 0; });
+    const auto has = [&](const QByteArray &option) {
+        return std::any_of(argv, argv + argc, [&](const char *argument) {
+            return argument == option || QByteArray(argument).startsWith(option + '=');
+        });
+    };
+    return !has("--describe") && (has("--window") || !has("--screenshot"));
 }
 
 /// What the toolkit grumbles about belongs into the log: standard error is for what a person has to know.
@@ -86,7 +92,7 @@ void logToolkitMessage(QtMsgType type, const QMessageLogContext &, const QString
         level = Application::LogError;
     Application::logMessage(text, level, QDateTime::currentDateTime());
     if (level == Application::LogError)
-        std::fprintf(stderr, "qdviewer: %s\n", qPrintable(text));
+        std::fprintf(stderr, "qdviewer: %s\n", qPrintable(text.simplified()));
 }
 
 void nameApplication()
@@ -164,7 +170,7 @@ bool useSettings(const QString &fileName)
 int main(int argc, char *argv[])
 {
     ensureUtf8Locale();
-    const bool hasWindows = ensurePlatform(asksForDescription(argc, argv));
+    const bool hasWindows = ensurePlatform(needsWindow(argc, argv));
     qInstallMessageHandler(logToolkitMessage);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);

@@ -1,5 +1,6 @@
 #include "quadlayer.h"
 
+#include <QDGui/application.h>
 #include <QDGui/geoimage.h>
 #include <QDGui/geopainter.h>
 
@@ -52,6 +53,9 @@ QRectF QuadLayer::getBounds() const
 void QuadLayer::setView(int, int, double, double, double, double)
 {
     percent = 50;
+    if (mode == QLatin1String("broken"))
+        Korvane::Application::logMessage(QStringLiteral("The quad is broken."), Korvane::Application::LogCritical,
+                                         QDateTime::currentDateTime());
     if (mode == QLatin1String("slow"))
         QTimer::singleShot(kSlowMs, this, &QuadLayer::complete);
     else if (mode != QLatin1String("never"))

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void screenshotOfExtent();
     void screenshotWaits();
     void giveUpWithoutPicture();
+    void noPictureOfBrokenLayers();
     void failuresDoNotStopTheRest();
     void noPictureWithoutLayers();
     void unwritablePicture();
@@ -108,6 +109,16 @@ void TestBatchRunner::giveUpWithoutPicture()
     QCOMPARE(run({QStringLiteral("--screenshot"), picture, file}, 300), 1);
     QVERIFY2(err.contains("not complete"), err.constData());
     QVERIFY(!QFile::exists(picture));
+}
+
+void TestBatchRunner::noPictureOfBrokenLayers()
+{
+    const QString file = test.quad(QStringLiteral("broken.quad"), "QUAD 40 20 0 0 1 broken");
+    for (const char *option : {"--screenshot", "--window"}) {
+        QCOMPARE(run({QLatin1String(option), picture, file}), 1);
+        QVERIFY2(err.contains("The quad is broken."), err.constData());
+        QVERIFY(!QFile::exists(picture));
+    }
 }
 
 void TestBatchRunner::failuresDoNotStopTheRest()

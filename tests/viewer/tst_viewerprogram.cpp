@@ -34,11 +34,12 @@ class TestViewerProgram : public QObject
 private Q_SLOTS:
     void initTestCase();
     void picturesAreExact();
-    void worksInPlainLocale();
+    void worksInPoorSurroundings();
     void describes();
     void describesWhatTheFileHolds();
     void endsOnDamagedFiles_data();
     void endsOnDamagedFiles();
+    void tellsOfDamageWhenStrict();
     void usesTheSettingsFileGiven();
     void refusesInOneLine_data();
     void refusesInOneLine();
@@ -53,7 +54,7 @@ private:
     };
 
     QString write(const QString &name, const jp2maker::FileBytes &bytes) const;
-    Outcome run(const QStringList &arguments, bool plainLocale = false) const;
+    Outcome run(const QStringList &arguments, bool poorSurroundings = false) const;
 
     QTemporaryDir folder;
     QString gradient;
@@ -74,14 +75,16 @@ QString TestViewerProgram::write(const QString &name, const jp2maker::FileBytes 
     return file.fileName();
 }
 
-TestViewerProgram::Outcome TestViewerProgram::run(const QStringList &arguments, bool plainLocale) const
+TestViewerProgram::Outcome TestViewerProgram::run(const QStringList &arguments, bool poorSurroundings) const
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "XDG_RUNTIME_DIR"})
         environment.remove(QLatin1String(name));
     environment.insert(QStringLiteral("QDVIEWER_PLUGIN_PATH"), QStringLiteral(PLUGIN_FOLDER));
-    if (plainLocale)
+    if (poorSurroundings) {
         environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C"));
+        environment.insert(QStringLiteral("DISPLAY"), QStringLiteral("no-such-host:1"));
+    }
     QProcess process;
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(QDVIEWER_PROGRAM),
@@ -119,7 +122,7 @@ void TestViewerProgram::picturesAreExact()
             QCOMPARE(image.pixelColor(x, y), QColor(x, y, 50));
 }
 
-void TestViewerProgram::worksInPlainLocale()
+void TestViewerProgram::worksInPoorSurroundings()
 {
     const QString picture = folder.filePath(QString::fromUtf8("Bild 画.png"));
     const Outcome outcome = run({QStringLiteral("--screenshot"), picture, gradient}, true);
@@ -189,6 +192,25 @@ void TestViewerProgram::endsOnDamagedFiles()
     QVERIFY2(outcome.status == 0 || outcome.status == 1, outcome.err.constData());
     QCOMPARE(QFile::exists(picture), outcome.status == 0);
     QCOMPARE(int(outcome.err.count('\n')), outcome.status);
+}
+
+void TestViewerProgram::tellsOfDamageWhenStrict()
+{
+    const QString settingsFile = folder.filePath(QStringLiteral("own.ini"));
+    {
+        QSettings settings(settingsFile, QSettings::IniFormat);
+        settings.setValue(QStringLiteral("XRVJP2kLayer/ResilientDecoding"), false);
+    }
+    jp2maker::FileBytes bytes = gradientBytes;
+    bytes.resize(bytes.size() / 2);
+    const QString picture = folder.filePath(QStringLiteral("strict.png"));
+    const QString cut = write(QStringLiteral("strict.jp2"), bytes);
+    const Outcome broken = run({QStringLiteral("--screenshot"), picture, cut});
+    QCOMPARE(broken.status, 1);
+    QCOMPARE(broken.err.count('\n'), 1);
+    QVERIFY2(broken.err.contains("strict.jp2"), broken.err.constData());
+    QVERIFY(!QFile::exists(picture));
+    QVERIFY(QFile::remove(settingsFile));
 }
 
 void TestViewerProgram::usesTheSettingsFileGiven()

@@ -90,6 +90,8 @@ CommandLine fromParser(const QCommandLineParser &parser)
             return failed(QStringLiteral("\"%1\" is not an extent X1,Y1,X2,Y2 with X1 < X2 and Y1 > Y2.")
                               .arg(parser.value(kExtent)));
     }
+    if (result.sources.contains(QString()))
+        return failed(QStringLiteral("The name of a file or address is empty."));
     if (result.sources.isEmpty() && (result.describe || !result.screenshotFile.isEmpty()))
         return failed(QStringLiteral("Name at least one file or address."));
     return result;

@@ -242,6 +242,7 @@ void TestViewerProgram::refusesInOneLine_data()
     QTest::newRow("settings in a folder")
         << QStringList{describe, gradient, settings, folder.path()} << 1 << QByteArray("settings");
     QTest::newRow("folder as source") << QStringList{describe, folder.path()} << 1 << QByteArray("folder");
+    QTest::newRow("nothing as source") << QStringList{describe, QString()} << 2 << QByteArray("empty");
 }
 
 void TestViewerProgram::refusesInOneLine()

@@ -79,7 +79,7 @@ void BatchRunner::showLayers()
         if (view->addLayer(entry.layer.get(), -1) >= 0)
             entry.layer.release();
         else
-            fail(QStringLiteral("%1 cannot be shown.").arg(Sources::withoutCredentials(entry.source)));
+            fail(QStringLiteral("%1 cannot be shown.").arg(Sources::shown(entry.source)));
     }
     opened.clear();
 }

@@ -112,7 +112,7 @@ QVariant LayerListModel::data(const QModelIndex &index, int role) const
 
 QString LayerListModel::toolTip(const Layer &layer) const
 {
-    const QString source = Sources::withoutCredentials(Sources::ofLayer(layer));
+    const QString source = Sources::shown(Sources::ofLayer(layer));
     QStringList lines{Sources::isAddress(source) ? source : QDir::toNativeSeparators(source)};
     if (!layer.getFormat().isEmpty())
         lines.append(layer.getFormat());

@@ -51,7 +51,7 @@ LayerOpener::Result LayerOpener::open(const QString &source) const
         if (isCancelled)
             break;
     }
-    const QString name = QDir::toNativeSeparators(Sources::withoutCredentials(normalized));
+    const QString name = QDir::toNativeSeparators(Sources::shown(normalized));
     if (registry.getPlugins().isEmpty())
         return {nullptr, tr("%1 cannot be opened: no layer plug-in is loaded. %2")
                              .arg(name, registry.getErrors().join(QLatin1Char(' ')))

@@ -37,7 +37,7 @@ LayerSummaryPage::LayerSummaryPage(const Layer &layer, QWidget *parent)
 {
     setWindowTitle(tr("General"));
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    const QString source = Sources::withoutCredentials(Sources::ofLayer(layer));
+    const QString source = Sources::shown(Sources::ofLayer(layer));
     addRow(tr("Source:"), Sources::isAddress(source) ? source : QDir::toNativeSeparators(source));
     addRow(tr("Format:"), layer.getFormat());
     addRow(tr("Access:"), layer.getProtocol());

@@ -231,7 +231,7 @@ QString MainWindow::addLayer(const QString &source, QPointer<MapView> *view)
     if (!*view)
         *view = area->createView();
     if ((*view)->addLayer(result.layer.get(), -1) < 0)
-        return tr("%1 cannot be shown.").arg(QDir::toNativeSeparators(Sources::withoutCredentials(source)));
+        return tr("%1 cannot be shown.").arg(QDir::toNativeSeparators(Sources::shown(source)));
     result.layer.release();
     recentSources->add(Sources::normalized(source));
     return QString();

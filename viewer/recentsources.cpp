@@ -66,7 +66,7 @@ void RecentSources::refill(QMenu *menu)
     const QStringList sources = entries();
     int number = 1;
     for (const QString &source : sources) {
-        QString name = Sources::isAddress(source) ? source : QDir::toNativeSeparators(source);
+        QString name = Sources::isAddress(source) ? Sources::shown(source) : QDir::toNativeSeparators(source);
         name.replace(QLatin1Char('&'), QLatin1String("&&"));
         const QString mnemonic = number < 10 ? QStringLiteral("&%1  ").arg(number) : QString();
         QAction *action = menu->addAction(mnemonic + name);

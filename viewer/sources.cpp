@@ -58,13 +58,18 @@ QString withoutCredentials(const QString &source)
     return Korvane::Util::Address::withoutCredentials(source);
 }
 
+QString shown(const QString &source)
+{
+    return Korvane::Util::Address::shown(source);
+}
+
 QString shortName(const QString &source)
 {
     QString path = isAddress(source) ? QUrl(source).path() : QDir::fromNativeSeparators(source);
     while (path.endsWith(QLatin1Char('/')))
         path.chop(1);
     const QString name = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
-    return name.isEmpty() ? withoutCredentials(source) : name;
+    return name.isEmpty() ? shown(source) : name;
 }
 
 QStringList fromMimeData(const QMimeData &data)
@@ -95,7 +100,7 @@ QString checkReadable(const QString &source)
     if (isAddress(source))
         return QString();
     const QFileInfo info(source);
-    const QString name = QDir::toNativeSeparators(source);
+    const QString name = source.isEmpty() ? QStringLiteral("\"\"") : QDir::toNativeSeparators(source);
     if (!info.exists())
         return info.isSymLink() ? Texts::tr("%1 is a link to a file that does not exist.").arg(name)
                                 : Texts::tr("%1 does not exist.").arg(name);

@@ -21,8 +21,10 @@ bool isAddress(const QString &source);
 /// The source in the form that is stored and compared: an absolute path for a file (also for a file: address), an
 /// address as it stands, without blanks around either.
 QString normalized(const QString &source);
-/// The address without user name and password, for whatever is shown, logged or stored; a file name as it stands.
+/// The address without user name and password, for whatever is stored or handed on; a file name as it stands.
 QString withoutCredentials(const QString &source);
+/// The same without what follows "?", for whatever is shown or logged.
+QString shown(const QString &source);
 /// What a person calls it: the last part of the path.
 QString shortName(const QString &source);
 /// What a drag or the clipboard holds: addresses, else the lines of its text that are an address or an existing file.

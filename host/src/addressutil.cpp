@@ -27,6 +27,13 @@ QString withoutCredentials(const QString &source)
     return result.replace(kCredentials, QStringLiteral("\\1"));
 }
 
+QString shown(const QString &source)
+{
+    const QString plain = withoutCredentials(source);
+    const int question = isAddress(plain) ? plain.indexOf(QLatin1Char('?')) : -1;
+    return question < 0 ? plain : plain.left(question) + QLatin1String("?...");
+}
+
 QString narrowed(const QString &source)
 {
     const auto isWide = [](QChar character) { return character.unicode() > 0xFF; };

@@ -147,7 +147,7 @@ bool Layer::readXML(QDomNode &node, QDir &projectFolder, QString *error)
     const QString source = resolvedSource(sourceElement, projectFolder);
     const bool isOpen = source.isEmpty() || setDataSource(source);
     if (!isOpen && error)
-        *error = tr("%1 cannot be opened: %2").arg(Util::Address::withoutCredentials(source), getLastError());
+        *error = tr("%1 cannot be opened: %2").arg(Util::Address::shown(source), getLastError());
 
     // Opening a source gives the layer its description, so the saved one comes after.
     const QString description = childText(node, kDescription);

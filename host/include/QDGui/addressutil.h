@@ -13,8 +13,11 @@ namespace Address {
 QDGUI_EXPORT bool isAddress(const QString &source);
 
 /// \a source without the user name and password that an address may hold before the server's name (RFC 3986 3.2.1);
-/// what is no address is returned as it is. For whatever is shown, logged or stored.
+/// what is no address is returned as it is. For whatever is stored or handed on to be opened again.
 QDGUI_EXPORT QString withoutCredentials(const QString &source);
+
+/// The same without what follows "?" in an address, which may be a token. For whatever is shown or logged.
+QDGUI_EXPORT QString shown(const QString &source);
 
 /// Layers may keep a source as the bytes of its UTF-8 text, widened one by one. The text itself where \a source can be
 /// nothing else, otherwise \a source.

@@ -69,14 +69,15 @@ OpenFile::OpenFile()
 OpenFile::~OpenFile()
 {
     if (rasterReader)
-        logNamed(PLK_LOG_INFO, "Closed \"" + fileName + "\".");
+        logNamed(PLK_LOG_INFO, "Closed \"" + shownFileName + "\".");
 }
 
 CError OpenFile::open(const std::string &givenName, const COpenControl &control, std::shared_ptr<OpenFile> *file)
 {
-    const std::string name = xrv::printableName(givenName); // a password goes nowhere from here
+    const std::string name = xrv::shownName(givenName);
     std::shared_ptr<OpenFile> opened(new OpenFile);
-    opened->fileName = name;
+    opened->fileName = xrv::printableName(givenName); // a password goes nowhere from here
+    opened->shownFileName = name;
     opened->faultLog = std::make_shared<xrv::FaultLog>(name);
     std::vector<std::string> warnings;
     CError error;
@@ -114,8 +115,8 @@ CError OpenFile::openParts(std::vector<std::string> *warnings)
     findPlace(warnings);
     fillInfo();
     const xrv::RasterInfo &raster = rasterReader->info();
-    logNamed(PLK_LOG_INFO, "Opened \"" + fileName + "\": " + typeName() + ", " + std::to_string(raster.width) + " x " +
-                               std::to_string(raster.height) + " cells, " + std::to_string(fileInfo.nBands) +
+    logNamed(PLK_LOG_INFO, "Opened \"" + shownFileName + "\": " + typeName() + ", " + std::to_string(raster.width) +
+                               " x " + std::to_string(raster.height) + " cells, " + std::to_string(fileInfo.nBands) +
                                " bands, " + std::to_string(byteSource->size()) + " bytes.");
     return {};
 }
@@ -301,7 +302,7 @@ CError OpenFile::findStatistics(xrv::StatisticsPtr *kept, xrv::StatisticsDetail 
             if (CError error = makeStatistics(kept, detail))
                 return error;
     } catch (const std::bad_alloc &) {
-        return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory for the statistics of \"" + fileName + "\"."};
+        return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory for the statistics of \"" + shownFileName + "\"."};
     }
     *result = kept->get();
     return {};
@@ -315,7 +316,7 @@ CError OpenFile::readStoredStatistics(xrv::StatisticsPtr *kept)
         return error;
     *kept = xrv::parseStatistics(content, bandInfos.size());
     if (!*kept && !content.empty())
-        logNamed(PLK_LOG_WARNING, "\"" + fileName + "\": The statistics are damaged and are computed anew.");
+        logNamed(PLK_LOG_WARNING, "\"" + shownFileName + "\": The statistics are damaged and are computed anew.");
     return {};
 }
 
@@ -326,7 +327,7 @@ CError OpenFile::makeStatistics(xrv::StatisticsPtr *kept, xrv::StatisticsDetail 
     if (CError error = xrv::computeStatistics(*rasterReader, map, detail, resilient, kept, faultLog.get()))
         return error;
     const auto elapsed = std::chrono::steady_clock::now() - start;
-    logNamed(PLK_LOG_DEBUG, "Statistics of \"" + fileName + "\" took " +
+    logNamed(PLK_LOG_DEBUG, "Statistics of \"" + shownFileName + "\" took " +
                                 std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count()) +
                                 " ms.");
     return {};

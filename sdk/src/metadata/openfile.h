@@ -37,6 +37,8 @@ public:
 
     /// As given, but without the user and password of an address.
     const std::string &name() const { return fileName; }
+    /// As it may be shown and logged: of an address, what follows "?" is left out too.
+    const std::string &shownName() const { return shownFileName; }
     /// Told of damage that is met later, and of failures.
     const std::shared_ptr<xrv::FaultLog> &faults() const { return faultLog; }
     /// Name of the file in the file system, empty for streams.
@@ -82,7 +84,7 @@ private:
     double uncompressedBytes() const;
     std::string typeName() const;
 
-    std::string fileName, localFileName;
+    std::string fileName, shownFileName, localFileName;
     std::shared_ptr<xrv::FaultLog> faultLog;
     PLKFileType fileType = PLK_FILE_UNKNOWN;
     std::shared_ptr<xrv::ByteSource> byteSource;

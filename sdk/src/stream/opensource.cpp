@@ -3,6 +3,7 @@
 #include "../io/filenames.h"
 #include "../io/filesource.h"
 
+#include "streamaddress.h"
 #include "streamsource.h"
 
 #include <utility>
@@ -16,11 +17,11 @@ CError openSource(const std::string &name, std::shared_ptr<ByteSource> *source, 
     if (isStreamAddress(name))
         return StreamSource::open(name, StreamOptions::fromConfig(), source, std::move(watch));
     if (hasScheme(name, "jpip") || hasScheme(name, "jpips"))
-        return {PLK_ERR_PROTOCOL, "The JPIP protocol is not supported: \"" + name + "\"."};
+        return {PLK_ERR_PROTOCOL, "The JPIP protocol is not supported: \"" + shownName(name) + "\"."};
     if (hasScheme(name, "http") || hasScheme(name, "https"))
         return {PLK_ERR_PROTOCOL, "Images on a web server are opened by an address that begins with \"xrvp://\" or "
                                   "\"xrvps://\", not with \"http://\" or \"https://\": \"" +
-                                      name + "\"."};
+                                      shownName(name) + "\"."};
     return FileSource::open(localPath(name), source);
 }
 

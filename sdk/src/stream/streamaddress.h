@@ -20,8 +20,10 @@ public:
     std::string url() const { return server() + target; }
     /// "https://host:port": what connections, limits and passwords belong to.
     std::string server() const;
-    /// The address without user and password, for logs, messages and cache keys; without a default port.
+    /// The address without user and password, to be handed out and kept; without a default port.
     std::string printable() const;
+    /// The same as it may be shown and logged: what follows "?" may be a token and is left out.
+    std::string shown() const;
 
     bool hasCredentials() const { return !user.empty() || !password.empty(); }
     const std::string &userName() const { return user; }
@@ -41,7 +43,10 @@ private:
     std::string target; ///< "/path?query", encoded
 };
 
-/// \a name as it may be shown and logged: addresses without user and password, anything else unchanged.
+/// \a name as it may be handed out and kept: addresses without user and password, anything else unchanged.
 std::string printableName(const std::string &name);
+/// \a name as it may be shown and logged: addresses, whatever their scheme, without user, password and what follows
+/// "?", anything else unchanged.
+std::string shownName(const std::string &name);
 
 } // namespace xrv

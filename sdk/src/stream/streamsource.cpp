@@ -61,6 +61,7 @@ private:
 StreamSource::StreamSource(const StreamAddress &address, const StreamOptions &options,
                            std::shared_ptr<OpenWatch> openWatch)
     : printableAddress(address.printable())
+    , shownAddress(address.shown())
     , watch(openWatch ? std::move(openWatch) : std::make_shared<OpenWatch>())
     , link(address, options, watch)
     , fetcher(link)
@@ -113,7 +114,7 @@ CError StreamSource::connect()
     if (!cached || cached->version().text() != version.text() || !version.isTellable())
         cached = version.isTellable() ? cache.stream(printableAddress, version) : nullptr;
     if (cached)
-        fetcher.setWholeSink(std::make_shared<WholeFileSink>(cached, printableAddress));
+        fetcher.setWholeSink(std::make_shared<WholeFileSink>(cached, shownAddress));
     fileNumber = SegmentStore::instance().fileNumber(identity());
     newestPin = nextNumber();
     if (logEnabled(PLK_LOG_DEBUG))

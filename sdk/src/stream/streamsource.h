@@ -28,7 +28,7 @@ public:
                             std::shared_ptr<ByteSource> *source, std::shared_ptr<OpenWatch> watch = nullptr);
     ~StreamSource() override;
 
-    const std::string &name() const override { return printableAddress; }
+    const std::string &name() const override { return shownAddress; }
     std::uint64_t size() const override { return version.length; }
     bool isRemote() const override { return true; }
     std::string identity() const override { return printableAddress + '|' + version.text() + uniqueMark; }
@@ -57,7 +57,7 @@ private:
     void setCondition(const PLK::CError &error);
     PLK::CError waitForOthers(const CancelFlag &cancel);
 
-    const std::string printableAddress;
+    const std::string printableAddress, shownAddress;
     const std::shared_ptr<OpenWatch> watch;
     ServerLink link;
     RangeFetcher fetcher;

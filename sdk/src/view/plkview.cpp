@@ -161,8 +161,8 @@ CError CView::Open(const CString &name, bool progressive, bool update)
         if (const CError error = OpenFileNamed(name, openControl))
             return error;
         const std::shared_ptr<OpenFile> &file = SharedFile();
-        const xrv::ViewSource source{file,         &file->reader(), &file->bandMap(), file->canBeDithered(),
-                                     file->name(), file->faults()};
+        const xrv::ViewSource source{
+            file, &file->reader(), &file->bandMap(), file->canBeDithered(), file->shownName(), file->faults()};
         d->setEngine(std::make_shared<xrv::ViewEngine>(source, progressive, *d));
     } catch (const std::bad_alloc &) {
         CloseFile(true);

@@ -62,7 +62,7 @@ private:
     std::uint64_t wholeLimit() const;
     void logRequests(const std::vector<RangeGroup> &groups) const;
     void logRetry(const PLK::CError &error) const;
-    std::string quotedName() const { return '"' + link.address().printable() + '"'; }
+    std::string quotedName() const { return '"' + link.address().shown() + '"'; }
 
     ServerLink &link;
     std::shared_ptr<BodySink> wholeSink;

@@ -43,8 +43,9 @@ void setTags(TIFF *tiff, const TiffRecipe &recipe)
         TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &alpha);
     }
     if (recipe.photometric == PHOTOMETRIC_PALETTE) {
-        std::vector<std::uint16_t> red(256), green(256), blue(256);
-        for (int i = 0; i < 256; ++i) {
+        const int count = 1 << recipe.bits;
+        std::vector<std::uint16_t> red(std::size_t(count), 0), green = red, blue = red;
+        for (int i = 0; i < count; ++i) {
             red[std::size_t(i)] = std::uint16_t(i * 257);
             green[std::size_t(i)] = std::uint16_t((255 - i) * 257);
             blue[std::size_t(i)] = std::uint16_t(i / 2 * 257);
@@ -55,24 +56,38 @@ void setTags(TIFF *tiff, const TiffRecipe &recipe)
         place(tiff);
 }
 
+/// Adds the lowest \a bits of \a value, highest first, to a row that has \a place bits.
+void addBits(std::vector<std::uint8_t> *row, std::size_t place, int bits, int value)
+{
+    for (int bit = bits - 1; bit >= 0; --bit, ++place) {
+        if (place % 8 == 0)
+            row->push_back(0);
+        row->back() = static_cast<std::uint8_t>(row->back() | (value >> bit & 1) << (7 - place % 8));
+    }
+}
+
 /// Cells of [x0, x0 + width) x [y0, y0 + height); those beyond the image are those of its edge.
 std::vector<std::uint8_t> pieceOf(const TiffRecipe &recipe, int plane, int x0, int y0, int width, int height)
 {
     const int together = recipe.isPlanar ? 1 : recipe.samples;
     std::vector<std::uint8_t> bytes;
     for (int y = y0; y < y0 + height; ++y) {
+        std::vector<std::uint8_t> row;
+        std::size_t place = 0;
         for (int x = x0; x < x0 + width; ++x) {
             for (int i = 0; i < together; ++i) {
                 const int value = recipe.cell(plane + i, std::min(x, recipe.width - 1), std::min(y, recipe.height - 1));
                 const auto word = static_cast<std::uint16_t>(value);
-                const std::size_t size = bytes.size();
-                bytes.resize(size + std::size_t(recipe.bits / 8));
-                if (recipe.bits == 8)
-                    bytes[size] = static_cast<std::uint8_t>(value);
-                else
-                    std::memcpy(&bytes[size], &word, sizeof word);
+                if (recipe.bits == 16) {
+                    row.resize(row.size() + sizeof word);
+                    std::memcpy(&row[row.size() - sizeof word], &word, sizeof word);
+                } else {
+                    addBits(&row, place, recipe.bits, value);
+                    place += std::size_t(recipe.bits);
+                }
             }
         }
+        bytes.insert(bytes.end(), row.begin(), row.end());
     }
     return bytes;
 }
@@ -85,6 +100,8 @@ bool writeTiles(TIFF *tiff, const TiffRecipe &recipe)
     for (int plane = 0; plane < (recipe.isPlanar ? recipe.samples : 1); ++plane)
         for (int y = 0; y < recipe.height; y += size)
             for (int x = 0; x < recipe.width; x += size) {
+                if (x < recipe.firstColumn)
+                    continue;
                 std::vector<std::uint8_t> tile = pieceOf(recipe, plane, x, y, size, size);
                 if (TIFFWriteTile(tiff, tile.data(), std::uint32_t(x), std::uint32_t(y), 0, std::uint16_t(plane)) < 0)
                     return false;

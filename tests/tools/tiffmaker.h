@@ -12,6 +12,7 @@ struct TiffRecipe
     int samples = 1, bits = 8;
     bool isSigned = false, isPlanar = false;
     int tileSize = 0;      ///< 0: strips
+    int firstColumn = 0;   ///< tiles to its left are left out; their cells count as 0
     int rowsPerStrip = 16; ///< of strips
     int compression = 1;   ///< as the tag has it: 1 none, 5 LZW
     int photometric = 1;   ///< as the tag has it: 0 white is zero, 1 black is zero, 2 RGB, 3 palette

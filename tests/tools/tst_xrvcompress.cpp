@@ -98,6 +98,11 @@ void TestXrvCompress::tiffFiles_data()
     row("palette", [](Recipe *r) { r->photometric = PHOTOMETRIC_PALETTE; });
     row("palette in tiles", [](Recipe *r) { r->photometric = PHOTOMETRIC_PALETTE, r->tileSize = 64; });
     row("white is zero", [](Recipe *r) { r->photometric = PHOTOMETRIC_MINISWHITE; });
+    row("one bit, white is zero", [](Recipe *r) { r->bits = 1, r->photometric = PHOTOMETRIC_MINISWHITE; });
+    row("four bits, palette", [](Recipe *r) { r->bits = 4, r->photometric = PHOTOMETRIC_PALETTE, r->width = 301; });
+    row("twelve bits, colours in tiles",
+        [](Recipe *r) { r->bits = 12, r->samples = 3, r->photometric = PHOTOMETRIC_RGB, r->tileSize = 64; });
+    row("tiles left out", [](Recipe *r) { r->tileSize = 64, r->firstColumn = 128; });
     row("BigTIFF with a place", [](Recipe *r) { r->isBigTiff = true, r->isPlaced = true; });
     row("more rows than a row of blocks", [](Recipe *r) { r->width = 90, r->height = 700, r->samples = 2; });
 }
@@ -105,7 +110,9 @@ void TestXrvCompress::tiffFiles_data()
 void TestXrvCompress::tiffFiles()
 {
     QFETCH(Recipe, recipe);
-    recipe.cell = [&recipe](int sample, int x, int y) { return slopeCell(recipe, sample, x, y); };
+    recipe.cell = [&recipe](int sample, int x, int y) {
+        return x < recipe.firstColumn ? 0 : slopeCell(recipe, sample, x, y);
+    };
     const QString input = path(QStringLiteral("in.tif"));
     QVERIFY(makeTiff(input, recipe));
     const QString output = compress(input, {QStringLiteral("--block-size"), QStringLiteral("128")});
@@ -118,7 +125,7 @@ void TestXrvCompress::tiffFiles()
         for (int y = 0; y < recipe.height; ++y)
             for (int x = 0; x < recipe.width; ++x)
                 expected.push_back(isPalette    ? paletteCell(band, recipe.cell(0, x, y))
-                                   : isInverted ? 255 - recipe.cell(0, x, y)
+                                   : isInverted ? (1 << recipe.bits) - 1 - recipe.cell(0, x, y)
                                                 : recipe.cell(band, x, y));
         QVERIFY(cellsOf(output, band) == expected);
     }

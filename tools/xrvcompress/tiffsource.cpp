@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::uint64_t kMostTileBytes = 1u << 30;
 
-/// A TIFF or GeoTIFF file with cells of 8 or 16 bits: strips or tiles, bands together or apart, and palettes, which
+/// A TIFF or GeoTIFF file with cells of 1 to 16 bits: strips or tiles, bands together or apart, and palettes, which
 /// become colours. Files in strips are read from top to bottom, those in tiles piece by piece.
 class TiffSource : public ImageSource
 {
@@ -36,7 +36,7 @@ public:
             photometric = PHOTOMETRIC_MINISBLACK;
         if (CError error = check())
             return error;
-        describe();
+        describe(warnings);
         readTags();
         completePlace(path, &image, warnings);
         return TIFFIsTiled(tiff) ? prepareTiles() : prepareRows();
@@ -56,7 +56,8 @@ public:
 private:
     TIFF *first() const { return handles.front().get(); }
     bool isApart() const { return planar == PLANARCONFIG_SEPARATE && samples > 1; }
-    std::size_t cellBytes() const { return bits / 8; }
+    bool isInBytes() const { return bits == 8 || bits == 16; } ///< else cells follow without gaps
+    std::uint64_t bytesOf(std::uint64_t cells) const { return (cells * bits + 7) / 8; }
     /// Samples that lie together in one buffer.
     std::size_t samplesTogether() const { return isApart() ? 1 : samples; }
 
@@ -74,11 +75,11 @@ private:
     {
         if (image.width == 0 || image.height == 0 || samples == 0)
             return failed();
-        if (bits != 8 && bits != 16)
-            return {PLK_ERR_UNSUPPORTED,
-                    "\"" + name + "\" has " + std::to_string(bits) + " bits per cell; only 8 and 16 are read."};
         if (format != SAMPLEFORMAT_UINT && format != SAMPLEFORMAT_INT)
             return {PLK_ERR_UNSUPPORTED, "\"" + name + "\" has cells that are no whole numbers."};
+        if (bits < 1 || bits > 16 || (format == SAMPLEFORMAT_INT && !isInBytes()))
+            return {PLK_ERR_UNSUPPORTED, "\"" + name + "\" has cells of " + std::to_string(bits) +
+                                             " bits; those of 1 to 16 bits are read, signed ones of 8 and 16."};
         std::uint16_t compression = COMPRESSION_NONE;
         TIFFGetFieldDefaulted(first(), TIFFTAG_COMPRESSION, &compression);
         if (!TIFFIsCODECConfigured(compression))
@@ -93,7 +94,7 @@ private:
         return {};
     }
 
-    void describe()
+    void describe(std::vector<std::string> *warnings)
     {
         std::uint16_t extraCount = 0, *extras = nullptr;
         TIFFGetFieldDefaulted(first(), TIFFTAG_EXTRASAMPLES, &extraCount, &extras);
@@ -111,6 +112,11 @@ private:
         if (isPalette)
             TIFFGetField(first(), TIFFTAG_COLORMAP, &palette[0], &palette[1], &palette[2]);
         isPalette = isPalette && palette[2];
+        const bool isPlain = isRgb || isGrey || photometric == PHOTOMETRIC_MINISBLACK;
+        if (!isPlain && warnings)
+            warnings->push_back("The colours of \"" + name +
+                                "\" are of a kind that is not converted; its bands stay as "
+                                "they are.");
     }
 
     void readTags()
@@ -137,7 +143,7 @@ private:
         TIFFGetField(first(), TIFFTAG_TILEWIDTH, &tileWidth);
         TIFFGetField(first(), TIFFTAG_TILELENGTH, &tileHeight);
         const auto bytes = static_cast<std::uint64_t>(std::max<tmsize_t>(0, TIFFTileSize(first())));
-        const std::uint64_t needed = std::uint64_t(tileWidth) * tileHeight * samplesTogether() * cellBytes();
+        const std::uint64_t needed = bytesOf(std::uint64_t(tileWidth) * samplesTogether()) * tileHeight;
         if (needed == 0 || needed > bytes || bytes > kMostTileBytes)
             return failed();
         buffer.resize(static_cast<std::size_t>(bytes));
@@ -149,14 +155,29 @@ private:
         for (std::int64_t y = rect.y0 / tileHeight * tileHeight; y < rect.y1; y += tileHeight) {
             for (std::int64_t x = rect.x0 / tileWidth * tileWidth; x < rect.x1; x += tileWidth) {
                 for (std::uint16_t plane = 0; plane < (isApart() ? samples : 1); ++plane) {
-                    if (TIFFReadTile(first(), buffer.data(), static_cast<std::uint32_t>(x),
-                                     static_cast<std::uint32_t>(y), 0, plane) < 0)
+                    if (!readTile(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), plane))
                         return failed();
                     spread({x, y, x + tileWidth, y + tileHeight}, rect, plane, buffer, planes);
                 }
             }
         }
         return {};
+    }
+
+    /// Sparse files leave out tiles and strips of zeros, and give them neither a length nor a place.
+    static bool isLeftOut(TIFF *tiff, std::uint32_t number)
+    {
+        int isUnknown = 0;
+        return TIFFGetStrileByteCountWithErr(tiff, number, &isUnknown) == 0 &&
+               TIFFGetStrileOffsetWithErr(tiff, number, &isUnknown) == 0 && !isUnknown;
+    }
+
+    bool readTile(std::uint32_t x, std::uint32_t y, std::uint16_t plane)
+    {
+        if (!isLeftOut(first(), TIFFComputeTile(first(), x, y, 0, plane)))
+            return TIFFReadTile(first(), buffer.data(), x, y, 0, plane) >= 0;
+        std::fill(buffer.begin(), buffer.end(), std::uint8_t(0));
+        return true;
     }
 
     // In strips.
@@ -168,8 +189,7 @@ private:
             if (!addHandle())
                 return failed();
         const auto bytes = static_cast<std::uint64_t>(std::max<tmsize_t>(0, TIFFScanlineSize(first())));
-        const std::uint64_t needed = std::uint64_t(image.width) * samplesTogether() * cellBytes();
-        if (needed > bytes)
+        if (bytesOf(std::uint64_t(image.width) * samplesTogether()) > bytes)
             return failed();
         rowBytes = static_cast<std::size_t>(bytes);
         TIFFGetFieldDefaulted(first(), TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
@@ -202,15 +222,23 @@ private:
         for (std::size_t plane = 0; plane < handles.size(); ++plane) {
             std::uint8_t *rows = kept.data() + plane * planeBytes;
             for (std::int64_t y = std::max(keptEnd, strip); y < end; ++y)
-                if (TIFFReadScanline(handles[plane].get(),
-                                     rows +
-                                         static_cast<std::size_t>(std::max<std::int64_t>(0, y - firstRow)) * rowBytes,
-                                     static_cast<std::uint32_t>(y), static_cast<std::uint16_t>(plane)) < 0)
+                if (!readRow(rows + static_cast<std::size_t>(std::max<std::int64_t>(0, y - firstRow)) * rowBytes,
+                             static_cast<std::uint32_t>(y), plane))
                     return failed();
         }
         keptFirst = firstRow;
         keptEnd = end;
         return {};
+    }
+
+    bool readRow(std::uint8_t *row, std::uint32_t y, std::size_t plane)
+    {
+        TIFF *tiff = handles[plane].get();
+        const auto sample = static_cast<std::uint16_t>(plane);
+        if (!isLeftOut(tiff, TIFFComputeStrip(tiff, y, sample)))
+            return TIFFReadScanline(tiff, row, y, sample) >= 0;
+        std::fill_n(row, rowBytes, std::uint8_t(0));
+        return true;
     }
 
     // From buffers to planes.
@@ -219,7 +247,7 @@ private:
     void spread(const IntRect &tile, const IntRect &rect, std::size_t plane, const Bytes &bytes,
                 const std::vector<std::int32_t *> &planes) const
     {
-        const std::size_t tileRow = tileWidth * samplesTogether() * cellBytes();
+        const auto tileRow = static_cast<std::size_t>(bytesOf(std::uint64_t(tileWidth) * samplesTogether()));
         for (std::int64_t y = std::max(tile.y0, rect.y0); y < std::min(tile.y1, rect.y1); ++y)
             spreadRow(bytes.data() + static_cast<std::size_t>(y - tile.y0) * tileRow, tile.x0, y,
                       rect.intersected(tile), plane, planes, rect);
@@ -238,8 +266,11 @@ private:
         for (std::size_t i = 0; i < together; ++i) {
             const std::size_t sample = plane + i;
             const std::int64_t place = (y - rect.y0) * rect.width() + part.x0 - rect.x0;
-            const std::uint8_t *cell = row + (static_cast<std::size_t>(part.x0 - rowX) * together + i) * cellBytes();
-            spreadCells(cell, together * cellBytes(), part.width(), planes[sample] + place);
+            const std::size_t cell = static_cast<std::size_t>(part.x0 - rowX) * together + i;
+            if (isInBytes())
+                spreadCells(row + cell * (bits / 8u), together * (bits / 8u), part.width(), planes[sample] + place);
+            else
+                spreadBits(row, cell, together, part.width(), planes[sample] + place);
             if (isPalette)
                 lookUp(part.width(), place, planes);
         }
@@ -261,6 +292,20 @@ private:
         for (std::int64_t i = 0; i < count; ++i, cell += step) {
             Cell value;
             std::memcpy(&value, cell, sizeof value);
+            out[i] = isInverted ? largest - value : value;
+        }
+    }
+
+    /// \a count cells from number \a cell of the row on, each \a step after the one before; the highest bit comes first
+    /// (TIFF 6.0, section 8).
+    void spreadBits(const std::uint8_t *row, std::size_t cell, std::size_t step, std::int64_t count,
+                    std::int32_t *out) const
+    {
+        const std::int32_t largest = (1 << bits) - 1;
+        for (std::int64_t i = 0; i < count; ++i, cell += step) {
+            std::int32_t value = 0;
+            for (std::size_t bit = cell * bits; bit < (cell + 1) * bits; ++bit)
+                value = value << 1 | (row[bit / 8] >> (7 - bit % 8) & 1);
             out[i] = isInverted ? largest - value : value;
         }
     }

@@ -28,6 +28,7 @@ constexpr int kPollInterval = 8; // milliseconds
 
 int runningTasks = 0;
 int cancelledTasks = 0;
+bool hasSeenQuit = false; // at the end of a task, whose caller may have others to come
 
 /// Puts the arrow in the place of a wait cursor: there is a button to click.
 class PlainCursor
@@ -60,6 +61,24 @@ QWidget *windowInFront()
             return window;
     }
     return nullptr;
+}
+
+bool turnOnce()
+{
+    bool hasTurned = false;
+    QEventLoop loop; // does not begin while the application quits
+    QTimer::singleShot(0, &loop, [&] {
+        hasTurned = true;
+        loop.quit();
+    });
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    return hasTurned;
+}
+
+/// Whether the application quits, or is about to: the first turn may handle an event that tells it to.
+bool isQuitting()
+{
+    return !turnOnce() || !turnOnce();
 }
 
 /// One task under way.
@@ -107,6 +126,8 @@ LongTask::Outcome Waiting::wait()
     end();
     if (goesOn)
         turnEvents(QEventLoop::ExcludeUserInputEvents, isDone);
+    // The dialog may have been closed with all other windows.
+    hasSeenQuit = isQuitting();
     return LongTask::Outcome::Cancelled;
 }
 
@@ -188,6 +209,11 @@ int LongTask::getCancelCount()
 
 LongTask::Outcome LongTask::run() const
 {
+    hasSeenQuit = hasSeenQuit && isQuitting();
+    if (hasSeenQuit) {
+        ++cancelledTasks;
+        return Outcome::Cancelled;
+    }
     std::optional<TaskThread> thread;
     try {
         if (canStayAlive())

@@ -313,6 +313,19 @@ void TestLongTask::endsWhenTheApplicationQuits()
     QCOMPARE(outcome, LongTask::Outcome::Cancelled);
     QVERIFY(sleep.isOver && !window->isVisible());
 
+    // What the same caller wants then is not begun, though there is no window left to be kept alive.
+    Sleep further(20000);
+    window->show();
+    QTimer::singleShot(0, this, [&] {
+        Sleep first(20000);
+        first.task().run();
+        outcome = further.task().run();
+    });
+    WhenShown again([](QDialog &) { QApplication::closeAllWindows(); });
+    QApplication::exec();
+    QCOMPARE(outcome, LongTask::Outcome::Cancelled);
+    QCOMPARE(further.where, std::thread::id());
+
     // Before there is a dialog, by way of the session's end.
     window->show();
     Sleep another(20000);

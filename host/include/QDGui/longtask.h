@@ -20,7 +20,7 @@ class QDGUI_EXPORT LongTask
 public:
     enum class Outcome {
         Done,     ///< the work has returned by itself
-        Cancelled ///< the person did not want to wait, or the application quits; the work was ended and has returned
+        Cancelled ///< the person did not want to wait, or the application quits; the work was ended, or not begun
     };
 
     struct Progress
@@ -32,7 +32,7 @@ public:
 
     /// Of the dialog.
     QString title, text;
-    /// What is to be done. Called once, from whatever thread.
+    /// What is to be done. Called at most once, from whatever thread.
     std::function<void()> work;
     /// Makes the work return soon. Called at most once, from the calling thread.
     std::function<void()> cancel;

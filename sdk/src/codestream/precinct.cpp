@@ -48,12 +48,6 @@ int passesInSegment(std::uint8_t style, int firstPass)
     return (firstPass - 10) % 3 == 0 ? 2 : 1;
 }
 
-bool hasMixedBlocks(const TileStyle &style)
-{
-    return std::any_of(style.components.begin(), style.components.end(),
-                       [](const ComponentStyle &component) { return component.codeBlockStyle & BlockStyle::kMixed; });
-}
-
 IntRect BandGrid::blockRect(std::uint32_t block) const
 {
     const std::int64_t x = firstX + block % across, y = firstY + block / across;

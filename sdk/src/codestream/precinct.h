@@ -89,21 +89,8 @@ private:
     bool usesEph;
 };
 
-/// Bits of the code-block style (table A.19).
-namespace BlockStyle {
-constexpr std::uint8_t kBypass = 1, kReset = 2, kTerminateAll = 4, kVerticallyCausal = 8, kPredictableTermination = 16,
-                       kSegmentationSymbols = 32;
-/// ISO/IEC 15444-15 annex A: high-throughput code-blocks, alone or mixed with others.
-constexpr std::uint8_t kHighThroughput = 64, kMixed = 128;
-/// Any of these may divide a code-block's data into several codeword segments.
-constexpr std::uint8_t kManySegments = kBypass | kTerminateAll | kHighThroughput;
-} // namespace BlockStyle
-
 /// Passes that the codeword segment with its first pass numbered \a firstPass can hold (table D.9; in high-throughput
 /// blocks a cleanup pass stands alone, the two refinement passes after it together: ISO/IEC 15444-15 annex B).
 int passesInSegment(std::uint8_t codeBlockStyle, int firstPass);
-
-/// High-throughput code-blocks stand among others. Their packet headers cannot be told apart from outside.
-bool hasMixedBlocks(const TileStyle &style);
 
 } // namespace xrv

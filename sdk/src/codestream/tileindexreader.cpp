@@ -2,7 +2,6 @@
 
 #include "../io/bytecursor.h"
 #include "packedheaders.h"
-#include "precinct.h"
 
 #include <algorithm>
 
@@ -76,7 +75,7 @@ void TileIndexReader::finishHeaders()
     const bool canPlace = !made->isPacked && !made->isMissing() && made->numbering->count() <= kMostPackets;
     if (canPlace)
         placePackets();
-    made->isWalkable = canPlace && !hasMixedBlocks(made->tileStyle);
+    made->isWalkable = canPlace;
 }
 
 void TileIndexReader::useIndex(ByteRange codestream)

@@ -93,7 +93,7 @@ template <typename T> struct TileSynthesis::Component
 bool TileSynthesis::supports(const MainHeader &header, const TileIndex &index)
 {
     const TileStyle &style = index.style();
-    if (!index.hasPacketPlaces() || hasMixedBlocks(style))
+    if (!index.hasPacketPlaces())
         return false;
     for (std::size_t c = 0; c < style.components.size(); ++c)
         if (header.components[c].bits > 26)

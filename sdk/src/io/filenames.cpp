@@ -4,6 +4,7 @@
 #include "utf8.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cwchar>
 
 namespace xrv {
@@ -15,7 +16,7 @@ std::string bytesOf(const std::wstring &wide)
 {
     std::string bytes;
     for (wchar_t unit : wide) {
-        if (unit < 0 || unit > 0xFF)
+        if (static_cast<std::uint32_t>(unit) > 0xFF)
             return {};
         bytes.push_back(static_cast<char>(unit));
     }

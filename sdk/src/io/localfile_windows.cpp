@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <system_error>
 
-#define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
 #include <windows.h>
 
 namespace xrv {

@@ -280,6 +280,11 @@ void TestHtBlocks::damage()
     const Bytes bytes = assemble(broken, 0, 0, 1, {});
     QVERIFY(decodeOwn(bytes).empty());
     QCOMPARE(decodeOwn(bytes, true), std::vector<std::int32_t>(64 * 63, 128));
+    broken.before[find(broken.before, 0x52) + 12] |= BlockStyle::kMixed;
+    const Bytes mixed = assemble(broken, 0, 0, 1, {});
+    std::unique_ptr<RasterReader> reader;
+    const PLK::CError error = RasterReader::open(std::make_shared<MemorySource>(mixed), {0, mixed.size()}, &reader);
+    QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_UNSUPPORTED));
 }
 
 QTEST_GUILESS_MAIN(TestHtBlocks)

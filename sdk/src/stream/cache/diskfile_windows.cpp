@@ -5,8 +5,6 @@
 #include <chrono>
 #include <thread>
 
-#define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
 #include <windows.h>
 
 namespace xrv {

@@ -23,10 +23,13 @@ set(XRV_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,
 
 # Compiler cache and fast linker where there are any: most of a full test run is building.
 option(XRV_FAST_BUILD "Use ccache and mold where they are installed" ON)
+set(XRV_OWN_LAUNCHER "${CMAKE_CXX_COMPILER_LAUNCHER}")
 if(XRV_FAST_BUILD)
     find_program(XRV_CCACHE ccache)
     if(XRV_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-        set(CMAKE_CXX_COMPILER_LAUNCHER "${XRV_CCACHE}")
+        # It is to accept precompiled headers, and not to run the preprocessor before every compilation that it misses.
+        set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env CCACHE_DEPEND=1
+            CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${XRV_CCACHE}")
     endif()
     find_program(XRV_MOLD mold)
     if(XRV_MOLD AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")

@@ -1,18 +1,43 @@
-# xrv_add_test(NAME tst_x SOURCES ... LIBRARIES ... [INCLUDES ...] [LABELS ...] [SERIAL]): one test program, one ctest entry.
-# All speak English, whatever the machine does.
+# xrv_add_test(NAME tst_x SOURCES ... LIBRARIES ... [INCLUDES ...] [LABELS ...] [SERIAL] [GUILESS | PLAIN]): one test
+# program, one ctest entry. All speak English, whatever the machine does.
 # LABELS threads: is built and run under the thread sanitizer too. SERIAL: measures time or memory, so runs alone.
+# GUILESS: knows only Qt Core of Qt. PLAIN: links still other modules of Qt, so that it cannot use the precompiled headers.
 
 include(CTest)
+
+# The programs of the tests are compiled quickly, the code they test as it is for everyone.
+function(xrv_compile_quickly target)
+    if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+        target_compile_options(${target} PRIVATE -O0)
+    endif()
+endfunction()
+
+if(BUILD_TESTING AND NOT XRV_PRECOMPILE STREQUAL "OFF")
+    find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Test)
+    xrv_add_precompiled(precompiled_tests ${precompiled_std_headers} <QtTest>)
+    target_link_libraries(precompiled_tests PRIVATE Qt5::Core Qt5::Test)
+    xrv_compile_quickly(precompiled_tests)
+    xrv_add_precompiled(precompiled_gui_tests ${precompiled_std_headers} <QtTest> <QtWidgets>)
+    target_link_libraries(precompiled_gui_tests PRIVATE Qt5::Core Qt5::Gui Qt5::Widgets Qt5::Test)
+    xrv_compile_quickly(precompiled_gui_tests)
+endif()
 
 # What has to be built for the tests with the label "threads".
 add_custom_target(thread_tests)
 
 function(xrv_add_test)
-    cmake_parse_arguments(TEST "SERIAL" "NAME" "SOURCES;LIBRARIES;INCLUDES;LABELS" ${ARGN})
+    cmake_parse_arguments(TEST "SERIAL;GUILESS;PLAIN" "NAME" "SOURCES;LIBRARIES;INCLUDES;LABELS" ${ARGN})
     add_executable(${TEST_NAME} ${TEST_SOURCES})
     target_link_libraries(${TEST_NAME} PRIVATE project_options ${TEST_LIBRARIES})
     target_include_directories(${TEST_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${TEST_INCLUDES})
     set_target_properties(${TEST_NAME} PROPERTIES AUTOMOC ON RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
+    xrv_compile_quickly(${TEST_NAME})
+    if(XRV_PRECOMPILE STREQUAL "OFF" OR TEST_PLAIN)
+    elseif(TEST_GUILESS)
+        xrv_reuse_precompiled(precompiled_tests ${TEST_NAME})
+    else()
+        xrv_reuse_precompiled(precompiled_gui_tests ${TEST_NAME})
+    endif()
     add_test(NAME ${TEST_NAME} COMMAND ${TEST_NAME})
     if("threads" IN_LIST TEST_LABELS)
         add_dependencies(thread_tests ${TEST_NAME})

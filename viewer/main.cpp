@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
+#include <new>
 #include <optional>
 
 #ifdef Q_OS_UNIX
@@ -159,10 +160,14 @@ int answer(const CommandLine &commandLine, QTextStream &out)
 /// Before the plug-ins are loaded: they read their settings as they are.
 bool useSettings(const QString &fileName)
 {
+    // What is saved takes the place of what was there: that must not be a device.
+    const QFileInfo info(fileName);
+    if (info.exists() && !info.isFile())
+        return false;
     Korvane::Application::instance()->setSettingsFile(fileName);
     QSettings *settings = Korvane::Application::instance()->settings();
     settings->sync();
-    return settings->status() == QSettings::NoError && !QFileInfo(fileName).isDir();
+    return settings->status() == QSettings::NoError;
 }
 
 } // namespace
@@ -199,5 +204,9 @@ int main(int argc, char *argv[])
     loadPlugins(&registry);
     if (!commandLine.isBatch())
         return runWindow(commandLine, registry);
-    return BatchRunner(commandLine, registry, out, err).run();
+    try {
+        return BatchRunner(commandLine, registry, out, err).run();
+    } catch (const std::bad_alloc &) {
+        return refuse(QStringLiteral("There is not enough memory."), kFailure);
+    }
 }

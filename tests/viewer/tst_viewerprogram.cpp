@@ -34,6 +34,7 @@ class TestViewerProgram : public QObject
 private Q_SLOTS:
     void initTestCase();
     void picturesAreExact();
+    void picturesGoIntoPipes();
     void worksInPoorSurroundings();
     void describes();
     void describesWhatTheFileHolds();
@@ -120,6 +121,17 @@ void TestViewerProgram::picturesAreExact()
     for (int y = 0; y < kHeight; ++y)
         for (int x = 0; x < kWidth; ++x)
             QCOMPARE(image.pixelColor(x, y), QColor(x, y, 50));
+}
+
+void TestViewerProgram::picturesGoIntoPipes()
+{
+#ifdef Q_OS_UNIX
+    const Outcome outcome = run({QStringLiteral("--screenshot"), QStringLiteral("/dev/stdout"), gradient});
+    QVERIFY2(outcome.status == 0 && outcome.err.isEmpty(), outcome.err.constData());
+    QVERIFY(!QImage::fromData(outcome.out, "PNG").isNull());
+#else
+    QSKIP("Standard output has no name here.");
+#endif
 }
 
 void TestViewerProgram::worksInPoorSurroundings()

@@ -38,6 +38,17 @@ bool isNamedXrv(const std::string &name)
     return lower.size() >= ending.size() && lower.compare(lower.size() - ending.size(), ending.size(), ending) == 0;
 }
 
+/// Begins as pages and messages of servers do, in HTML or XML.
+bool isMarkup(xrv::ByteSource &source)
+{
+    xrv::Bytes start;
+    if (source.read({0, std::min<std::uint64_t>(source.size(), 64)}, &start))
+        return false;
+    const std::string text(start.begin(), start.end());
+    const std::size_t first = text.find_first_not_of(" \t\r\n\xEF\xBB\xBF");
+    return first != std::string::npos && text[first] == '<';
+}
+
 xrv::GeoReference placeOf(const xrv::XrvFileInfo &info)
 {
     xrv::GeoReference place;
@@ -134,6 +145,8 @@ CError OpenFile::readBoxes(std::vector<std::string> *warnings)
         return error;
     }
     CError error = xrv::readJp2Structure(*byteSource, &boxes, warnings);
+    if (error.GetErrorNumber() == PLK_ERR_UNKNOWN_FORMAT && byteSource->isRemote() && isMarkup(*byteSource))
+        return {PLK_ERR_UNKNOWN_FORMAT, "The server sent a page or a message, not an image."};
     if (error.GetErrorNumber() == PLK_ERR_UNKNOWN_FORMAT && isNamedXrv(fileName))
         return {PLK_ERR_UNKNOWN_FORMAT, "This file is not an XRV image that this library can read."};
     return error;

@@ -101,6 +101,7 @@ private slots:
     void fileChangesDuringAView();
     void secureServerMustBeTrusted();
     void manyViewsOfManyStreams();
+    void pagesAreNoImages();
 
 private:
     /// A copy of a file: a stream of which nothing is at hand yet.
@@ -308,6 +309,17 @@ void TestStreamView::manyViewsOfManyStreams()
         QVERIFY(!view->SetView(1, bands, last.width, last.height, last.x1, last.y1, last.x2, last.y2));
     for (int i = 0; i < kViews; ++i)
         QTRY_VERIFY_WITH_TIMEOUT(views[std::size_t(i)]->picture() == expected[i % kStreams % 2], 60000);
+}
+
+void TestStreamView::pagesAreNoImages()
+{
+    QFile page(folder.filePath(QStringLiteral("login.jp2")));
+    QVERIFY(page.open(QIODevice::WriteOnly) && page.write("\r\n<!DOCTYPE html><title>Log in</title>") > 0);
+    page.close();
+    PLK::CView view;
+    const PLK::CError error = view.Open(utf8(server.address(QStringLiteral("login.jp2"))), false, false);
+    QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_UNKNOWN_FORMAT));
+    QVERIFY2(QByteArray(error.GetErrorMessage()).contains("page"), error.GetErrorMessage());
 }
 
 QTEST_GUILESS_MAIN(TestStreamView)

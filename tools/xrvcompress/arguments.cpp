@@ -167,7 +167,7 @@ Compresses JPEG 2000, XRV, (Geo)TIFF, PNM or PNG images to XRV, or to JPEG 2000 
   --lossless            every cell as it was (the default)
   --rate N              N:1, N from 1 to 1000: the cells take N times as many bytes as the file
   --jp2                 write a GeoJP2 file in place of an XRV file
-  --high-throughput     code in a way that is several times as fast and takes a tenth more bytes
+  --high-throughput     code blocks several times as fast; a lossless file is a tenth larger then
   --block-size N        side of the blocks in cells, a power of two from 64 to 16384 (default 1024)
   --layers N            quality layers, 1 to 32 (default 1)
   --xml FILE            put this XML document into the file; may be repeated

@@ -349,6 +349,9 @@ void TestLayerOpening::reconnectingWaitsForNothing()
     viewWhole(layer);
     QVERIFY(lastReconnect > 0);
     QVERIFY2(timer.elapsed() < 200, qPrintable(QString::number(timer.elapsed())));
+    // And the map waits no longer than it must for a server that may be there again.
+    paintedWhole(layer);
+    QVERIFY2(timer.elapsed() < 6000, qPrintable(QString::number(timer.elapsed())));
 }
 
 QTEST_MAIN(TestLayerOpening)

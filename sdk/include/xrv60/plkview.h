@@ -59,7 +59,8 @@ public:
     /// Cancels, waits for a callback in flight and closes. \a freeCache drops the file's decoded tiles.
     CError Close(bool freeCache);
     /// Reconnects a stream after error 76 and goes on where it stopped: the view that was set last begins again, from
-    /// the bytes that are there. Waits for nothing; success where no connection was lost, and for local files.
+    /// the bytes that are there. Waits for nothing; success where no connection was lost, and for local files. Lines of
+    /// a blocking view are then waited for no more than a few seconds, until the server has said something again.
     /// PLK_ERR_FILE_CHANGED for a stream whose file was changed on the server: it has to be opened anew.
     CError Reconnect();
 

@@ -57,8 +57,9 @@ public:
     /// Why nothing more can be had from this source until it is reconnected or opened anew: PLK_ERR_CONNECTION_LOST or
     /// PLK_ERR_FILE_CHANGED. Returns at once.
     virtual PLK::CError condition() const { return {}; }
-    /// Lets a source whose connection was lost try again with the next read. Returns at once.
-    virtual void reconnect() {}
+    /// Lets a source whose connection was lost try again with the next read, which, unless it \a mayTakeLong, gives up
+    /// sooner than usual where the server still says nothing. Returns at once.
+    virtual void reconnect(bool /*mayTakeLong*/) {}
 
     /// One range.
     PLK::CError read(ByteRange range, Bytes *out, const CancelFlag &cancel = {});

@@ -14,6 +14,7 @@ struct StreamOptions
 
     int connectTimeout = 10000;
     int stallTimeout = 15000;         ///< an answer of which nothing to speak of came for so long has failed
+    int trialTimeout = 2500;          ///< the same for a server that was lost, while somebody waits for its first bytes
     int tries = 3;                    ///< in a row that bring nothing new
     int firstBackOff = 300;           ///< before the second try; doubled before the third
     int longestRetryAfter = 5000;     ///< a server that wants a longer pause counts as out of service

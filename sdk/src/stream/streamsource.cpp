@@ -200,11 +200,13 @@ CError StreamSource::condition() const
     return trouble;
 }
 
-void StreamSource::reconnect()
+void StreamSource::reconnect(bool mayTakeLong)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (trouble.GetErrorNumber() == PLK_ERR_CONNECTION_LOST)
-        trouble = {};
+    if (trouble.GetErrorNumber() != PLK_ERR_CONNECTION_LOST)
+        return;
+    trouble = {};
+    fetcher.setOnTrial(!mayTakeLong);
 }
 
 void StreamSource::setCondition(const CError &error)

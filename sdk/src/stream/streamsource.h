@@ -38,7 +38,7 @@ public:
     void remember(const std::string &knowledgeName, const Bytes &knowledge) override;
     bool recall(const std::string &knowledgeName, Bytes *knowledge) override;
     PLK::CError condition() const override;
-    void reconnect() override;
+    void reconnect(bool mayTakeLong) override;
 
 private:
     class Claim;

@@ -201,7 +201,7 @@ CError CView::Reconnect()
     const CError condition = source.condition();
     if (condition.GetErrorNumber() != PLK_ERR_CONNECTION_LOST)
         return condition;
-    source.reconnect();
+    source.reconnect(engine->isProgressive()); // lines of the others are waited for
     engine->restart();
     return {};
 }

@@ -37,6 +37,7 @@ private slots:
     void readingFails();
     void largeFileWithoutRanges();
     void lostConnectionIsTakenUpAgain();
+    void lostServersAreNotWaitedForAgain();
     void saysWhoItIs();
     void passwordsAreNotLogged();
     void redirectsKeepThePassword();
@@ -399,13 +400,49 @@ void TestStreamFaults::lostConnectionIsTakenUpAgain()
     // At once, without asking, until told to.
     QCOMPARE(source->read({{500, 90000}}, never, &out).GetErrorNumber(), int(PLK_ERR_CONNECTION_LOST));
     server.takeRequests();
-    source->reconnect();
+    source->reconnect(true);
     QVERIFY(!source->condition());
     QVERIFY(!source->read({{500, 90000}}, never, &out));
     QVERIFY(out == expectedBytes(plainFile(), {{500, 90000}}));
     const std::vector<Request> requests = server.takeRequests();
     QCOMPARE(requests.size(), std::size_t(1));
     QCOMPARE(requests[0].header("range"), std::string("bytes=51000-90499"));
+}
+
+void TestStreamFaults::lostServersAreNotWaitedForAgain()
+{
+    FaultServer server(plainFile().handler());
+    xrv::StreamOptions options = quickOptions();
+    options.stallTimeout = 20000;
+    options.trialTimeout = 400;
+    std::shared_ptr<xrv::ByteSource> source;
+    QVERIFY(!StreamSource::open(server.address("/lost.jp2"), options, &source));
+    server.stop();
+    std::vector<xrv::Bytes> out;
+    const std::vector<ByteRange> some{{500, 90000}}, others{{120000, 4000}};
+    QCOMPARE(source->read(some, never, &out).GetErrorNumber(), int(PLK_ERR_CONNECTION_LOST));
+    server.setHandler([](const Request &, const Connection &connection) {
+        connection.linger(10000);
+        return false;
+    });
+    server.start();
+    QElapsedTimer timer;
+    timer.start();
+    source->reconnect(false);
+    QCOMPARE(source->read(some, never, &out).GetErrorNumber(), int(PLK_ERR_CONNECTION_LOST));
+    QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
+
+    // One that is there again is given the time it takes.
+    const auto answers = std::make_shared<std::atomic<int>>(0);
+    server.setHandler([=](const Request &request, const Connection &connection) {
+        if (answers->fetch_add(1) > 0)
+            connection.linger(1200);
+        return connection.send(plainFile().answer(request));
+    });
+    source->reconnect(false);
+    QVERIFY(!source->read(some, never, &out));
+    QVERIFY(!source->read(others, never, &out));
+    QVERIFY(out == expectedBytes(plainFile(), others));
 }
 
 void TestStreamFaults::saysWhoItIs()

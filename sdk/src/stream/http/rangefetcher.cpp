@@ -217,6 +217,11 @@ std::vector<HttpAnswer> RangeFetcher::askFor(const std::vector<RangeGroup> &grou
             requests.back().wholeLimit =
                 wholeSink ? version.length : std::min(wholeLimit(), link.options().wholeInMemory);
         }
+        if (isOnTrial) {
+            const int timeout = link.options().trialTimeout;
+            requests.back().connectTimeout = std::min(requests.back().connectTimeout, timeout);
+            requests.back().stallTimeout = std::min(requests.back().stallTimeout, timeout);
+        }
         const std::string condition = version.conditionHeader();
         if (!condition.empty())
             requests.back().headers.push_back(condition);
@@ -239,8 +244,12 @@ CError RangeFetcher::fetch(const std::vector<ByteRange> &ranges, const FileVersi
         Round round;
         if (CError failure = takeAnswers(groups, answers, version, sink, &lacking, &round))
             return failure;
+        if (round.gained > 0 || round.isInSink)
+            isOnTrial = false;
         if (lacking.isEmpty() || round.isInSink)
             break;
+        if (isOnTrial && round.trouble && !round.isFallback)
+            return round.trouble;
         if (round.trouble)
             logRetry(round.trouble);
         if ((round.trouble || round.gained == 0) && !patience.goOn(round, cancel))

@@ -35,6 +35,8 @@ public:
     /// Where files go that their server gives as a whole only: then they are not handed over. Without one they are, and
     /// may be no larger than what memory may take. Before fetch().
     void setWholeSink(std::shared_ptr<BodySink> sink) { wholeSink = std::move(sink); }
+    /// Until bytes have come again, fetch() tries once and with short time-outs.
+    void setOnTrial(bool onTrial) { isOnTrial = onTrial; }
     /// The server gives this file as a whole only.
     bool getsWholeOnly() const { return takesNoRanges; }
 
@@ -66,7 +68,7 @@ private:
 
     ServerLink &link;
     std::shared_ptr<BodySink> wholeSink;
-    std::atomic<bool> takesNoRanges{false};
+    std::atomic<bool> takesNoRanges{false}, isOnTrial{false};
 };
 
 } // namespace xrv

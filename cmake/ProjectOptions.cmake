@@ -51,6 +51,10 @@ elseif(MSVC)
     target_compile_options(project_options INTERFACE /W4 /utf-8)
 endif()
 target_compile_definitions(project_options INTERFACE QT_NO_CAST_FROM_ASCII)
+if(WIN32)
+    # <windows.h> without macros that clash with the standard library.
+    target_compile_definitions(project_options INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
+endif()
 
 if(XRV_SANITIZE)
     add_compile_options(-fsanitize=${XRV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

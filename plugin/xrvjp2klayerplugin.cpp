@@ -67,6 +67,14 @@ XRVJP2kLayerPlugin::XRVJP2kLayerPlugin(QObject *parent)
 
 XRVJP2kLayerPlugin::~XRVJP2kLayerPlugin()
 {
+    endSdk();
+}
+
+void XRVJP2kLayerPlugin::endSdk()
+{
+    if (!isSdkStarted)
+        return;
+    isSdkStarted = false;
     PLK::CLog::RegisterLogger(static_cast<PLK::ILogger<char> *>(nullptr));
     PLK::CLog::RegisterLogger(static_cast<PLK::ILogger<wchar_t> *>(nullptr));
     PLKShutdown();
@@ -96,9 +104,12 @@ void XRVJP2kLayerPlugin::logStartUp(const SdkSettings &settings) const
         Application::logMessage(line, Application::LogInfo, QDateTime::currentDateTime());
 }
 
-void XRVJP2kLayerPlugin::startSdk(const SdkSettings &settings) const
+void XRVJP2kLayerPlugin::startSdk(const SdkSettings &settings)
 {
     PLKInit();
+    isSdkStarted = true;
+    // When a plug-in left to the end of the process goes, what the SDK is made of is gone already.
+    connect(QCoreApplication::instance(), &QObject::destroyed, this, &XRVJP2kLayerPlugin::endSdk);
     applySdkSettings(settings);
     if (settings.useWinHttp)
         PLKWinHttpSetUseWinHttp(1);

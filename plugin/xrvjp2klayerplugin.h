@@ -63,10 +63,12 @@ private:
     Q_DISABLE_COPY(XRVJP2kLayerPlugin)
 
     void logStartUp(const SdkSettings &settings) const;
-    void startSdk(const SdkSettings &settings) const;
+    void startSdk(const SdkSettings &settings);
+    void endSdk();
     void createBrowser();
     QAction *makeOpenAction(const QIcon &icon, const QString &text);
 
     QSharedPointer<Korvane::Gui::XRVPBrowser> xrvpBrowser;
     QList<QSharedPointer<QTranslator>> translators; // kept only so that they live as long as the plug-in
+    bool isSdkStarted = false;
 };

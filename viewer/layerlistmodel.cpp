@@ -98,7 +98,7 @@ QVariant LayerListModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
-        return layer->getDescription();
+        return Sources::nameOfLayer(*layer);
     case Qt::DecorationRole:
         return layer->getIcon();
     case Qt::CheckStateRole:

@@ -1,5 +1,7 @@
 #include "maparea.h"
 
+#include "sources.h"
+
 #include <QDGui/layer.h>
 #include <QDGui/mapview.h>
 
@@ -191,7 +193,7 @@ void MapArea::updateTitle(MapView *view)
     const Record &record = records[view];
     QString title = record.givenTitle;
     if (title.isEmpty() && view->getActiveLayer())
-        title = view->getActiveLayer()->getDescription();
+        title = Sources::nameOfLayer(*view->getActiveLayer());
     window->setWindowTitle(title.isEmpty() ? tr("View %1").arg(record.number) : title);
 }
 

@@ -2,6 +2,7 @@
 
 #include "layersummarypage.h"
 #include "plugincontributions.h"
+#include "sources.h"
 
 #include <QDGui/application.h>
 #include <QDGui/ilayerpropertieswidget.h>
@@ -55,7 +56,7 @@ void PropertiesWindow::setLayer(Layer *newLayer)
     }
     // The pages keep the layer's bare address, so they go before it does.
     connect(layer, &QObject::destroyed, this, [this] { setLayer(nullptr); });
-    setWindowTitle(tr("Properties of %1").arg(layer->getDescription()));
+    setWindowTitle(tr("Properties of %1").arg(Sources::nameOfLayer(*layer)));
     {
         const QSignalBlocker blocker(tabs);
         addPage(new LayerSummaryPage(*layer));

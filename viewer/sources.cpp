@@ -95,6 +95,18 @@ QString ofLayer(const Korvane::Map::Layer &layer)
     return isAddress(source) || QFileInfo::exists(decoded) ? decoded : source;
 }
 
+QString nameOfLayer(const Korvane::Map::Layer &layer)
+{
+    const QString name = layer.getDescription();
+    const QString source = ofLayer(layer);
+    const int question = isAddress(source) ? source.indexOf(QLatin1Char('?')) : -1;
+    if (question < 0 || name.isEmpty())
+        return name;
+    // Layers call themselves by the end of their address, a token included.
+    const QString query = source.mid(question);
+    return name.endsWith(query) || query.endsWith(name) ? shortName(source) : name;
+}
+
 QString checkReadable(const QString &source)
 {
     if (isAddress(source))

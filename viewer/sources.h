@@ -33,6 +33,8 @@ QStringList fromMimeData(const QMimeData &data);
 /// The layer's source as a readable file name. A layer may keep a file name as the UTF-8 bytes of it, one character
 /// each; such a text is turned back where the file exists.
 QString ofLayer(const Korvane::Map::Layer &layer);
+/// The description of \a layer as it may be shown: without what follows "?" in its address.
+QString nameOfLayer(const Korvane::Map::Layer &layer);
 
 /// Why a local file cannot be opened at all, as a sentence; empty for an address and for a readable file.
 QString checkReadable(const QString &source);

@@ -1,3 +1,4 @@
+#include "quadlayer.h"
 #include "recentsources.h"
 #include "sources.h"
 #include "viewertest.h"
@@ -22,6 +23,7 @@ private Q_SLOTS:
     void tellsAddresses();
     void hidesCredentials_data();
     void hidesCredentials();
+    void namesOfLayersHideTokens();
     void normalizes();
     void readsMimeData();
     void saysWhyUnreadable_data();
@@ -78,6 +80,24 @@ void TestSources::hidesCredentials()
     QFETCH(QString, source);
     QTEST(Sources::withoutCredentials(source), "stored");
     QTEST(Sources::shown(source), "shown");
+}
+
+void TestSources::namesOfLayersHideTokens()
+{
+    struct StreamLayer : QuadLayer
+    {
+        QString getDataSource() const override { return address; }
+        QString address;
+    } layer;
+    const auto compare = [&layer](const char *address, const char *description, const char *name) {
+        layer.address = QString::fromUtf8(address);
+        layer.setDescription(QString::fromUtf8(description));
+        QCOMPARE(Sources::nameOfLayer(layer), QString::fromUtf8(name));
+    };
+    compare("xrvps://h/maps/b.jp2?token=secret", "b.jp2?token=secret", "b.jp2");
+    compare("xrvps://h/maps/b.jp2?token=a/secret", "secret", "b.jp2");
+    compare("xrvps://h/maps/b.jp2?token=secret", "Harbour", "Harbour");
+    compare("/maps/b?c.jp2", "b?c.jp2", "b?c.jp2");
 }
 
 void TestSources::normalizes()

@@ -1,7 +1,6 @@
-# xrv_add_test(NAME tst_x SOURCES ... LIBRARIES ... [INCLUDES ...] [LABELS ...] [SERIAL] [GUILESS | PLAIN]): one test
-# program, one ctest entry. All speak English, whatever the machine does.
+# xrv_add_test(NAME tst_x SOURCES ... LIBRARIES ... [INCLUDES ...] [LABELS ...] [SERIAL]): one test program, one ctest entry.
+# All speak English, whatever the machine does.
 # LABELS threads: is built and run under the thread sanitizer too. SERIAL: measures time or memory, so runs alone.
-# GUILESS: knows only Qt Core of Qt. PLAIN: links still other modules of Qt, so that it cannot use the precompiled headers.
 
 include(CTest)
 
@@ -25,19 +24,29 @@ endif()
 # What has to be built for the tests with the label "threads".
 add_custom_target(thread_tests)
 
+# xrv_precompile_test(NAME LIBRARY...): with the headers for the modules of Qt that the libraries bring. There are none for
+# tests that name other modules of Qt.
+function(xrv_precompile_test name)
+    if(XRV_PRECOMPILE STREQUAL "OFF" OR "${ARGN}" MATCHES "Qt5::(Gui|Network)")
+        return()
+    endif()
+    set(headers precompiled_tests)
+    foreach(library QDGui qdviewer_parts layer_test_support page_test_support)
+        if(library IN_LIST ARGN)
+            set(headers precompiled_gui_tests)
+        endif()
+    endforeach()
+    xrv_reuse_precompiled(${headers} ${name})
+endfunction()
+
 function(xrv_add_test)
-    cmake_parse_arguments(TEST "SERIAL;GUILESS;PLAIN" "NAME" "SOURCES;LIBRARIES;INCLUDES;LABELS" ${ARGN})
+    cmake_parse_arguments(TEST "SERIAL" "NAME" "SOURCES;LIBRARIES;INCLUDES;LABELS" ${ARGN})
     add_executable(${TEST_NAME} ${TEST_SOURCES})
     target_link_libraries(${TEST_NAME} PRIVATE project_options ${TEST_LIBRARIES})
     target_include_directories(${TEST_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${TEST_INCLUDES})
     set_target_properties(${TEST_NAME} PROPERTIES AUTOMOC ON RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
     xrv_compile_quickly(${TEST_NAME})
-    if(XRV_PRECOMPILE STREQUAL "OFF" OR TEST_PLAIN)
-    elseif(TEST_GUILESS)
-        xrv_reuse_precompiled(precompiled_tests ${TEST_NAME})
-    else()
-        xrv_reuse_precompiled(precompiled_gui_tests ${TEST_NAME})
-    endif()
+    xrv_precompile_test(${TEST_NAME} ${TEST_LIBRARIES})
     add_test(NAME ${TEST_NAME} COMMAND ${TEST_NAME})
     if("threads" IN_LIST TEST_LABELS)
         add_dependencies(thread_tests ${TEST_NAME})

@@ -24,7 +24,6 @@ private Q_SLOTS:
     void formatAndProtocol_data();
     void formatAndProtocol();
     void geoReference();
-    void header();
     void headerOfNothing();
     void histograms();
     void histogramOfSignedCells();
@@ -151,41 +150,6 @@ void TestLayerQueries::geoReference()
     QCOMPARE(layer->getBounds(), QRectF(1000, 6000, 100, -75));
     QCOMPARE(layer->getCoordSysName(), QStringLiteral("Unknown"));
     QCOMPARE(layer->getEpsgCode(), 0);
-}
-
-void TestLayerQueries::header()
-{
-    jp2maker::Options options = colourImage(200, 100);
-    options.tileWidth = 128;
-    options.tileHeight = 64;
-    options.levels = 2;
-    options.layerRates = {20, 0};
-    options.progression = "RPCL";
-    options.precincts = {{64, 32}};
-    options.codeBlockWidth = 32;
-    options.codeBlockHeight = 16;
-    options.sop = true;
-    options.comment = "made for a test";
-    open(options);
-    XRVJP2kLayer::Jp2FileInfo info;
-    QVERIFY(layer->getJp2FileInfo(info));
-    QCOMPARE(info.profile, 2);
-    QVERIFY2(info.comments.contains(QLatin1String("made for a test")), qPrintable(info.comments));
-    QCOMPARE(info.numberOfTiles, QSize(2, 2));
-    QCOMPARE(info.tileSize, QSize(128, 64));
-    QCOMPARE(info.precinctSizesX.count(QLatin1Char(',')), 2);
-    QVERIFY(!info.precinctSizesX.contains(QLatin1Char(' ')));
-    QVERIFY2(info.precinctSizesX.endsWith(QLatin1String(",64")), qPrintable(info.precinctSizesX));
-    QVERIFY2(info.precinctSizesY.endsWith(QLatin1String(",32")), qPrintable(info.precinctSizesY));
-    QCOMPARE(info.codeBlockSize, QSize(32, 16));
-    QCOMPARE(info.bitDepths, QStringLiteral("8,8,8"));
-    QCOMPARE(info.resolutionLevels, 3);
-    QCOMPARE(info.qualityLayers, 2);
-    QCOMPARE(info.progressionOrder, QStringLiteral("RPCL"));
-    QCOMPARE(info.filter, QStringLiteral("5x3 (Reversible)"));
-    QVERIFY(info.useSOP);
-    QVERIFY(!info.useEPH);
-    QVERIFY(!info.hasGML);
 }
 
 void TestLayerQueries::headerOfNothing()

@@ -143,7 +143,6 @@ class TestPageRecords : public QObject
 private Q_SLOTS:
     void init();
     void stream();
-    void xrvWithAuthoring();
     void xrvWithoutTexts();
     void units_data();
     void units();
@@ -197,27 +196,6 @@ void TestPageRecords::stream()
                                            "GDT Projection = NUTM33\rGDT Units = Meters\r")));
     QVERIFY(text.endsWith(QStringLiteral("\rTarget Compression Rate = 20:1\rActual Compression Ratio = 18.46:1\r"
                                          "Compression Date = 2021-05-01\r")));
-}
-
-void TestPageRecords::xrvWithAuthoring()
-{
-    sdk.authoring = {L"Open",      L"2020", L"Eye",   L"Packer 1",      L"Ann",
-                     L"\u00a9 %1", nullptr, L"a@b.c", L"Way 1\n2 Town", L"1"};
-    sdk.info.pFileMetaData = &sdk.authoring;
-    const_cast<PLK::ViewMetadata::ViewMetadataXRV &>(layer->getFile()->MetadataXRV()).Assign({64, 32});
-    XRVJP2kLayerFileInfo page;
-    page.setLayer(layer.get());
-    QCOMPARE(textOf(page, "blockSize"), QStringLiteral("64 , 32"));
-    QCOMPARE(textOf(page, "acquisitionSensorName"), QStringLiteral("Eye"));
-    QCOMPARE(textOf(page, "company"), QString());
-    const QString text = copiedText(page);
-    QCOMPARE(text.count(QLatin1Char('\r')), 20);
-    QVERIFY(text.contains(QStringLiteral("\rActual Compression Ratio = Unknown\r")));
-    QVERIFY(!text.contains(QLatin1String("64")));
-    QVERIFY(text.endsWith(QString::fromUtf8("\rClassification = Open\rAcquisition Date = 2020\r"
-                                            "Acquisition Sensor Name = Eye\rCompression Software = Packer 1\r"
-                                            "Author = Ann\rCopyright = \u00a9 %1\rCompany = \rEmail = a@b.c\r"
-                                            "Address = Way 1\n2 Town\rTelephone = 1\r")));
 }
 
 void TestPageRecords::xrvWithoutTexts()

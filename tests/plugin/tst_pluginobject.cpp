@@ -22,10 +22,8 @@ class TestPluginObject : public QObject
 
 private Q_SLOTS:
     void identity();
-    void interfacesByName();
     void enabledFlagIsSharedByInstances();
     void metaObjectDeclaresTwoSlots();
-    void layerWithoutASource();
     void cancelledBrowser();
     void addressThatCannotBeOpened();
     void informationPages();
@@ -48,16 +46,6 @@ void TestPluginObject::identity()
     QVERIFY(!plugin.getIcon().pixmap(32).isNull());
 }
 
-void TestPluginObject::interfacesByName()
-{
-    XRVJP2kLayerPlugin plugin;
-    QCOMPARE(plugin.qt_metacast("ILayerPluginInfo"), static_cast<void *>(static_cast<ILayerPluginInfo *>(&plugin)));
-    QCOMPARE(plugin.qt_metacast("ILayerPlugin"), static_cast<void *>(static_cast<ILayerPlugin *>(&plugin)));
-    QCOMPARE(plugin.qt_metacast("com.korvane.viewer.ILayerEditorPlugin/1.0"),
-             static_cast<void *>(static_cast<ILayerEditorPlugin *>(&plugin)));
-    QCOMPARE(plugin.qt_metacast("QObject"), static_cast<void *>(&plugin));
-}
-
 void TestPluginObject::enabledFlagIsSharedByInstances()
 {
     XRVJP2kLayerPlugin one;
@@ -76,15 +64,6 @@ void TestPluginObject::metaObjectDeclaresTwoSlots()
     QCOMPARE(meta.method(meta.methodOffset() + 1).methodSignature(), QByteArray("onAddXrvpUrl(QString)"));
     QCOMPARE(meta.method(meta.methodOffset()).methodType(), QMetaMethod::Slot);
     QCOMPARE(meta.propertyCount(), meta.propertyOffset());
-}
-
-void TestPluginObject::layerWithoutASource()
-{
-    XRVJP2kLayerPlugin plugin;
-    const std::unique_ptr<Korvane::Map::Layer> layer(plugin.createLayer(false));
-    QVERIFY(layer);
-    QCOMPARE(layer->getDataSource(), QString());
-    QVERIFY(!layer->parent());
 }
 
 void TestPluginObject::cancelledBrowser()

@@ -7,7 +7,6 @@
 #include <QDGui/mapview.h>
 #include <QDGui/xrvpbrowser.h>
 
-#include <QAction>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMdiArea>
@@ -15,7 +14,6 @@
 #include <QMessageBox>
 #include <QSignalSpy>
 #include <QTimer>
-#include <QToolBar>
 #include <QtTest>
 
 #include <memory>
@@ -24,8 +22,7 @@ using Korvane::Application;
 using Korvane::Gui::XRVPBrowser;
 using Korvane::Map::MapView;
 
-/// What the plug-in brings to the main window, and addresses arriving in map views. Local files stand in for streams:
-/// the slot takes any source.
+/// Addresses arriving in map views. Local files stand in for streams: the slot takes any source.
 class TestStreamOpening : public QObject
 {
     Q_OBJECT
@@ -33,8 +30,6 @@ class TestStreamOpening : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void actions();
-    void toolBar();
     void newMapView();
     void activeMapView();
     void subWindowWithSomethingElse();
@@ -86,30 +81,6 @@ QString TestStreamOpening::add(const QString &address)
     answer.start(10);
     QMetaObject::invokeMethod(plugin.get(), "onAddXrvpUrl", Q_ARG(QString, address));
     return message;
-}
-
-void TestStreamOpening::actions()
-{
-    const QList<QAction *> actions = plugin->getActions();
-    QCOMPARE(actions.size(), 1);
-    const std::unique_ptr<QAction> action(actions[0]);
-    QVERIFY(!action->parent());
-    QCOMPARE(action->text(), QStringLiteral("TANNIS XRVP Image Stream"));
-    QCOMPARE(action->toolTip(), QStringLiteral("Open an XRVP stream from an MILTO TANNIS Server"));
-    QVERIFY(!action->icon().isNull());
-}
-
-void TestStreamOpening::toolBar()
-{
-    const QList<QToolBar *> toolBars = plugin->getToolBars();
-    QCOMPARE(toolBars.size(), 1);
-    const std::unique_ptr<QToolBar> toolBar(toolBars[0]);
-    QVERIFY(!toolBar->parent());
-    QCOMPARE(toolBar->windowTitle(), QStringLiteral("XRV & JPEG 2000"));
-    QCOMPARE(toolBar->objectName(), QStringLiteral("XRV or JPEG 2000"));
-    QCOMPARE(toolBar->actions().size(), 1);
-    QCOMPARE(toolBar->actions()[0]->text(), QStringLiteral("Add XRVP"));
-    QVERIFY(!toolBar->actions()[0]->icon().pixmap(32).isNull());
 }
 
 void TestStreamOpening::newMapView()

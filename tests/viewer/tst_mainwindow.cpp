@@ -1,11 +1,9 @@
 #include "mainactions.h"
 #include "mainwindow.h"
 #include "maparea.h"
-#include "preferencesdialog.h"
 #include "propertieswindow.h"
 #include "viewertest.h"
 
-#include <QDGui/ilayereditorplugin.h>
 #include <QDGui/ilayerplugin.h>
 #include <QDGui/mapview.h>
 
@@ -38,16 +36,13 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void bringsPluginPieces();
-    void tellsDocksOfLayers();
     void opensSourcesInOneView();
     void summarizesFailures();
     void adoptsForeignSubWindows();
     void takesDrops();
-    void leavesOtherDropsAlone();
     void remembersDocks();
     void propertiesFollowLayer();
     void propertiesWindowIsRemembered();
-    void preferencesSaveOnOk();
     void survivesClosingBusyViews();
     void switchesArrangement();
 
@@ -87,22 +82,6 @@ void TestMainWindow::bringsPluginPieces()
     QVERIFY(menuTexts.contains(QStringLiteral("Quad Action")));
     QVERIFY(menuTexts.contains(QStringLiteral("Quad Properties")));
     QCOMPARE(Korvane::Application::instance()->getMainWindow(), window.get());
-}
-
-void TestMainWindow::tellsDocksOfLayers()
-{
-    QCOMPARE(window->addSources({test.quad(QStringLiteral("one.quad"))}, nullptr), QStringList());
-    QCOMPARE(panel()->text(), QStringLiteral("one.quad"));
-    QVERIFY(!panel()->property("windowTitleSeen").toString().isEmpty());
-    MapView *first = window->mapArea()->currentView();
-    window->mapArea()->createView();
-    QCOMPARE(panel()->text(), QStringLiteral("none"));
-    window->mapArea()->setCurrentView(first);
-    QCOMPARE(panel()->text(), QStringLiteral("one.quad"));
-    first->removeLayer(first->getLayer(0));
-    QCOMPARE(panel()->text(), QStringLiteral("none"));
-    window->mapArea()->closeAllViews();
-    QCOMPARE(panel()->property("windowTitleSeen").toString(), QStringLiteral("none"));
 }
 
 void TestMainWindow::opensSourcesInOneView()
@@ -172,6 +151,9 @@ bool TestMainWindow::drop(const QMimeData &data, const QPoint &position)
 
 void TestMainWindow::takesDrops()
 {
+    QMimeData words;
+    words.setText(QStringLiteral("just words"));
+    QVERIFY(!drop(words, QPoint(5, 5)));
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(test.quad(QStringLiteral("d1.quad"))),
                   QUrl::fromLocalFile(test.quad(QStringLiteral("d2.quad")))});
@@ -187,13 +169,6 @@ void TestMainWindow::takesDrops()
     QVERIFY(drop(data, first->mapTo(window.get(), QPoint(20, 20))));
     QTRY_COMPARE(first->getLayerCount(), 4);
     QCOMPARE(second->getLayerCount(), 0);
-}
-
-void TestMainWindow::leavesOtherDropsAlone()
-{
-    QMimeData data;
-    data.setText(QStringLiteral("just words"));
-    QVERIFY(!drop(data, QPoint(5, 5)));
 }
 
 void TestMainWindow::remembersDocks()
@@ -260,17 +235,6 @@ void TestMainWindow::propertiesWindowIsRemembered()
     const MainWindow another(test.registry);
     QCOMPARE(another.findChild<Viewer::PropertiesWindow *>()->size(), QSize(640, 580));
     Korvane::Application::instance()->settings()->clear();
-}
-
-void TestMainWindow::preferencesSaveOnOk()
-{
-    const QString key = QStringLiteral("Quad/Saved");
-    QSettings *settings = Korvane::Application::instance()->settings();
-    ILayerEditorPlugin *editor = test.registry.getPlugins().first().editor;
-    Viewer::PreferencesDialog(editor->getPreferencePages().toVector(), nullptr).reject();
-    QVERIFY(!settings->contains(key));
-    Viewer::PreferencesDialog(editor->getPreferencePages().toVector(), nullptr).accept();
-    QVERIFY(settings->value(key).toBool());
 }
 
 void TestMainWindow::survivesClosingBusyViews()

@@ -28,7 +28,6 @@ class TestProject : public QObject
 
 private Q_SLOTS:
     void roundTrip();
-    void movesWithItsFiles();
     void missingLayerSurvives();
     void missingLayerLosesItsPassword();
     void refusesBrokenFiles_data();
@@ -109,25 +108,6 @@ void TestProject::roundTrip()
     QCOMPARE(view->getActiveLayer(), bottom);
     QCOMPARE(view->getVisibleWorldRect(), shown);
     QVERIFY(!area.views().at(1)->hasExtent());
-}
-
-void TestProject::movesWithItsFiles()
-{
-    QDir root(test.folder.path());
-    QVERIFY(root.mkpath(QStringLiteral("here/data")));
-    test.quad(QStringLiteral("here/data/a.quad"));
-    {
-        MapArea area;
-        ProjectController project(test.registry, &area);
-        QVERIFY(add(area.createView(), test.path(QStringLiteral("here/data/a.quad"))));
-        QCOMPARE(project.save(test.path(QStringLiteral("here/p.qdproject"))), QString());
-    }
-    QVERIFY(root.rename(QStringLiteral("here"), QStringLiteral("there")));
-    QString error;
-    const Project project = ProjectReader(test.registry).read(test.path(QStringLiteral("there/p.qdproject")), &error);
-    QCOMPARE(error, QString());
-    QCOMPARE(project.warnings, QStringList());
-    QCOMPARE(project.views.at(0).layers.at(0)->getDataSource(), test.path(QStringLiteral("there/data/a.quad")));
 }
 
 void TestProject::missingLayerSurvives()

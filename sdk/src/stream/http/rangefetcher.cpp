@@ -130,6 +130,8 @@ CError RangeFetcher::open(const FileVersion &known, const CancelFlag &cancel, co
         // Whoever opens a file waits: once for a server that keeps silent is enough.
         if (answer.outcome == HttpOutcome::TimedOut || !patience.goOn(round, cancel))
             return round.trouble;
+        if (cancel.isRaised()) // no further request
+            return cancelledError();
     }
 }
 

@@ -1,1 +1,1 @@
-xrv_add_sdk_test(tst_hostile ${stage_dir}/attempt.cpp ${PROJECT_SOURCE_DIR}/tests/data/jp2maker.cpp SERIAL)
+xrv_add_sdk_test(tst_hostile ${stage_dir}/attempt.cpp SERIAL)

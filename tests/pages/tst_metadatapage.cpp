@@ -19,8 +19,6 @@ private Q_SLOTS:
     void contents();
     void severalBoxes();
     void boxesInsideOthers();
-    void wrongLengths_data();
-    void wrongLengths();
     void largeBoxes_data();
     void largeBoxes();
     void fileNames_data();
@@ -112,35 +110,6 @@ void TestMetadataPage::boxesInsideOthers()
     page.setLayer(layer.get());
     QCOMPARE(labels(page).size(), 2);
     QCOMPARE(textOf(page, "plainTextEditMetaData"), QStringLiteral("<g/>"));
-}
-
-void TestMetadataPage::wrongLengths_data()
-{
-    QTest::addColumn<QByteArray>("boxes");
-    const auto row = [](const char *name, const Bytes &bytes) {
-        QTest::newRow(name) << QByteArray(reinterpret_cast<const char *>(bytes.data()), int(bytes.size()));
-    };
-    using namespace boxbuilder;
-    row("beyond the end", boxWithLength("xml ", 4000, text("<a/>")));
-    row("four gigabytes", boxWithLength("xml ", 0xffffffff, text("<a/>")));
-    row("exabytes", longBoxWithLength("xml ", 0x7fffffffffffffff, text("<a/>")));
-    row("wraps around", longBoxWithLength("xml ", 0xffffffffffffffff, text("<a/>")));
-    row("shorter than its header", boxWithLength("xml ", 5, text("<a/>")));
-    row("to the end", openBox("xml ", text("<a/>")));
-    row("nothing behind the header", number(0, 4));
-}
-
-void TestMetadataPage::wrongLengths()
-{
-    QFETCH(QByteArray, boxes);
-    const auto layer = open(Bytes(boxes.begin(), boxes.end()));
-    XRVJP2kLayerMetaDataBox page;
-    page.setLayer(layer.get());
-    const QString shown = textOf(page, "plainTextEditMetaData");
-    QVERIFY2(shown.isEmpty() || shown == QLatin1String("<a/>") ||
-                 shown == QLatin1String("Found an XML box, but failed to parse the content."),
-             qPrintable(shown));
-    QVERIFY(labels(page).size() <= 1);
 }
 
 void TestMetadataPage::largeBoxes_data()

@@ -178,12 +178,14 @@ private:
     std::uint64_t expectedHeaderBytes() const
     {
         constexpr std::uint64_t kPartBytes = 12 + 5 + 2 + 6; // SOT, PLT and SOD, entry in the TLM
+        const auto precincts = [this](std::uint32_t side, int level) {
+            const std::uint32_t tiles = (side + blockSize - 1) / blockSize;
+            return std::max(tiles, ((side >> level) + kPrecinctSize - 1) / kPrecinctSize);
+        };
         std::uint64_t packets = 0;
-        for (int level = 0; level <= coding.levels; ++level) {
-            const std::uint64_t across = ((blockSize >> level) + kPrecinctSize - 1) / kPrecinctSize;
-            packets += across * across * image.bands.size();
-        }
-        return tileCount * (kPartBytes * (coding.levels + 1u) + packets * 3 / 2);
+        for (int level = 0; level <= coding.levels; ++level)
+            packets += std::uint64_t(precincts(image.width, level)) * precincts(image.height, level);
+        return tileCount * kPartBytes * (coding.levels + 1u) + packets * image.bands.size() * 3 / 2;
     }
 
     CError encodeAll(CodestreamAssembler *assembler)

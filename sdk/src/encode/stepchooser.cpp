@@ -15,7 +15,9 @@ using PLK::CError;
 
 namespace {
 
-constexpr double kCoarsest = -1.0; ///< logarithm of the coarsest step
+/// Logarithm of the coarsest step. From 0 on the highest subband would have no bit plane left, for which OpenJPH is not
+/// made.
+constexpr double kCoarsest = -0.25;
 constexpr std::size_t kFewPieces = 32;
 constexpr std::size_t kRoughStride = 8;
 constexpr int kMostRoughTrials = 7, kMostTrials = 4, kMostWholeTrials = 8;

@@ -16,7 +16,8 @@ public:
                 std::function<void(double)> progress);
 
     /// \a bytesPerCell: that the packets of the image may take by the number of its cells (of all bands together).
-    /// \a finest: step below which nothing is gained. The result lies between it and 1/2.
+    /// \a finest: step below which nothing is gained. The result lies between it and 0.84, even where that means other
+    /// bytes.
     PLK::CError run(double bytesPerCell, double finest, double *step);
 
 private:

@@ -165,6 +165,22 @@ void TestHighThroughput::mixedDepths()
     for (int band = 0; band < 3; ++band)
         QVERIFY(readCells(&view, band) == expectedCells(image, band));
     QVERIFY(agrees(&view, codestreamOf(readFile("mixed.xrv")), 3, 0));
+
+    // Each band is quantized by its own range.
+    options.isLossless = false;
+    options.rate = 4;
+    write(&image, options, "mixed.xrv");
+    QVERIFY(view.Open(path("mixed.xrv").c_str(), false, false).IsSuccess());
+    QVERIFY(agrees(&view, codestreamOf(readFile("mixed.xrv")), 3, 1));
+    for (int band = 0; band < 3; ++band) {
+        const auto cells = readCells(&view, band), expected = expectedCells(image, band);
+        double largest = 0.0;
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            largest = std::max(largest, double(std::abs(cells[i] - expected[i])));
+        QVERIFY(largest > 0.0 || band == 1);
+        QVERIFY2(std::ldexp(largest, -image.image.bands[std::size_t(band)].bits) < 0.04,
+                 qPrintable(QString::number(largest)));
+    }
 }
 
 /// The same cells through the packet index, and without it through the marker segments.

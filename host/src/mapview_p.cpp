@@ -195,8 +195,13 @@ QImage MapView::Private::renderOffscreen(const MapGeometry &wanted, int timeoutM
 bool MapView::Private::isComplete() const
 {
     // Without an extent no layer has anything to show.
-    return !hasExtent || std::all_of(pictures.cbegin(), pictures.cend(),
-                                     [this](const auto &picture) { return picture->isComplete(renderedGeometry()); });
+    if (!hasExtent)
+        return true;
+    // Every one is asked, so that the times in which they settle run side by side.
+    bool result = true;
+    for (const auto &picture : pictures)
+        result = picture->isComplete(renderedGeometry()) && result;
+    return result;
 }
 
 int MapView::Private::getPercentComplete() const

@@ -82,6 +82,7 @@ private Q_SLOTS:
     void stacksLayers();
     void layersMayGoOnTheirOwn();
     void waitsForTheLastPass();
+    void waitsForAllLayersAtOnce();
     void waitsNoLongerThanAllowed();
     void offscreenPictureLeavesTheViewAsItWas();
     void viewMayGoWhileWaiting();
@@ -340,6 +341,17 @@ void TestMapView::waitsForTheLastPass()
     QVERIFY(isComplete);
     QVERIFY(layer->paintCount >= 2);
     QCOMPARE(picture.pixel(0, 0), qRgb(255, 0, 0));
+}
+
+void TestMapView::waitsForAllLayersAtOnce()
+{
+    // Every one needs a tenth of a second to settle.
+    MapView view;
+    for (int i = 0; i < 100; ++i)
+        view.addLayer(new FakeLayer(kBounds), -1);
+    bool isComplete = false;
+    view.renderToImage(QSize(20, 10), 5000, &isComplete);
+    QVERIFY(isComplete);
 }
 
 void TestMapView::waitsNoLongerThanAllowed()

@@ -94,7 +94,7 @@ void ImageSample::spread(const ImageDescription &image, std::int64_t most)
     }
 }
 
-CError ImageSample::read(ImageSource &source, const CancelFlag &cancel)
+CError ImageSample::read(ImageSource &source, const CancelFlag &cancel, const std::function<void(double)> &progress)
 {
     std::vector<std::vector<std::int32_t>> planes(coding.bands.size());
     std::vector<std::int32_t *> places;
@@ -109,6 +109,7 @@ CError ImageSample::read(ImageSource &source, const CancelFlag &cancel)
         if (CError error = source.read(pieces[piece], places))
             return error;
         keep(planes, &packed[piece]);
+        progress(static_cast<double>(piece + 1) / static_cast<double>(pieces.size()));
     }
     return {};
 }

@@ -5,6 +5,8 @@
 
 #include "../io/cancelflag.h"
 
+#include <functional>
+
 namespace xrv {
 
 /// Pieces from all over an image, kept in memory to be encoded in several ways. A small image is kept as a whole, in
@@ -17,8 +19,9 @@ public:
     /// \a mostBytes: what the pieces may take.
     ImageSample(const ImageDescription &image, const TileCoding &coding, std::uint64_t mostBytes = kUsualBytes);
 
-    /// Reads the pieces, of the rows in between nothing. \a source then has to start again.
-    PLK::CError read(ImageSource &source, const CancelFlag &cancel);
+    /// Reads the pieces, of the rows in between nothing. \a source then has to start again. \a progress gets the share
+    /// that is read, 0 to 1.
+    PLK::CError read(ImageSource &source, const CancelFlag &cancel, const std::function<void(double)> &progress);
 
     /// By row, then from left to right.
     const std::vector<IntRect> &rects() const { return pieces; }
@@ -30,8 +33,8 @@ public:
 
 private:
     void spread(const ImageDescription &image, std::int64_t most);
-    void keep(const std::vector<std::vector<std::int32_t>> &planes, Bytes *packed) const;
-    void unpack(const Bytes &packed, const std::vector<std::int32_t *> &planes, std::size_t count) const;
+    void keep(const std::vector<std::vector<std::int32_t>> &planes, Bytes *out) const;
+    void unpack(const Bytes &in, const std::vector<std::int32_t *> &planes, std::size_t count) const;
 
     TileCoding coding;
     bool isWhole = true;

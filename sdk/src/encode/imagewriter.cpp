@@ -157,9 +157,10 @@ private:
     CError chooseStep()
     {
         ImageSample sample(image, coding);
-        if (CError error = sample.read(source, options.cancel))
+        const auto sampled = [this](double share) { report(kShareOfSampling * share / 2.0); };
+        const auto tried = [this](double share) { report(kShareOfSampling * (1.0 + share) / 2.0); };
+        if (CError error = sample.read(source, options.cancel, sampled))
             return error;
-        const auto tried = [this](double share) { report(kShareOfSampling * share); };
         StepChooser chooser(sample, threadCount(options.threads), options.cancel, tried);
         int bits = 1;
         for (const XrvBand &band : image.bands)

@@ -3,6 +3,7 @@
 import json
 import os
 import subprocess
+import tempfile
 
 
 class Description:
@@ -33,8 +34,10 @@ def page_lines(text):
 
 def run_viewer(viewer, files):
     environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", LC_ALL="C.UTF-8")
-    return subprocess.run([viewer, "--settings", os.devnull, "--describe", *files], env=environment, capture_output=True,
-                          text=True, timeout=250, check=False)
+    with tempfile.TemporaryDirectory() as folder:
+        settings = os.path.join(folder, "settings.ini")
+        return subprocess.run([viewer, "--settings", settings, "--describe", *files], env=environment,
+                              capture_output=True, text=True, timeout=250, check=False)
 
 
 def describe(viewer, files):

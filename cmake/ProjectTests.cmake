@@ -1,6 +1,8 @@
-# xrv_add_test(NAME tst_x SOURCES ... LIBRARIES ... [INCLUDES ...] [LABELS ...] [SERIAL]): one test program, one ctest entry.
+# xrv_add_test(NAME tst_x SOURCES ... LIBRARIES ... [INCLUDES ...] [LABELS ...] [SERIAL] [OPTIMIZED]): one test
+# program, one ctest entry.
 # All speak English, whatever the machine does.
 # LABELS threads: is built and run under the thread sanitizer too. SERIAL: measures time or memory, so runs alone.
+# OPTIMIZED: computes much by itself, so is compiled like the code that it tests.
 
 include(CTest)
 
@@ -43,13 +45,15 @@ function(xrv_precompile_test name)
 endfunction()
 
 function(xrv_add_test)
-    cmake_parse_arguments(TEST "SERIAL" "NAME" "SOURCES;LIBRARIES;INCLUDES;LABELS" ${ARGN})
+    cmake_parse_arguments(TEST "SERIAL;OPTIMIZED" "NAME" "SOURCES;LIBRARIES;INCLUDES;LABELS" ${ARGN})
     add_executable(${TEST_NAME} ${TEST_SOURCES})
     target_link_libraries(${TEST_NAME} PRIVATE project_options ${TEST_LIBRARIES})
     target_include_directories(${TEST_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${TEST_INCLUDES})
     set_target_properties(${TEST_NAME} PROPERTIES AUTOMOC ON RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
-    xrv_compile_quickly(${TEST_NAME})
-    xrv_precompile_test(${TEST_NAME} ${TEST_LIBRARIES})
+    if(NOT TEST_OPTIMIZED)
+        xrv_compile_quickly(${TEST_NAME})
+        xrv_precompile_test(${TEST_NAME} ${TEST_LIBRARIES})
+    endif()
     add_test(NAME ${TEST_NAME} COMMAND ${TEST_NAME})
     if("threads" IN_LIST TEST_LABELS)
         add_dependencies(thread_tests ${TEST_NAME})

@@ -1,2 +1,2 @@
-xrv_add_sdk_test(tst_statistics)
+xrv_add_sdk_test(tst_statistics OPTIMIZED)
 xrv_add_sdk_test(tst_fileclient LABELS threads)

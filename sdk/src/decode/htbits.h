@@ -7,9 +7,44 @@ namespace xrv {
 /// The three kinds of bit-streams in a high-throughput code-block (ISO/IEC 15444-15 clause 7). None of them reads
 /// outside of its bytes; where those end, each goes on with what the standard says.
 
-/// Bits from the front, lowest first: magnitudes and signs, significance propagation. After a byte of 0xFF the next one
-/// has seven bits.
-class ForwardBits
+/// Bits that come lowest first. \a Reader has refill(), which brings at least 32 of them into the buffer.
+template <typename Reader> class LowBits
+{
+public:
+    /// The next 32 bits.
+    std::uint32_t peek()
+    {
+        if (count < 32)
+            static_cast<Reader *>(this)->refill();
+        return static_cast<std::uint32_t>(buffer);
+    }
+    /// After peek(); at most 32.
+    void skip(unsigned bits)
+    {
+        buffer >>= bits;
+        count -= bits;
+    }
+    unsigned bit()
+    {
+        const unsigned result = peek() & 1;
+        skip(1);
+        return result;
+    }
+
+protected:
+    void append(std::uint32_t bits, unsigned width)
+    {
+        buffer |= std::uint64_t(bits) << count;
+        count += width;
+    }
+
+    std::uint64_t buffer = 0;
+    unsigned count = 0; ///< of bits in the buffer
+};
+
+/// Bits from the front: magnitudes and signs, significance propagation. After a byte of 0xFF the next one has seven
+/// bits.
+class ForwardBits : public LowBits<ForwardBits>
 {
 public:
     /// \a filling: what comes after the end, 0xFF or 0.
@@ -20,27 +55,9 @@ public:
     {
     }
 
-    /// The next 32 bits.
-    std::uint32_t peek()
-    {
-        if (count < 32)
-            refill();
-        return static_cast<std::uint32_t>(buffer);
-    }
-    /// After peek(); at most 32.
-    void skip(unsigned bits)
-    {
-        buffer >>= bits;
-        count -= bits;
-    }
-    unsigned bit()
-    {
-        const unsigned result = peek() & 1;
-        skip(1);
-        return result;
-    }
-
 private:
+    friend LowBits<ForwardBits>;
+
     void refill()
     {
         if (end - next >= 4 && !isStuffed) {
@@ -48,16 +65,14 @@ private:
                                        std::uint32_t(next[2]) << 16 | std::uint32_t(next[3]) << 24;
             const bool hasFullByte = (~word - 0x01010101u) & word & 0x80808080u;
             if (!hasFullByte) {
-                buffer |= std::uint64_t(word) << count;
-                count += 32;
+                append(word, 32);
                 next += 4;
                 return;
             }
         }
         while (count <= 56) {
             const std::uint8_t byte = next < end ? *next++ : filling;
-            buffer |= std::uint64_t(isStuffed ? byte & 0x7F : byte) << count;
-            count += isStuffed ? 7 : 8;
+            append(isStuffed ? byte & 0x7F : byte, isStuffed ? 7 : 8);
             isStuffed = byte == 0xFF;
         }
     }
@@ -65,13 +80,11 @@ private:
     const std::uint8_t *next, *const end;
     const std::uint8_t filling;
     bool isStuffed = false;
-    std::uint64_t buffer = 0;
-    unsigned count = 0; ///< of bits in the buffer
 };
 
-/// Bits from the back, lowest first: codewords of variable length, magnitude refinement. A byte whose lower seven bits
-/// are ones has no more than those where the one before it (behind it in memory) is above 0x8F. Zeros follow.
-class BackwardBits
+/// Bits from the back: codewords of variable length, magnitude refinement. A byte whose lower seven bits are ones has
+/// no more than those where the one before it (behind it in memory) is above 0x8F. Zeros follow.
+class BackwardBits : public LowBits<BackwardBits>
 {
 public:
     /// The first byte is \a end[-1].
@@ -80,50 +93,31 @@ public:
         , next(end)
     {
     }
-    /// Begins with the upper four bits of \a half.
+    /// Begins with the upper four bits of \a half, or three of them where those are ones.
     BackwardBits(const std::uint8_t *begin, const std::uint8_t *end, std::uint8_t half)
         : begin(begin)
         , next(end)
         , isAfterLarge((half | 0x0F) > 0x8F)
-        , buffer(half >> 4)
-        , count((half >> 4 & 7) == 7 ? 3 : 4)
     {
-        buffer &= (1u << count) - 1;
-    }
-
-    /// The next 32 bits.
-    std::uint32_t peek()
-    {
-        while (count < 32)
-            append(next > begin ? *--next : 0);
-        return static_cast<std::uint32_t>(buffer);
-    }
-    /// After peek(); at most 32.
-    void skip(unsigned bits)
-    {
-        buffer >>= bits;
-        count -= bits;
-    }
-    unsigned bit()
-    {
-        const unsigned result = peek() & 1;
-        skip(1);
-        return result;
+        const bool isStuffed = (half >> 4 & 7) == 7;
+        append(isStuffed ? 7 : half >> 4, isStuffed ? 3 : 4);
     }
 
 private:
-    void append(std::uint8_t byte)
+    friend LowBits<BackwardBits>;
+
+    void refill()
     {
-        const bool isStuffed = isAfterLarge && (byte & 0x7F) == 0x7F;
-        buffer |= std::uint64_t(isStuffed ? 0x7F : byte) << count;
-        count += isStuffed ? 7 : 8;
-        isAfterLarge = byte > 0x8F;
+        while (count < 32) {
+            const std::uint8_t byte = next > begin ? *--next : 0;
+            const bool isStuffed = isAfterLarge && (byte & 0x7F) == 0x7F;
+            append(isStuffed ? 0x7F : byte, isStuffed ? 7 : 8);
+            isAfterLarge = byte > 0x8F;
+        }
     }
 
     const std::uint8_t *const begin, *next;
     bool isAfterLarge = true;
-    std::uint64_t buffer = 0;
-    unsigned count = 0; ///< of bits in the buffer
 };
 
 /// Events from an adaptive run-length code, highest bit first.

@@ -91,6 +91,12 @@ public:
     {
         ++runningTasks;
         sinceBegin.start();
+        // Where a dialog and its window are closed together on a busy machine, the toolkit may tell that no window is
+        // left and yet not quit.
+        QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &listener, [] {
+            if (QGuiApplication::quitOnLastWindowClosed())
+                QCoreApplication::quit();
+        });
     }
     ~Waiting()
     {
@@ -111,6 +117,7 @@ private:
     TaskThread &thread;
     QElapsedTimer sinceBegin;
     bool isEnded = false;
+    const QObject listener;
 };
 
 LongTask::Outcome Waiting::wait()

@@ -100,6 +100,13 @@ public:
     bool wasShown = false;
 };
 
+/// Until it quits; what may have told it to once more does not reach the next time.
+void runApplication()
+{
+    QApplication::exec();
+    QCoreApplication::removePostedEvents(qApp, QEvent::Quit);
+}
+
 class PaintedWidget : public QWidget
 {
 public:
@@ -309,7 +316,7 @@ void TestLongTask::endsWhenTheApplicationQuits()
     QElapsedTimer timer;
     timer.start();
     QTimer::singleShot(0, this, [&] { outcome = sleep.task().run(); });
-    QApplication::exec();
+    runApplication();
     QCOMPARE(outcome, LongTask::Outcome::Cancelled);
     QVERIFY(sleep.isOver && !window->isVisible());
 
@@ -322,7 +329,7 @@ void TestLongTask::endsWhenTheApplicationQuits()
         outcome = further.task().run();
     });
     WhenShown again([](QDialog &) { QApplication::closeAllWindows(); });
-    QApplication::exec();
+    runApplication();
     QCOMPARE(outcome, LongTask::Outcome::Cancelled);
     QCOMPARE(further.where, std::thread::id());
 
@@ -331,10 +338,10 @@ void TestLongTask::endsWhenTheApplicationQuits()
     Sleep another(20000);
     QTimer::singleShot(0, this, [&] { outcome = another.task().run(); });
     QTimer::singleShot(100, this, [] { QApplication::quit(); });
-    QApplication::exec();
+    runApplication();
     QCOMPARE(outcome, LongTask::Outcome::Cancelled);
     QVERIFY(another.isOver);
-    QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() < 15000, qPrintable(QString::number(timer.elapsed())));
 }
 
 QTEST_MAIN(TestLongTask)

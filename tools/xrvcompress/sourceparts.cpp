@@ -31,14 +31,6 @@ bool isPnm(const Bytes &start)
            (start[2] == ' ' || start[2] == '\n' || start[2] == '\r' || start[2] == '\t' || start[2] == '#');
 }
 
-/// The tags went through a box that the input does not have.
-std::string nameSource(std::string warning)
-{
-    const std::string box = "GeoJP2 box";
-    const std::size_t place = warning.find(box);
-    return place == std::string::npos ? warning : warning.replace(place, box.size(), "GeoTIFF header");
-}
-
 } // namespace
 
 CError openImageSource(const std::string &path, std::unique_ptr<ImageSource> *source,
@@ -70,11 +62,8 @@ void completePlace(const std::string &path, ImageDescription *image, std::vector
     Jp2Structure structure;
     if (!image->geoTags.isEmpty())
         structure.uuidBoxes.push_back({kGeoJp2Uuid, makeGeoTiff(image->geoTags)});
-    std::vector<std::string> found;
-    image->place = readGeoReference(structure, image->width, image->height, path, &found);
-    image->rpc = readRpc(structure, path, &found);
-    for (const std::string &warning : found)
-        warnings->push_back(nameSource(warning));
+    image->place = readGeoReference(structure, image->width, image->height, path, warnings);
+    image->rpc = readRpc(structure, path, warnings);
     // A place that is not in the tags would be lost if the tags were handed on.
     if (image->place.origin != GeoReference::Origin::GeoJp2)
         image->geoTags = {};

@@ -28,7 +28,7 @@ std::optional<Transform> modelTransform(const TiffFile &tiff, std::vector<std::s
     if (matrix.size() >= kMatrixNumbers)
         return Transform{matrix[3], matrix[0], matrix[1], matrix[7], matrix[4], matrix[5]};
     if (!tie.empty())
-        warnings->push_back("The GeoJP2 box has tie points without a cell size; they are not used.");
+        warnings->push_back("The GeoTIFF header has tie points without a cell size; they are not used.");
     return std::nullopt;
 }
 
@@ -38,7 +38,7 @@ Placement readGeoTiff(const Bytes &content, std::vector<std::string> *warnings)
 {
     const TiffFile tiff(content);
     if (!tiff.isOpen()) {
-        warnings->push_back("The GeoJP2 box is damaged" +
+        warnings->push_back("The GeoTIFF header is damaged" +
                             (tiff.firstError().empty() ? "." : " (" + tiff.firstError() + ")."));
         return {};
     }
@@ -49,7 +49,7 @@ Placement readGeoTiff(const Bytes &content, std::vector<std::string> *warnings)
     if (result.transform && keys.isPixelPoint)
         result.transform = fromCentres(*result.transform);
     if (result.transform && !isUsable(*result.transform)) {
-        warnings->push_back("The GeoJP2 box has a place that is no place; it is not used.");
+        warnings->push_back("The GeoTIFF header has a place that is no place; it is not used.");
         result.transform.reset();
     }
     return result;
@@ -64,7 +64,7 @@ std::optional<std::array<double, 92>> readRpcTag(const Bytes &content, std::vect
         return std::nullopt;
     const bool isFinite = std::all_of(found.begin(), found.end(), [](double v) { return std::isfinite(v); });
     if (found.size() != values.size() || !isFinite) {
-        warnings->push_back("The RPC coefficients of the GeoJP2 box are damaged and are not used.");
+        warnings->push_back("The RPC coefficients of the GeoTIFF header are damaged and are not used.");
         return std::nullopt;
     }
     std::copy(found.begin(), found.end(), values.begin());

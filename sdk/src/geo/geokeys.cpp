@@ -268,7 +268,7 @@ void applyLinearUnit(GTIF *keys, CrsDescription *crs, std::vector<std::string> *
     if (!differs)
         return;
     if (isKnown && crs->epsg != 0) {
-        warnings->push_back("The GeoJP2 box has other linear units than EPSG:" + std::to_string(crs->epsg) +
+        warnings->push_back("The GeoTIFF header has other linear units than EPSG:" + std::to_string(crs->epsg) +
                             "; the units are used and the code is not.");
         crs->epsg = 0;
     }
@@ -307,7 +307,7 @@ GeoKeys readGeoKeys(const TiffFile &tiff, std::vector<std::string> *warnings)
         result.crs = systemOf(keys.get(), warnings);
     }
     if (!keys || !message.empty())
-        warnings->push_back("The GeoJP2 box has damaged keys" + (message.empty() ? "." : " (" + message + ")."));
+        warnings->push_back("The GeoTIFF header has damaged keys" + (message.empty() ? "." : " (" + message + ")."));
     return result;
 }
 

@@ -107,7 +107,7 @@ GeoReference readGeoReference(const Jp2Structure &structure, std::uint32_t width
                               const std::string &localName, std::vector<std::string> *warnings)
 {
     const std::vector<Source> sources = {
-        {Origin::GeoJp2, "GeoJP2 box", fromGeoJp2(structure, warnings)},
+        {Origin::GeoJp2, "GeoTIFF header", fromGeoJp2(structure, warnings)},
         {Origin::Gml, "GML box", readGml(structure.gml, warnings)},
         {Origin::WorldFile, "world file", {readWorldFile(localName, warnings), std::nullopt}},
     };

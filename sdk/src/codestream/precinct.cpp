@@ -29,7 +29,6 @@ int floorLog2(unsigned value)
 }
 
 constexpr int kMostPasses = 164;       ///< 37 + 127, table B.4
-constexpr int kPassesOfSet = 3;        ///< of high-throughput blocks: cleanup and two refinements
 constexpr int kMostZeroBitPlanes = 74; ///< more than 7 guard bits and 5-bit exponents with a region of interest allow
 
 } // namespace

@@ -89,6 +89,9 @@ private:
     bool usesEph;
 };
 
+/// Passes of a set in a high-throughput code-block: cleanup and two refinements (ISO/IEC 15444-15 clause 7).
+constexpr int kPassesOfSet = 3;
+
 /// Passes that the codeword segment with its first pass numbered \a firstPass can hold (table D.9; in high-throughput
 /// blocks a cleanup pass stands alone, the two refinement passes after it together: ISO/IEC 15444-15 annex B).
 int passesInSegment(std::uint8_t codeBlockStyle, int firstPass);

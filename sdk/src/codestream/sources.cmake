@@ -3,6 +3,7 @@ set(stage_sources
     mainheader.cpp
     packedheaders.cpp
     packetindex.cpp
+    packetlengths.cpp
     packetorder.cpp
     packetwalk.cpp
     precinct.cpp

@@ -2,6 +2,7 @@
 
 #include "../io/bytecursor.h"
 #include "packedheaders.h"
+#include "packetlengths.h"
 
 #include <algorithm>
 
@@ -12,26 +13,6 @@ namespace xrv {
 namespace {
 
 constexpr std::uint64_t kLongestTileHeader = 64 * 1024 * 1024;
-
-/// Packet lengths of one tile-part: 7 bits a byte, the highest bit says that more follow (A.7.3).
-std::vector<std::uint32_t> packetLengths(std::vector<MarkerSegment> &segments)
-{
-    std::stable_sort(segments.begin(), segments.end(), [](const MarkerSegment &a, const MarkerSegment &b) {
-        return !a.payload.empty() && !b.payload.empty() && a.payload[0] < b.payload[0];
-    });
-    std::vector<std::uint32_t> lengths;
-    std::uint32_t value = 0;
-    for (const MarkerSegment &segment : segments) {
-        for (std::size_t i = 1; i < segment.payload.size(); ++i) {
-            value = value << 7 | (segment.payload[i] & 0x7F);
-            if (!(segment.payload[i] & 0x80)) {
-                lengths.push_back(value);
-                value = 0;
-            }
-        }
-    }
-    return lengths;
-}
 
 /// \a part begins as a tile-part of \a tile does (A.4.2). Tables of tile-parts can be wrong.
 bool isOwnPart(const Bytes &part, std::uint32_t tile)
@@ -119,7 +100,7 @@ CError TileIndexReader::readPart(const TilePart &part, std::uint64_t firstRead, 
     if (!header.packedHeaders.empty())
         appendPacked(packedHeadersOfPart(header.packedHeaders, part.sequence));
     made->dataRanges.push_back({part.range.offset + position, part.range.length - position});
-    lengths.push_back(packetLengths(plt));
+    lengths.push_back(packetLengths(std::move(plt)));
     return {};
 }
 

@@ -16,7 +16,6 @@ namespace xrv {
 
 namespace {
 
-constexpr int kPassesOfSet = 3;
 constexpr int kMostBitPlanes = 30;
 constexpr std::size_t kMostSuffix = 4079; ///< bytes of the run-length code and the codewords together
 constexpr int kStripe = 4;                ///< rows, and columns that the refinement passes go through at a time

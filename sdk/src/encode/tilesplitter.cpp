@@ -1,5 +1,6 @@
 #include "tilesplitter.h"
 
+#include "../codestream/packetlengths.h"
 #include "../codestream/packetwalk.h"
 #include "../io/cancelflag.h"
 #include "../io/memorysource.h"
@@ -55,24 +56,8 @@ private:
         if (position > bytes.size() || !readSegments(bytes, &position, {Marker::kSOD}, &segments, &isIncomplete))
             return unexpected();
         position += 2;
-        readLengths(segments);
+        lengths = packetLengths(std::move(segments));
         return position + kEnd <= bytes.size() ? CError() : unexpected();
-    }
-
-    void readLengths(const std::vector<MarkerSegment> &segments)
-    {
-        std::uint32_t value = 0;
-        for (const MarkerSegment &segment : segments) {
-            if (segment.marker != Marker::kPLT)
-                continue;
-            for (std::size_t i = 1; i < segment.payload.size(); ++i) {
-                value = value << 7 | (segment.payload[i] & 0x7F);
-                if (segment.payload[i] & 0x80)
-                    continue;
-                lengths.push_back(value);
-                value = 0;
-            }
-        }
     }
 
     CError walk(const PacketNumbering &numbering)

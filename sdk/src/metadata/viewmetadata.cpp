@@ -1,7 +1,5 @@
 #include "viewmetadatavalues.h"
 
-#include "../codestream/precinct.h"
-
 #include <xrv60/plkviewparameters.h>
 
 namespace PLK::ViewMetadata {

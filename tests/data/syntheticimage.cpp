@@ -43,6 +43,15 @@ PLK::CError SyntheticImage::read(const IntRect &rect, const std::vector<std::int
     return {};
 }
 
+std::vector<std::int32_t> SyntheticImage::cells(int band) const
+{
+    std::vector<std::int32_t> result;
+    for (int y = 0; y < static_cast<int>(image.height); ++y)
+        for (int x = 0; x < static_cast<int>(image.width); ++x)
+            result.push_back(cell(band, x, y));
+    return result;
+}
+
 std::vector<std::int32_t> readCells(PLK::CView *view, int band, int x0, int y0, int x1, int y1)
 {
     double left = 0, top = 0, right = 0, bottom = 0;

@@ -20,6 +20,8 @@ public:
     const xrv::ImageDescription &description() const override { return image; }
     PLK::CError read(const xrv::IntRect &rect, const std::vector<std::int32_t *> &planes) override;
     PLK::CError rewind() override { return {}; }
+    /// All cells of \a band, rows packed.
+    std::vector<std::int32_t> cells(int band) const;
 
     xrv::ImageDescription image; ///< to be changed before it is written
     CellFunction cell; ///< at first a smooth landscape with a little noise that reaches both ends of the range

@@ -4,14 +4,8 @@
 # install_room(COMPONENT FOLDER RPATH TARGET...): puts the targets that are built here into FOLDER, where they find their
 # libraries at RPATH, counted from their own folder, or where another installation has them.
 function(install_room component folder rpath)
-    foreach(target ${ARGN})
-        if(NOT TARGET ${target})
-            continue()
-        endif()
-        get_target_property(is_imported ${target} IMPORTED)
-        if(is_imported)
-            continue()
-        endif()
+    xrv_built_here(targets ${ARGN})
+    foreach(target ${targets})
         set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${rpath}" INSTALL_RPATH_USE_LINK_PATH ON)
         install(TARGETS ${target} COMPONENT ${component} RUNTIME DESTINATION bin LIBRARY DESTINATION ${folder}
                 ARCHIVE DESTINATION lib)

@@ -30,14 +30,8 @@ endfunction()
 # xrv_reuse_precompiled(NAME TARGET...): for those of the targets that are built here. Sources with options of their own
 # are left out.
 function(xrv_reuse_precompiled name)
-    foreach(target ${ARGN})
-        if(NOT TARGET ${target})
-            continue()
-        endif()
-        get_target_property(is_imported ${target} IMPORTED)
-        if(is_imported)
-            continue()
-        endif()
+    xrv_built_here(targets ${ARGN})
+    foreach(target ${targets})
         target_precompile_headers(${target} REUSE_FROM ${name})
         if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
             target_compile_options(${target} PRIVATE -fpch-preprocess) # for ccache

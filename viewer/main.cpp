@@ -1,9 +1,9 @@
-#include "batchrunner.h"
-#include "commandline.h"
-#include "icons.h"
-#include "mainwindow.h"
-#include "pluginfolders.h"
-#include "translations.h"
+#include "appearance/icons.h"
+#include "appearance/translations.h"
+#include "batch/batchrunner.h"
+#include "batch/commandline.h"
+#include "plugins/pluginfolders.h"
+#include "window/mainwindow.h"
 
 #include <QDGui/application.h>
 #include <QDGui/pluginregistry.h>

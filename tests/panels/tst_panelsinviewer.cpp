@@ -1,7 +1,7 @@
-#include "mainactions.h"
-#include "mainwindow.h"
-#include "maparea.h"
-#include "preferencesdialog.h"
+#include "plugins/preferencesdialog.h"
+#include "views/maparea.h"
+#include "window/mainactions.h"
+#include "window/mainwindow.h"
 
 #include "data/jp2maker.h"
 

@@ -1,11 +1,11 @@
-#include "mainactions.h"
-#include "mainwindow.h"
-#include "maparea.h"
-#include "plugincontributions.h"
-#include "preferencesdialog.h"
-#include "propertieswindow.h"
+#include "appearance/translations.h"
+#include "plugins/plugincontributions.h"
+#include "plugins/preferencesdialog.h"
+#include "plugins/propertieswindow.h"
 #include "quadlayer.h"
-#include "translations.h"
+#include "views/maparea.h"
+#include "window/mainactions.h"
+#include "window/mainwindow.h"
 
 #include <QDGui/application.h>
 #include <QDGui/pluginregistry.h>

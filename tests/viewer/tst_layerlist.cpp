@@ -1,5 +1,5 @@
-#include "layerlistdock.h"
-#include "layerlistmodel.h"
+#include "layers/layerlistdock.h"
+#include "layers/layerlistmodel.h"
 #include "viewertest.h"
 
 #include "quadlayer.h"

@@ -1,4 +1,4 @@
-#include "logdock.h"
+#include "log/logdock.h"
 
 #include <QDGui/application.h>
 

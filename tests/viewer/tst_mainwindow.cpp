@@ -1,8 +1,8 @@
-#include "mainactions.h"
-#include "mainwindow.h"
-#include "maparea.h"
-#include "propertieswindow.h"
+#include "plugins/propertieswindow.h"
 #include "viewertest.h"
+#include "views/maparea.h"
+#include "window/mainactions.h"
+#include "window/mainwindow.h"
 
 #include <QDGui/ilayerplugin.h>
 #include <QDGui/mapview.h>

@@ -1,13 +1,13 @@
-#include "maparea.h"
-#include "projectcontroller.h"
-#include "projectreader.h"
-#include "projectwriter.h"
+#include "project/projectcontroller.h"
+#include "project/projectreader.h"
+#include "project/projectwriter.h"
 #include "viewertest.h"
+#include "views/maparea.h"
 
 #include <QDGui/mapview.h>
 #include <QDGui/rasterlayer.h>
 
-#include "layeropener.h"
+#include "sources/layeropener.h"
 
 #include <QColor>
 #include <QDir>

@@ -1,8 +1,8 @@
 #include "data/lostonpurpose.h"
-#include "mainwindow.h"
-#include "maparea.h"
-#include "project.h"
-#include "projectcontroller.h"
+#include "project/project.h"
+#include "project/projectcontroller.h"
+#include "views/maparea.h"
+#include "window/mainwindow.h"
 
 #include "data/jp2maker.h"
 #include "sdk/stream/webfile.h"

@@ -1,6 +1,6 @@
 #include "quadlayer.h"
-#include "recentsources.h"
-#include "sources.h"
+#include "sources/recentsources.h"
+#include "sources/sources.h"
 #include "viewertest.h"
 
 #include <QDir>

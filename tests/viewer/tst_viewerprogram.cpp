@@ -1,6 +1,6 @@
-#include "mainactions.h"
-#include "mainwindow.h"
-#include "maparea.h"
+#include "views/maparea.h"
+#include "window/mainactions.h"
+#include "window/mainwindow.h"
 
 #include "data/jp2maker.h"
 

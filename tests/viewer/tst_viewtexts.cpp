@@ -1,4 +1,4 @@
-#include "viewtexts.h"
+#include "views/viewtexts.h"
 
 #include <QLocale>
 #include <QTest>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "layeropener.h"
+#include "sources/layeropener.h"
 
 #include <QMainWindow>
 #include <QPointer>

@@ -1,6 +1,6 @@
 #include "layerdescriber.h"
 
-#include "sources.h"
+#include "sources/sources.h"
 
 #include <QDGui/irasterlayerhistogram.h>
 #include <QDGui/rasterlayer.h>

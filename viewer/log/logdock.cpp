@@ -1,6 +1,5 @@
 #include "logdock.h"
 
-#include "logfilter.h"
 #include "logmodel.h"
 
 #include <QDGui/application.h>
@@ -14,6 +13,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSortFilterProxyModel>
 #include <QTreeView>
 
 #include <algorithm>
@@ -35,6 +35,28 @@ int widestLevel(const QFontMetrics &metrics)
 }
 
 } // namespace
+
+/// The lines of a LogModel that are at least as severe as a level.
+class LogFilter : public QSortFilterProxyModel
+{
+public:
+    using QSortFilterProxyModel::QSortFilterProxyModel;
+
+    void setLeastLevel(Application::LogLevel level)
+    {
+        leastLevel = level;
+        invalidateFilter();
+    }
+
+protected:
+    bool filterAcceptsRow(int row, const QModelIndex &parent) const override
+    {
+        return sourceModel()->index(row, LogModel::LevelColumn, parent).data(LogModel::LevelRole).toInt() >= leastLevel;
+    }
+
+private:
+    Application::LogLevel leastLevel = Application::LogDebug;
+};
 
 LogDock::LogDock(QWidget *parent)
     : QDockWidget(tr("Log"), parent)

@@ -1,8 +1,8 @@
 #include "propertieswindow.h"
 
-#include "layersummarypage.h"
+#include "layers/layersummarypage.h"
 #include "plugincontributions.h"
-#include "sources.h"
+#include "sources/sources.h"
 
 #include <QDGui/application.h>
 #include <QDGui/ilayerpropertieswidget.h>

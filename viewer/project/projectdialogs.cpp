@@ -1,10 +1,10 @@
 #include "projectdialogs.h"
 
-#include "failurereport.h"
+#include "appearance/failurereport.h"
 #include "project.h"
 #include "projectcontroller.h"
-#include "recentsources.h"
-#include "sources.h"
+#include "sources/recentsources.h"
+#include "sources/sources.h"
 
 #include <QDGui/application.h>
 

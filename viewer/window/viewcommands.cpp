@@ -1,8 +1,8 @@
 #include "viewcommands.h"
 
 #include "mainactions.h"
-#include "maparea.h"
-#include "pictures.h"
+#include "views/maparea.h"
+#include "views/pictures.h"
 
 #include <QDGui/mapview.h>
 

@@ -1,8 +1,8 @@
 #include "projectcontroller.h"
 
-#include "maparea.h"
 #include "projectreader.h"
 #include "projectwriter.h"
+#include "views/maparea.h"
 
 #include <QDGui/mapview.h>
 

@@ -1,6 +1,6 @@
 #include "maparea.h"
 
-#include "sources.h"
+#include "sources/sources.h"
 
 #include <QDGui/layer.h>
 #include <QDGui/mapview.h>

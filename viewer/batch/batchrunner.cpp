@@ -1,14 +1,14 @@
 #include "batchrunner.h"
 
-#include "layerdescriber.h"
-#include "mainwindow.h"
-#include "maparea.h"
-#include "pagetexts.h"
-#include "pictures.h"
-#include "project.h"
-#include "projectreader.h"
-#include "sources.h"
-#include "translations.h"
+#include "appearance/translations.h"
+#include "layers/layerdescriber.h"
+#include "plugins/pagetexts.h"
+#include "project/project.h"
+#include "project/projectreader.h"
+#include "sources/sources.h"
+#include "views/maparea.h"
+#include "views/pictures.h"
+#include "window/mainwindow.h"
 
 #include <QDGui/mapview.h>
 #include <QDGui/pluginregistry.h>

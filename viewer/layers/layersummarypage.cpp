@@ -1,6 +1,6 @@
 #include "layersummarypage.h"
 
-#include "sources.h"
+#include "sources/sources.h"
 
 #include <QDGui/rasterlayer.h>
 

@@ -1,8 +1,8 @@
 #include "layerlistdock.h"
 
-#include "icons.h"
+#include "appearance/icons.h"
 #include "layerlistmodel.h"
-#include "sources.h"
+#include "sources/sources.h"
 
 #include <QDGui/mapview.h>
 #include <QDGui/rasterlayer.h>

@@ -1,6 +1,6 @@
 #include "missinglayer.h"
 
-#include "sources.h"
+#include "sources/sources.h"
 
 namespace Viewer {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "missinglayer.h"
+#include "views/missinglayer.h"
 
 #include <QDGui/layer.h>
 
@@ -50,7 +50,11 @@ struct ProjectSource
 };
 
 /// File name extension of projects, with the dot.
-extern const QString kProjectSuffix;
-bool isProjectFile(const QString &source);
+inline const QString kProjectSuffix = QStringLiteral(".qdproject");
+
+inline bool isProjectFile(const QString &source)
+{
+    return source.endsWith(kProjectSuffix, Qt::CaseInsensitive);
+}
 
 } // namespace Viewer

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "commandline.h"
-#include "failurewatch.h"
-#include "layeropener.h"
+#include "log/failurewatch.h"
+#include "sources/layeropener.h"
 
 #include <QImage>
 #include <QStringList>

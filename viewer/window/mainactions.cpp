@@ -1,6 +1,6 @@
 #include "mainactions.h"
 
-#include "icons.h"
+#include "appearance/icons.h"
 
 #include <QAction>
 #include <QDockWidget>

@@ -1,6 +1,6 @@
 #include "xrvjp2kpreferences.h"
 
-#include "plugin/logsinks.h"
+#include "logging/logsinks.h"
 #include "ui_xrvjp2kpreferences.h"
 
 #include <QDGui/application.h>

@@ -3,7 +3,7 @@
 #include "geodeticdata.h"
 #include "hostprocess.h"
 #include "layer/xrvjp2klayer.h"
-#include "logsinks.h"
+#include "logging/logsinks.h"
 
 #include <QDGui/application.h>
 #include <QDGui/xrvpbrowser.h>

@@ -25,6 +25,6 @@ update()
     done
 }
 
-update resources xrvjp2klayer layer pages panels plugin
+update resources xrvjp2klayer logging layer pages panels plugin
 update host qdgui host
 update viewer qdviewer viewer

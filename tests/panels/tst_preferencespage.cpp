@@ -1,7 +1,7 @@
 #include "layer/testimages.h"
 #include "layer/xrvjp2klayer.h"
+#include "logging/logsinks.h"
 #include "panels/xrvjp2kpreferences.h"
-#include "plugin/logsinks.h"
 
 #include <QDGui/application.h>
 #include <QDGui/stringutil.h>

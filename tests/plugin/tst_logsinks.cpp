@@ -1,5 +1,5 @@
 #include "layer/testimages.h"
-#include "plugin/logsinks.h"
+#include "logging/logsinks.h"
 
 #include <QDGui/application.h>
 

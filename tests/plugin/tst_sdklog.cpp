@@ -1,5 +1,5 @@
 #include "layer/testimages.h"
-#include "plugin/logsinks.h"
+#include "logging/logsinks.h"
 #include "plugin/xrvjp2klayerplugin.h"
 
 #include <QDGui/application.h>

@@ -1,7 +1,7 @@
 #include "layer/testimages.h"
+#include "logging/logsinks.h"
 #include "plugin/geodeticdata.h"
 #include "plugin/hostprocess.h"
-#include "plugin/logsinks.h"
 #include "plugin/sdksettings.h"
 #include "plugin/xrvjp2klayerplugin.h"
 

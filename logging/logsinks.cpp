@@ -1,8 +1,9 @@
-#include "loglevels.h"
+#include "logsinks.h"
 
-#include <xrv60/plklog.h>
+#include <QDGui/application.h>
 
 #include <QDateTime>
+#include <QSettings>
 
 using Korvane::Application;
 
@@ -27,13 +28,7 @@ int thresholdOf(Application::LogLevel hostLevel)
     }
 }
 
-} // namespace
-
-bool isSdkLevelLogged(int level)
-{
-    return level >= thresholdOf(Application::getLogLevel());
-}
-
+/// The host's level for a message of the SDK's \a level.
 Application::LogLevel toHostLevel(int level)
 {
     switch (level) {
@@ -57,4 +52,49 @@ Application::LogLevel toHostLevel(int level)
 void logSdkMessage(const QString &text, int level)
 {
     Application::logMessage(text, toHostLevel(level), QDateTime::currentDateTime());
+}
+
+bool isLoggingWanted()
+{
+    const QSettings *settings = Application::instance()->settings();
+    return settings->value(QStringLiteral("XRVJP2kLayer/LogXrvEvents"), true).toBool();
+}
+
+CTANNISViewerCharLogger charSink(isLoggingWanted());
+CTANNISViewerWCharLogger wcharSink(isLoggingWanted());
+
+} // namespace
+
+template <typename Char> bool HostLogSink<Char>::isLevelEnabled(void *, int level)
+{
+    return enabled && level >= thresholdOf(Application::getLogLevel());
+}
+
+template class HostLogSink<char>;
+template class HostLogSink<wchar_t>;
+
+void CTANNISViewerCharLogger::write(void *, int level, const char *text)
+{
+    logSdkMessage(QString::fromUtf8(text), level);
+}
+
+void CTANNISViewerWCharLogger::write(void *, int level, const wchar_t *text)
+{
+    logSdkMessage(QString::fromWCharArray(text), level);
+}
+
+CTANNISViewerCharLogger &charLogSink()
+{
+    return charSink;
+}
+
+CTANNISViewerWCharLogger &wcharLogSink()
+{
+    return wcharSink;
+}
+
+void setLogSinksEnabled(bool enabled)
+{
+    charSink.setEnabled(enabled);
+    wcharSink.setEnabled(enabled);
 }

@@ -1,5 +1,8 @@
-# cmake --install: the viewer with its plug-in and the tools, and both platform libraries with their headers. The folder
-# installed to may be XRV_SDK_ROOT and QDGUI_ROOT of another build. Components: sdk, host, plugin, viewer, tools.
+# cmake --install: the viewer with its plug-in and the tools, and both platform libraries with their headers and package
+# files, so that other projects find them with find_package(xrv60) and find_package(QDGui). The folder installed to may
+# be moved, and may be XRV_SDK_ROOT and QDGUI_ROOT of another build. Components: sdk, host, plugin, viewer, tools.
+
+include(CMakePackageConfigHelpers)
 
 # install_room(COMPONENT FOLDER RPATH TARGET...): puts the targets that are built here into FOLDER, where they find their
 # libraries at RPATH, counted from their own folder, or where another installation has them.
@@ -12,14 +15,36 @@ function(install_room component folder rpath)
     endforeach()
 endfunction()
 
-install_room(sdk lib . xrv60)
-install_room(host lib . QDGui)
+# install_library(COMPONENT LIBRARY): a platform library, if it is built here, with its room's headers and its package
+# files. Others link to LIBRARY::LIBRARY. What it stands on itself is found by LIBRARYConfig.cmake of the room, if any.
+function(install_library room library)
+    xrv_built_here(target ${library})
+    if(NOT target)
+        return()
+    endif()
+    set_target_properties(${library} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+                          INSTALL_RPATH "$ORIGIN" INSTALL_RPATH_USE_LINK_PATH ON)
+    target_include_directories(${library} INTERFACE $<INSTALL_INTERFACE:include>)
+    target_compile_features(${library} INTERFACE cxx_std_17)
+    install(TARGETS ${library} EXPORT ${library} COMPONENT ${room} RUNTIME DESTINATION bin LIBRARY DESTINATION lib
+            ARCHIVE DESTINATION lib)
+    install(DIRECTORY ${room}/include/ DESTINATION include COMPONENT ${room})
+
+    set(folder lib/cmake/${library})
+    set(targets_file ${library}Config.cmake)
+    set(config_file "${PROJECT_SOURCE_DIR}/${room}/${library}Config.cmake")
+    if(EXISTS "${config_file}")
+        install(FILES "${config_file}" DESTINATION ${folder} COMPONENT ${room})
+        set(targets_file ${library}Targets.cmake)
+    endif()
+    install(EXPORT ${library} NAMESPACE ${library}:: FILE ${targets_file} DESTINATION ${folder} COMPONENT ${room})
+    set(version_file "${PROJECT_BINARY_DIR}/${library}ConfigVersion.cmake")
+    write_basic_package_version_file("${version_file}" COMPATIBILITY SameMajorVersion)
+    install(FILES "${version_file}" DESTINATION ${folder} COMPONENT ${room})
+endfunction()
+
+install_library(sdk xrv60)
+install_library(host QDGui)
 install_room(plugin lib/qdviewer/plugins ../.. XRVJP2kLayer)
 install_room(viewer bin ../lib qdviewer)
 install_room(tools bin ../lib xrvcompress xrvinfo)
-if(NOT XRV_SDK_ROOT)
-    install(DIRECTORY sdk/include/ DESTINATION include COMPONENT sdk)
-endif()
-if(NOT QDGUI_ROOT)
-    install(DIRECTORY host/include/ DESTINATION include COMPONENT host)
-endif()

@@ -1,25 +1,43 @@
-# Installs BUILD into the folder PREFIX and has the viewer there describe a sample, for which it has to find both
-# libraries and the plug-in. HEADERS, divided by commas, are to be there too.
+# Installs BUILD into the folder PREFIX, moves it from there and has the viewer describe a sample, for which it has to
+# find both libraries and the plug-in. With CONSUMER, a folder of sources: builds and runs those on the two libraries.
 
 function(run)
     execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
     set(output "${output}" PARENT_SCOPE)
 endfunction()
 
-file(REMOVE_RECURSE "${PREFIX}")
-run(${CMAKE_COMMAND} --install "${BUILD}" --config "${CONFIG}" --prefix "${PREFIX}")
-string(REPLACE "," ";" headers "${HEADERS}")
-foreach(header ${headers})
-    if(NOT EXISTS "${PREFIX}/include/${header}")
-        message(FATAL_ERROR "${header} was not installed.")
+# expect(TEXT COMMAND...): the command writes that.
+function(expect text)
+    run(${ARGN})
+    if(NOT output MATCHES "${text}")
+        message(FATAL_ERROR "${ARGN} says: ${output}")
     endif()
-endforeach()
+endfunction()
 
-set(sample "${PREFIX}/sample.jp2")
-run("${SAMPLE_MAKER}" "${sample}")
+set(moved "${PREFIX}_moved")
+file(REMOVE_RECURSE "${PREFIX}" "${moved}")
+foreach(time once twice)
+    run(${CMAKE_COMMAND} --install "${BUILD}" --config "${CONFIG}" --prefix "${PREFIX}")
+endforeach()
+file(RENAME "${PREFIX}" "${moved}")
+
+set(sample "${moved}/sample.jp2")
+run("${SAMPLE_MAKER}" "${sample}" 640x480)
 # With nothing but what was installed: a plug-in of the build would otherwise do for one that is missing.
 unset(ENV{QDVIEWER_PLUGIN_PATH})
-run("${PREFIX}/bin/qdviewer" --settings "${PREFIX}/settings.ini" --describe "${sample}")
-if(NOT output MATCHES "XRVJP2kLayer")
-    message(FATAL_ERROR "The installed viewer says: ${output}")
+expect("XRVJP2kLayer" "${moved}/bin/qdviewer" --settings "${moved}/settings.ini" --describe "${sample}")
+
+if(CONSUMER)
+    set(plain "${moved}/plain")
+    file(COPY "${moved}/include" DESTINATION "${plain}")
+    file(COPY "${moved}/lib" DESTINATION "${plain}" PATTERN cmake EXCLUDE)
+    set(build "${moved}/consumer")
+    run(${CMAKE_COMMAND} -S "${CONSUMER}" -B "${build}" -G "${GENERATOR}" "-DCMAKE_CXX_COMPILER=${COMPILER}"
+        "-DCMAKE_CXX_FLAGS=${FLAGS}" "-DCMAKE_PREFIX_PATH=${moved}" "-DINSTALLATION=${moved}" "-DPLAIN=${plain}"
+        "-DPLATFORM_LIBRARIES=${PLATFORM_LIBRARIES}")
+    run(${CMAKE_COMMAND} --build "${build}")
+    foreach(way "" _root)
+        expect("640 x 480 cells" "${build}/usexrv60${way}" "${sample}")
+        expect("0 layers" "${build}/useQDGui${way}")
+    endforeach()
 endif()

@@ -44,6 +44,7 @@ function(install_library room library)
 endfunction()
 
 install_library(sdk xrv60)
+install(FILES docs/third-party.md DESTINATION share/doc/XRVJP2kLayer COMPONENT sdk) # with a notice to be passed on
 install_library(host QDGui)
 install_room(plugin lib/qdviewer/plugins ../.. XRVJP2kLayer)
 install_room(viewer bin ../lib qdviewer)

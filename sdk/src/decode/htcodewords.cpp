@@ -4,7 +4,7 @@ namespace xrv {
 
 namespace {
 
-/// A row of the tables of annex C.
+/// A row of the tables of annex C. Their numbers are copied from OpenJPEG: docs/third-party.md has its notice.
 struct Row
 {
     std::uint8_t context, significance, hasExponentOffset, knownExponents, topBits, codeword, length;

@@ -9,6 +9,7 @@
 #include <QSettings>
 
 #include <limits>
+#include <utility>
 
 namespace Korvane {
 
@@ -29,6 +30,11 @@ constexpr double kNoCoordinate = std::numeric_limits<double>::quiet_NaN();
 } // namespace
 
 XRVJP2kLayer::XRVJP2kLayer(Map::IRendererClient *client)
+    : XRVJP2kLayer(client, &QDateTime::currentMSecsSinceEpoch)
+{
+}
+
+XRVJP2kLayer::XRVJP2kLayer(Map::IRendererClient *client, Clock clock)
     : RasterLayer(client)
     , lastViewX1(kNoCoordinate)
     , lastViewY1(kNoCoordinate)
@@ -36,7 +42,8 @@ XRVJP2kLayer::XRVJP2kLayer(Map::IRendererClient *client)
     , lastViewY2(kNoCoordinate)
     , sizeGigaPixel(QStringLiteral("Unknown"))
     , sizeOnDisk(QStringLiteral("Unknown"))
-    , lastReconnectTime(QDateTime::currentMSecsSinceEpoch())
+    , clock(std::move(clock))
+    , lastReconnectTime(this->clock())
 {
     // Under the name that the property table has for it; without it the property can be neither read nor written.
     qRegisterMetaType<ResampleType>("XRVJP2kLayer::ResampleType");

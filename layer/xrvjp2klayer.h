@@ -10,6 +10,7 @@
 #include <QSize>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 
 namespace PLK {
@@ -74,7 +75,12 @@ public:
         bool hasGML = false;
     };
 
+    /// In milliseconds since the epoch.
+    using Clock = std::function<qint64()>;
+
     explicit XRVJP2kLayer(Map::IRendererClient *client);
+    /// With \a clock in the place of the system's.
+    XRVJP2kLayer(Map::IRendererClient *client, Clock clock);
     ~XRVJP2kLayer() override;
 
     /// The name that the SDK opened, its UTF-8 bytes widened one by one and cut at the first "|".
@@ -174,6 +180,8 @@ public:
 
     /// The open view; null without one. Owned by the layer.
     PLK::CView *getFile() const;
+    /// The view of the backing store; null without one. Owned by the layer.
+    PLK::CView *getBackingFile() const;
     /// Owned by the view, and not to be changed; null without one.
     PLKFileInfo *getFileInfo() const;
     PLKFileType getFileType() const;
@@ -187,7 +195,6 @@ public:
 
 private:
     Q_DISABLE_COPY(XRVJP2kLayer)
-    friend class LayerProbe; // the tests' window on the state
 
     /// What a source that is opened again takes over from the one before.
     struct CarriedSettings
@@ -223,7 +230,7 @@ private:
     bool calculateClippedCoords(int width, int height, double x1, double y1, double x2, double y2);
     PLK::CError requestView(XRVJP2kRenderer &target, int width, int height) const;
     void clearImages();
-    void reconnectWhenDue(qint64 now);
+    void reconnectWhenDue();
     bool isRoaming() const;
     bool isBackingShown() const;
     QVector<Map::HistogramT<quint64>> makeHistograms(const PLKFileStatistics &statistics) const;
@@ -256,6 +263,7 @@ private:
     QString sizeOnDisk;
     QColor outlineColor;
     QPen outlinePen;
+    Clock clock;
     qint64 lastReconnectTime; // milliseconds since the epoch
     QVector<Map::HistogramT<quint64>> histogramCache;
 };

@@ -74,6 +74,11 @@ PLK::CView *XRVJP2kLayer::getFile() const
     return renderer.get();
 }
 
+PLK::CView *XRVJP2kLayer::getBackingFile() const
+{
+    return hasBackingRenderer() ? backingRenderer.get() : nullptr;
+}
+
 PLKFileInfo *XRVJP2kLayer::getFileInfo() const
 {
     // The interface promises a plain pointer; the view gives a read-only one.

@@ -6,8 +6,6 @@
 
 #include <QDGui/geopainter.h>
 
-#include <QDateTime>
-
 #include <mutex>
 
 namespace Korvane {
@@ -79,7 +77,7 @@ void XRVJP2kLayer::setView(int width, int height, double x1, double y1, double x
     }
     const PLK::CError error = requestView(*renderer, lastViewWidth, lastViewHeight);
     if (error.GetErrorNumber() == PLK_ERR_CONNECTION_LOST)
-        reconnectWhenDue(QDateTime::currentMSecsSinceEpoch());
+        reconnectWhenDue();
     if (!error && hasBackingRenderer())
         requestView(*backingRenderer, static_cast<int>(width * 0.25), static_cast<int>(height * 0.25));
     viewSet = !error;
@@ -92,12 +90,12 @@ void XRVJP2kLayer::clearImages()
         backingRenderer->clearImage();
 }
 
-void XRVJP2kLayer::reconnectWhenDue(qint64 now)
+void XRVJP2kLayer::reconnectWhenDue()
 {
-    if (now - lastReconnectTime <= kReconnectInterval)
+    if (clock() - lastReconnectTime <= kReconnectInterval)
         return;
     renderer->Reconnect();
-    lastReconnectTime = QDateTime::currentMSecsSinceEpoch();
+    lastReconnectTime = clock();
 }
 
 bool XRVJP2kLayer::isRoaming() const

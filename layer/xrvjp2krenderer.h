@@ -105,7 +105,6 @@ public:
 
 private:
     Q_DISABLE_COPY(XRVJP2kRenderer)
-    friend class LayerProbe; // the tests' window on the state
 
     void applyDefaultTransform(int defaultClip);
     void calculateMinMaxTransforms(std::uint8_t percent);

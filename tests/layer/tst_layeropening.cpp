@@ -1,19 +1,14 @@
-#include "layerprobe.h"
-#include "testimages.h"
+#include "layertest.h"
 
+#include "data/dialogwatch.h"
 #include "sdk/stream/webfile.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QDialog>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QTimer>
 #include <QtTest>
 
 #include <atomic>
-#include <functional>
-#include <memory>
 
 using namespace Korvane;
 
@@ -21,7 +16,9 @@ using Handler = FaultServer::Handler;
 using Request = FaultServer::Request;
 using Connection = FaultServer::Connection;
 
-/// Streams that take their time to open, beside windows that stay alive.
+using Dialogs = DialogWatch<QDialog>;
+
+/// Streams that take their time to open, beside windows that stay alive, and streams that are lost.
 class TestLayerOpening : public QObject
 {
     Q_OBJECT
@@ -39,7 +36,11 @@ private Q_SLOTS:
     void asksForNothingElseMeanwhile();
     void deletedMeanwhile_data();
     void deletedMeanwhile();
+    void reconnecting_data();
+    void reconnecting();
     void reconnectingWaitsForNothing();
+    void backingPictureWhileRoaming_data();
+    void backingPictureWhileRoaming();
 
 private:
     /// Has the server answer by \a answer from now on.
@@ -48,14 +49,12 @@ private:
     {
         return QString::fromStdString(server->address(path, "me:sesame"));
     }
-    /// Calls \a act once, as soon as the dialog is there.
-    void whenWaiting(const std::function<void(QDialog &)> &act);
+    /// \a layer, of cells that are decoded while they are painted, finds out that its server has gone.
+    void lose(XRVJP2kLayer &layer);
 
     std::unique_ptr<TestFolder> folder;
     std::unique_ptr<FaultServer> server;
     std::unique_ptr<QLabel> window;
-    std::unique_ptr<QTimer> watch;
-    bool hasWaited = false;
 };
 
 namespace {
@@ -133,28 +132,13 @@ void TestLayerOpening::init()
     server = std::make_unique<FaultServer>(keepSilent);
     window = std::make_unique<QLabel>(QStringLiteral("Window"));
     window->show();
-    hasWaited = false;
 }
 
 void TestLayerOpening::cleanup()
 {
-    watch.reset();
     window.reset();
     server.reset();
     folder.reset();
-}
-
-void TestLayerOpening::whenWaiting(const std::function<void(QDialog &)> &act)
-{
-    watch = std::make_unique<QTimer>();
-    connect(watch.get(), &QTimer::timeout, this, [this, act] {
-        if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget())) {
-            watch->stop();
-            hasWaited = true;
-            act(*dialog);
-        }
-    });
-    watch->start(5);
 }
 
 void TestLayerOpening::slowServer()
@@ -165,10 +149,10 @@ void TestLayerOpening::slowServer()
     QTimer tick;
     connect(&tick, &QTimer::timeout, this, [&] { ++ticks; });
     tick.start(20);
-    whenWaiting([&](QDialog &dialog) { text = textOf(dialog); });
+    const Dialogs watch([&](QDialog &dialog) { text = textOf(dialog); });
     XRVJP2kLayer layer(nullptr);
     QVERIFY2(layer.setDataSource(address()), qPrintable(layer.getLastError()));
-    QVERIFY(hasWaited);
+    QCOMPARE(watch.shown, 1);
     QCOMPARE(text, QStringLiteral("Opening scene one.jp2 from 127.0.0.1...|"));
     QVERIFY2(ticks > kSlownessMs / 20 / 2, qPrintable(QString::number(ticks)));
     QVERIFY(layer.isValid());
@@ -190,7 +174,7 @@ void TestLayerOpening::wholeFileShowsItsBytes()
         return true;
     });
     QStringList texts;
-    whenWaiting([&](QDialog &dialog) {
+    const Dialogs watch([&](QDialog &dialog) {
         auto *look = new QTimer(&dialog);
         connect(look, &QTimer::timeout, this, [&] {
             const QString text = textOf(dialog);
@@ -236,39 +220,38 @@ void TestLayerOpening::cancelledIsFailed()
     QFETCH(int, clip);
     TestFolder::setSetting("UseBackingstore", true);
     const QString local = folder->makeImage(QStringLiteral("local.jp2"), colourImage(64, 48));
-    XRVJP2kLayer layer(nullptr);
-    QVERIFY(layer.setDataSource(local));
-    layer.setTransformClip(clip);
+    const auto layer = openLayer(local);
+    layer->setTransformClip(clip);
 
     serve(silentAfter(bits == 8 ? byteImage() : wordImage(), answers));
     QElapsedTimer sinceCancel;
-    whenWaiting([&](QDialog &dialog) {
+    const Dialogs watch([&](QDialog &dialog) {
         sinceCancel.start();
         cancel(dialog);
     });
-    QVERIFY(!layer.setDataSource(address()));
-    QVERIFY(hasWaited);
+    QVERIFY(!layer->setDataSource(address()));
+    QCOMPARE(watch.shown, 1);
     QVERIFY2(sinceCancel.elapsed() < 200, qPrintable(QString::number(sinceCancel.elapsed())));
-    QCOMPARE(layer.getLastError(), QStringLiteral("The opening was cancelled."));
-    QVERIFY(!layer.isValid());
-    QVERIFY(!layer.getFile() && !LayerProbe::backingRenderer(layer));
-    QVERIFY(layer.getBandList().isEmpty());
+    QCOMPARE(layer->getLastError(), QStringLiteral("The opening was cancelled."));
+    QVERIFY(!layer->isValid());
+    QVERIFY(!layer->getFile() && !backingOf(*layer));
+    QVERIFY(layer->getBandList().isEmpty());
 
-    QVERIFY(layer.setDataSource(local));
-    QCOMPARE(layer.getBandList(), QVector<int>({0, 1, 2}));
-    QCOMPARE(layer.getLastError(), QString());
+    QVERIFY(layer->setDataSource(local));
+    QCOMPARE(layer->getBandList(), QVector<int>({0, 1, 2}));
+    QCOMPARE(layer->getLastError(), QString());
 }
 
 void TestLayerOpening::cancelledBackingStore()
 {
     TestFolder::setSetting("UseBackingstore", true);
     serve(silentAfter(byteImage(), kOpeningRequests));
-    whenWaiting(cancel);
+    const Dialogs watch(cancel);
     XRVJP2kLayer layer(nullptr);
     QVERIFY(!layer.setDataSource(address("/backed.jp2")));
-    QVERIFY(hasWaited);
+    QCOMPARE(watch.shown, 1);
     // The main renderer stays open, and the rest as it was.
-    QVERIFY(layer.getFile() && !LayerProbe::backingRenderer(layer));
+    QVERIFY(layer.getFile() && !backingOf(layer));
     QVERIFY(!layer.isValid());
     QCOMPARE(layer.getLastError(), QString());
     QVERIFY(layer.getBandList().isEmpty());
@@ -281,7 +264,7 @@ void TestLayerOpening::asksForNothingElseMeanwhile()
     XRVJP2kLayer layer(nullptr);
     QVERIFY(layer.setDataSource(local));
     viewWhole(layer);
-    whenWaiting([&](QDialog &) {
+    const Dialogs watch([&](QDialog &) {
         QVERIFY(!layer.getFile());
         QVERIFY(!layer.setDataSource(local));
         QCOMPARE(layer.getLastError(), QStringLiteral("Another source is being opened."));
@@ -293,12 +276,12 @@ void TestLayerOpening::asksForNothingElseMeanwhile()
         layer.setBackingStore(false);
     });
     QVERIFY2(layer.setDataSource(address()), qPrintable(layer.getLastError()));
-    QVERIFY(hasWaited);
+    QCOMPARE(watch.shown, 1);
     QVERIFY(layer.isValid());
     QCOMPARE(layer.getLastError(), QString());
     QCOMPARE(layer.getSize(), QSize(700, 700));
     QCOMPARE(layer.getTransformClip(), 100);
-    QVERIFY(LayerProbe::renderer(layer)->IsProgressive());
+    QVERIFY(layer.getFile()->IsProgressive());
 }
 
 void TestLayerOpening::deletedMeanwhile_data()
@@ -315,7 +298,7 @@ void TestLayerOpening::deletedMeanwhile()
     auto *layer = new XRVJP2kLayer(nullptr);
     QVERIFY(layer->setDataSource(address()));
     QElapsedTimer sinceDeleted;
-    whenWaiting([&](QDialog &) {
+    const Dialogs watch([&](QDialog &) {
         sinceDeleted.start();
         delete layer;
     });
@@ -325,33 +308,108 @@ void TestLayerOpening::deletedMeanwhile()
         layer->setProgressive(false);
     else
         layer->setBackingStore(true);
-    QVERIFY(hasWaited);
+    QCOMPARE(watch.shown, 1);
     QVERIFY2(sinceDeleted.elapsed() < 200, qPrintable(QString::number(sinceDeleted.elapsed())));
+}
+
+void TestLayerOpening::lose(XRVJP2kLayer &layer)
+{
+    TestFolder::setSetting("OpenProgressive", false);
+    serve(byteImage().handler());
+    layer.setProgressive(false);
+    static int number = 0; // nothing of this one is in any cache
+    QVERIFY(layer.setDataSource(address(("/lost" + std::to_string(++number) + ".jp2").c_str())));
+    server->stop();
+    viewWhole(layer);
+    paintedWhole(layer);
+    QCOMPARE(layer.getFile()->GetLastError().GetErrorNumber(), int(PLK_ERR_CONNECTION_LOST));
+    server->takeRequests();
+    server->start();
+}
+
+void TestLayerOpening::reconnecting_data()
+{
+    QTest::addColumn<qint64>("milliseconds"); // since the layer was made
+    QTest::addColumn<bool>("isTried");
+    QTest::newRow("nearly due") << qint64(20000) << false;
+    QTest::newRow("due") << qint64(20001) << true;
+}
+
+void TestLayerOpening::reconnecting()
+{
+    QFETCH(qint64, milliseconds);
+    QFETCH(bool, isTried);
+    qint64 now = 7;
+    TestFolder::setSetting("OpenProgressive", false);
+    XRVJP2kLayer layer(nullptr, [&] { return now; });
+    lose(layer);
+    now += milliseconds;
+    viewWhole(layer); // fails, and reconnects
+    viewWhole(layer);
+    const QImage picture = paintedWhole(layer, Qt::magenta);
+    QCOMPARE(picture.pixelColor(5, 5) != QColor(Qt::magenta), isTried);
+    QCOMPARE(!server->takeRequests().empty(), isTried);
+    QVERIFY(layer.isValid());
+    QCOMPARE(layer.getLastError(), QString());
+
+    // Where it was tried, the next time counts from then.
+    lose(layer);
+    now += 20000;
+    viewWhole(layer);
+    paintedWhole(layer);
+    QVERIFY(server->takeRequests().empty() || !isTried);
 }
 
 void TestLayerOpening::reconnectingWaitsForNothing()
 {
+    qint64 now = 0;
     TestFolder::setSetting("OpenProgressive", false);
-    serve(byteImage().handler());
-    XRVJP2kLayer layer(nullptr);
-    QVERIFY(layer.setDataSource(address("/lost.jp2")));
-    server->stop();
-    viewWhole(layer);
-    paintedWhole(layer); // the read that finds out
-    QCOMPARE(layer.getFile()->GetLastError().GetErrorNumber(), int(PLK_ERR_CONNECTION_LOST));
-
+    XRVJP2kLayer layer(nullptr, [&] { return now; });
+    lose(layer);
     serve(keepSilent);
-    server->start();
-    qint64 &lastReconnect = LayerProbe::lastReconnectTime(layer);
-    lastReconnect = 0;
+    now = 30000;
     QElapsedTimer timer;
     timer.start();
     viewWhole(layer);
-    QVERIFY(lastReconnect > 0);
     QVERIFY2(timer.elapsed() < 200, qPrintable(QString::number(timer.elapsed())));
     // And the map waits no longer than it must for a server that may be there again.
     paintedWhole(layer);
     QVERIFY2(timer.elapsed() < 6000, qPrintable(QString::number(timer.elapsed())));
+}
+
+void TestLayerOpening::backingPictureWhileRoaming_data()
+{
+    QTest::addColumn<bool>("updating");
+    QTest::addColumn<double>("transparency");
+    QTest::addColumn<bool>("isShown");
+    QTest::newRow("at rest") << false << 1.0 << false;
+    QTest::newRow("roaming") << true << 1.0 << true;
+    QTest::newRow("partly transparent, roaming") << true << 0.5 << false;
+}
+
+/// Of an image with an opacity band, which hides what it is to hide once it is there.
+void TestLayerOpening::backingPictureWhileRoaming()
+{
+    QFETCH(bool, updating);
+    QFETCH(double, transparency);
+    TestFolder::setSetting("UseBackingstore", true);
+    jp2maker::Options options;
+    options.components.resize(2);
+    options.opacityLast = true;
+    options.cell = [](int component, int, int) { return component == 1 ? 255 : 90; };
+    WebFile file;
+    const jp2maker::FileBytes bytes = jp2maker::make(options);
+    file.bytes.assign(bytes.begin(), bytes.end());
+    serve(file.handler());
+    const auto layer = openLayer(address("/roaming.jp2"));
+    layer->setTransparency(transparency);
+    viewWhole(*layer);
+    QTRY_COMPARE(int(layer->getPercentComplete()), 100);
+    QTRY_VERIFY(!layer->hasPendingRefresh());
+    rendererOf(*layer)->clearImage();
+    if (updating)
+        layer->beginUpdate(true);
+    QTEST(paintedWhole(*layer).pixelColor(30, 20) != QColor(Qt::white), "isShown");
 }
 
 QTEST_MAIN(TestLayerOpening)

@@ -1,11 +1,8 @@
-#include "layerprobe.h"
-#include "testimages.h"
+#include "layertest.h"
 
 #include <QPainter>
 #include <QThread>
 #include <QtTest>
-
-#include <random>
 
 using namespace Korvane;
 
@@ -25,7 +22,6 @@ private Q_SLOTS:
     void reopenedWhileDecoding();
 
 private:
-    std::unique_ptr<XRVJP2kLayer> openedLayer() const;
     std::unique_ptr<TestFolder> folder;
     QString file;
 };
@@ -33,51 +29,52 @@ private:
 void TestLayerThreads::initTestCase()
 {
     folder = std::make_unique<TestFolder>();
-    jp2maker::Options options = colourImage(1500, 1200);
-    options.tileWidth = options.tileHeight = 256;
-    // Noise takes long to decode.
-    std::mt19937 random(1);
-    options.cell = [&random](int, int, int) { return int(random() & 255); };
-    file = folder->makeImage(QStringLiteral("noise.jp2"), options);
-}
-
-std::unique_ptr<XRVJP2kLayer> TestLayerThreads::openedLayer() const
-{
-    auto layer = std::make_unique<XRVJP2kLayer>(nullptr);
-    if (!layer->setDataSource(file))
-        qFatal("cannot open the test image: %s", qPrintable(layer->getLastError()));
-    return layer;
+    file = folder->makeImage(QStringLiteral("noise.jp2"), noiseImage());
 }
 
 void TestLayerThreads::deletedWhileDecoding()
 {
-    for (unsigned long delay = 0; delay < 60; delay += 4) {
-        const auto layer = openedLayer();
+    for (const int percent : {0, 10, 20, 40, 80}) {
+        const auto layer = openLayer(file);
         viewWhole(*layer);
-        QThread::msleep(delay); // so that the layer goes at different stages of its decoding
+        // The layer goes at different stages of its decoding.
+        QVERIFY(QTest::qWaitFor([&] { return layer->getPercentComplete() >= percent; }, 60000));
     }
 }
 
 void TestLayerThreads::viewsInQuickSuccession()
 {
-    const auto layer = openedLayer();
-    for (int i = 0; i < 60; ++i) {
-        layer->setView(300, 200, i * 5, -i * 4, i * 5 + 600, -i * 4 - 400);
-        const QRectF world(i * 5, -i * 4, 600, -400);
-        const QRect device(0, 0, 300, 200);
+    const auto layer = openLayer(file);
+    const QRect device(0, 0, 300, 200);
+    QRectF world;
+    const auto painted = [&](XRVJP2kLayer &one) {
         QImage canvas(device.size(), QImage::Format_ARGB32);
+        canvas.fill(Qt::white);
         QPainter painter(&canvas);
-        LayerProbe::renderer(*layer)->paint(painter, world, device);
+        rendererOf(one)->paint(painter, world, device);
+        return canvas;
+    };
+    const auto view = [&](XRVJP2kLayer &one) {
+        one.setView(device.width(), device.height(), world.left(), world.top(), world.right(), world.bottom());
+    };
+    for (int i = 0; i < 60; ++i) {
+        world = QRectF(i * 5, -i * 4, 600, -400);
+        view(*layer);
+        painted(*layer);
         QCoreApplication::processEvents();
     }
     QTRY_COMPARE_WITH_TIMEOUT(int(layer->getPercentComplete()), 100, 60000);
     // What is left in the end is the picture of the last view.
-    QTRY_COMPARE(LayerProbe::image(*LayerProbe::renderer(*layer))->getX1(), 59.0 * 5);
+    TestFolder::setSetting("OpenProgressive", false);
+    const auto reference = openLayer(file);
+    TestFolder::setSetting("OpenProgressive", true);
+    view(*reference);
+    QTRY_COMPARE(painted(*layer), painted(*reference));
 }
 
 void TestLayerThreads::settingsWhileDecoding()
 {
-    const auto layer = openedLayer();
+    const auto layer = openLayer(file);
     viewWhole(*layer);
     for (int i = 0; i < 10; ++i) {
         layer->setReadRGBA(i % 2 == 0);
@@ -93,7 +90,7 @@ void TestLayerThreads::settingsWhileDecoding()
 
 void TestLayerThreads::reopenedWhileDecoding()
 {
-    const auto layer = openedLayer();
+    const auto layer = openLayer(file);
     for (int i = 0; i < 8; ++i) {
         viewWhole(*layer);
         if (i % 3 == 0)

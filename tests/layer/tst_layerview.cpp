@@ -1,5 +1,4 @@
-#include "layerprobe.h"
-#include "testimages.h"
+#include "layertest.h"
 
 #include <QDGui/geopainter.h>
 
@@ -18,22 +17,23 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void boundsWithoutASource();
     void viewIsClippedAndSnapped();
     void viewOutsideClearsThePicture();
     void adaptiveRoam_data();
     void adaptiveRoam();
-    void everyCallIsANewView();
     void noViewIsSetForNonsense();
     void blockingPicture();
     void progressivePicture();
-    void paintingOrder();
+    void backingPicture_data();
+    void backingPicture();
     void outline();
-    void partlyTransparentLayerHidesBacking();
     void nothingWithoutASource();
 
 private:
-    void open(int width, int height);
+    void open(int width, int height)
+    {
+        layer = openLayer(folder->makeImage(QStringLiteral("image.jp2"), colourImage(width, height)));
+    }
     std::unique_ptr<TestFolder> folder;
     std::unique_ptr<XRVJP2kLayer> layer;
 };
@@ -50,22 +50,6 @@ void TestLayerView::cleanup()
     folder.reset();
 }
 
-void TestLayerView::open(int width, int height)
-{
-    layer = std::make_unique<XRVJP2kLayer>(nullptr);
-    const QString file = folder->makeImage(QStringLiteral("image.jp2"), colourImage(width, height));
-    QVERIFY2(layer->setDataSource(file), qPrintable(layer->getLastError()));
-}
-
-void TestLayerView::boundsWithoutASource()
-{
-    XRVJP2kLayer fresh(nullptr);
-    QCOMPARE(fresh.getBounds(), QRectF(-180, 90, 360, -180));
-    fresh.setView(100, 100, 0, 0, 1, -1);
-    QVERIFY(!LayerProbe::isViewSet(fresh));
-    QCOMPARE(LayerProbe::lastView(fresh).width, 0);
-}
-
 void TestLayerView::viewIsClippedAndSnapped()
 {
     open(100, 80);
@@ -78,25 +62,24 @@ void TestLayerView::viewIsClippedAndSnapped()
     QCOMPARE(view.fBottomRightX, 50.0);
     QCOMPARE(view.fBottomRightY, -80.0);
     QCOMPARE(view.nBands, 3U);
-    const auto last = LayerProbe::lastView(*layer);
-    QCOMPARE(QSize(last.width, last.height), QSize(500, 800));
-    QCOMPARE(last.x2, 50.0);
+    // What setters ask for again is this, and each call is a new view.
+    layer->setBandList({1, 1, 1});
+    const PLKSetViewInfo again = layer->getFile()->GetSetViewInfo();
+    QCOMPARE(QSize(int(again.nSizeX), int(again.nSizeY)), QSize(500, 800));
+    QCOMPARE(again.fBottomRightX, 50.0);
+    QCOMPARE(again.nGeneration, view.nGeneration + 1);
 }
 
 void TestLayerView::viewOutsideClearsThePicture()
 {
-    TestFolder::setSetting("UseBackingstore", true);
+    TestFolder::setSetting("OpenProgressive", true);
     open(100, 80);
     viewWhole(*layer);
-    paintedWhole(*layer);
-    QVERIFY(LayerProbe::image(*LayerProbe::renderer(*layer)));
-    QVERIFY(LayerProbe::image(*LayerProbe::backingRenderer(*layer)));
-    const auto before = LayerProbe::lastView(*layer);
+    QTRY_COMPARE(paintedWhole(*layer).pixel(7, 5), colourOf(7, 5));
+    const quint64 view = layer->getFile()->GetSetViewInfo().nGeneration;
     layer->setView(100, 80, 200, 0, 300, -80);
-    QVERIFY(!LayerProbe::image(*LayerProbe::renderer(*layer)));
-    QVERIFY(!LayerProbe::image(*LayerProbe::backingRenderer(*layer)));
-    QVERIFY(LayerProbe::isViewSet(*layer));
-    QCOMPARE(LayerProbe::lastView(*layer).width, before.width);
+    QCOMPARE(QColor(paintedWhole(*layer).pixel(7, 5)), QColor(Qt::white));
+    QCOMPARE(layer->getFile()->GetSetViewInfo().nGeneration, view);
 }
 
 void TestLayerView::adaptiveRoam_data()
@@ -121,24 +104,16 @@ void TestLayerView::adaptiveRoam()
     TestFolder::setSetting("OpenProgressive", progressive);
     TestFolder::setSetting("UseBackingstore", true);
     open(100, 80);
-    if (updating)
-        layer->beginUpdate(false);
+    layer->beginUpdate(false); // either argument is a beginning
+    if (!updating)
+        layer->endUpdate();
     layer->setView(1001, 801, 0, 0, 100, -80);
     const PLKSetViewInfo main = layer->getFile()->GetSetViewInfo();
-    const PLKSetViewInfo backing = LayerProbe::backingRenderer(*layer)->GetSetViewInfo();
+    const PLKSetViewInfo backing = backingOf(*layer)->GetSetViewInfo();
     QTEST(QSize(int(main.nSizeX), int(main.nSizeY)), "main");
     QTEST(QSize(int(backing.nSizeX), int(backing.nSizeY)), "backing");
     QCOMPARE(backing.fBottomRightX, main.fBottomRightX);
     QCOMPARE(backing.fTopLeftY, main.fTopLeftY);
-}
-
-void TestLayerView::everyCallIsANewView()
-{
-    open(64, 64);
-    viewWhole(*layer);
-    const quint64 first = layer->getFile()->GetSetViewInfo().nGeneration;
-    viewWhole(*layer);
-    QVERIFY(layer->getFile()->GetSetViewInfo().nGeneration > first);
 }
 
 void TestLayerView::noViewIsSetForNonsense()
@@ -150,17 +125,16 @@ void TestLayerView::noViewIsSetForNonsense()
     layer->setView(-5, -5, 0, 0, 64, -64);
     layer->setView(0, 0, 0, 0, 64, -64);
     QVERIFY(!layer->getFile()->IsViewSet());
-    QVERIFY(!LayerProbe::isViewSet(*layer));
 }
 
 void TestLayerView::blockingPicture()
 {
+    TestFolder::setSetting("UseBackingstore", true); // whose picture lies below
     open(64, 48);
     viewWhole(*layer);
     const QImage picture = paintedWhole(*layer);
-    QCOMPARE(picture.pixel(0, 0), colourOf(0, 0));
-    QCOMPARE(picture.pixel(63, 0), colourOf(63, 0));
-    QCOMPARE(picture.pixel(17, 47), colourOf(17, 47));
+    for (const QPoint &cell : {QPoint(0, 0), QPoint(63, 0), QPoint(17, 47)})
+        QCOMPARE(picture.pixel(cell), colourOf(cell.x(), cell.y()));
     // Painting again without a new view shows the same.
     QCOMPARE(paintedWhole(*layer), picture);
     QCOMPARE(int(layer->getPercentComplete()), 100);
@@ -177,28 +151,47 @@ void TestLayerView::progressivePicture()
     QCOMPARE(paintedWhole(*layer).pixel(63, 47), colourOf(63, 47));
 }
 
-void TestLayerView::paintingOrder()
+void TestLayerView::backingPicture_data()
 {
+    QTest::addColumn<bool>("updating");
+    QTest::addColumn<bool>("opacityBand");
+    QTest::addColumn<double>("transparency");
+    QTest::addColumn<bool>("isShown");
+    QTest::newRow("at rest") << false << false << 1.0 << true;
+    QTest::newRow("opacity band") << false << true << 1.0 << false;
+    QTest::newRow("opacity band, local, updating") << true << true << 1.0 << false;
+    QTest::newRow("partly transparent") << false << false << 0.5 << false;
+}
+
+void TestLayerView::backingPicture()
+{
+    QFETCH(bool, updating);
+    QFETCH(bool, opacityBand);
+    QFETCH(double, transparency);
     TestFolder::setSetting("UseBackingstore", true);
-    TestFolder::setSetting("DrawOutline", true);
-    open(40, 40);
-    // The backing picture covers all, the main one the left half.
-    const QColor green(Qt::green);
-    const QColor red(Qt::red);
-    LayerProbe::setImage(*LayerProbe::backingRenderer(*layer),
-                         GeoImage(10, 10, 0, 0, 40, -40, QImage::Format_ARGB32, &green));
-    LayerProbe::setImage(*LayerProbe::renderer(*layer), GeoImage(20, 40, 0, 0, 20, -40, QImage::Format_ARGB32, &red));
+    TestFolder::setSetting("OpenProgressive", true);
+    jp2maker::Options options = colourImage(40, 40);
+    options.components.resize(opacityBand ? 4 : 3);
+    options.opacityLast = opacityBand;
+    options.cell = [](int, int, int) { return 90; };
+    layer = openLayer(folder->makeImage(QStringLiteral("grey.jp2"), options));
+    layer->setTransparency(transparency);
+    layer->setDrawOutline(true);
+    if (updating)
+        layer->beginUpdate(true);
+    viewWhole(*layer);
+    QTRY_COMPARE(int(layer->getPercentComplete()), 100);
+    QTRY_VERIFY(!layer->hasPendingRefresh());
+    rendererOf(*layer)->clearImage();
     const QImage picture = paintedWhole(*layer);
-    QCOMPARE(QColor(picture.pixel(10, 20)), red);
-    QCOMPARE(QColor(picture.pixel(30, 20)), green);
-    QCOMPARE(QColor(picture.pixel(0, 20)), QColor(Qt::cyan));
-    QCOMPARE(QColor(picture.pixel(39, 20)), QColor(Qt::cyan));
+    QTEST(picture.pixelColor(30, 20) != QColor(Qt::white), "isShown");
+    QCOMPARE(picture.pixelColor(0, 20), QColor(Qt::cyan)); // over all
 }
 
 void TestLayerView::outline()
 {
+    TestFolder::setSetting("OpenProgressive", true); // so that there is nothing but the outline
     open(40, 40);
-    LayerProbe::renderer(*layer)->clearImage();
     layer->setDrawOutline(true);
     layer->setOutlineColor(Qt::magenta);
     const QImage picture = paintedWhole(*layer);
@@ -217,21 +210,11 @@ void TestLayerView::outline()
     QCOMPARE(painter.opacity(), 1.0);
 }
 
-void TestLayerView::partlyTransparentLayerHidesBacking()
-{
-    TestFolder::setSetting("UseBackingstore", true);
-    open(40, 40);
-    const QColor green(Qt::green);
-    LayerProbe::setImage(*LayerProbe::backingRenderer(*layer),
-                         GeoImage(10, 10, 0, 0, 40, -40, QImage::Format_ARGB32, &green));
-    layer->setTransparency(0.5);
-    QCOMPARE(QColor(paintedWhole(*layer).pixel(20, 20)), QColor(Qt::white));
-}
-
 void TestLayerView::nothingWithoutASource()
 {
     XRVJP2kLayer fresh(nullptr);
     fresh.setDrawOutline(true);
+    fresh.setView(100, 100, 0, 0, 1, -1);
     QImage canvas(10, 10, QImage::Format_ARGB32);
     canvas.fill(Qt::white);
     const QRectF world(0, 0, 10, -10);

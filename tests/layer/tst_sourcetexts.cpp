@@ -1,7 +1,7 @@
+#include "data/testfolder.h"
 #include "layer/sourcetexts.h"
 #include "layer/tonetable.h"
 #include "layer/urlfile.h"
-#include "testimages.h"
 
 #include <QtTest>
 

@@ -13,14 +13,6 @@ namespace PageTest {
 
 const QString kUntouched = QStringLiteral("what was there before");
 
-std::unique_ptr<Korvane::XRVJP2kLayer> openLayer(const QString &file)
-{
-    auto layer = std::make_unique<Korvane::XRVJP2kLayer>(nullptr);
-    if (!layer->setDataSource(file))
-        throw std::runtime_error(layer->getLastError().toStdString());
-    return layer;
-}
-
 QString textOf(const QWidget &page, const char *name)
 {
     const auto *field = page.findChild<QWidget *>(QLatin1String(name));

@@ -1,12 +1,9 @@
 #pragma once
 
 #include "host/fakelayer.h"
-#include "layer/testimages.h"
-#include "layer/xrvjp2klayer.h"
+#include "layer/layertest.h"
 
 #include <QWidget>
-
-#include <memory>
 
 /// What the tests of the information pages share.
 namespace PageTest {
@@ -20,9 +17,6 @@ public:
     {
     }
 };
-
-/// A layer that shows \a file; throws when it cannot be opened.
-std::unique_ptr<Korvane::XRVJP2kLayer> openLayer(const QString &file);
 
 /// Text of the line edit, plain text edit or combo box \a name of \a page; the test fails where there is none.
 QString textOf(const QWidget &page, const char *name);

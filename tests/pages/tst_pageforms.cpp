@@ -217,7 +217,7 @@ void TestPageForms::translations()
     }
     TestFolder folder;
     jp2maker::Options options;
-    const auto layer = PageTest::openLayer(
+    const auto layer = openLayer(
         folder.write(QStringLiteral("a.jp2"), jp2maker::withBox(jp2maker::make(options), "xml ", "<a/>")));
     XRVJP2kLayerMetaDataBox boxes;
     boxes.setLayer(layer.get());

@@ -1,4 +1,4 @@
-#include "layer/testimages.h"
+#include "data/testfolder.h"
 #include "layer/xrvjp2klayer.h"
 #include "panels/xrvjp2kproperties.h"
 

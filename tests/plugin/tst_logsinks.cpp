@@ -1,4 +1,4 @@
-#include "layer/testimages.h"
+#include "data/testfolder.h"
 #include "logging/logsinks.h"
 
 #include <QDGui/application.h>

@@ -1,4 +1,4 @@
-#include "layer/testimages.h"
+#include "data/testfolder.h"
 #include "plugin/xrvjp2klayerplugin.h"
 
 #include <QDGui/application.h>

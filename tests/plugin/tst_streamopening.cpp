@@ -1,5 +1,5 @@
 #include "data/lostonpurpose.h"
-#include "layer/testimages.h"
+#include "data/testfolder.h"
 #include "plugin/xrvjp2klayerplugin.h"
 
 #include <QDGui/application.h>

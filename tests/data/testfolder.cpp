@@ -1,6 +1,4 @@
-#include "testimages.h"
-
-#include "layer/xrvjp2klayer.h"
+#include "testfolder.h"
 
 #include <QDGui/application.h>
 #include <QDGui/geopainter.h>
@@ -8,9 +6,16 @@
 #include <QFile>
 #include <QSettings>
 
+#include <memory>
+#include <random>
 #include <stdexcept>
 
 using Korvane::Application;
+
+static QString keyOf(const char *key)
+{
+    return QLatin1String("XRVJP2kLayer/") + QLatin1String(key);
+}
 
 TestFolder::TestFolder()
 {
@@ -40,14 +45,22 @@ QString TestFolder::makeImage(const QString &name, const jp2maker::Options &opti
     return write(name, jp2maker::make(options));
 }
 
-void TestFolder::setSetting(const char *key, const QVariant &value)
+QByteArray TestFolder::read(const QString &name) const
 {
-    Application::instance()->settings()->setValue(QLatin1String("XRVJP2kLayer/") + QLatin1String(key), value);
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void TestFolder::removeSetting(const char *key)
+void TestFolder::setSetting(const char *key, const QVariant &value)
 {
-    Application::instance()->settings()->remove(QLatin1String("XRVJP2kLayer/") + QLatin1String(key));
+    Application::instance()->settings()->setValue(keyOf(key), value);
+}
+
+QVariant TestFolder::storedSetting(const char *key)
+{
+    QSettings *settings = Application::instance()->settings();
+    settings->sync();
+    return QSettings(settings->fileName(), QSettings::IniFormat).value(keyOf(key));
 }
 
 jp2maker::Options colourImage(int width, int height)
@@ -68,16 +81,18 @@ QRgb colourOf(int column, int row)
     return qRgb(column % 256, row % 256, 50);
 }
 
-void viewWhole(Korvane::XRVJP2kLayer &layer)
+jp2maker::Options noiseImage()
 {
-    const QRectF bounds = layer.getBounds();
-    const QSize size = layer.getSize();
-    layer.setView(size.width(), size.height(), bounds.left(), bounds.top(), bounds.right(), bounds.bottom());
+    jp2maker::Options options = colourImage(1500, 1200);
+    options.tileWidth = options.tileHeight = 256;
+    const auto random = std::make_shared<std::mt19937>(1);
+    options.cell = [random](int, int, int) { return int((*random)() & 255); };
+    return options;
 }
 
-QImage paintedWhole(Korvane::XRVJP2kLayer &layer, QColor background)
+QImage paintedWhole(Korvane::Map::RasterLayer &layer, QColor background, int zoom)
 {
-    QImage picture(layer.getSize(), QImage::Format_ARGB32);
+    QImage picture(layer.getSize() * zoom, QImage::Format_ARGB32);
     picture.fill(background);
     const QRectF world = layer.getBounds();
     const QRect device = picture.rect();
@@ -85,4 +100,11 @@ QImage paintedWhole(Korvane::XRVJP2kLayer &layer, QColor background)
     layer.paint(painter, &world, &device);
     painter.end();
     return picture;
+}
+
+void viewWhole(Korvane::Map::RasterLayer &layer, int zoom)
+{
+    const QRectF bounds = layer.getBounds();
+    const QSize size = layer.getSize() * zoom;
+    layer.setView(size.width(), size.height(), bounds.left(), bounds.top(), bounds.right(), bounds.bottom());
 }

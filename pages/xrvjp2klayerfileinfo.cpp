@@ -2,6 +2,7 @@
 
 #include "clipboardtext.h"
 #include "fieldtext.h"
+#include "fileinfotexts.h"
 #include "layer/xrvjp2klayer.h"
 #include "layersource.h"
 #include "scrollbackground.h"
@@ -15,57 +16,13 @@
 #include <utility>
 
 using Korvane::XRVJP2kLayer;
+using namespace FileInfoTexts;
 
 namespace {
-
-quint64 bytesPerCell(PLKCellType type)
-{
-    switch (type) {
-    case PLKCT_UINT16:
-    case PLKCT_INT16:
-        return 2;
-    case PLKCT_UINT32:
-    case PLKCT_INT32:
-    case PLKCT_FLOAT:
-        return 4;
-    case PLKCT_UINT64:
-    case PLKCT_INT64:
-    case PLKCT_DOUBLE:
-        return 8;
-    default:
-        return 1;
-    }
-}
-
-quint64 uncompressedBytes(const PLKFileInfo &info)
-{
-    return bytesPerCell(info.eCellType) * info.nBands * info.nSizeY * info.nSizeX;
-}
 
 QString uncompressedSize(const PLKFileInfo &info)
 {
     return Korvane::Util::String::formatFileSize(uncompressedBytes(info), "%2.2f");
-}
-
-QString unitsText(PLKCellSizeUnits units)
-{
-    switch (units) {
-    case PLK_UNITS_INVALID:
-        return QStringLiteral("Invalid");
-    case PLK_UNITS_METERS:
-        return QStringLiteral("Meters");
-    case PLK_UNITS_DEGREES:
-        return QStringLiteral("Degrees");
-    case PLK_UNITS_FEET:
-        return QStringLiteral("Feet");
-    }
-    return QStringLiteral("Unknown");
-}
-
-/// Null gives an empty text.
-QString wideText(const wchar_t *text)
-{
-    return text ? QString::fromWCharArray(text) : QString();
 }
 
 } // namespace

@@ -1,8 +1,8 @@
+#include "pages/fileinfotexts.h"
 #include "pages/xrvjp2klayerfileinfo.h"
 #include "pages/xrvjp2klayerjp2fileinfo.h"
 #include "pagetest.h"
 
-#include <QFile>
 #include <QLineEdit>
 #include <QtTest>
 
@@ -17,35 +17,16 @@ class TestHeaderPages : public QObject
 private Q_SLOTS:
     void fileInformation_data();
     void fileInformation();
-    void uncompressedSize_data();
-    void uncompressedSize();
-    void fileGoneAfterOpening();
+    void uncompressedBytes_data();
+    void uncompressedBytes();
+    void texts();
     void header();
     void headerWithoutOptions();
     void longTextsBeginInSight();
-    void layersThatShowNothing_data();
-    void layersThatShowNothing();
-    void secondLayer();
-    void layerDeletedWhileShown();
 
 private:
-    std::unique_ptr<QWidget> makePage(bool ofFile) const;
-    static void setLayer(QWidget &page, Korvane::Map::Layer *layer);
-
     TestFolder folder;
 };
-
-std::unique_ptr<QWidget> TestHeaderPages::makePage(bool ofFile) const
-{
-    if (ofFile)
-        return std::make_unique<XRVJP2kLayerFileInfo>();
-    return std::make_unique<XRVJP2kLayerJP2FileInfo>();
-}
-
-void TestHeaderPages::setLayer(QWidget &page, Korvane::Map::Layer *layer)
-{
-    qobject_cast<Korvane::ILayerPropertiesWidget *>(&page)->setLayer(layer);
-}
 
 void TestHeaderPages::fileInformation_data()
 {
@@ -88,34 +69,37 @@ void TestHeaderPages::fileInformation()
                                               "Compression Date = \r"));
 }
 
-void TestHeaderPages::uncompressedSize_data()
+void TestHeaderPages::uncompressedBytes_data()
 {
-    QTest::addColumn<int>("bits");
-    QTest::addColumn<QString>("size"); // of 64 by 64 cells
-    QTest::newRow("8") << 8 << QStringLiteral("4.00 KB");
-    QTest::newRow("12 in two bytes") << 12 << QStringLiteral("8.00 KB");
-    QTest::newRow("20 in four bytes") << 20 << QStringLiteral("16.00 KB");
+    QTest::addColumn<int>("cellType");
+    QTest::addColumn<int>("bytesPerCell");
+    QTest::newRow("UInt8") << int(PLKCT_UINT8) << 1;
+    QTest::newRow("Int8") << int(PLKCT_INT8) << 1;
+    QTest::newRow("UInt16") << int(PLKCT_UINT16) << 2;
+    QTest::newRow("Int32") << int(PLKCT_INT32) << 4;
+    QTest::newRow("Float") << int(PLKCT_FLOAT) << 4;
+    QTest::newRow("Double") << int(PLKCT_DOUBLE) << 8;
 }
 
-void TestHeaderPages::uncompressedSize()
+void TestHeaderPages::uncompressedBytes()
 {
-    QFETCH(int, bits);
-    jp2maker::Options options;
-    options.components = {{bits, false, 1, 1}};
-    const auto layer = openLayer(folder.makeImage(QStringLiteral("deep.jp2"), options));
-    XRVJP2kLayerFileInfo page;
-    page.setLayer(layer.get());
-    QTEST(textOf(page, "uncompressedSize"), "size");
+    QFETCH(int, cellType);
+    QFETCH(int, bytesPerCell);
+    PLKFileInfo info{};
+    info.nSizeX = info.nSizeY = 1U << 21; // the product is beyond 32 bits
+    info.nBands = 3;
+    info.eCellType = static_cast<PLKCellType>(cellType);
+    QCOMPARE(FileInfoTexts::uncompressedBytes(info), quint64(bytesPerCell) * 3 << 42);
 }
 
-void TestHeaderPages::fileGoneAfterOpening()
+void TestHeaderPages::texts()
 {
-    const QString file = folder.makeImage(QStringLiteral("gone.jp2"), colourImage(20, 20));
-    const auto layer = openLayer(file);
-    QVERIFY(QFile::remove(file));
-    XRVJP2kLayerFileInfo page;
-    page.setLayer(layer.get());
-    QCOMPARE(textOf(page, "actualCompress"), QStringLiteral("Unknown"));
+    QStringList units;
+    for (int unit = 0; unit < 5; ++unit)
+        units.append(FileInfoTexts::unitsText(static_cast<PLKCellSizeUnits>(unit)));
+    QCOMPARE(units.join(QLatin1Char(' ')), QStringLiteral("Invalid Meters Degrees Feet Unknown"));
+    QCOMPARE(FileInfoTexts::wideText(nullptr), QString());
+    QCOMPARE(FileInfoTexts::wideText(L"\u6771"), QString(QChar(0x6771)));
 }
 
 void TestHeaderPages::header()
@@ -189,67 +173,11 @@ void TestHeaderPages::longTextsBeginInSight()
     jp2maker::Options options;
     options.comment = std::string(3000, 'x');
     const auto layer = openLayer(folder.makeImage(QStringLiteral("long.jp2"), options));
-    for (const bool ofFile : {true, false}) {
-        const auto page = makePage(ofFile);
+    for (const QString &className : kPageClasses.mid(0, 2)) {
+        const auto page = makePage(className);
         setLayer(*page, layer.get());
         for (const QLineEdit *field : page->findChildren<QLineEdit *>())
             QVERIFY2(field->cursorPosition() == 0, qPrintable(field->objectName()));
-    }
-}
-
-void TestHeaderPages::layersThatShowNothing_data()
-{
-    QTest::addColumn<bool>("ofFile");
-    QTest::newRow("file information") << true;
-    QTest::newRow("header") << false;
-}
-
-void TestHeaderPages::layersThatShowNothing()
-{
-    QFETCH(bool, ofFile);
-    const auto page = makePage(ofFile);
-    setLayer(*page, nullptr);
-    QCOMPARE(copiedText(*page), kUntouched);
-    ForeignLayer foreign;
-    setLayer(*page, &foreign);
-    QCOMPARE(copiedText(*page), kUntouched);
-    XRVJP2kLayer fresh(nullptr);
-    setLayer(*page, &fresh);
-    QCOMPARE(copiedText(*page), QString());
-    QCOMPARE(filledFields(*page), QStringList());
-
-    // With something shown, these layers change nothing of it.
-    const auto layer = openLayer(folder.makeImage(QStringLiteral("shown.jp2"), colourImage(20, 20)));
-    setLayer(*page, layer.get());
-    const QStringList fields = filledFields(*page);
-    QVERIFY(fields.size() > 8);
-    setLayer(*page, nullptr);
-    QVERIFY(copiedText(*page).size() > 100);
-    setLayer(*page, &fresh);
-    setLayer(*page, &foreign);
-    QCOMPARE(filledFields(*page), fields);
-    QCOMPARE(copiedText(*page), kUntouched);
-}
-
-void TestHeaderPages::secondLayer()
-{
-    const auto one = openLayer(folder.makeImage(QStringLiteral("one.jp2"), colourImage(20, 20)));
-    jp2maker::Options options;
-    options.sop = true;
-    const auto two = openLayer(folder.makeImage(QStringLiteral("two.jp2"), options));
-    XRVJP2kLayerJP2FileInfo page;
-    page.setLayer(one.get());
-    page.setLayer(two.get());
-    QCOMPARE(textOf(page, "bitDepth"), QStringLiteral("8"));
-    QCOMPARE(textOf(page, "useSOP"), QStringLiteral("true"));
-}
-
-void TestHeaderPages::layerDeletedWhileShown()
-{
-    for (const bool ofFile : {true, false}) {
-        const auto page = makePage(ofFile);
-        setLayer(*page, openLayer(folder.makeImage(QStringLiteral("short.jp2"), colourImage(20, 20))).get());
-        QCOMPARE(copiedText(*page), kUntouched);
     }
 }
 

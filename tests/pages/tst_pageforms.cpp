@@ -1,44 +1,40 @@
 #include "pages/xrvjp2klayerfileinfo.h"
-#include "pages/xrvjp2klayerjp2fileinfo.h"
 #include "pages/xrvjp2klayermetadatabox.h"
 #include "pages/xrvjp2klayerrpcinfo.h"
-#include "pages/xrvjp2klayerstatistics.h"
 #include "pagetest.h"
 
-#include <QComboBox>
-#include <QGroupBox>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QTranslator>
 #include <QtTest>
 
-/// What the five forms have in common, and what they say before a layer is set.
+using namespace PageTest;
+using Korvane::XRVJP2kLayer;
+
+/// What the five pages have in common: their forms, and how they take layers.
 class TestPageForms : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void forms_data();
+    void interface();
+    void forms_data() { addPageRows(); }
     void forms();
-    void slotOrder();
-    void nothingCanBeTypedIn();
-    void everythingFits_data();
-    void everythingFits();
     void keyboardOrder();
     void translations();
+    void layersInTurn_data();
+    void layersInTurn();
 
 private:
-    static std::unique_ptr<QWidget> make(const QString &className);
     static void addPageRows();
+    std::unique_ptr<XRVJP2kLayer> fullLayer(int number) const;
+
+    TestFolder folder;
 };
 
 namespace {
-
-const QStringList kClasses = {QStringLiteral("XRVJP2kLayerFileInfo"), QStringLiteral("XRVJP2kLayerJP2FileInfo"),
-                              QStringLiteral("XRVJP2kLayerStatistics"), QStringLiteral("XRVJP2kLayerRPCInfo"),
-                              QStringLiteral("XRVJP2kLayerMetaDataBox")};
 
 /// Gives back context and text.
 class EchoTranslator : public QTranslator
@@ -66,124 +62,56 @@ QStringList keyboardChain(const QWidget &first)
 
 } // namespace
 
-std::unique_ptr<QWidget> TestPageForms::make(const QString &className)
-{
-    switch (kClasses.indexOf(className)) {
-    case 0:
-        return std::make_unique<XRVJP2kLayerFileInfo>();
-    case 1:
-        return std::make_unique<XRVJP2kLayerJP2FileInfo>();
-    case 2:
-        return std::make_unique<XRVJP2kLayerStatistics>();
-    case 3:
-        return std::make_unique<XRVJP2kLayerRPCInfo>();
-    default:
-        return std::make_unique<XRVJP2kLayerMetaDataBox>();
-    }
-}
-
 void TestPageForms::addPageRows()
 {
     QTest::addColumn<QString>("className");
-    for (const QString &name : kClasses)
+    for (const QString &name : kPageClasses)
         QTest::newRow(qPrintable(name)) << name;
 }
 
-void TestPageForms::forms_data()
+/// A host finds the slots by their order and names, and the pages by the names of their objects.
+void TestPageForms::interface()
 {
-    QTest::addColumn<QString>("className");
-    QTest::addColumn<QString>("objectName");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<QString>("groupTitles");
-    const auto row = [](int page, const char *objectName, const char *title, QSize size, const char *groupTitles) {
-        QTest::newRow(qPrintable(kClasses[page]))
-            << kClasses[page] << QString::fromLatin1(objectName) << QString::fromLatin1(title) << size
-            << QString::fromLatin1(groupTitles);
-    };
-    row(0, "XRVJP2kLayerFileInfo", "XRV Info", QSize(414, 453), "XRV JP2 Compression Info");
-    row(1, "XRVJP2kLayerJP2FileInfo", "JP2 Info", QSize(439, 455), "JPEG 2000 Header Info");
-    row(2, "XRVJP2kLayerStatistics", "Statistics", QSize(354, 279), "Statistics");
-    row(3, "XRVJP2kLayerRPCInfo", "RPC Info", QSize(353, 342), "Rapid Positioning Capability|Coefficients");
-    row(4, "XRVJP2LayerMetaDataBox", "Metadata", QSize(321, 298), "Metadata Boxes");
+    QStringList found;
+    for (const QString &className : kPageClasses) {
+        const auto page = makePage(className);
+        const QMetaObject *meta = page->metaObject();
+        QCOMPARE(QString::fromLatin1(meta->className()), className);
+        QVERIFY(page->qt_metacast("com.korvane.viewer.ILayerPropertiesWidget/1.0"));
+        QStringList names{page->objectName(), page->windowTitle()};
+        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i)
+            names.append(QString::fromLatin1(meta->method(i).name()));
+        found.append(names.join(QLatin1Char(',')));
+    }
+    QCOMPARE(found, (QStringList{
+                        QStringLiteral("XRVJP2kLayerFileInfo,XRV Info,setLayer,copyToClipboard,apply"),
+                        QStringLiteral("XRVJP2kLayerJP2FileInfo,JP2 Info,setLayer,copyToClipboard,apply"),
+                        QStringLiteral("XRVJP2kLayerStatistics,Statistics,setLayer,apply,onBandChange,copyToClipboard"),
+                        QStringLiteral("XRVJP2kLayerRPCInfo,RPC Info,setLayer,apply,copyToClipboard"),
+                        QStringLiteral("XRVJP2LayerMetaDataBox,Metadata,setLayer,apply,onComboBoxActivated")}));
 }
 
+/// Nothing can be typed in, each field has a name for a screen reader, and at the least size that the page takes no
+/// text is wider or higher than its place.
 void TestPageForms::forms()
 {
     QFETCH(QString, className);
-    const auto page = make(className);
-    QCOMPARE(QString::fromLatin1(page->metaObject()->className()), className);
-    QTEST(page->objectName(), "objectName");
-    QTEST(page->windowTitle(), "title");
-    QTEST(page->size(), "size");
-    QVERIFY(!page->parent());
-    QStringList groups;
-    for (const QGroupBox *group : page->findChildren<QGroupBox *>())
-        groups.append(group->title());
-    QTEST(groups.join(QLatin1Char('|')), "groupTitles");
-    for (const QLabel *label : page->findChildren<QLabel *>())
-        QVERIFY2(label->buddy(), qPrintable(label->text())); // a screen reader names the field after it
-    const auto *button = page->findChild<QPushButton *>(QStringLiteral("copyToClipboard"));
-    QCOMPARE(bool(button), className != QLatin1String("XRVJP2kLayerMetaDataBox"));
-    if (button)
-        QCOMPARE(button->text(), QStringLiteral("Copy to Clipboard"));
-}
-
-void TestPageForms::slotOrder()
-{
-    const QMap<QString, QStringList> last = {
-        {kClasses[0], {QStringLiteral("setLayer"), QStringLiteral("copyToClipboard"), QStringLiteral("apply")}},
-        {kClasses[1], {QStringLiteral("setLayer"), QStringLiteral("copyToClipboard"), QStringLiteral("apply")}},
-        {kClasses[2],
-         {QStringLiteral("setLayer"), QStringLiteral("apply"), QStringLiteral("onBandChange"),
-          QStringLiteral("copyToClipboard")}},
-        {kClasses[3], {QStringLiteral("setLayer"), QStringLiteral("apply"), QStringLiteral("copyToClipboard")}},
-        {kClasses[4], {QStringLiteral("setLayer"), QStringLiteral("apply"), QStringLiteral("onComboBoxActivated")}},
-    };
-    for (const QString &className : kClasses) {
-        const auto page = make(className);
-        const QMetaObject *meta = page->metaObject();
-        QStringList names;
-        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i)
-            names.append(QString::fromLatin1(meta->method(i).name()));
-        QCOMPARE(names, last[className]);
-        QVERIFY(page->qt_metacast("com.korvane.viewer.ILayerPropertiesWidget/1.0"));
-    }
-}
-
-void TestPageForms::nothingCanBeTypedIn()
-{
-    for (const QString &className : kClasses) {
-        const auto page = make(className);
-        for (const QLineEdit *field : page->findChildren<QLineEdit *>())
-            QVERIFY2(field->isReadOnly() != (field->objectName() == QLatin1String("blockSize")),
-                     qPrintable(field->objectName()));
-        for (const QPlainTextEdit *field : page->findChildren<QPlainTextEdit *>()) {
-            QVERIFY(field->isReadOnly());
-            QVERIFY(field->textInteractionFlags() & Qt::TextSelectableByKeyboard);
-        }
-    }
-}
-
-void TestPageForms::everythingFits_data()
-{
-    addPageRows();
-}
-
-/// At the least size that the page takes no text is wider or higher than its place.
-void TestPageForms::everythingFits()
-{
-    QFETCH(QString, className);
-    const auto page = make(className);
+    const auto page = makePage(className);
     page->resize(page->minimumSizeHint());
     page->show();
     QVERIFY(QTest::qWaitForWindowExposed(page.get()));
     for (const QLabel *label : page->findChildren<QLabel *>()) {
+        QVERIFY2(label->buddy(), qPrintable(label->text()));
         const QSize needed = label->sizeHint();
         QVERIFY2(label->width() >= needed.width() && label->height() >= needed.height(), qPrintable(label->text()));
     }
-    for (const QLineEdit *field : page->findChildren<QLineEdit *>())
+    for (const QLineEdit *field : page->findChildren<QLineEdit *>()) {
         QVERIFY2(field->height() >= field->sizeHint().height(), qPrintable(field->objectName()));
+        QVERIFY2(field->isReadOnly() != (field->objectName() == QLatin1String("blockSize")),
+                 qPrintable(field->objectName()));
+    }
+    for (const QPlainTextEdit *field : page->findChildren<QPlainTextEdit *>())
+        QVERIFY(field->isReadOnly() && (field->textInteractionFlags() & Qt::TextSelectableByKeyboard));
 }
 
 void TestPageForms::keyboardOrder()
@@ -208,26 +136,91 @@ void TestPageForms::translations()
 {
     EchoTranslator translator;
     QVERIFY(QCoreApplication::installTranslator(&translator));
-    for (const QString &className : kClasses) {
-        const auto page = make(className);
+    for (const QString &className : kPageClasses) {
+        const auto page = makePage(className);
         const QString context = page->objectName() + QLatin1Char('|');
         QVERIFY(page->windowTitle().startsWith(context));
         for (const QLabel *label : page->findChildren<QLabel *>())
             QVERIFY2(label->text().startsWith(context), qPrintable(label->text()));
     }
-    TestFolder folder;
-    jp2maker::Options options;
-    const auto layer = openLayer(
-        folder.write(QStringLiteral("a.jp2"), jp2maker::withBox(jp2maker::make(options), "xml ", "<a/>")));
+    const auto layer = fullLayer(1);
     XRVJP2kLayerMetaDataBox boxes;
     boxes.setLayer(layer.get());
-    QCOMPARE(PageTest::textOf(boxes, "comboBoxMetaBox"), QStringLiteral("XRVJP2kLayerMetaDataBox|'xml ' Box #1:"));
+    QCOMPARE(textOf(boxes, "comboBoxMetaBox"), QStringLiteral("XRVJP2kLayerMetaDataBox|'xml ' Box #1:"));
     XRVJP2kLayerFileInfo file;
     file.setLayer(layer.get());
-    QVERIFY(PageTest::copiedText(file).startsWith(
+    QVERIFY(copiedText(file).startsWith(
         QLatin1String("XRVJP2kLayerFileInfo|XRVP Version = XRVJP2kLayerFileInfo|Local file\r")));
-    QCOMPARE(PageTest::textOf(file, "xrvpVersion"), QStringLiteral("Local file"));
+    QCOMPARE(textOf(file, "xrvpVersion"), QStringLiteral("Local file"));
     QCoreApplication::removeTranslator(&translator);
+}
+
+/// A layer of an image that every page has something of to show, and each \a number something else.
+std::unique_ptr<XRVJP2kLayer> TestPageForms::fullLayer(int number) const
+{
+    QByteArray rpc = "LINE_OFF: 5000\nSAMP_OFF: 4000\nLAT_OFF: 48\nLONG_OFF: 11\nHEIGHT_OFF: 500\nLINE_SCALE: 1\n"
+                     "SAMP_SCALE: 1\nLAT_SCALE: 1\nLONG_SCALE: 1\nHEIGHT_SCALE: 1\n";
+    for (const char *key : {"LINE_NUM", "LINE_DEN", "SAMP_NUM", "SAMP_DEN"}) {
+        for (int i = 1; i <= 20; ++i)
+            rpc += QByteArray(key) + "_COEFF_" + QByteArray::number(i) + ": " + QByteArray::number(number) + '\n';
+    }
+    folder.writeText(QStringLiteral("full%1_RPC.TXT").arg(number), rpc);
+    const jp2maker::FileBytes image = jp2maker::make(colourImage(20 * number, 30));
+    return openLayer(folder.write(QStringLiteral("full%1.jp2").arg(number),
+                                  jp2maker::withBox(image, "xml ", "<a" + std::to_string(number) + "/>")));
+}
+
+void TestPageForms::layersInTurn_data()
+{
+    QTest::addColumn<bool>("isCleared"); // by whatever is no layer of ours
+    QTest::addColumn<bool>("isOwn");     // a copy of what was shown is the page's own
+    for (const QString &name : kPageClasses)
+        QTest::newRow(qPrintable(name)) << name.contains(QLatin1String("Box"))
+                                        << (name.endsWith(QLatin1String("RPCInfo")) ||
+                                            name.endsWith(QLatin1String("Statistics")));
+}
+
+void TestPageForms::layersInTurn()
+{
+    QFETCH(bool, isCleared);
+    QFETCH(bool, isOwn);
+    const auto page = makePage(QString::fromLatin1(QTest::currentDataTag()));
+    const auto copied = [&] { return isCleared ? QString() : copiedText(*page); }; // there is no button for it
+    const QString nothing = isCleared ? QString() : kUntouched;
+    ForeignLayer foreign;
+    XRVJP2kLayer fresh(nullptr);
+    const QVector<Korvane::Map::Layer *> others = {nullptr, &foreign, &fresh};
+    for (Korvane::Map::Layer *other : others) {
+        setLayer(*page, other);
+        QCOMPARE(filledFields(*page), QStringList());
+        QCOMPARE(copied(), other == &fresh && !isOwn ? QString() : nothing);
+    }
+    auto layer = fullLayer(1);
+    setLayer(*page, layer.get());
+    const QStringList fields = filledFields(*page);
+    QVERIFY(!fields.isEmpty());
+    for (Korvane::Map::Layer *other : others) {
+        setLayer(*page, layer.get());
+        QCOMPARE(filledFields(*page), fields);
+        setLayer(*page, other);
+        if (isCleared)
+            QCOMPARE(itemsOf(*page, "comboBoxMetaBox"), QStringList());
+        else
+            QCOMPARE(filledFields(*page), fields);
+        const bool isKept = !isCleared && (!other || (isOwn && other == &foreign));
+        QCOMPARE(copied().size() > 100, isKept);
+    }
+
+    const auto second = fullLayer(2);
+    setLayer(*page, second.get());
+    QVERIFY(!filledFields(*page).isEmpty() && filledFields(*page) != fields);
+    setLayer(*page, layer.get());
+    layer.reset(); // while it is shown
+    QCOMPARE(filledFields(*page), fields);
+    QCOMPARE(copied() != nothing, isOwn);
+    QVERIFY(QFile::remove(folder.path(QStringLiteral("full2.jp2"))));
+    setLayer(*page, second.get());
+    QCOMPARE(filledFields(*page).isEmpty(), isCleared);
 }
 
 QTEST_MAIN(TestPageForms)

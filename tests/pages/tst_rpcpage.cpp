@@ -1,11 +1,9 @@
 #include "pages/xrvjp2klayerrpcinfo.h"
 #include "pagetest.h"
 
-#include <QFile>
 #include <QtTest>
 
 using namespace PageTest;
-using Korvane::XRVJP2kLayer;
 
 class TestRpcPage : public QObject
 {
@@ -13,16 +11,9 @@ class TestRpcPage : public QObject
 
 private Q_SLOTS:
     void shownAndCopied();
-    void damagedFiles_data();
-    void damagedFiles();
-    void layersThatShowNothing();
-    void secondLayer();
 
 private:
-    std::unique_ptr<XRVJP2kLayer> open(const QByteArray &rpc);
-
     TestFolder folder;
-    int fileNumber = 0;
 };
 
 namespace {
@@ -66,16 +57,10 @@ QString coefficients()
 
 } // namespace
 
-std::unique_ptr<XRVJP2kLayer> TestRpcPage::open(const QByteArray &rpc)
-{
-    const QString name = QString::number(++fileNumber);
-    folder.writeText(name + QStringLiteral("_RPC.TXT"), rpc);
-    return openLayer(folder.makeImage(name + QStringLiteral(".jp2"), jp2maker::Options()));
-}
-
 void TestRpcPage::shownAndCopied()
 {
-    const auto layer = open(rpcFile());
+    folder.writeText(QStringLiteral("image_RPC.TXT"), rpcFile());
+    const auto layer = openLayer(folder.makeImage(QStringLiteral("image.jp2"), jp2maker::Options()));
     XRVJP2kLayerRPCInfo page;
     page.setLayer(layer.get());
     const char *const rows[][3] = {{"errorBias", "Error Bias", "1.500000"},
@@ -97,65 +82,6 @@ void TestRpcPage::shownAndCopied()
     }
     QCOMPARE(textOf(page, "coefficients"), coefficients());
     QCOMPARE(copiedText(page), text + coefficients());
-}
-
-void TestRpcPage::damagedFiles_data()
-{
-    QTest::addColumn<QByteArray>("before");
-    QTest::addColumn<QByteArray>("after");
-    QTest::addColumn<QString>("lineOffset");
-    QTest::newRow("missing key") << QByteArray("LAT_OFF: 48.123456789 degrees\n") << QByteArray() << QString();
-    QTest::newRow("repeated key") << QByteArray("SAMP_OFF") << QByteArray("LINE_OFF: 1\nSAMP_OFF")
-                                  << QStringLiteral("5000.000000");
-    QTest::newRow("huge number") << QByteArray("500 meters") << QByteArray("-1e300") << QStringLiteral("5000.000000");
-    QTest::newRow("not text") << rpcFile() << QByteArray(1000, '\xff') << QString();
-}
-
-void TestRpcPage::damagedFiles()
-{
-    QFETCH(QByteArray, before);
-    QFETCH(QByteArray, after);
-    QFETCH(QString, lineOffset);
-    QByteArray text = rpcFile();
-    QVERIFY(text.contains(before));
-    const auto layer = open(text.replace(before, after));
-    XRVJP2kLayerRPCInfo page;
-    page.setLayer(layer.get());
-    QCOMPARE(textOf(page, "lineOffset"), lineOffset);
-    QCOMPARE(copiedText(page) == kUntouched, lineOffset.isEmpty());
-}
-
-void TestRpcPage::layersThatShowNothing()
-{
-    XRVJP2kLayerRPCInfo page;
-    ForeignLayer foreign;
-    XRVJP2kLayer fresh(nullptr);
-    const auto plain = openLayer(folder.makeImage(QStringLiteral("plain.jp2"), jp2maker::Options()));
-    for (Korvane::Map::Layer *layer :
-         {static_cast<Korvane::Map::Layer *>(nullptr), static_cast<Korvane::Map::Layer *>(&foreign),
-          static_cast<Korvane::Map::Layer *>(&fresh), static_cast<Korvane::Map::Layer *>(plain.get())}) {
-        page.setLayer(layer);
-        QCOMPARE(filledFields(page), QStringList());
-        QCOMPARE(textOf(page, "coefficients"), QString());
-        QCOMPARE(copiedText(page), kUntouched);
-    }
-}
-
-void TestRpcPage::secondLayer()
-{
-    XRVJP2kLayerRPCInfo page;
-    page.setLayer(open(rpcFile()).get());
-    ForeignLayer foreign;
-    page.setLayer(&foreign);
-    page.setLayer(nullptr);
-    QVERIFY(copiedText(page) != kUntouched); // the record is the page's own
-    page.setLayer(open(rpcFile().replace("5000", "6000")).get());
-    QCOMPARE(textOf(page, "lineOffset"), QStringLiteral("6000.000000"));
-    // Without a record what is shown stays, but there is nothing to copy.
-    XRVJP2kLayer fresh(nullptr);
-    page.setLayer(&fresh);
-    QCOMPARE(textOf(page, "lineOffset"), QStringLiteral("6000.000000"));
-    QCOMPARE(copiedText(page), kUntouched);
 }
 
 QTEST_MAIN(TestRpcPage)

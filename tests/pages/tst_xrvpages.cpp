@@ -3,6 +3,7 @@
 #include "pages/xrvjp2klayermetadatabox.h"
 #include "pages/xrvjp2klayerstatistics.h"
 #include "pagetest.h"
+#include "sdk/stream/webfile.h"
 #include "xrvsample.h"
 
 #include <QComboBox>
@@ -26,7 +27,8 @@ class TestXrvPages : public QObject
 private Q_SLOTS:
     void initTestCase();
     void fileInformation();
-    void headerStaysEmpty();
+    void layersInTurn();
+    void stream();
     void storedStatistics_data();
     void storedStatistics();
     void metadata();
@@ -147,12 +149,39 @@ void TestXrvPages::fileInformation()
     QCOMPARE(page.findChild<QLineEdit *>(QStringLiteral("blockSize"))->placeholderText(), QString());
 }
 
-void TestXrvPages::headerStaysEmpty()
+void TestXrvPages::layersInTurn()
 {
-    XRVJP2kLayerJP2FileInfo page;
+    XRVJP2kLayerJP2FileInfo header;
+    header.setLayer(layer.get());
+    QCOMPARE(filledFields(header), QStringList());
+    QCOMPARE(copiedText(header), QString());
+
+    const auto other = openLayer(folder.makeImage(QStringLiteral("other.jp2"), jp2maker::Options()));
+    XRVJP2kLayerFileInfo page;
     page.setLayer(layer.get());
-    QCOMPARE(filledFields(page), QStringList());
-    QCOMPARE(copiedText(page), QString());
+    page.setLayer(other.get());
+    QCOMPARE(textOf(page, "blockSize"), QString());
+    QCOMPARE(page.findChild<QLineEdit *>(QStringLiteral("blockSize"))->placeholderText(),
+             QStringLiteral("Not valid for .jp2 files"));
+    QCOMPARE(textOf(page, "author"), QString::fromUtf8(XrvSample::kTexts[4])); // texts that the file lacks stay
+}
+
+/// What is not known of a stream, and the version of its protocol as the character of that code.
+void TestXrvPages::stream()
+{
+    WebFile served;
+    served.bytes = folder.read(QFileInfo(file).fileName()).toStdString();
+    const FaultServer server(served.handler());
+    const auto streamed = openLayer(QString::fromStdString(server.address("/sample.xrv")));
+    QCOMPARE(streamed->getXRVPVersion(), 3);
+    QCOMPARE(streamed->getProtocol(), QStringLiteral("XRVP"));
+    XRVJP2kLayerFileInfo page;
+    page.setLayer(streamed.get());
+    QCOMPARE(textOf(page, "xrvpVersion"), QStringLiteral("3"));
+    QCOMPARE(textOf(page, "compressedSize"), QStringLiteral("Unknown"));
+    QCOMPARE(textOf(page, "actualCompress"), QStringLiteral("Unknown"));
+    QCOMPARE(textOf(page, "targetCompress"), QStringLiteral("20 : 1"));
+    QVERIFY(copiedText(page).startsWith(QStringLiteral("XRVP Version = \u0003\rFormat Version = 1\r")));
 }
 
 void TestXrvPages::storedStatistics_data()

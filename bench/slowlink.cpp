@@ -58,7 +58,7 @@ public:
     void put(std::vector<char> bytes, Clock::time_point arrival)
     {
         std::unique_lock<std::mutex> lock(mutex);
-        changed.wait(lock, [this] { return queued < kMostQueued; });
+        changed.wait(lock, [this] { return queued < kMaxQueued; });
         queued += bytes.size();
         queue.push_back({std::move(bytes), arrival});
         changed.notify_all();
@@ -83,7 +83,7 @@ private:
         std::vector<char> bytes;
         Clock::time_point arrival;
     };
-    static constexpr std::size_t kMostQueued = 1u << 20;
+    static constexpr std::size_t kMaxQueued = 1u << 20;
     std::mutex mutex; ///< guards what follows
     std::condition_variable changed;
     std::deque<Piece> queue;

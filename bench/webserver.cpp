@@ -17,7 +17,7 @@
 namespace {
 
 constexpr auto kPause = std::chrono::milliseconds(20);
-constexpr int kMostPauses = 250;
+constexpr int kMaxPauses = 250;
 
 std::string makeHome()
 {
@@ -69,7 +69,7 @@ void WebServer::writeConfiguration(const std::string &folder) const
 
 void WebServer::waitUntilReady() const
 {
-    for (int i = 0; i < kMostPauses; ++i) {
+    for (int i = 0; i < kMaxPauses; ++i) {
         if (::waitpid(process, nullptr, WNOHANG) != 0)
             throw std::runtime_error("nginx does not start. Is it installed?");
         const int socket = connectTo(listenPort);

@@ -2,7 +2,7 @@
 # install_packages looks first, so that a second run is quick and needs no network.
 
 build_packages=(
-    git g++ cmake ninja-build ccache mold pkg-config
+    git g++ cmake ninja-build ccache mold pkg-config python3
     qtbase5-dev qttools5-dev qttools5-dev-tools qttranslations5-l10n
     libopenjp2-7-dev libproj-dev proj-data libgeotiff-dev libtiff-dev
     libpng-dev libopenjph-dev liblcms2-dev libpugixml-dev libcurl4-openssl-dev

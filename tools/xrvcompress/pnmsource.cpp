@@ -97,16 +97,16 @@ private:
     bool readHeader(const std::string &magic)
     {
         depth = magic == "P6" ? 3 : 1;
-        return number(kMostCells, &image.width) && number(kMostCells, &image.height) && number(65535, &largest);
+        return number(kMaxCells, &image.width) && number(kMaxCells, &image.height) && number(65535, &largest);
     }
     bool readPamHeader()
     {
         bool isGood = true;
         for (std::string key = word(); isGood && key != "ENDHDR"; key = word()) {
             if (key == "WIDTH")
-                isGood = number(kMostCells, &image.width);
+                isGood = number(kMaxCells, &image.width);
             else if (key == "HEIGHT")
-                isGood = number(kMostCells, &image.height);
+                isGood = number(kMaxCells, &image.height);
             else if (key == "DEPTH")
                 isGood = number(255, &depth);
             else if (key == "MAXVAL")
@@ -134,7 +134,7 @@ private:
         nameBands(&image);
     }
 
-    static constexpr std::uint32_t kMostCells = 0x7FFFFFFF;
+    static constexpr std::uint32_t kMaxCells = 0x7FFFFFFF;
     std::string name, tupleType;
     std::ifstream file;
     std::ifstream::pos_type firstRow = 0;

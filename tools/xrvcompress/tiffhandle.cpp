@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr tmsize_t kMostMemory = tmsize_t(2) << 30; ///< that one field or strip may take
+constexpr tmsize_t kMaxMemory = tmsize_t(2) << 30; ///< that one field or strip may take
 
 int keepError(TIFF *, void *client, const char *, const char *format, va_list arguments)
 {
@@ -34,7 +34,7 @@ TiffPtr openTiff(const std::string &path, std::string *message)
     const std::unique_ptr<TIFFOpenOptions, OptionsDeleter> options(TIFFOpenOptionsAlloc());
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keepError, message);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), dropWarning, nullptr);
-    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), kMostMemory);
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), kMaxMemory);
     // m: no memory map, which a file that shrinks would make crash.
 #ifdef _WIN32
     return TiffPtr(TIFFOpenWExt(std::filesystem::u8path(path).c_str(), "rm", options.get()));

@@ -11,7 +11,7 @@ using namespace xrv;
 
 namespace {
 
-constexpr std::uint64_t kMostTileBytes = 1u << 30;
+constexpr std::uint64_t kMaxTileBytes = 1u << 30;
 
 /// A TIFF or GeoTIFF file with cells of 1 to 16 bits: strips or tiles, bands together or apart, and palettes, which
 /// become colours. Files in strips are read from top to bottom, those in tiles piece by piece.
@@ -144,7 +144,7 @@ private:
         TIFFGetField(first(), TIFFTAG_TILELENGTH, &tileHeight);
         const auto bytes = static_cast<std::uint64_t>(std::max<tmsize_t>(0, TIFFTileSize(first())));
         const std::uint64_t needed = bytesOf(std::uint64_t(tileWidth) * samplesTogether()) * tileHeight;
-        if (needed == 0 || needed > bytes || bytes > kMostTileBytes)
+        if (needed == 0 || needed > bytes || bytes > kMaxTileBytes)
             return failed();
         buffer.resize(static_cast<std::size_t>(bytes));
         return {};

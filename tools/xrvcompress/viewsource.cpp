@@ -1,7 +1,7 @@
 #include "sourceparts.h"
 
+#include "base/utf8.h"
 #include "geo/geojp2.h"
-#include "io/utf8.h"
 #include "stream/opensource.h"
 #include "xrv/xrvstructure.h"
 
@@ -16,7 +16,7 @@ using namespace xrv;
 namespace {
 
 constexpr std::size_t kBandsAtATime = 4; ///< of a view
-constexpr std::uint64_t kLongestXml = 64u << 20;
+constexpr std::uint64_t kMaxXml = 64u << 20;
 
 /// A JPEG 2000 or XRV file, through the SDK's own view: palettes, luma-chroma and colour profiles come as they are
 /// shown, other bands as they are.
@@ -125,7 +125,7 @@ private:
     {
         PLK::CIOStream *stream = view.GetStream();
         for (const PLKXMLBox *box = view.GetXMLBox(nullptr); box; box = view.GetXMLBox(box)) {
-            if (box->nContentLength > kLongestXml)
+            if (box->nContentLength > kMaxXml)
                 continue;
             std::string text(static_cast<std::size_t>(box->nContentLength), '\0');
             if (!stream->Seek(box->nContentOffset) || !stream->Read(text.data(), text.size()))

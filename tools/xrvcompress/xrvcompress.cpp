@@ -4,8 +4,8 @@
 #include "progressbar.h"
 #include "sourceparts.h"
 
+#include "base/utf8.h"
 #include "geo/rpc.h"
-#include "io/utf8.h"
 
 #include <xrv60/plkinit.h>
 #include <xrv60/plkview.h>
@@ -24,7 +24,7 @@ namespace {
 
 constexpr int kFailed = 1, kWrongUsage = 2, kInterrupted = 130;
 constexpr std::uint64_t kCacheBytes = 128u << 20; ///< of decoded pieces of a JPEG 2000 input
-constexpr std::uintmax_t kLongestSideFile = 64u << 20;
+constexpr std::uintmax_t kMaxSideFile = 64u << 20;
 
 CancelFlag *interrupted = nullptr; // for the signal handler; set before it is installed
 
@@ -58,7 +58,7 @@ CError readWhole(const std::string &path, std::string *text)
     const std::uintmax_t size = std::filesystem::file_size(name, error);
     if (error)
         return {PLK_ERR_NOT_FOUND, "\"" + path + "\" cannot be read: " + error.message() + "."};
-    if (size > kLongestSideFile)
+    if (size > kMaxSideFile)
         return {PLK_ERR_UNSUPPORTED, "\"" + path + "\" is too large."};
     std::ifstream file(name, std::ios::binary);
     text->assign(std::istreambuf_iterator<char>(file), {});

@@ -1,6 +1,6 @@
 #include "describe.h"
 
-#include "io/utf8.h"
+#include "base/utf8.h"
 
 #include <xrv60/plkinit.h>
 #include <xrv60/plkview.h>

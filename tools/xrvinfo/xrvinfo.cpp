@@ -2,7 +2,7 @@
 
 #include "describe.h"
 
-#include "io/utf8.h"
+#include "base/utf8.h"
 
 #include <xrv60/plkinit.h>
 

@@ -3,7 +3,6 @@
 #include "plkexport.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
 
 /// In which notation projections are named.
@@ -14,13 +13,12 @@ enum PLKProjectionFormat : int {
 
 namespace PLK::SDK {
 
-/// The SDK's global configuration. Every operation may be called from any thread; it applies to what is opened, set or
-/// decoded afterwards unless it says otherwise.
+/// The SDK's global configuration, the same through every object of this class. Every operation may be called from any
+/// thread; it applies to what is opened, set or decoded afterwards unless it says otherwise.
 class PLK_EXPORT CConfig
 {
 public:
-    CConfig();
-    ~CConfig();
+    CConfig() = default;
     CConfig(const CConfig &) = delete;
     CConfig &operator=(const CConfig &) = delete;
 
@@ -65,10 +63,6 @@ public:
     std::string GetXrvpClientCaFile() const;
     void SetProjectionFormat(PLKProjectionFormat format);
     PLKProjectionFormat GetProjectionFormat() const;
-
-private:
-    struct Values;
-    std::unique_ptr<Values> values;
 };
 
 } // namespace PLK::SDK

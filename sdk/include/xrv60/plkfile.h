@@ -12,7 +12,7 @@
 #include <memory>
 #include <string>
 
-namespace PLK {
+namespace xrv {
 class OpenFile; // private to the library
 }
 
@@ -100,11 +100,11 @@ protected:
     CError OpenFileNamed(const CString &name, const COpenControl &control = {});
     /// Forgets the file; \a freeCache drops its decoded tiles.
     void CloseFile(bool freeCache);
-    const std::shared_ptr<OpenFile> &SharedFile() const { return file; }
+    const std::shared_ptr<xrv::OpenFile> &SharedFile() const { return file; }
 
 private:
     class FileFacade;
-    std::shared_ptr<OpenFile> file;
+    std::shared_ptr<xrv::OpenFile> file;
     std::unique_ptr<FileFacade> facade;
     ViewMetadata::ViewMetadataJp2 metadataJp2;
     ViewMetadata::ViewMetadataXRV metadataXRV;

@@ -11,7 +11,9 @@ struct OpenWatch; // private to the library
 
 namespace PLK {
 
-class OpenFile; // private to the library
+namespace SDK {
+class CFileClient;
+}
 
 /// A hand on a file that another thread opens: ends the opening, and tells how far it is. To be given to
 /// CView::SetOpenControl() before CView::Open(). Copies stand for the same opening; all operations are for any thread.
@@ -32,7 +34,7 @@ public:
     std::uint64_t GetBytesExpected() const;
 
 private:
-    friend class OpenFile;
+    friend class SDK::CFileClient; // opens with it
     std::shared_ptr<xrv::OpenWatch> watch;
 };
 

@@ -14,13 +14,7 @@ IntRect tileRect(const MainHeader &header, std::uint32_t tile)
 
 IntRect componentRect(const IntRect &canvasRect, const MainHeader::Component &component)
 {
-    return {ceilDiv(canvasRect.x0, component.stepX), ceilDiv(canvasRect.y0, component.stepY),
-            ceilDiv(canvasRect.x1, component.stepX), ceilDiv(canvasRect.y1, component.stepY)};
-}
-
-IntRect levelRect(const IntRect &rect, int level)
-{
-    return {ceilShift(rect.x0, level), ceilShift(rect.y0, level), ceilShift(rect.x1, level), ceilShift(rect.y1, level)};
+    return everyNth(canvasRect, component.stepX, component.stepY);
 }
 
 PrecinctGrid precinctGrid(const IntRect &tileComponentRect, const ComponentStyle &style, int resolution)

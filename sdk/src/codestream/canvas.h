@@ -1,25 +1,15 @@
 #pragma once
 
-#include "../decode/rasterreader.h"
 #include "mainheader.h"
 
-namespace xrv {
+#include "base/rect.h"
 
-inline std::int64_t ceilDiv(std::int64_t a, std::int64_t b)
-{
-    return (a + b - 1) / b;
-}
-inline std::int64_t ceilShift(std::int64_t a, int bits)
-{
-    return (a + (std::int64_t(1) << bits) - 1) >> bits;
-}
+namespace xrv {
 
 /// Rectangle of a tile on the canvas (ISO/IEC 15444-1 B.3).
 IntRect tileRect(const MainHeader &header, std::uint32_t tile);
 /// Rectangle of a canvas rectangle in one component (B.3, B-12).
 IntRect componentRect(const IntRect &canvasRect, const MainHeader::Component &component);
-/// Rectangle of a component rectangle with every 2^level-th cell left (B-14).
-IntRect levelRect(const IntRect &componentRect, int level);
 
 /// Precincts of one resolution of a tile-component (B.6).
 struct PrecinctGrid

@@ -1,6 +1,6 @@
 #include "mainheader.h"
 
-#include "../io/bytecursor.h"
+#include "base/bytecursor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,11 +12,11 @@ namespace xrv {
 namespace {
 
 constexpr std::uint64_t kFirstRead = 16 * 1024;
-constexpr std::uint64_t kLongestMainHeader = 64 * 1024 * 1024;
+constexpr std::uint64_t kMaxMainHeader = 64 * 1024 * 1024;
 
 CError malformed(const std::string &what)
 {
-    return CError(PLK_ERR_MALFORMED, "The JPEG 2000 codestream is damaged: " + what + ".");
+    return {PLK_ERR_MALFORMED, "The JPEG 2000 codestream is damaged: " + what + "."};
 }
 
 bool isSegmentless(std::uint16_t marker)
@@ -66,7 +66,7 @@ CError readComponents(ByteCursor &in, MainHeader *header)
         if (component.bits > 38)
             return malformed("a component claims " + std::to_string(component.bits) + " bits");
         if (component.bits > 31)
-            return CError(PLK_ERR_UNSUPPORTED, "Components of more than 31 bits are not supported.");
+            return {PLK_ERR_UNSUPPORTED, "Components of more than 31 bits are not supported."};
     }
     return {};
 }
@@ -95,7 +95,7 @@ CError readSize(const MarkerSegment &segment, MainHeader *header)
         return malformed("the first tile lies outside the image");
     // The codec computes in signed 32-bit coordinates.
     if (header->x1 > 0x7FFFFFFFu || header->y1 > 0x7FFFFFFFu)
-        return CError(PLK_ERR_UNSUPPORTED, "Images that reach beyond 2147483647 cells are not supported.");
+        return {PLK_ERR_UNSUPPORTED, "Images that reach beyond 2147483647 cells are not supported."};
     header->tilesAcross = divideUp(header->x1 - header->tileX0, header->tileWidth);
     header->tilesDown = divideUp(header->y1 - header->tileY0, header->tileHeight);
     if (std::uint64_t(header->tilesAcross) * header->tilesDown > 65535)
@@ -119,10 +119,10 @@ CError readStyleParameters(ByteCursor &in, bool hasPrecincts, ComponentStyle *st
         style->codeBlockWidthExponent + style->codeBlockHeightExponent > 12)
         return malformed("its code-blocks are larger than 4096 cells");
     if (transform > 1)
-        return CError(PLK_ERR_UNSUPPORTED, "The wavelet transformation of the codestream is not supported.");
+        return {PLK_ERR_UNSUPPORTED, "The wavelet transformation of the codestream is not supported."};
     constexpr std::uint8_t kMixedBlocks = BlockStyle::kHighThroughput | BlockStyle::kMixed;
     if ((style->codeBlockStyle & kMixedBlocks) == kMixedBlocks)
-        return CError(PLK_ERR_UNSUPPORTED, "High-throughput code-blocks among others are not supported.");
+        return {PLK_ERR_UNSUPPORTED, "High-throughput code-blocks among others are not supported."};
     style->isReversible = transform == 1;
     style->hasPrecincts = hasPrecincts;
     if (hasPrecincts) {
@@ -349,8 +349,8 @@ CError readMainHeader(ByteSource &source, ByteRange codestream, MainHeader *head
         if (!incomplete)
             return malformed("its main header is not made of marker segments");
         if (have == codestream.length)
-            return CError(PLK_ERR_TRUNCATED, "The JPEG 2000 codestream ends within its main header.");
-        if (have >= kLongestMainHeader)
+            return {PLK_ERR_TRUNCATED, "The JPEG 2000 codestream ends within its main header."};
+        if (have >= kMaxMainHeader)
             return malformed("its main header does not end");
     }
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "../io/bytesource.h"
 #include "packetindex.h"
+
+#include "io/bytesource.h"
 
 #include <array>
 #include <cstdint>

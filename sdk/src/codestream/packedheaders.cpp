@@ -1,6 +1,6 @@
 #include "packedheaders.h"
 
-#include "../io/bytecursor.h"
+#include "base/bytecursor.h"
 
 #include <algorithm>
 

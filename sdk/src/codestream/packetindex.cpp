@@ -1,7 +1,7 @@
 #include "packetindex.h"
 
-#include "../io/bytecursor.h"
-#include "../io/varint.h"
+#include "base/bytecursor.h"
+#include "base/varint.h"
 
 #include <algorithm>
 #include <limits>
@@ -11,7 +11,7 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint64_t kMostLength = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint64_t kMaxLength = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint64_t kShortestHeader = 14; ///< SOT marker segment and SOD marker
 
 } // namespace
@@ -79,12 +79,12 @@ std::shared_ptr<const PacketIndex> PacketIndex::parse(const Bytes &content, std:
         std::uint64_t tile = 0, header = 0, packets = 0;
         if (!readVarint(&in, &tile) || !readVarint(&in, &header) || !readVarint(&in, &packets))
             return nullptr;
-        if (tile >= tiles || header < kShortestHeader || header > kMostLength || packets > in.remaining())
+        if (tile >= tiles || header < kShortestHeader || header > kMaxLength || packets > in.remaining())
             return nullptr;
         packetLengths.assign(static_cast<std::size_t>(packets), 0);
         for (std::uint32_t &length : packetLengths) {
             std::uint64_t value = 0;
-            if (!readVarint(&in, &value) || value == 0 || value > kMostLength)
+            if (!readVarint(&in, &value) || value == 0 || value > kMaxLength)
                 return nullptr;
             length = static_cast<std::uint32_t>(value);
         }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../io/bytesource.h"
+#include "base/bytes.h"
 
 #include <cstdint>
 #include <memory>

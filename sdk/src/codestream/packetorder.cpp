@@ -159,8 +159,8 @@ PacketNumbering::PacketNumbering(const MainHeader &header, const TileStyle &styl
             grids[c].push_back(precinctGrid(rect, style.components[c], r));
             bases[c].push_back(total);
             // Stays above the limit once it is there: absurd sizes must not wrap around it.
-            const std::uint64_t precincts = std::min<std::uint64_t>(grids[c].back().count(), kMostPackets);
-            total = std::min(total + precincts * layerCount, kMostPackets * 0x10000);
+            const std::uint64_t precincts = std::min<std::uint64_t>(grids[c].back().count(), kMaxPackets);
+            total = std::min(total + precincts * layerCount, kMaxPackets * 0x10000);
         }
     }
 }

@@ -31,10 +31,10 @@ private:
 };
 
 /// Most packets of one tile that are dealt with one by one.
-constexpr std::uint64_t kMostPackets = 16u << 20;
+constexpr std::uint64_t kMaxPackets = 16u << 20;
 
 /// Numbers of all packets of a tile in the order of the codestream (ISO/IEC 15444-1 B.12). Only for tiles of up to
-/// kMostPackets packets.
+/// kMaxPackets packets.
 std::vector<std::uint32_t> packetOrder(const MainHeader &header, const TileStyle &style, const IntRect &tile,
                                        const PacketNumbering &numbering);
 

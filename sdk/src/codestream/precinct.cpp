@@ -28,8 +28,8 @@ int floorLog2(unsigned value)
     return result;
 }
 
-constexpr int kMostPasses = 164;       ///< 37 + 127, table B.4
-constexpr int kMostZeroBitPlanes = 74; ///< more than 7 guard bits and 5-bit exponents with a region of interest allow
+constexpr int kMaxPasses = 164;       ///< 37 + 127, table B.4
+constexpr int kMaxZeroBitPlanes = 74; ///< more than 7 guard bits and 5-bit exponents with a region of interest allow
 
 } // namespace
 
@@ -40,7 +40,7 @@ int passesInSegment(std::uint8_t style, int firstPass)
     if (style & BlockStyle::kTerminateAll)
         return 1;
     if (!(style & BlockStyle::kBypass))
-        return kMostPasses;
+        return kMaxPasses;
     // Arithmetic coding for the first ten passes, then two raw passes and one arithmetically coded one in turn.
     if (firstPass < 10)
         return 10 - firstPass;
@@ -156,8 +156,8 @@ bool Precinct::parseBlock(PacketBits &bits, BandState &band, std::uint32_t numbe
     } else {
         if (!band.inclusion.isBelow(bits, number, layer + 1))
             return true;
-        const int planes = band.zeroBitPlanes.value(bits, number, kMostZeroBitPlanes);
-        if (planes >= kMostZeroBitPlanes)
+        const int planes = band.zeroBitPlanes.value(bits, number, kMaxZeroBitPlanes);
+        if (planes >= kMaxZeroBitPlanes)
             return false;
         block.zeroBitPlanes = static_cast<std::uint8_t>(planes);
         block.isIncluded = true;
@@ -181,17 +181,17 @@ bool Precinct::skipPlaceholders(BlockState &block, int *passes, int *placeholder
     *placeholders = sets * kPassesOfSet;
     *passes -= *placeholders;
     block.zeroBitPlanes = static_cast<std::uint8_t>(block.zeroBitPlanes + sets);
-    return block.zeroBitPlanes < kMostZeroBitPlanes;
+    return block.zeroBitPlanes < kMaxZeroBitPlanes;
 }
 
 /// B.10.7: one length for each codeword segment that the packet adds to.
 bool Precinct::parseLengths(PacketBits &bits, BlockState &block, int passes, int layer, std::uint64_t *bodyLength)
 {
     int placeholders = 0;
-    if (block.passes + passes > kMostPasses || !skipPlaceholders(block, &passes, &placeholders))
+    if (block.passes + passes > kMaxPasses || !skipPlaceholders(block, &passes, &placeholders))
         return false;
     while (passes > 0) {
-        int inSegment = kMostPasses;
+        int inSegment = kMaxPasses;
         if (codeBlockStyle & BlockStyle::kManySegments) {
             // Passes left in the segment that is open.
             int begun = 0;

@@ -1,6 +1,6 @@
 #include "tilecodestream.h"
 
-#include "bytewriter.h"
+#include "base/bytewriter.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,7 +17,7 @@ constexpr std::int64_t kFilterReach = 10;
 /// Packets closer than this in the file are read in one go.
 constexpr std::uint64_t kJoinGap = 4096;
 /// Longest tile data that is handed over whole.
-constexpr std::uint64_t kLongestTile = 0xFFFFFF00u;
+constexpr std::uint64_t kMaxTile = 0xFFFFFF00u;
 
 class Builder
 {
@@ -231,11 +231,11 @@ private:
     {
         if (!index.hasPackedHeaders())
             return;
-        constexpr std::size_t kMost = 0xFFFF - 3;
+        constexpr std::size_t kMaxContent = 0xFFFF - 3;
         const Bytes &packed = index.packedHeaders();
         std::size_t position = 0;
         for (std::uint32_t z = 0; z < 256 && (position < packed.size() || z == 0); ++z) {
-            const std::size_t length = std::min(kMost, packed.size() - position);
+            const std::size_t length = std::min(kMaxContent, packed.size() - position);
             out.u16(Marker::kPPT);
             out.u16(static_cast<std::uint32_t>(length + 3));
             out.u8(z);
@@ -249,8 +249,8 @@ private:
         std::uint64_t sum = 0;
         for (const ByteRange &range : index.data())
             sum += range.length;
-        if (sum > kLongestTile)
-            return CError(PLK_ERR_UNSUPPORTED, "A tile of more than 4 GB without packet lengths is not supported.");
+        if (sum > kMaxTile)
+            return {PLK_ERR_UNSUPPORTED, "A tile of more than 4 GB without packet lengths is not supported."};
         std::vector<Bytes> data;
         if (CError error = source.read(index.data(), cancel, &data))
             return error;
@@ -328,8 +328,8 @@ private:
         std::uint64_t sum = 0;
         for (const ByteRange &range : ranges)
             sum += range.length;
-        if (sum > kLongestTile)
-            return CError(PLK_ERR_UNSUPPORTED, "More than 4 GB of one tile at once are not supported.");
+        if (sum > kMaxTile)
+            return {PLK_ERR_UNSUPPORTED, "More than 4 GB of one tile at once are not supported."};
         std::vector<Bytes> data;
         if (CError error = source.read(ranges, cancel, &data))
             return error;

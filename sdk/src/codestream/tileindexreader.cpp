@@ -1,8 +1,9 @@
 #include "tileindexreader.h"
 
-#include "../io/bytecursor.h"
 #include "packedheaders.h"
 #include "packetlengths.h"
+
+#include "base/bytecursor.h"
 
 #include <algorithm>
 
@@ -12,7 +13,7 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint64_t kLongestTileHeader = 64 * 1024 * 1024;
+constexpr std::uint64_t kMaxTileHeader = 64 * 1024 * 1024;
 
 /// \a part begins as a tile-part of \a tile does (A.4.2). Tables of tile-parts can be wrong.
 bool isOwnPart(const Bytes &part, std::uint32_t tile)
@@ -53,7 +54,7 @@ TileIndexReader::TileIndexReader(ByteSource &source, const MainHeader &header, c
 void TileIndexReader::finishHeaders()
 {
     made->numbering.emplace(header, made->tileStyle, made->canvasRect);
-    const bool canPlace = !made->isPacked && !made->isMissing() && made->numbering->count() <= kMostPackets;
+    const bool canPlace = !made->isPacked && !made->isMissing() && made->numbering->count() <= kMaxPackets;
     if (canPlace)
         placePackets();
     made->isWalkable = canPlace;
@@ -121,7 +122,7 @@ CError TileIndexReader::readPartHeader(const TilePart &part, std::uint64_t first
             *isComplete = true;
             return {};
         }
-        if (!incomplete || have == part.range.length || have >= kLongestTileHeader) {
+        if (!incomplete || have == part.range.length || have >= kMaxTileHeader) {
             *isComplete = false;
             return {};
         }

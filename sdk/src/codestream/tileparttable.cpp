@@ -1,7 +1,7 @@
 #include "tileparttable.h"
 
-#include "../io/bytecursor.h"
-#include "bytewriter.h"
+#include "base/bytecursor.h"
+#include "base/bytewriter.h"
 
 #include <algorithm>
 
@@ -11,14 +11,14 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint64_t kSotSegment = 12;      ///< bytes of an SOT marker segment with its marker
-constexpr std::uint64_t kShortestPart = 14;    ///< SOT segment and SOD marker
-constexpr std::uint32_t kMostParts = 4u << 20; ///< no sound file comes near
+constexpr std::uint64_t kSotSegment = 12;     ///< bytes of an SOT marker segment with its marker
+constexpr std::uint64_t kShortestPart = 14;   ///< SOT segment and SOD marker
+constexpr std::uint32_t kMaxParts = 4u << 20; ///< no sound file comes near
 
 // What is remembered of a walk: for each tile-part its tile, its length and TNsot.
 constexpr char kWalkedName[] = "tile-parts";
 constexpr std::size_t kWalkedEntry = 2 + 4 + 1;
-constexpr std::size_t kMostWalkedBytes = 1u << 20;
+constexpr std::size_t kMaxWalkedBytes = 1u << 20;
 
 struct Sot
 {
@@ -161,7 +161,7 @@ bool TilePartTable::appendFromTlm(const MarkerSegment &segment)
 
 CError TilePartTable::walkOn(std::uint64_t readAhead, const CancelFlag &cancel)
 {
-    if (position + kSotSegment > codestream.end() || partCount >= kMostParts) {
+    if (position + kSotSegment > codestream.end() || partCount >= kMaxParts) {
         endWalk(position > codestream.end() ? "The file ends within a tile-part." : "");
         return {};
     }
@@ -208,7 +208,7 @@ void TilePartTable::recall()
     Bytes known;
     if (!source->recall(kWalkedName, &known))
         return;
-    ByteCursor in(known.data(), std::min(known.size(), kMostWalkedBytes));
+    ByteCursor in(known.data(), std::min(known.size(), kMaxWalkedBytes));
     while (in.remaining() >= kWalkedEntry && position + kShortestPart <= codestream.end()) {
         const std::uint16_t tile = in.u16();
         const std::uint32_t length = in.u32();
@@ -221,7 +221,7 @@ void TilePartTable::recall()
 
 void TilePartTable::remember() const
 {
-    if (!walked.empty() && walked.size() <= kMostWalkedBytes)
+    if (!walked.empty() && walked.size() <= kMaxWalkedBytes)
         source->remember(kWalkedName, walked);
 }
 

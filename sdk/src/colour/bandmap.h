@@ -1,7 +1,7 @@
 #pragma once
 
-#include "../container/jp2structure.h"
-#include "../decode/rasterreader.h"
+#include "container/jp2structure.h"
+#include "decode/rasterreader.h"
 
 #include <xrv60/plktypes.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "../container/jp2structure.h"
-#include "../container/warninglist.h"
-#include "../decode/rasterreader.h"
+#include "container/jp2structure.h"
+#include "container/warninglist.h"
+#include "decode/rasterreader.h"
 
 #include <cstdint>
 #include <vector>

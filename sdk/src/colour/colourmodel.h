@@ -3,9 +3,9 @@
 #include "channels.h"
 #include "colourconversion.h"
 
-#include "../container/jp2structure.h"
-#include "../container/warninglist.h"
-#include "../decode/rasterreader.h"
+#include "container/jp2structure.h"
+#include "container/warninglist.h"
+#include "decode/rasterreader.h"
 
 #include <memory>
 #include <optional>

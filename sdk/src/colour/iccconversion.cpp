@@ -1,7 +1,7 @@
 #include "iccconversion.h"
 
-#include "../container/boxtype.h"
-#include "../io/bytecursor.h"
+#include "base/bytecursor.h"
+#include "container/boxtype.h"
 
 #include <lcms2.h>
 

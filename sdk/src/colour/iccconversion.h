@@ -2,7 +2,7 @@
 
 #include "colourconversion.h"
 
-#include "../io/bytesource.h"
+#include "base/bytes.h"
 
 #include <memory>
 #include <vector>

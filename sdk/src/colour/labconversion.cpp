@@ -1,6 +1,6 @@
 #include "labconversion.h"
 
-#include "../io/bytecursor.h"
+#include "base/bytecursor.h"
 
 #include <algorithm>
 #include <cmath>

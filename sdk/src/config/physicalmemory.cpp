@@ -1,4 +1,4 @@
-#include "globalconfig.h"
+#include "configuration.h"
 
 #if defined(_WIN32)
 #include <windows.h>

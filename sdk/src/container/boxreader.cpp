@@ -1,6 +1,6 @@
 #include "boxreader.h"
 
-#include "../io/bytecursor.h"
+#include "base/bytecursor.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #include "boxtype.h"
 #include "warninglist.h"
 
-#include "../io/bytesource.h"
+#include "io/bytesource.h"
 
 #include <cstdint>
 

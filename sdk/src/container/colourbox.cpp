@@ -2,7 +2,7 @@
 
 #include "boxtype.h"
 
-#include "../io/bytecursor.h"
+#include "base/bytecursor.h"
 
 #include <tuple>
 

@@ -1,6 +1,6 @@
 #include "fragmenttable.h"
 
-#include "../io/bytecursor.h"
+#include "base/bytecursor.h"
 
 #include <limits>
 

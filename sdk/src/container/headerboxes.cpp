@@ -1,6 +1,6 @@
 #include "headerboxes.h"
 
-#include "../io/bytecursor.h"
+#include "base/bytecursor.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../io/bytesource.h"
+#include "io/bytesource.h"
 
 #include <array>
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include "fragmenttable.h"
 
-#include "../io/bytecursor.h"
+#include "base/bytecursor.h"
 
 #include <algorithm>
 #include <array>

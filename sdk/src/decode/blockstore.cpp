@@ -1,10 +1,11 @@
 #include "blockstore.h"
 
-#include "blockdecoder.h"
-#include "htblockdecoder.h"
 #include "parallel.h"
-#include "planeops.h"
-#include "quantization.h"
+
+#include "decode/codeblock/blockdecoder.h"
+#include "decode/codeblock/htblockdecoder.h"
+#include "decode/transform/planeops.h"
+#include "decode/transform/quantization.h"
 
 #include <algorithm>
 #include <mutex>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "../codestream/tileindex.h"
-#include "bytebudgetmap.h"
-#include "tilebands.h"
-#include "tilecache.h"
+#include "codestream/tileindex.h"
+#include "decode/cache/bytebudgetmap.h"
+#include "decode/cache/tilecache.h"
+#include "decode/transform/tilebands.h"
 
 #include <memory>
 #include <string>

@@ -1,11 +1,13 @@
 #include "codestreamreader.h"
 
-#include "../codestream/canvas.h"
-#include "../codestream/tilecodestream.h"
+#include "openjpegdecoder.h"
 #include "parallel.h"
-#include "planeops.h"
-#include "rectset.h"
 #include "tilesynthesis.h"
+
+#include "codestream/canvas.h"
+#include "codestream/tilecodestream.h"
+#include "decode/transform/planeops.h"
+#include "decode/transform/rectset.h"
 
 #include <algorithm>
 #include <chrono>
@@ -18,14 +20,14 @@ namespace xrv {
 namespace {
 
 /// Cells of one component that OpenJPEG decodes in one piece at most; bounds what it needs at a time.
-constexpr std::int64_t kMostCellsPerJob = 4 << 20;
+constexpr std::int64_t kMaxCellsPerJob = 4 << 20;
 /// OpenJPEG 2.5.0 decodes parts of tiles with high-throughput code-blocks wrongly, so they are decoded whole, up to
 /// this many cells of all components together.
-constexpr std::int64_t kMostHighThroughputCells = std::int64_t(192) << 20;
+constexpr std::int64_t kMaxHighThroughputCells = std::int64_t(192) << 20;
 /// Size of the pieces in which blocks are put together, cells.
 constexpr std::int64_t kPieceWidth = 512, kPieceHeight = 256;
 /// Coefficients that are decoded before they are put together, so that memory stays bounded.
-constexpr std::int64_t kMostCellsPerBatch = 24 << 20;
+constexpr std::int64_t kMaxCellsPerBatch = 24 << 20;
 /// Levels go on until the longer side is no longer than this.
 constexpr std::uint32_t kSmallestLevel = 64;
 /// Weight of the newest measurement in the decoding rate.
@@ -210,7 +212,7 @@ CError CodestreamReader::prefetch(const std::vector<ReadRequest> &requests)
         std::vector<TileIndexPtr> tileIndexes;
         if (CError error = loadIndexes(requests[i], plans[i].jobs, &tileIndexes))
             return error;
-        for (std::size_t job = 0; job < plans[i].jobs.size() && batch.cells < kMostCellsPerBatch; ++job) {
+        for (std::size_t job = 0; job < plans[i].jobs.size() && batch.cells < kMaxCellsPerBatch; ++job) {
             Decoded ignored; // damage is told when it is read
             const TileIndexPtr &index = tileIndexes[job];
             if (!index->isMissing() && TileSynthesis::supports(*header, *index))
@@ -240,7 +242,7 @@ CError CodestreamReader::decodeByBlocks(const ReadRequest &request, const std::v
 {
     for (std::size_t next = 0; next < jobs.size();) {
         Batch batch;
-        for (; next < jobs.size() && batch.cells < kMostCellsPerBatch; ++next) {
+        for (; next < jobs.size() && batch.cells < kMaxCellsPerBatch; ++next) {
             const TileIndexPtr &index = tileIndexes[next];
             if (index->isMissing() || !TileSynthesis::supports(*header, *index))
                 continue;
@@ -260,14 +262,14 @@ CError CodestreamReader::addToBatch(const ReadRequest &request, const std::vecto
     if (index->isTruncated()) {
         decoded->damage = incompleteTile(job.tile);
         if (!request.resilient)
-            return CError(PLK_ERR_TRUNCATED, decoded->damage);
+            return {PLK_ERR_TRUNCATED, decoded->damage};
     }
     const int discarded = std::min(request.level, minLevels(*index, job.components));
     const int averagedLevels = request.level - discarded;
     const IntRect region = scaledUp(job.levelRect, averagedLevels).intersected(levelRect(index->rect(), discarded));
     BlockRequest blockRequest{{job.tile, index, std::min(planner.layersOf(request), index->packets().layers())}, {}};
     for (const int c : job.components) {
-        const IntRect rect = toComponent(region, raster.components[c]);
+        const IntRect rect = raster.components[c].fromCanvas(region);
         if (rect.isEmpty())
             continue;
         const std::vector<BlockPlace> places = blocksFor(componentRect(index->rect(), header->components[c]),
@@ -325,13 +327,13 @@ CError CodestreamReader::decodeWhole(const ReadRequest &request, const DecodeJob
     const std::int64_t side = std::max<std::int64_t>(1, 2048 >> averagedLevels);
     const IntRect rect = header->isHighThroughput ? levelRect(index.rect(), request.level) : job.levelRect;
     const std::int64_t tileCells = areaOf(rect) << (2 * averagedLevels);
-    if (header->isHighThroughput && tileCells * std::int64_t(job.components.size()) > kMostHighThroughputCells)
-        return CError(PLK_ERR_UNSUPPORTED, "The tiles of this high-throughput image are too large to be decoded.");
-    const bool isSmall = header->isHighThroughput || tileCells <= kMostCellsPerJob;
+    if (header->isHighThroughput && tileCells * std::int64_t(job.components.size()) > kMaxHighThroughputCells)
+        return {PLK_ERR_UNSUPPORTED, "The tiles of this high-throughput image are too large to be decoded."};
+    const bool isSmall = header->isHighThroughput || tileCells <= kMaxCellsPerJob;
     for (const IntRect &piece : isSmall ? std::vector<IntRect>{rect} : inPieces(rect, side, side)) {
         const DecodeJob part{job.tile, piece, job.components};
         if (request.cancel.isRaised())
-            return CError(PLK_ERR_CANCELLED, "The read was cancelled.");
+            return {PLK_ERR_CANCELLED, "The read was cancelled."};
         if (CError failed = settle(request, part, decodeCells(request, part, index, decoded), decoded))
             return failed;
     }
@@ -347,8 +349,7 @@ CError CodestreamReader::settle(const ReadRequest &request, const DecodeJob &job
     decoded->damage = error.GetErrorMessage();
     for (const int c : job.components)
         keep(request, job,
-             makePlane(c, toComponent(job.levelRect, raster.components[c]), raster.components[c].sampleType), 0,
-             decoded);
+             makePlane(c, raster.components[c].fromCanvas(job.levelRect), raster.components[c].sampleType), 0, decoded);
     return {};
 }
 
@@ -377,16 +378,16 @@ CError CodestreamReader::decodeCells(const ReadRequest &request, const DecodeJob
         decode.components = job.components;
     std::vector<DecodedComponent> cells;
     if (CError error = decodeWithOpenJpeg(decode, &cells))
-        return CError(error.GetErrorNumber(),
-                      "Tile " + std::to_string(job.tile) + " cannot be decoded: " + error.GetErrorMessage());
+        return {error.GetErrorNumber(),
+                "Tile " + std::to_string(job.tile) + " cannot be decoded: " + error.GetErrorMessage()};
 
     const bool isSubset = cells.size() == job.components.size();
     for (std::size_t i = 0; i < job.components.size(); ++i) {
         const int c = job.components[i];
         const std::size_t at = isSubset ? i : std::size_t(c);
-        const IntRect rect = toComponent(region, raster.components[c]);
+        const IntRect rect = raster.components[c].fromCanvas(region);
         if (at >= cells.size() || cells[at].width != rect.width() || cells[at].height != rect.height())
-            return CError(PLK_ERR_DECODE, "Tile " + std::to_string(job.tile) + " has another size than it should.");
+            return {PLK_ERR_DECODE, "Tile " + std::to_string(job.tile) + " has another size than it should."};
         keep(request, job, planeFromCells(c, rect, raster.components[c].sampleType, cells[at]), averagedLevels,
              decoded);
     }
@@ -413,7 +414,7 @@ void CodestreamReader::dropCached()
 namespace {
 
 /// Packet indexes are some bytes for each packet; far larger ones are none.
-constexpr std::uint64_t kMostIndexBytes = 64u << 20;
+constexpr std::uint64_t kMaxIndexBytes = 64u << 20;
 /// Bytes that a main header takes at most as a rule.
 constexpr std::uint64_t kUsualHeader = 16 * 1024;
 
@@ -421,7 +422,7 @@ CError readPacketIndex(ByteSource &source, ByteRange codestream, ByteRange place
 {
     constexpr std::uint64_t kEndMarker = 2;
     Bytes content;
-    if (place.length == 0 || place.length > kMostIndexBytes || codestream.length < header->length + kEndMarker)
+    if (place.length == 0 || place.length > kMaxIndexBytes || codestream.length < header->length + kEndMarker)
         return {};
     if (CError error = source.read(place, &content))
         return error;
@@ -437,7 +438,7 @@ CError RasterReader::open(std::shared_ptr<ByteSource> source, ByteRange codestre
 {
     auto header = std::make_unique<MainHeader>();
     // The index lies right before the codestream: a distant source fetches both at once.
-    if (packetIndex.length > 0 && packetIndex.length <= kMostIndexBytes)
+    if (packetIndex.length > 0 && packetIndex.length <= kMaxIndexBytes)
         if (CError error =
                 source->prefetch({packetIndex, {codestream.offset, std::min(kUsualHeader, codestream.length)}}, {}))
             return error;
@@ -447,8 +448,8 @@ CError RasterReader::open(std::shared_ptr<ByteSource> source, ByteRange codestre
         return error;
     auto made = std::make_unique<CodestreamReader>(std::move(source), codestream, std::move(header));
     if (made->info().width == 0 || made->info().height == 0)
-        return CError(PLK_ERR_MALFORMED,
-                      "The image has no cells: its components are sampled more coarsely than it is large.");
+        return {PLK_ERR_MALFORMED,
+                "The image has no cells: its components are sampled more coarsely than it is large."};
     *reader = std::move(made);
     return {};
 }

@@ -3,8 +3,9 @@
 #include "blockstore.h"
 #include "decodeplanner.h"
 #include "rasterreader.h"
-#include "tilecache.h"
 #include "tileindexstore.h"
+
+#include "decode/cache/tilecache.h"
 
 #include <atomic>
 #include <mutex>

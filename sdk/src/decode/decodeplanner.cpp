@@ -1,7 +1,7 @@
 #include "decodeplanner.h"
 
-#include "../codestream/canvas.h"
-#include "rectset.h"
+#include "codestream/canvas.h"
+#include "decode/transform/rectset.h"
 
 #include <algorithm>
 
@@ -61,7 +61,7 @@ DecodePlan DecodePlanner::plan(const ReadRequest &request) const
     for (const int c : request.components) {
         plan.wanted.push_back(wantedRect(request, c));
         if (!plan.wanted.back().isEmpty())
-            canvasRects.push_back(scaledUp(toCanvas(plan.wanted.back(), raster.components[c]), request.level));
+            canvasRects.push_back(scaledUp(raster.components[c].toCanvas(plan.wanted.back()), request.level));
     }
     if (canvasRects.empty())
         return plan;
@@ -85,7 +85,7 @@ void DecodePlanner::planTile(const ReadRequest &request, std::uint32_t tile, Dec
     bool isWanted = false;
     for (std::size_t i = 0; i < request.components.size(); ++i) {
         const int c = request.components[i];
-        const IntRect wanted = plan->wanted[i].intersected(toComponent(tileLevel, raster.components[c]));
+        const IntRect wanted = plan->wanted[i].intersected(raster.components[c].fromCanvas(tileLevel));
         if (wanted.isEmpty())
             continue;
         isWanted = true;
@@ -98,7 +98,7 @@ void DecodePlanner::planTile(const ReadRequest &request, std::uint32_t tile, Dec
         if (rest.empty())
             continue;
         for (IntRect &rect : rest)
-            rect = toCanvas(rect, raster.components[c]);
+            rect = raster.components[c].toCanvas(rect);
         missingComponents.push_back(c);
         missing.push_back(std::move(rest));
     }

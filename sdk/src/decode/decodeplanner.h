@@ -1,8 +1,9 @@
 #pragma once
 
-#include "../codestream/mainheader.h"
 #include "rasterreader.h"
-#include "tilecache.h"
+
+#include "codestream/mainheader.h"
+#include "decode/cache/tilecache.h"
 
 #include <vector>
 

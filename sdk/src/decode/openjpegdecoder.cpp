@@ -1,5 +1,8 @@
 #include "openjpegdecoder.h"
 
+#include "base/planerow.h"
+#include "decode/transform/planeops.h"
+
 #include <openjpeg.h>
 
 #include <algorithm>
@@ -96,7 +99,7 @@ public:
     {
         const bool decoded = open() && select() && opj_decode(codec.get(), stream.get(), image.get());
         if (!decoded)
-            return CError(PLK_ERR_DECODE, errorText.empty() ? "The tile cannot be decoded." : errorText + ".");
+            return {PLK_ERR_DECODE, errorText.empty() ? "The tile cannot be decoded." : errorText + "."};
         return takeCells(components);
     }
 
@@ -152,7 +155,7 @@ private:
             to.height = from.h;
             const std::size_t count = std::size_t(from.w) * from.h;
             if (!from.data && count > 0)
-                return CError(PLK_ERR_DECODE, "The codec gave no cells.");
+                return {PLK_ERR_DECODE, "The codec gave no cells."};
             if (count > 0)
                 to.cells.assign(from.data, from.data + count);
             components->push_back(std::move(to));
@@ -175,8 +178,20 @@ CError decodeWithOpenJpeg(const OpenJpegRequest &request, std::vector<DecodedCom
     try {
         return Decode(request).run(components);
     } catch (const std::bad_alloc &) {
-        return CError(PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to decode a tile.");
+        return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to decode a tile."};
     }
+}
+
+Plane planeFromCells(int component, const IntRect &decodedRect, SampleType type, const DecodedComponent &decoded)
+{
+    Plane plane = makePlane(component, decodedRect, type);
+    withSampleType(type, [&](auto sample) {
+        using T = decltype(sample);
+        T *out = reinterpret_cast<T *>(plane.bytes.data());
+        for (std::size_t i = 0; i < decoded.cells.size(); ++i)
+            out[i] = static_cast<T>(decoded.cells[i]);
+    });
+    return plane;
 }
 
 } // namespace xrv

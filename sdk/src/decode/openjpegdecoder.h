@@ -1,6 +1,7 @@
 #pragma once
 
-#include "../codestream/tilecodestream.h"
+#include "base/plane.h"
+#include "codestream/tilecodestream.h"
 
 #include <cstdint>
 #include <string>
@@ -29,5 +30,8 @@ struct DecodedComponent
 /// Damage is always an error, and the codec has no threads of its own: when it is to go on with damaged data, or
 /// decodes them on several threads, release 2.5.0 reads beyond its buffers.
 PLK::CError decodeWithOpenJpeg(const OpenJpegRequest &request, std::vector<DecodedComponent> *components);
+
+/// Puts decoded cells, which cover \a decodedRect, into a plane of that rectangle.
+Plane planeFromCells(int component, const IntRect &decodedRect, SampleType type, const DecodedComponent &decoded);
 
 } // namespace xrv

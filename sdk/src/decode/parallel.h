@@ -1,7 +1,8 @@
 #pragma once
 
-#include "../io/cancelflag.h"
 #include "decodepool.h"
+
+#include "base/cancelflag.h"
 
 #include <xrv60/plkerror.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "../container/jp2structure.h"
-#include "../io/bytesource.h"
-#include "../io/cancelflag.h"
+#include "base/cancelflag.h"
+#include "base/plane.h"
+#include "io/bytesource.h"
 
 #include <xrv60/plkerror.h>
 
@@ -12,28 +12,7 @@
 
 namespace xrv {
 
-/// Half-open rectangle [x0, x1) x [y0, y1) of whole cells.
-struct IntRect
-{
-    std::int64_t x0 = 0, y0 = 0, x1 = 0, y1 = 0;
-    std::int64_t width() const { return x1 - x0; }
-    std::int64_t height() const { return y1 - y0; }
-    bool isEmpty() const { return x1 <= x0 || y1 <= y0; }
-    bool contains(const IntRect &r) const { return r.x0 >= x0 && r.y0 >= y0 && r.x1 <= x1 && r.y1 <= y1; }
-    IntRect intersected(const IntRect &r) const
-    {
-        return {x0 > r.x0 ? x0 : r.x0, y0 > r.y0 ? y0 : r.y0, x1 < r.x1 ? x1 : r.x1, y1 < r.y1 ? y1 : r.y1};
-    }
-    bool operator==(const IntRect &r) const { return x0 == r.x0 && y0 == r.y0 && x1 == r.x1 && y1 == r.y1; }
-};
-
 struct MainHeader;
-
-/// How cells of a plane are stored.
-enum class SampleType : std::uint8_t { UInt8, Int8, UInt16, Int16, Int32, UInt32 };
-std::size_t sampleSize(SampleType type);
-/// The smallest type for components of \a bits, 1 to 31.
-SampleType sampleTypeFor(int bits, bool isSigned);
 
 /// A component of the codestream.
 struct ComponentInfo
@@ -42,6 +21,13 @@ struct ComponentInfo
     bool isSigned = false;
     std::uint32_t stepX = 1, stepY = 1; ///< XRsiz, YRsiz
     SampleType sampleType = SampleType::UInt8;
+
+    /// The cells of this component in a part of the canvas, and the part of the canvas that such cells stand for.
+    IntRect fromCanvas(const IntRect &canvas) const { return everyNth(canvas, stepX, stepY); }
+    IntRect toCanvas(const IntRect &cells) const
+    {
+        return {cells.x0 * stepX, cells.y0 * stepY, cells.x1 * stepX, cells.y1 * stepY};
+    }
 };
 
 /// Size and structure of the image.
@@ -76,20 +62,6 @@ struct ReadRequest
     int qualityLayers = 0; ///< 0 = all
     bool resilient = true;
     CancelFlag cancel;
-};
-
-/// Cells of one component.
-struct Plane
-{
-    int component = 0;
-    IntRect rect; ///< component level coordinates; covers the requested dataset rectangle and one cell around it
-                  ///< where the image has one
-    SampleType type = SampleType::UInt8;
-    std::vector<std::uint8_t> bytes; ///< rows packed, rect.width() cells each
-    template <typename T> const T *row(std::int64_t y) const
-    {
-        return reinterpret_cast<const T *>(bytes.data()) + (y - rect.y0) * rect.width();
-    }
 };
 
 /// Answer to a ReadRequest: one plane per requested component, in the order asked for.

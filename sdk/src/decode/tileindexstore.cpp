@@ -16,12 +16,12 @@ constexpr std::size_t kIndexBudget = 32u << 20;
 constexpr std::uint64_t kLocalReadAhead = 1024;
 // How much of a tile-part its header takes is not known before it is read; most of it are the packets' lengths.
 constexpr std::uint64_t kBytesPerPacketLength = 2;
-constexpr std::uint64_t kShortestHeader = 96, kLongestHeader = 64 * 1024;
+constexpr std::uint64_t kShortestHeader = 96, kMaxHeader = 64 * 1024;
 /// The cells of low resolutions take more bits each than those of the others: times this.
 constexpr std::uint64_t kLowResolutionBits = 2;
 /// Discarded resolutions from which on the rest is little enough to be read along with the header.
 constexpr int kFewResolutions = 2;
-constexpr std::uint64_t kLongestReadAhead = 256 * 1024;
+constexpr std::uint64_t kMaxReadAhead = 256 * 1024;
 
 /// Read at a time where all bytes of all tiles are needed.
 constexpr std::uint64_t kWholeTilesAhead = 1u << 20;
@@ -82,7 +82,7 @@ TileIndexStore::TileIndexStore(std::shared_ptr<ByteSource> source, ByteRange cod
     , indexes(kIndexBudget)
 {
     const std::uint64_t packets = PacketNumbering(header, header.style, tileRect(header, 0)).count();
-    headerAhead = std::min(kShortestHeader + kBytesPerPacketLength * std::min(packets, kMostPackets), kLongestHeader);
+    headerAhead = std::min(kShortestHeader + kBytesPerPacketLength * std::min(packets, kMaxPackets), kMaxHeader);
 }
 
 CError TileIndexStore::load(const std::vector<std::uint32_t> &tiles, int discarded, const CancelFlag &cancel,
@@ -125,7 +125,7 @@ std::uint64_t TileIndexStore::readAhead(int discarded) const
     std::uint64_t ahead = headerAhead;
     if (discarded >= kFewResolutions && beginsWithLowResolutions(header.style))
         ahead += bytesOfTile / (std::uint64_t(1) << std::min(2 * discarded, 62)) * kLowResolutionBits;
-    return std::min(ahead, kLongestReadAhead);
+    return std::min(ahead, kMaxReadAhead);
 }
 
 CError TileIndexStore::readHeaders(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel)

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "../codestream/tileindex.h"
-#include "../codestream/tileindexreader.h"
-#include "../codestream/tileparttable.h"
-#include "bytebudgetmap.h"
+#include "codestream/tileindex.h"
+#include "codestream/tileindexreader.h"
+#include "codestream/tileparttable.h"
+#include "decode/cache/bytebudgetmap.h"
 
 #include <memory>
 #include <vector>

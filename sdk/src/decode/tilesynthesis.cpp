@@ -1,9 +1,9 @@
 #include "tilesynthesis.h"
 
-#include "planeops.h"
-#include "quantization.h"
-#include "wavelet.h"
-#include "wrappingsum.h"
+#include "decode/transform/planeops.h"
+#include "decode/transform/quantization.h"
+#include "decode/transform/wavelet.h"
+#include "decode/transform/wrappingsum.h"
 
 #include <algorithm>
 

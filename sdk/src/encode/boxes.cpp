@@ -1,8 +1,8 @@
 #include "boxes.h"
 
-#include "../codestream/bytewriter.h"
-#include "../container/boxtype.h"
-#include "../geo/geojp2.h"
+#include "base/bytewriter.h"
+#include "container/boxtype.h"
+#include "geo/geojp2.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,7 +1,7 @@
 #include "codestreamassembler.h"
 
-#include "../codestream/bytewriter.h"
-#include "../io/varint.h"
+#include "base/bytewriter.h"
+#include "base/varint.h"
 
 #include <algorithm>
 #include <limits>
@@ -12,7 +12,7 @@ using PLK::CError;
 
 namespace {
 
-constexpr std::size_t kMostSegmentBytes = 65535;
+constexpr std::size_t kMaxSegmentBytes = 65535;
 constexpr std::size_t kTlmEntry = 6;
 constexpr std::size_t kLengthAt = 6; ///< of Psot in the SOT marker segment with its marker
 constexpr const char *kComment = "Ordered by resolution for streaming.";
@@ -32,7 +32,7 @@ void appendPlt(Bytes *bytes, const std::vector<std::uint32_t> &lengths)
     for (const std::uint32_t length : lengths) {
         Bytes number;
         appendVarint(&number, length);
-        if (payload.size() + number.size() > kMostSegmentBytes - 2) {
+        if (payload.size() + number.size() > kMaxSegmentBytes - 2) {
             appendSegment(bytes, Marker::kPLT, payload);
             payload.assign(1, static_cast<std::uint8_t>(payload[0] + 1));
         }
@@ -145,11 +145,11 @@ Bytes CodestreamAssembler::partHeader(std::uint32_t number, std::size_t resoluti
 
 CError CodestreamAssembler::finish()
 {
-    constexpr std::uint64_t kMostPart = std::numeric_limits<std::uint32_t>::max() - (1u << 20);
+    constexpr std::uint64_t kMaxPart = std::numeric_limits<std::uint32_t>::max() - (1u << 20);
     std::uint64_t partBytes = 0;
     CError error = visitParts([&](std::uint32_t tile, std::size_t resolution) {
         Part &part = tiles[tile].parts[resolution];
-        if (part.packets.length > kMostPart)
+        if (part.packets.length > kMaxPart)
             return CError(PLK_ERR_UNSUPPORTED, "A tile has more than four gigabytes; take smaller blocks.");
         part.header = partHeader(tile, resolution);
         packetIndex.append(tile, static_cast<std::uint32_t>(part.header.size()), part.lengths);
@@ -169,14 +169,14 @@ bool CodestreamAssembler::isIndexComplete() const
 /// A.7.1.
 void CodestreamAssembler::appendTlm(Bytes *bytes) const
 {
-    constexpr std::size_t kMostEntries = (kMostSegmentBytes - 4) / kTlmEntry;
+    constexpr std::size_t kMaxEntries = (kMaxSegmentBytes - 4) / kTlmEntry;
     const std::vector<PacketIndex::Part> &parts = packetIndex.parts();
-    for (std::size_t first = 0; first < parts.size(); first += kMostEntries) {
+    for (std::size_t first = 0; first < parts.size(); first += kMaxEntries) {
         Bytes payload;
         ByteWriter out(&payload);
-        out.u8(static_cast<std::uint32_t>(first / kMostEntries));
+        out.u8(static_cast<std::uint32_t>(first / kMaxEntries));
         out.u8(0x60); // 16-bit tile numbers, 32-bit lengths
-        for (std::size_t i = first; i < std::min(first + kMostEntries, parts.size()); ++i) {
+        for (std::size_t i = first; i < std::min(first + kMaxEntries, parts.size()); ++i) {
             out.u16(parts[i].tile);
             out.u32(static_cast<std::uint32_t>(packetIndex.length(parts[i])));
         }

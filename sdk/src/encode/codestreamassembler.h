@@ -1,8 +1,9 @@
 #pragma once
 
-#include "../codestream/packetindex.h"
 #include "outputfile.h"
 #include "tilecoding.h"
+
+#include "codestream/packetindex.h"
 
 #include <functional>
 #include <vector>

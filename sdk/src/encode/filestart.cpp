@@ -1,8 +1,9 @@
 #include "filestart.h"
 
-#include "../container/boxtype.h"
-#include "../xrv/xrvboxes.h"
 #include "boxes.h"
+
+#include "container/boxtype.h"
+#include "xrv/xrvboxes.h"
 
 #include <algorithm>
 #include <utility>

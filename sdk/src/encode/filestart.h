@@ -1,7 +1,8 @@
 #pragma once
 
-#include "../codestream/packetindex.h"
 #include "imagesource.h"
+
+#include "codestream/packetindex.h"
 
 namespace xrv {
 

@@ -1,7 +1,7 @@
 #include "geotifftags.h"
 
-#include "../geo/geotags.h"
-#include "../geo/tifffile.h"
+#include "geo/geotags.h"
+#include "geo/tifffile.h"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../geo/georeference.h"
+#include "geo/georeference.h"
 
 #include <cstdint>
 #include <optional>

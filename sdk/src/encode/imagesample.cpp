@@ -13,7 +13,7 @@ using PLK::CError;
 namespace {
 
 constexpr std::uint64_t kFewPieces = 96; ///< smaller ones are taken where fewer would fit
-constexpr std::uint32_t kLargestPiece = 256, kSmallestPiece = 64;
+constexpr std::uint32_t kMaxPiece = 256, kSmallestPiece = 64;
 
 std::size_t bytesPerCell(const XrvBand &band)
 {
@@ -63,7 +63,7 @@ ImageSample::ImageSample(const ImageDescription &image, const TileCoding &imageC
     const std::uint64_t mostCells = mostBytes / bytesPerColumn(image.bands);
     isWhole = std::uint64_t(image.width) * image.height <= mostCells;
     if (!isWhole) {
-        coding.tileSize = std::min(coding.tileSize, kLargestPiece);
+        coding.tileSize = std::min(coding.tileSize, kMaxPiece);
         while (coding.tileSize > kSmallestPiece && mostCells / coding.tileSize / coding.tileSize < kFewPieces)
             coding.tileSize /= 2;
     }

@@ -3,7 +3,7 @@
 #include "imagesource.h"
 #include "tilecoding.h"
 
-#include "../io/cancelflag.h"
+#include "base/cancelflag.h"
 
 #include <functional>
 

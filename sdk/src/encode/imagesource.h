@@ -2,9 +2,9 @@
 
 #include "geotifftags.h"
 
-#include "../decode/rasterreader.h"
-#include "../geo/georeference.h"
-#include "../xrv/xrvrecords.h"
+#include "base/plane.h"
+#include "geo/georeference.h"
+#include "xrv/xrvrecords.h"
 
 #include <xrv60/plkerror.h>
 #include <xrv60/plktypes.h>

@@ -6,7 +6,7 @@
 #include "tileencoder.h"
 #include "workers.h"
 
-#include "../metadata/bandcounter.h"
+#include "statistics/bandcounter.h"
 
 #include <xrv60/plkinit.h>
 
@@ -25,10 +25,10 @@ namespace {
 constexpr std::uint32_t kUsualBlockSize = 1024;
 constexpr int kUsualLevels = 5;
 constexpr std::uint32_t kSmallestOverview = 512; ///< cells across that the lowest resolution should have at most
-constexpr std::size_t kMostTiles = 65535;        ///< ISO/IEC 15444-1 A.4.2
-constexpr std::size_t kMostBands = 255;
-constexpr int kMostBits = 16;
-constexpr std::size_t kMostBucketsOfAllBands = std::size_t(4) << 20;
+constexpr std::size_t kMaxTiles = 65535;         ///< ISO/IEC 15444-1 A.4.2
+constexpr std::size_t kMaxBands = 255;
+constexpr int kMaxBits = 16;
+constexpr std::size_t kMaxBucketsOfAllBands = std::size_t(4) << 20;
 constexpr double kShareOfCopying = 0.05; ///< of the time, at the end
 constexpr double kShareOfSampling = 0.3; ///< of the time, at the beginning, where a step has to be found
 
@@ -63,7 +63,6 @@ public:
         : source(source)
         , options(options)
         , image(source.description())
-        , statistics(nullptr, PLKFreeStatistics)
     {
     }
 
@@ -103,10 +102,10 @@ private:
         blockSize = options.blockSize != 0 ? options.blockSize : kUsualBlockSize;
         if (image.width == 0 || image.height == 0 || bands == 0)
             return unsupported("The image has no cells.");
-        if (bands > kMostBands)
+        if (bands > kMaxBands)
             return unsupported("Images of more than 255 bands cannot be written.");
         for (const XrvBand &band : image.bands)
-            if (band.bits < 1 || band.bits > kMostBits)
+            if (band.bits < 1 || band.bits > kMaxBits)
                 return unsupported("Cells of more than 16 bits cannot be written.");
         if (!isPowerOfTwo(blockSize) || blockSize < 64 || blockSize > 16384)
             return {PLK_ERR_INVALID_ARGUMENT, "The block size must be a power of two from 64 to 16384."};
@@ -117,12 +116,12 @@ private:
         if (!options.isLossless && !(options.rate >= 1.0 && options.rate <= 1000.0))
             return {PLK_ERR_INVALID_ARGUMENT, "The rate must be 1 to 1000."};
         tileCount = makeLayout().tileCount();
-        if (tileCount > kMostTiles)
+        if (tileCount > kMaxTiles)
             return unsupported("The image has too many blocks; take larger ones.");
         makeCoding();
         for (const XrvBand &band : image.bands)
             counters.emplace_back(band.bits, band.isSigned,
-                                  std::clamp(kMostBucketsOfAllBands / bands, std::size_t(256), std::size_t(65536)));
+                                  std::clamp(kMaxBucketsOfAllBands / bands, std::size_t(256), std::size_t(65536)));
         return {};
     }
 

@@ -2,7 +2,7 @@
 
 #include "imagesource.h"
 
-#include "../io/cancelflag.h"
+#include "base/cancelflag.h"
 
 #include <functional>
 #include <string>

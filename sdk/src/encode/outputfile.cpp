@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// What is added must not make a name too long, which is 255 bytes or words with most file systems.
-constexpr std::size_t kLongestNameKept = 200;
+constexpr std::size_t kMaxNameKept = 200;
 
 std::FILE *openNew(const fs::path &path)
 {
@@ -40,7 +40,7 @@ fs::path temporaryName(const fs::path &path, int attempt)
 {
     const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
     fs::path name = path.parent_path() / fs::u8path(".");
-    if (path.filename().native().size() <= kLongestNameKept)
+    if (path.filename().native().size() <= kMaxNameKept)
         name += path.filename();
     name += fs::u8path("." + std::to_string(ticks) + std::to_string(attempt) + ".part");
     return name;

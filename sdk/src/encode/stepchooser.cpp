@@ -20,7 +20,7 @@ namespace {
 constexpr double kCoarsest = -0.25;
 constexpr std::size_t kFewPieces = 32;
 constexpr std::size_t kRoughStride = 8;
-constexpr int kMostRoughTrials = 7, kMostTrials = 4, kMostWholeTrials = 8;
+constexpr int kMaxRoughTrials = 7, kMaxTrials = 4, kMaxWholeTrials = 8;
 constexpr double kRoughTolerance = 0.1, kTolerance = 0.02; ///< logarithms: 7 % and 1.4 % of the bytes
 constexpr double kNarrow = 0.002;                          ///< between steps that make no difference
 constexpr double kUsualTrials = 3.0;                       ///< with all pieces, for the progress
@@ -45,9 +45,9 @@ CError StepChooser::run(double bytesPerCell, double finest, double *step)
     double logStep = std::clamp(least + 4.0, least, kCoarsest);
     const bool areMany = sample.rects().size() >= kFewPieces;
     if (areMany)
-        if (CError error = search(kRoughStride, kRoughTolerance, kMostRoughTrials, &logStep))
+        if (CError error = search(kRoughStride, kRoughTolerance, kMaxRoughTrials, &logStep))
             return error;
-    if (CError error = search(1, kTolerance, areMany ? kMostTrials : kMostWholeTrials, &logStep))
+    if (CError error = search(1, kTolerance, areMany ? kMaxTrials : kMaxWholeTrials, &logStep))
         return error;
     *step = std::exp2(logStep);
     return {};

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "../codestream/mainheader.h"
-#include "../xrv/xrvrecords.h"
+#include "codestream/mainheader.h"
+#include "xrv/xrvrecords.h"
 
 #include <cstdint>
 #include <vector>

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "../decode/rasterreader.h"
 #include "tilecoding.h"
+
+#include "base/plane.h"
 
 #include <memory>
 

@@ -1,9 +1,9 @@
 #include "tilesplitter.h"
 
-#include "../codestream/packetlengths.h"
-#include "../codestream/packetwalk.h"
-#include "../io/cancelflag.h"
-#include "../io/memorysource.h"
+#include "base/cancelflag.h"
+#include "codestream/packetlengths.h"
+#include "codestream/packetwalk.h"
+#include "io/memorysource.h"
 
 #include <algorithm>
 

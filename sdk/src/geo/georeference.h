@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../container/jp2structure.h"
+#include "container/jp2structure.h"
 
 #include <xrv60/plktypes.h>
 

@@ -1,7 +1,8 @@
 #include "gmlcrs.h"
 
-#include "../io/utf8.h"
 #include "sidefile.h"
+
+#include "base/utf8.h"
 
 #include <pugixml.hpp>
 

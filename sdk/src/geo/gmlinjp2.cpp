@@ -1,8 +1,9 @@
 #include "gmlinjp2.h"
 
-#include "../io/utf8.h"
 #include "gmlcrs.h"
 #include "sidefile.h"
+
+#include "base/utf8.h"
 
 #include <pugixml.hpp>
 

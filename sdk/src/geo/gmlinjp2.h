@@ -1,7 +1,8 @@
 #pragma once
 
-#include "../container/jp2structure.h"
 #include "placement.h"
+
+#include "container/jp2structure.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,9 @@
 #include "worldfile.h"
 
-#include "../io/utf8.h"
 #include "placement.h"
 #include "sidefile.h"
+
+#include "base/utf8.h"
 
 #include <algorithm>
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "cancelflag.h"
+#include "base/bytes.h"
+#include "base/cancelflag.h"
 
 #include <xrv60/plkerror.h>
 
@@ -10,16 +11,6 @@
 #include <vector>
 
 namespace xrv {
-
-using Bytes = std::vector<std::uint8_t>;
-
-/// Bytes [offset, offset + length) of a source.
-struct ByteRange
-{
-    std::uint64_t offset = 0;
-    std::uint64_t length = 0;
-    std::uint64_t end() const { return offset + length; }
-};
 
 /// \a ranges in file order, those that lie within \a gap bytes of each other as one. Empty ones are left out.
 std::vector<ByteRange> joinedRanges(std::vector<ByteRange> ranges, std::uint64_t gap);

@@ -1,7 +1,8 @@
 #include "filenames.h"
 
 #include "localfile.h"
-#include "utf8.h"
+
+#include "base/utf8.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,9 +1,9 @@
 #include "filesource.h"
 
 #include "localfile.h"
-#include "utf8.h"
 
-#include "../config/logger.h"
+#include "base/utf8.h"
+#include "log/logger.h"
 
 #include <xrv60/plklog.h>
 
@@ -18,8 +18,8 @@ using PLK::CError;
 
 namespace {
 
-constexpr std::uint64_t kLargestGap = 4096;                    // reading these bytes costs less than another call
-constexpr std::uint64_t kLargestJoin = std::uint64_t(4) << 20; // joined reads are copied: no more than this at once
+constexpr std::uint64_t kMaxGap = 4096;                        // reading these bytes costs less than another call
+constexpr std::uint64_t kMaxJoin = std::uint64_t(4) << 20;     // joined reads are copied: no more than this at once
 constexpr std::uint64_t kCancelStep = std::uint64_t(16) << 20; // the flag is looked at between pieces of this size
 
 } // namespace
@@ -33,7 +33,7 @@ struct FileSource::Run
     bool takes(const ByteRange &range) const
     {
         const std::uint64_t end = std::max(span.end(), range.end());
-        return range.offset <= span.end() + kLargestGap && end - span.offset <= kLargestJoin;
+        return range.offset <= span.end() + kMaxGap && end - span.offset <= kMaxJoin;
     }
     static std::vector<Run> plan(const std::vector<ByteRange> &ranges);
 };

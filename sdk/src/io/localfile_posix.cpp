@@ -103,10 +103,10 @@ bool LocalFile::exists(const std::string &name)
 
 CError LocalFile::readAt(std::uint64_t offset, std::uint8_t *buffer, std::size_t length, std::size_t *count) const
 {
-    constexpr std::size_t kLargestRead = std::size_t(1) << 30; // systems take less than 2 GiB in one call
+    constexpr std::size_t kMaxRead = std::size_t(1) << 30; // systems take less than 2 GiB in one call
     *count = 0;
     while (*count < length) {
-        const ssize_t got = ::pread(handle->descriptor, buffer + *count, std::min(length - *count, kLargestRead),
+        const ssize_t got = ::pread(handle->descriptor, buffer + *count, std::min(length - *count, kMaxRead),
                                     static_cast<off_t>(offset + *count));
         if (got < 0 && errno == EINTR)
             continue;

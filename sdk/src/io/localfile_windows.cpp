@@ -1,6 +1,6 @@
 #include "localfile.h"
 
-#include "utf8.h"
+#include "base/utf8.h"
 
 #include <algorithm>
 #include <system_error>
@@ -104,7 +104,7 @@ bool LocalFile::exists(const std::string &name)
 
 CError LocalFile::readAt(std::uint64_t offset, std::uint8_t *buffer, std::size_t length, std::size_t *count) const
 {
-    constexpr std::size_t kLargestRead = std::size_t(1) << 30;
+    constexpr std::size_t kMaxRead = std::size_t(1) << 30;
     *count = 0;
     while (*count < length) {
         // A position of its own in every call, so that threads do not move each other's.
@@ -112,7 +112,7 @@ CError LocalFile::readAt(std::uint64_t offset, std::uint8_t *buffer, std::size_t
         place.Offset = static_cast<DWORD>(offset + *count);
         place.OffsetHigh = static_cast<DWORD>((offset + *count) >> 32);
         DWORD got = 0;
-        if (!ReadFile(handle->file, buffer + *count, static_cast<DWORD>(std::min(length - *count, kLargestRead)), &got,
+        if (!ReadFile(handle->file, buffer + *count, static_cast<DWORD>(std::min(length - *count, kMaxRead)), &got,
                       &place)) {
             if (GetLastError() == ERROR_HANDLE_EOF)
                 break;

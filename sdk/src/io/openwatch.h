@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cancelflag.h"
+#include "base/cancelflag.h"
 
 #include <atomic>
 #include <cstdint>

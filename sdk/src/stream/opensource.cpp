@@ -1,10 +1,10 @@
 #include "opensource.h"
 
-#include "../io/filenames.h"
-#include "../io/filesource.h"
-
-#include "streamaddress.h"
 #include "streamsource.h"
+
+#include "io/filenames.h"
+#include "io/filesource.h"
+#include "stream/values/streamaddress.h"
 
 #include <utility>
 

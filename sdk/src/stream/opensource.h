@@ -1,7 +1,7 @@
 #pragma once
 
-#include "../io/bytesource.h"
-#include "../io/openwatch.h"
+#include "io/bytesource.h"
+#include "io/openwatch.h"
 
 #include <memory>
 #include <string>

@@ -7,8 +7,8 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint64_t kLargestSegment = 65536; // what goes at once
-constexpr std::size_t kMostNumbers = 10000;
+constexpr std::uint64_t kMaxSegment = 65536; // what goes at once
+constexpr std::size_t kMaxNumbers = 10000;
 
 } // namespace
 
@@ -26,7 +26,7 @@ SegmentStore::SegmentStore(std::uint64_t budgetBytes)
 std::uint64_t SegmentStore::fileNumber(const std::string &identity)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (numbers.size() >= kMostNumbers) // numbers are not used again, so that old ones stay right
+    if (numbers.size() >= kMaxNumbers) // numbers are not used again, so that old ones stay right
         numbers.clear();
     const auto [it, isNew] = numbers.emplace(identity, lastNumber + 1);
     lastNumber += isNew ? 1 : 0;
@@ -68,8 +68,8 @@ void SegmentStore::put(std::uint64_t file, std::uint64_t offset, const std::uint
 void SegmentStore::insert(Segments &segments, std::uint64_t file, const ByteRange &range, const std::uint8_t *data,
                           std::uint64_t pin)
 {
-    for (std::uint64_t done = 0; done < range.length; done += kLargestSegment) {
-        const std::uint64_t count = std::min(kLargestSegment, range.length - done);
+    for (std::uint64_t done = 0; done < range.length; done += kMaxSegment) {
+        const std::uint64_t count = std::min(kMaxSegment, range.length - done);
         Segment segment;
         segment.bytes.assign(data + done, data + done + count);
         uses.push_front({file, range.offset + done});
@@ -134,7 +134,7 @@ void SegmentStore::evict()
 {
     while (used > budget && !uses.empty())
         removeOldest(&uses);
-    while (pinned > kMostPinned)
+    while (pinned > kMaxPinned)
         removeOldest(&pinnedUses);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "http/rangeassembly.h"
+#include "stream/values/rangeassembly.h"
 
 #include <cstdint>
 #include <list>
@@ -34,7 +34,7 @@ public:
     std::uint64_t usedBytes() const;
 
     static constexpr std::uint64_t kBudget = std::uint64_t(64) << 20;
-    static constexpr std::uint64_t kMostPinned = 2 * kBudget; ///< beyond that pins do not count
+    static constexpr std::uint64_t kMaxPinned = 2 * kBudget; ///< beyond that pins do not count
 
 private:
     struct Place

@@ -1,9 +1,9 @@
 #include "streamsource.h"
 
-#include "../config/logger.h"
-#include "../io/utf8.h"
-#include "http/knowncredentials.h"
-#include "http/wholefilesink.h"
+#include "base/utf8.h"
+#include "log/logger.h"
+#include "stream/http/knowncredentials.h"
+#include "stream/http/wholefilesink.h"
 
 #include <xrv60/plklog.h>
 

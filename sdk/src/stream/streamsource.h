@@ -1,12 +1,12 @@
 #pragma once
 
-#include "cache/streamcache.h"
-#include "http/rangefetcher.h"
-#include "http/serverlink.h"
 #include "segmentstore.h"
 
-#include "../io/bytesource.h"
-#include "../io/openwatch.h"
+#include "io/bytesource.h"
+#include "io/openwatch.h"
+#include "stream/cache/streamcache.h"
+#include "stream/http/rangefetcher.h"
+#include "stream/http/serverlink.h"
 
 #include <condition_variable>
 #include <mutex>

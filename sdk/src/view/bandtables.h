@@ -1,7 +1,7 @@
 #pragma once
 
-#include "../colour/bandmap.h"
-#include "bytemap.h"
+#include "colour/bandmap.h"
+#include "view/sampling/bytemap.h"
 
 #include <map>
 #include <memory>

@@ -7,8 +7,8 @@ namespace xrv {
 
 namespace {
 
-constexpr double kLargestCell = 1.2;        ///< pixels
-constexpr double kLargestCoarserCell = 1.4; ///< pixels
+constexpr double kMaxCell = 1.2;        ///< pixels
+constexpr double kMaxCoarserCell = 1.4; ///< pixels
 constexpr int kSqueezedLevels = 3;
 
 /// Coarsest level whose cells are at most \a largestCell pixels, for \a pitch dataset cells per pixel.
@@ -31,7 +31,7 @@ int chooseLevel(const RasterInfo &raster, const std::vector<int> &components, co
     const double pitchX = std::abs(request.datasetRect.right - request.datasetRect.left) / request.width;
     const double pitchY = std::abs(request.datasetRect.bottom - request.datasetRect.top) / request.height;
     const bool coarser = request.coarserNearest && request.resampleMethod == PLK_RESAMPLE_NEAREST;
-    const double largestCell = coarser ? kLargestCoarserCell : kLargestCell;
+    const double largestCell = coarser ? kMaxCoarserCell : kMaxCell;
     const int sharp = levelFor(std::min(pitchX, pitchY), largestCell);
     const int squeezed = levelFor(std::max(pitchX, pitchY), largestCell) - kSqueezedLevels;
     int level = std::clamp(std::max(sharp, squeezed), 0, std::max(0, raster.levels - 1));

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "../decode/rasterreader.h"
-#include "viewrequest.h"
+#include "decode/rasterreader.h"
+#include "view/lines/viewrequest.h"
 
 #include <vector>
 

@@ -12,7 +12,7 @@ constexpr double kFirstPass = 25.0;
 constexpr double kSinglePass = 30.0;
 // Passes in between pay when each takes a good part of the one that follows.
 constexpr double kGrowth = 4.0;
-constexpr double kLongest = 0.4;
+constexpr double kMaxShare = 0.4;
 constexpr double kWorthPassesBetween = 300.0;
 
 } // namespace
@@ -41,7 +41,7 @@ std::vector<Pass> PassPlanner::plan()
     std::vector<Pass> passes; // coarse to fine
     for (const Pass &coarse : coarsePasses()) {
         const bool isFirst = passes.empty();
-        const bool isWorthIt = last.expected > kWorthPassesBetween && coarse.expected <= kLongest * last.expected &&
+        const bool isWorthIt = last.expected > kWorthPassesBetween && coarse.expected <= kMaxShare * last.expected &&
                                !isFirst && coarse.expected >= kGrowth * passes.back().expected;
         if (isFirst || isWorthIt)
             passes.push_back(coarse);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../decode/rasterreader.h"
+#include "decode/rasterreader.h"
 
 #include <functional>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "viewrequest.h"
+#include "view/lines/viewrequest.h"
 
 #include <condition_variable>
 #include <functional>

@@ -1,8 +1,9 @@
 #include "viewengine.h"
 
-#include "../config/faultlog.h"
 #include "levelchooser.h"
 #include "passplanner.h"
+
+#include "log/faultlog.h"
 
 #include <algorithm>
 #include <new>

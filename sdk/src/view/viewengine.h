@@ -1,12 +1,13 @@
 #pragma once
 
 #include "passplanner.h"
-#include "picture.h"
 #include "progressworker.h"
 #include "ratetracker.h"
 #include "viewprogress.h"
-#include "viewrequest.h"
-#include "viewsource.h"
+
+#include "view/lines/picture.h"
+#include "view/lines/viewrequest.h"
+#include "view/lines/viewsource.h"
 
 #include <xrv60/plkerror.h>
 #include <xrv60/plktypes.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../container/boxtype.h"
+#include "container/boxtype.h"
 
 #include <array>
 

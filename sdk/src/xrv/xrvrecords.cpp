@@ -1,10 +1,10 @@
 #include "xrvrecords.h"
 
-#include "../codestream/bytewriter.h"
-#include "../geo/rpc.h"
-#include "../io/bytecursor.h"
-#include "../io/utf8.h"
-#include "../io/varint.h"
+#include "base/bytecursor.h"
+#include "base/bytewriter.h"
+#include "base/utf8.h"
+#include "base/varint.h"
+#include "geo/rpc.h"
 
 #include <xrv60/plkinit.h>
 
@@ -19,10 +19,10 @@ namespace {
 constexpr std::uint8_t kFlagLossless = 1;
 constexpr std::uint8_t kFlagPlace = 2;
 constexpr std::uint32_t kNoText = 0xFFFFFFFF;
-constexpr std::size_t kLongestText = 1u << 20;
-constexpr std::size_t kMostBuckets = 65536;
-constexpr std::size_t kMostBucketsOfAllBands = 4u << 20; // 32 MiB
-constexpr std::uint8_t kMostBits = 38;
+constexpr std::size_t kMaxText = 1u << 20;
+constexpr std::size_t kMaxBuckets = 65536;
+constexpr std::size_t kMaxBucketsOfAllBands = 4u << 20; // 32 MiB
+constexpr std::uint8_t kMaxBits = 38;
 
 template <typename To, typename From> To bitsAs(From value)
 {
@@ -68,7 +68,7 @@ void putShortText(ByteWriter *out, const std::string &text)
 /// False where the bytes end or are no UTF-8. Texts go to callers as C strings: they end at a zero.
 bool takeText(ByteCursor *in, std::size_t length, std::string *text)
 {
-    if (!in->ok() || length > in->remaining() || length > kLongestText)
+    if (!in->ok() || length > in->remaining() || length > kMaxText)
         return false;
     text->assign(reinterpret_cast<const char *>(in->here()), length);
     text->erase(std::find(text->begin(), text->end(), '\0'), text->end());
@@ -234,7 +234,7 @@ std::optional<std::vector<XrvBand>> parseBands(const Bytes &content)
         band.bits = in.u8();
         const std::uint8_t sign = in.u8();
         band.isSigned = sign == 1;
-        if (band.bits == 0 || band.bits > kMostBits || sign > 1 || !takeShortText(&in, &band.description))
+        if (band.bits == 0 || band.bits > kMaxBits || sign > 1 || !takeShortText(&in, &band.description))
             return std::nullopt;
     }
     return in.ok() ? std::optional(std::move(bands)) : std::nullopt;
@@ -286,18 +286,15 @@ Bytes makeStatistics(const PLKFileStatistics &statistics)
 
 StatisticsPtr parseStatistics(const Bytes &content, std::size_t bands)
 {
-    StatisticsPtr nothing(nullptr, PLKFreeStatistics);
     ByteCursor in(content.data(), content.size());
     // Not one band takes less than its six numbers, the count and a bucket.
     if (bands == 0 || in.u16() != bands || in.remaining() / 29 < bands)
-        return nothing;
-    StatisticsPtr statistics(new PLKFileStatistics{nullptr, 0}, PLKFreeStatistics);
-    statistics->pBandStats = new PLKBandStatistics[bands]();
-    statistics->nBands = static_cast<std::uint32_t>(bands);
-    const std::size_t mostBuckets = std::clamp(kMostBucketsOfAllBands / bands, std::size_t(256), kMostBuckets);
+        return nullptr;
+    StatisticsPtr statistics = makeStatisticsRecord(bands);
+    const std::size_t mostBuckets = std::clamp(kMaxBucketsOfAllBands / bands, std::size_t(256), kMaxBuckets);
     for (std::size_t i = 0; i < bands; ++i)
         if (!takeBandStatistics(&in, mostBuckets, &statistics->pBandStats[i]))
-            return nothing;
+            return nullptr;
     return statistics;
 }
 

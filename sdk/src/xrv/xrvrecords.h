@@ -1,19 +1,17 @@
 #pragma once
 
-#include "../io/bytesource.h"
+#include "base/bytes.h"
+#include "statistics/statisticsrecord.h"
 
 #include <xrv60/plktypes.h>
 
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace xrv {
-
-using StatisticsPtr = std::unique_ptr<PLKFileStatistics, void (*)(PLKFileStatistics *)>;
 
 /// Version of the format that this library writes. It reads every minor version of this major one.
 constexpr std::uint8_t kXrvMajorVersion = 1;

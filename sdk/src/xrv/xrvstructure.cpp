@@ -2,8 +2,8 @@
 
 #include "xrvboxes.h"
 
-#include "../container/structurereader.h"
-#include "../io/bytecursor.h"
+#include "base/bytecursor.h"
+#include "container/structurereader.h"
 
 #include <algorithm>
 
@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint64_t kBoxHeader = 8;
 constexpr std::uint64_t kVersionEnd = kVersionStart + kBoxHeader + 4;
-constexpr std::uint64_t kMostContents = 64 * 1024;
+constexpr std::uint64_t kMaxContents = 64 * 1024;
 constexpr std::uint64_t kMaxContent = 64u << 20;
 
 CError readVersion(const Bytes &start, XrvStructure *structure)
@@ -40,8 +40,8 @@ CError readVersion(const Bytes &start, XrvStructure *structure)
 /// it.
 ByteRange neededOf(const XrvBoxPlace &place, std::uint64_t fileSize)
 {
-    constexpr std::uint64_t kStartOfBox = 4096, kStartOfCodestream = 16 * 1024, kMostIndex = 16u << 20;
-    const std::uint64_t most = place.type == kPacketIndexBox   ? kMostIndex
+    constexpr std::uint64_t kStartOfBox = 4096, kStartOfCodestream = 16 * 1024, kMaxIndex = 16u << 20;
+    const std::uint64_t most = place.type == kPacketIndexBox   ? kMaxIndex
                                : place.type == boxType("jp2c") ? kStartOfCodestream
                                                                : kStartOfBox;
     if (place.range.offset >= fileSize)
@@ -60,7 +60,7 @@ CError prefetchBoxes(ByteSource &source)
         return error;
     ByteCursor in(header.data(), header.size());
     const std::uint64_t length = in.u32(), available = source.size() - kContentsStart;
-    if (in.u32() != kContentsBox || length < kBoxHeader || length > std::min(available, kMostContents))
+    if (in.u32() != kContentsBox || length < kBoxHeader || length > std::min(available, kMaxContents))
         return {};
     if (CError error = source.read({kContentsStart + kBoxHeader, length - kBoxHeader}, &content))
         return error;

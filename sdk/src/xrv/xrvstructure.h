@@ -2,7 +2,7 @@
 
 #include "xrvrecords.h"
 
-#include "../container/jp2structure.h"
+#include "container/jp2structure.h"
 
 #include <xrv60/plkerror.h>
 

@@ -2,7 +2,7 @@
 #include "peerdecoder.h"
 
 #include "codestream/precinct.h"
-#include "decode/htblockdecoder.h"
+#include "decode/codeblock/htblockdecoder.h"
 #include "decode/rasterreader.h"
 #include "io/memorysource.h"
 

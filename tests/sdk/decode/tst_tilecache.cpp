@@ -1,6 +1,6 @@
-#include "decode/planeops.h"
-#include "decode/rectset.h"
-#include "decode/tilecache.h"
+#include "decode/cache/tilecache.h"
+#include "decode/transform/planeops.h"
+#include "decode/transform/rectset.h"
 
 #include <QtTest>
 

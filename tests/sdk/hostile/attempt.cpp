@@ -17,8 +17,8 @@ extern "C" void __sanitizer_purge_allocator() __attribute__((weak));
 
 namespace {
 
-constexpr double kMostSeconds = 2.0;
-constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 30;
+constexpr double kMaxSeconds = 2.0;
+constexpr std::uint64_t kMaxBytes = std::uint64_t{1} << 30;
 
 /// Gives back what the allocator keeps of freed memory: earlier attempts are not to count.
 void releaseFreedMemory()
@@ -100,9 +100,9 @@ bool isSentence(const char *text)
 
 QByteArray Attempt::complaint() const
 {
-    if (seconds > kMostSeconds)
+    if (seconds > kMaxSeconds)
         return "took " + QByteArray::number(seconds) + " s";
-    if (peakBytes > kMostBytes)
+    if (peakBytes > kMaxBytes)
         return "took " + QByteArray::number(static_cast<qulonglong>(peakBytes >> 20)) + " MiB";
     if (isShown())
         return {};

@@ -1,5 +1,5 @@
+#include "base/utf8.h"
 #include "io/filenames.h"
-#include "io/utf8.h"
 
 #include <xrv60/plkstring.h>
 

@@ -1,9 +1,9 @@
-#include "stream/byterangeset.h"
 #include "stream/cache/checksum.h"
 #include "stream/http/rangeanswer.h"
 #include "stream/http/rangeplan.h"
 #include "stream/segmentstore.h"
-#include "stream/streamaddress.h"
+#include "stream/values/byterangeset.h"
+#include "stream/values/streamaddress.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 #include "data/syntheticimage.h"
 #include "sdk/decode/peerdecoder.h"
 
-#include "io/utf8.h"
+#include "base/utf8.h"
 #include "xrv/xrvboxes.h"
 
 #include <xrv60/plkinit.h>

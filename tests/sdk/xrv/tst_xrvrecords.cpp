@@ -84,7 +84,7 @@ PLKFileStatistics *statisticsOf(const std::vector<std::vector<std::uint64_t>> &h
 
 StatisticsPtr owned(PLKFileStatistics *statistics)
 {
-    return StatisticsPtr(statistics, PLKFreeStatistics);
+    return StatisticsPtr(statistics);
 }
 
 std::vector<std::uint64_t> histogramOf(const PLKBandStatistics &band)

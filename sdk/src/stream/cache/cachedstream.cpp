@@ -10,7 +10,7 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint64_t kLargestSegment = 65536; // read and checked as a whole
+constexpr std::uint64_t kMaxSegment = 65536; // read and checked as a whole
 constexpr std::uint64_t kAllowance = 1 << 20;
 constexpr std::uint64_t kRecordSize = 64; // of the index, for a segment
 
@@ -100,7 +100,7 @@ ByteRangeSet CachedStream::lacking(const std::vector<ByteRange> &ranges) const
 
 bool CachedStream::readSegment(std::uint64_t offset, const CacheIndex::Segment &segment, Bytes *bytes) const
 {
-    if (segment.length > kLargestSegment)
+    if (segment.length > kMaxSegment)
         return false;
     bytes->resize(static_cast<std::size_t>(segment.length));
     return data->readAt(segment.place, bytes->data(), bytes->size()) == bytes->size() &&
@@ -167,8 +167,8 @@ void CachedStream::write(std::uint64_t offset, const std::uint8_t *bytes, const 
     const std::uint64_t begin = data->size();
     std::uint64_t place = begin;
     for (const ByteRange &range : missing) {
-        for (std::uint64_t at = range.offset; at < range.end(); at += kLargestSegment) {
-            const std::uint64_t count = std::min(kLargestSegment, range.end() - at);
+        for (std::uint64_t at = range.offset; at < range.end(); at += kMaxSegment) {
+            const std::uint64_t count = std::min(kMaxSegment, range.end() - at);
             const std::uint8_t *const source = bytes + (at - offset);
             if (!data->writeAt(place, source, static_cast<std::size_t>(count))) {
                 data->truncate(begin);

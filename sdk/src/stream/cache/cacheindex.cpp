@@ -15,7 +15,7 @@ constexpr std::uint32_t kVersionRecord = 0x31565258;   // "XRV1"
 constexpr std::uint32_t kSegmentRecord = 0x47455358;   // "XSEG"
 constexpr std::uint32_t kKnowledgeRecord = 0x574F4E4B; // "KNOW"
 constexpr std::size_t kHeadSize = 8, kSumSize = 8;
-constexpr std::size_t kLongestContent = std::size_t(32) << 20;
+constexpr std::size_t kMaxContent = std::size_t(32) << 20;
 constexpr std::size_t kSegmentContent = 32;
 
 void putNumber(Bytes *bytes, std::uint64_t value, int size)
@@ -87,7 +87,7 @@ bool CacheIndex::readRecord(std::uint64_t position, Record *record, std::uint64_
     Reader reader(head);
     record->type = static_cast<std::uint32_t>(reader.number(4));
     const auto length = static_cast<std::size_t>(reader.number(4));
-    if (length > kLongestContent || length > indexFile->size())
+    if (length > kMaxContent || length > indexFile->size())
         return false;
     Bytes all(kHeadSize + length + kSumSize);
     if (indexFile->readAt(position, all.data(), all.size()) != all.size())
@@ -249,7 +249,7 @@ bool CacheIndex::remember(const std::string &name, const Bytes &knowledge)
     record.type = kKnowledgeRecord;
     putText(&record.content, name);
     record.content.insert(record.content.end(), knowledge.begin(), knowledge.end());
-    return record.content.size() <= kLongestContent && write(record);
+    return record.content.size() <= kMaxContent && write(record);
 }
 
 bool CacheIndex::recall(const std::string &name, Bytes *knowledge)

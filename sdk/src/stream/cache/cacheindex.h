@@ -1,8 +1,9 @@
 #pragma once
 
-#include "../byterangeset.h"
-#include "../fileversion.h"
 #include "diskfile.h"
+
+#include "stream/values/byterangeset.h"
+#include "stream/values/fileversion.h"
 
 #include <map>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "diskfile.h"
 
-#include "../../io/utf8.h"
+#include "base/utf8.h"
 
 #include <chrono>
 #include <thread>

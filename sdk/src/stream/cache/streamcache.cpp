@@ -1,9 +1,10 @@
 #include "streamcache.h"
 
-#include "../../config/logger.h"
-#include "../../io/utf8.h"
 #include "cachefolder.h"
 #include "checksum.h"
+
+#include "base/utf8.h"
+#include "log/logger.h"
 
 #include <xrv60/plklog.h>
 

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "../streamoptions.h"
 #include "cachedstream.h"
+
+#include "stream/values/streamoptions.h"
 
 #include <memory>
 #include <string>

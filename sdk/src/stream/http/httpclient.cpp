@@ -10,8 +10,8 @@ namespace xrv {
 namespace {
 
 constexpr auto kCancelPoll = std::chrono::milliseconds(5);
-constexpr int kLongestWait = 200;       // milliseconds, while something is on its way
-constexpr int kLongestIdleWait = 60000; // until somebody wakes it
+constexpr int kMaxWait = 200;       // milliseconds, while something is on its way
+constexpr int kMaxIdleWait = 60000; // until somebody wakes it
 constexpr long kConnectionsKept = 24;
 
 struct MultiDeleter
@@ -146,7 +146,7 @@ void HttpClient::Loop::run()
         collectFinished();
         endStalled();
         startQueued();
-        curl_multi_poll(multi.get(), nullptr, 0, active.empty() ? kLongestIdleWait : kLongestWait, nullptr);
+        curl_multi_poll(multi.get(), nullptr, 0, active.empty() ? kMaxIdleWait : kMaxWait, nullptr);
     }
     cancelEverything();
 }
@@ -162,7 +162,7 @@ bool HttpClient::Loop::takeIn()
 void HttpClient::Loop::startQueued()
 {
     for (auto it = queue.begin(); it != queue.end();) {
-        if (!(*it)->abandoned && load[(*it)->request.server] >= kMostPerServer) {
+        if (!(*it)->abandoned && load[(*it)->request.server] >= kMaxPerServer) {
             ++it;
             continue;
         }

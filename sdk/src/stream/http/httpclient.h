@@ -1,6 +1,6 @@
 #pragma once
 
-#include "httpexchange.h"
+#include "stream/values/httpexchange.h"
 
 #include <condition_variable>
 #include <deque>
@@ -30,7 +30,7 @@ public:
     /// Ends the thread and closes all connections; what waits is cancelled. The next request starts it again.
     void stop();
 
-    static constexpr int kMostPerServer = 6;
+    static constexpr int kMaxPerServer = 6;
 
 private:
     struct Exchange;

@@ -1,7 +1,7 @@
 #include "httptransfer.h"
 
-#include "../../io/filenames.h"
-#include "../../io/utf8.h"
+#include "base/utf8.h"
+#include "io/filenames.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -11,12 +11,12 @@ namespace xrv {
 
 namespace {
 
-constexpr std::size_t kMostHeaderBytes = 65536;
-constexpr std::size_t kMostErrorBody = 65536;      // pages that explain an error are passed over
+constexpr std::size_t kMaxHeaderBytes = 65536;
+constexpr std::size_t kMaxErrorBody = 65536;       // pages that explain an error are passed over
 constexpr std::uint64_t kLeastPerStallTime = 4096; // a drip that would take hours is a stall too
 constexpr long kBufferSize = 131072;
 constexpr std::size_t kSinkBlock = std::size_t(1) << 20;
-constexpr std::size_t kMostDigits = 18;
+constexpr std::size_t kMaxDigits = 18;
 
 std::string trimmed(const std::string &text)
 {
@@ -38,7 +38,7 @@ std::uint64_t HttpAnswer::contentLength() const
 {
     const std::string length = header("content-length");
     const bool isNumber =
-        !length.empty() && length.size() <= kMostDigits && length.find_first_not_of("0123456789") == std::string::npos;
+        !length.empty() && length.size() <= kMaxDigits && length.find_first_not_of("0123456789") == std::string::npos;
     return isNumber ? std::stoull(length) : 0;
 }
 
@@ -131,7 +131,7 @@ bool HttpTransfer::takeHeader(const std::string &line)
         restartWindow(Clock::now()); // what an answer took to begin is not held against its body
     headerBytes += line.size();
     windowBytes += line.size();
-    if (headerBytes > kMostHeaderBytes) {
+    if (headerBytes > kMaxHeaderBytes) {
         hasBadHeaders = true;
         return false;
     }
@@ -151,7 +151,7 @@ std::uint64_t HttpTransfer::bodyLimit() const
 {
     if (answer.status == 206)
         return request.partialLimit;
-    return answer.status == 200 ? request.wholeLimit : kMostErrorBody;
+    return answer.status == 200 ? request.wholeLimit : kMaxErrorBody;
 }
 
 bool HttpTransfer::takeBody(const char *data, std::size_t length)

@@ -4,7 +4,7 @@ namespace xrv {
 
 namespace {
 
-constexpr std::size_t kMostServers = 1000;
+constexpr std::size_t kMaxServers = 1000;
 
 } // namespace
 
@@ -19,7 +19,7 @@ void KnownCredentials::remember(const StreamAddress &address)
     if (!address.hasCredentials())
         return;
     const std::lock_guard<std::mutex> lock(mutex);
-    if (byServer.size() >= kMostServers)
+    if (byServer.size() >= kMaxServers)
         byServer.clear();
     byServer[address.server()] = {address.userName(), address.userPassword()};
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../streamaddress.h"
+#include "stream/values/streamaddress.h"
 
 #include <map>
 #include <mutex>

@@ -1,6 +1,6 @@
 #include "rangeanswer.h"
 
-#include "../../io/utf8.h"
+#include "base/utf8.h"
 
 #include <curl/curl.h>
 
@@ -11,13 +11,13 @@ namespace xrv {
 
 namespace {
 
-constexpr std::size_t kLongestPartHeader = 8192;
-constexpr std::size_t kMostDigits = 18;
-constexpr long long kLongestPause = 24LL * 3600 * 1000;
+constexpr std::size_t kMaxPartHeader = 8192;
+constexpr std::size_t kMaxDigits = 18;
+constexpr long long kMaxPause = 24LL * 3600 * 1000;
 
 bool parseNumber(const std::string &text, std::uint64_t *number)
 {
-    if (text.empty() || text.size() > kMostDigits || text.find_first_not_of("0123456789") != std::string::npos)
+    if (text.empty() || text.size() > kMaxDigits || text.find_first_not_of("0123456789") != std::string::npos)
         return false;
     *number = std::stoull(text);
     return true;
@@ -72,7 +72,7 @@ private:
 bool PartWalk::takeLine(std::string *line)
 {
     const auto from = body.begin() + static_cast<std::ptrdiff_t>(position);
-    const auto limit = from + static_cast<std::ptrdiff_t>(std::min(kLongestPartHeader, body.size() - position));
+    const auto limit = from + static_cast<std::ptrdiff_t>(std::min(kMaxPartHeader, body.size() - position));
     const auto end = std::find(from, limit, std::uint8_t('\n'));
     if (end == limit)
         return false;
@@ -100,7 +100,7 @@ bool PartWalk::takeHeaders(ContentRange *range)
     bool hasRange = false;
     const std::size_t start = position;
     std::string line;
-    while (position - start < kLongestPartHeader && takeLine(&line)) {
+    while (position - start < kMaxPartHeader && takeLine(&line)) {
         if (line.empty())
             return hasRange;
         const std::size_t colon = line.find(':');
@@ -126,7 +126,7 @@ PartWalk::Step PartWalk::next(RangePiece *piece)
     }
     const std::size_t headers = position;
     if (!takeHeaders(&piece->contentRange))
-        return body.size() - headers < kLongestPartHeader ? Step::End : Step::Fault;
+        return body.size() - headers < kMaxPartHeader ? Step::End : Step::Fault;
     piece->data = body.data() + position;
     piece->length = std::min<std::uint64_t>(piece->contentRange.range.length, body.size() - position);
     position += static_cast<std::size_t>(piece->length);
@@ -206,12 +206,12 @@ int retryAfter(const HttpAnswer &answer)
     const std::string text = answer.header("retry-after");
     std::uint64_t seconds = 0;
     if (parseNumber(text, &seconds))
-        return static_cast<int>(std::min<std::uint64_t>(seconds, kLongestPause / 1000) * 1000);
+        return static_cast<int>(std::min<std::uint64_t>(seconds, kMaxPause / 1000) * 1000);
     const std::time_t date = text.empty() ? -1 : curl_getdate(text.c_str(), nullptr);
     if (date < 0)
         return -1;
     const long long pause = (static_cast<long long>(date) - static_cast<long long>(std::time(nullptr))) * 1000;
-    return static_cast<int>(std::clamp(pause, 0LL, kLongestPause));
+    return static_cast<int>(std::clamp(pause, 0LL, kMaxPause));
 }
 
 } // namespace xrv

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "httpexchange.h"
+#include "stream/values/httpexchange.h"
 
 #include <string>
 #include <vector>

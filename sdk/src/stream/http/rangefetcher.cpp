@@ -1,8 +1,9 @@
 #include "rangefetcher.h"
 
-#include "../../config/logger.h"
-#include "../../io/utf8.h"
 #include "rangeanswer.h"
+
+#include "base/utf8.h"
+#include "log/logger.h"
 
 #include <xrv60/plklog.h>
 
@@ -19,7 +20,7 @@ namespace {
 constexpr std::uint64_t kPartOverhead = 1024; // headers of a part, generously
 constexpr std::uint64_t kAnswerSlack = 4096;
 constexpr std::uint64_t kProgressThatCounts = 4096; // or half of what was lacking
-constexpr int kMostRounds = 1000;
+constexpr int kMaxRounds = 1000;
 constexpr auto kCancelPoll = std::chrono::milliseconds(5);
 
 CError cancelledError()
@@ -63,7 +64,7 @@ public:
     /// Waits before the next try; false when there is to be none.
     bool goOn(const Round &round, const CancelFlag &cancel)
     {
-        if (++rounds > kMostRounds)
+        if (++rounds > kMaxRounds)
             return false;
         if (round.isFallback)
             return true;

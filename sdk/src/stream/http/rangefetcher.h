@@ -1,9 +1,10 @@
 #pragma once
 
-#include "../byterangeset.h"
-#include "../fileversion.h"
 #include "rangeplan.h"
 #include "serverlink.h"
+
+#include "stream/values/byterangeset.h"
+#include "stream/values/fileversion.h"
 
 #include <atomic>
 #include <functional>

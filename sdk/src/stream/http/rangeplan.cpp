@@ -6,9 +6,9 @@ namespace xrv {
 
 namespace {
 
-constexpr std::size_t kMostRangesPerRequest = 100; // servers refuse several hundred
-constexpr std::size_t kLongestRangeText = 3000;    // header lines beyond 4 KB are refused here and there
-constexpr std::uint64_t kMostPerRequest = std::uint64_t(8) << 20;
+constexpr std::size_t kMaxRangesPerRequest = 100; // servers refuse several hundred
+constexpr std::size_t kMaxRangeText = 3000;       // header lines beyond 4 KB are refused here and there
+constexpr std::uint64_t kMaxPerRequest = std::uint64_t(8) << 20;
 
 std::string rangeText(const ByteRange &range)
 {
@@ -20,8 +20,8 @@ std::vector<ByteRange> cutToSize(const std::vector<ByteRange> &ranges)
 {
     std::vector<ByteRange> cut;
     for (ByteRange range : ranges) {
-        for (; range.length > kMostPerRequest; range.offset += kMostPerRequest, range.length -= kMostPerRequest)
-            cut.push_back({range.offset, kMostPerRequest});
+        for (; range.length > kMaxPerRequest; range.offset += kMaxPerRequest, range.length -= kMaxPerRequest)
+            cut.push_back({range.offset, kMaxPerRequest});
         cut.push_back(range);
     }
     return cut;
@@ -34,8 +34,8 @@ std::vector<RangeGroup> groupsOf(const std::vector<ByteRange> &ranges)
     std::uint64_t bytes = 0;
     for (const ByteRange &range : ranges) {
         const std::size_t length = rangeText(range).size() + 1;
-        const bool fits = !groups.empty() && groups.back().ranges.size() < kMostRangesPerRequest &&
-                          textLength + length <= kLongestRangeText && bytes + range.length <= kMostPerRequest;
+        const bool fits = !groups.empty() && groups.back().ranges.size() < kMaxRangesPerRequest &&
+                          textLength + length <= kMaxRangeText && bytes + range.length <= kMaxPerRequest;
         if (!fits) {
             groups.push_back({});
             textLength = 0;

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "../byterangeset.h"
 #include "servertraits.h"
+
+#include "stream/values/byterangeset.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,9 @@
 #include "serverlink.h"
 
-#include "../../config/logger.h"
-#include "../../io/utf8.h"
 #include "httpclient.h"
+
+#include "base/utf8.h"
+#include "log/logger.h"
 
 #include <xrv60/plklog.h>
 
@@ -14,7 +15,7 @@ namespace xrv {
 
 namespace {
 
-constexpr int kMostRedirects = 5;
+constexpr int kMaxRedirects = 5;
 
 struct UrlDeleter
 {
@@ -153,8 +154,8 @@ std::vector<HttpAnswer> ServerLink::askFrom(const Target &start, const std::vect
                     setTarget(targets[i]);
                 continue;
             }
-            const std::string refusal = hop < kMostRedirects ? redirect(answers[i], &targets[i])
-                                                             : std::string("it points from place to place without end");
+            const std::string refusal = hop < kMaxRedirects ? redirect(answers[i], &targets[i])
+                                                            : std::string("it points from place to place without end");
             if (refusal.empty()) {
                 redirected.push_back(i);
                 continue;

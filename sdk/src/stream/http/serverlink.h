@@ -1,8 +1,8 @@
 #pragma once
 
-#include "../streamaddress.h"
-#include "../streamoptions.h"
-#include "httpexchange.h"
+#include "stream/values/httpexchange.h"
+#include "stream/values/streamaddress.h"
+#include "stream/values/streamoptions.h"
 
 #include <mutex>
 

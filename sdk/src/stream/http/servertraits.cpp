@@ -4,7 +4,7 @@ namespace xrv {
 
 namespace {
 
-constexpr std::size_t kMostServers = 1000;
+constexpr std::size_t kMaxServers = 1000;
 
 } // namespace
 
@@ -26,7 +26,7 @@ ServerTraits::Answer ServerTraits::takesSeveralRanges(const std::string &server)
 void ServerTraits::setTakesSeveralRanges(const std::string &server, bool takes)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (severalRanges.size() >= kMostServers)
+    if (severalRanges.size() >= kMaxServers)
         severalRanges.clear();
     severalRanges[server] = takes;
 }

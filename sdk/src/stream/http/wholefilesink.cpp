@@ -1,7 +1,7 @@
 #include "wholefilesink.h"
 
-#include "../../config/logger.h"
-#include "../../io/utf8.h"
+#include "base/utf8.h"
+#include "log/logger.h"
 
 #include <xrv60/plklog.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "../cache/cachedstream.h"
-#include "httpexchange.h"
+#include "stream/cache/cachedstream.h"
+#include "stream/values/httpexchange.h"
 
 #include <memory>
 #include <string>

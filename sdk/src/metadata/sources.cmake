@@ -1,1 +1,0 @@
-set(stage_sources bandcounter.cpp bandrows.cpp fileclient.cpp openfile.cpp sourcestream.cpp statistics.cpp viewmetadata.cpp)

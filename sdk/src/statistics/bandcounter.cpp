@@ -1,0 +1,128 @@
+#include "bandcounter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace xrv {
+
+namespace {
+
+constexpr int kMaxCountedBits = 16;
+constexpr std::size_t kByteBuckets = 256;
+
+} // namespace
+
+BandCounter::BandCounter(int bandBits, bool bandIsSigned, std::size_t bucketLimit)
+    : bits(bandBits)
+    , isSigned(bandIsSigned)
+    , mostBuckets(bucketLimit)
+    , isScouting(bandBits > kMaxCountedBits)
+    , smallest(std::numeric_limits<std::int64_t>::max())
+    , largest(std::numeric_limits<std::int64_t>::min())
+{
+    if (isScouting)
+        return;
+    const int countedBits = std::max(bits, 8);
+    first = isSigned ? -(std::int64_t(1) << (countedBits - 1)) : 0;
+    counts.resize(std::size_t(1) << countedBits);
+}
+
+std::size_t BandCounter::memoryFor(int bits)
+{
+    return sizeof(std::uint64_t) << std::clamp(bits, 8, kMaxCountedBits);
+}
+
+bool BandCounter::beginNextPass()
+{
+    if (!isScouting)
+        return false;
+    isScouting = false;
+    if (largest < smallest) // no cells
+        smallest = largest = 0;
+    first = smallest;
+    const std::int64_t range = largest - smallest + 1;
+    const std::int64_t steps = std::min(range, std::int64_t(1) << kMaxCountedBits);
+    valuesPerStep = static_cast<double>(range) / static_cast<double>(steps);
+    counts.resize(static_cast<std::size_t>(steps));
+    return true;
+}
+
+double BandCounter::valueOf(std::size_t step) const
+{
+    return static_cast<double>(first) + static_cast<double>(step) * valuesPerStep + (valuesPerStep - 1.0) / 2.0;
+}
+
+void BandCounter::finish(PLKBandStatistics *statistics) const
+{
+    *statistics = {};
+    std::uint64_t total = 0;
+    for (std::uint64_t count : counts)
+        total += count;
+    if (total > 0) {
+        const auto isFilled = [](std::uint64_t count) { return count > 0; };
+        const auto lowest = std::find_if(counts.begin(), counts.end(), isFilled) - counts.begin();
+        const auto highest = counts.rend() - std::find_if(counts.rbegin(), counts.rend(), isFilled) - 1;
+        const auto mode = std::max_element(counts.begin(), counts.end()) - counts.begin();
+        const bool isExact = valuesPerStep == 1.0;
+        statistics->fMin = static_cast<float>(isExact ? valueOf(static_cast<std::size_t>(lowest)) : double(smallest));
+        statistics->fMax = static_cast<float>(isExact ? valueOf(static_cast<std::size_t>(highest)) : double(largest));
+        statistics->fMode = static_cast<float>(valueOf(static_cast<std::size_t>(mode)));
+        statistics->fMedian = static_cast<float>(median(total));
+        computeMoments(static_cast<double>(total), statistics);
+    }
+    makeHistogram(statistics);
+}
+
+void BandCounter::computeMoments(double total, PLKBandStatistics *statistics) const
+{
+    double distance = sum, squares = sumOfSquares;
+    if (valuesPerStep == 1.0) {
+        for (std::size_t i = 0; i < counts.size(); ++i)
+            distance += static_cast<double>(i) * static_cast<double>(counts[i]);
+    }
+    const double mean = distance / total;
+    double variance = squares / total - mean * mean;
+    if (valuesPerStep == 1.0) {
+        squares = 0.0;
+        for (std::size_t i = 0; i < counts.size(); ++i)
+            squares +=
+                (static_cast<double>(i) - mean) * (static_cast<double>(i) - mean) * static_cast<double>(counts[i]);
+        variance = squares / total;
+    }
+    statistics->fMean = static_cast<float>(static_cast<double>(first) + mean);
+    statistics->fStandardDev = static_cast<float>(std::sqrt(std::max(0.0, variance)));
+}
+
+double BandCounter::median(std::uint64_t total) const
+{
+    const auto valueAtRank = [this](std::uint64_t rank) {
+        std::uint64_t below = 0;
+        for (std::size_t i = 0; i < counts.size(); ++i) {
+            below += counts[i];
+            if (below > rank)
+                return valueOf(i);
+        }
+        return valueOf(counts.size() - 1);
+    };
+    return (valueAtRank((total - 1) / 2) + valueAtRank(total / 2)) / 2.0;
+}
+
+void BandCounter::makeHistogram(PLKBandStatistics *statistics) const
+{
+    std::size_t begin = 0, end = counts.size();
+    if (bits > 8) { // only between the smallest and the largest value
+        while (begin + 1 < end && counts[begin] == 0)
+            ++begin;
+        while (end > begin + 1 && counts[end - 1] == 0)
+            --end;
+    }
+    const std::size_t steps = end - begin;
+    const std::size_t buckets = bits > 8 ? std::min(steps, mostBuckets) : kByteBuckets;
+    statistics->nHistBucketCount = static_cast<std::uint32_t>(buckets);
+    statistics->pHistogram = new std::uint64_t[buckets]();
+    for (std::size_t i = 0; i < steps; ++i)
+        statistics->pHistogram[i * buckets / steps] += counts[begin + i];
+}
+
+} // namespace xrv

@@ -1,0 +1,178 @@
+#include "bandrows.h"
+
+#include "base/planerow.h"
+#include "log/faultlog.h"
+
+#include <algorithm>
+#include <limits>
+#include <type_traits>
+
+namespace xrv {
+
+using PLK::CError;
+
+namespace {
+
+/// Nearest cell of \a plane for every cell [x0, x1) of row \a y of a grid with steps \a stepsX and \a stepsY.
+void gatherRow(const Plane &plane, std::int64_t x0, std::int64_t x1, std::int64_t y, double stepsX, double stepsY,
+               std::int32_t *target)
+{
+    const IntRect &rect = plane.rect;
+    const auto row = std::clamp(static_cast<std::int64_t>(static_cast<double>(y) * stepsY), rect.y0, rect.y1 - 1);
+    withRow(plane, row, [&](const auto *cells) {
+        using Cell = std::decay_t<decltype(*cells)>;
+        for (std::int64_t x = x0; x < x1; ++x) {
+            const auto column =
+                std::clamp(static_cast<std::int64_t>(static_cast<double>(x) * stepsX), rect.x0, rect.x1 - 1);
+            const Cell cell = cells[column - rect.x0];
+            constexpr auto kMaxValue = std::numeric_limits<std::int32_t>::max();
+            if constexpr (std::is_same_v<Cell, std::uint32_t>)
+                *target++ = static_cast<std::int32_t>(std::min<std::uint32_t>(cell, kMaxValue));
+            else
+                *target++ = cell;
+        }
+    });
+}
+
+} // namespace
+
+BandRows::BandRows(RasterReader &rasterReader, const BandMap &bandMap, std::vector<int> groupOfBands,
+                   FaultLog *faultLog)
+    : reader(rasterReader)
+    , map(bandMap)
+    , bands(std::move(groupOfBands))
+    , faults(faultLog)
+{
+    for (int band : bands)
+        if (!map.isDirect(band))
+            converted.push_back(band);
+    if (!converted.empty())
+        convertedComponents = map.componentsFor(converted);
+}
+
+BandRows::Steps BandRows::stepsOf(int component) const
+{
+    const ComponentInfo &info = reader.info().components[static_cast<std::size_t>(component)];
+    return {info.stepX, info.stepY};
+}
+
+BandRows::Steps BandRows::finestSteps(const std::vector<int> &components) const
+{
+    Steps finest = stepsOf(components.front());
+    for (int component : components) {
+        const Steps steps = stepsOf(component);
+        finest = {std::min(finest.x, steps.x), std::min(finest.y, steps.y)};
+    }
+    return finest;
+}
+
+/// The cells at \a level of a component with \a steps that belong to \a window. Its edges are rounded up alike, so
+/// windows that touch in the dataset touch here.
+IntRect BandRows::coreRect(const IntRect &window, int level, Steps steps) const
+{
+    const RasterInfo &info = reader.info();
+    const auto place = [level](std::int64_t cell, std::int64_t size, std::uint32_t begin, std::uint32_t end,
+                               std::uint32_t minStep, std::uint32_t step) {
+        const std::int64_t levelStep = std::int64_t(step) << level;
+        if (cell <= 0)
+            return ceilDiv(begin, levelStep);
+        if (cell >= size)
+            return ceilDiv(end, levelStep);
+        return ceilDiv((ceilDiv(begin, minStep) + cell) * minStep, levelStep);
+    };
+    const auto placeX = [&](std::int64_t x) {
+        return place(x, info.width, info.canvasX0, info.canvasX1, info.minStepX, steps.x);
+    };
+    const auto placeY = [&](std::int64_t y) {
+        return place(y, info.height, info.canvasY0, info.canvasY1, info.minStepY, steps.y);
+    };
+    return {placeX(window.x0), placeY(window.y0), placeX(window.x1), placeY(window.y1)};
+}
+
+ReadRequest BandRows::requestFor(const IntRect &window, int level, bool resilient) const
+{
+    ReadRequest request;
+    request.datasetRect = window;
+    request.level = level;
+    request.components = map.componentsFor(bands);
+    request.resilient = resilient;
+    return request;
+}
+
+CError BandRows::prefetch(const std::vector<IntRect> &windows, int level, bool resilient) const
+{
+    std::vector<ReadRequest> requests;
+    for (const IntRect &window : windows)
+        requests.push_back(requestFor(window, level, resilient));
+    return reader.prefetch(requests);
+}
+
+CError BandRows::read(const IntRect &window, int level, bool resilient, std::vector<BandCounter> *counters) const
+{
+    ReadResult result;
+    if (CError error = reader.read(requestFor(window, level, resilient), &result))
+        return error;
+    if (result.damaged && faults)
+        faults->damaged(result.damage);
+    for (std::size_t i = 0; i < bands.size(); ++i) {
+        if (!map.isDirect(bands[i]))
+            continue;
+        const int component = map.bands()[static_cast<std::size_t>(bands[i])].component;
+        for (const Plane &plane : result.planes)
+            if (plane.component == component)
+                countDirect(plane, coreRect(window, level, stepsOf(component)), &(*counters)[i]);
+    }
+    if (!converted.empty())
+        countConverted(result.planes, window, level, counters);
+    return {};
+}
+
+void BandRows::countDirect(const Plane &plane, const IntRect &core, BandCounter *counter) const
+{
+    const IntRect own = core.intersected(plane.rect);
+    if (own.isEmpty())
+        return;
+    for (std::int64_t y = own.y0; y < own.y1; ++y)
+        withRow(plane, y, [&](const auto *cells) {
+            counter->add(cells + (own.x0 - plane.rect.x0), static_cast<std::size_t>(own.width()));
+        });
+}
+
+void BandRows::countConverted(const std::vector<Plane> &planes, const IntRect &window, int level,
+                              std::vector<BandCounter> *counters) const
+{
+    std::vector<const Plane *> sources;
+    for (int component : convertedComponents)
+        for (const Plane &plane : planes)
+            if (plane.component == component && !plane.rect.isEmpty())
+                sources.push_back(&plane);
+    if (sources.size() != convertedComponents.size())
+        return; // a component without cells: there is nothing to convert
+    const Steps steps = finestSteps(convertedComponents);
+    const IntRect core = coreRect(window, level, steps);
+    if (core.isEmpty())
+        return;
+    const auto width = static_cast<std::size_t>(core.width());
+    std::vector<std::vector<std::int32_t>> from(sources.size(), std::vector<std::int32_t>(width));
+    std::vector<std::vector<std::int32_t>> to(converted.size(), std::vector<std::int32_t>(width));
+    std::vector<const std::int32_t *> fromRows;
+    std::vector<std::int32_t *> toRows;
+    for (const auto &row : from)
+        fromRows.push_back(row.data());
+    for (auto &row : to)
+        toRows.push_back(row.data());
+
+    for (std::int64_t y = core.y0; y < core.y1; ++y) {
+        for (std::size_t i = 0; i < sources.size(); ++i) {
+            const Steps own = stepsOf(sources[i]->component);
+            gatherRow(*sources[i], core.x0, core.x1, y, static_cast<double>(steps.x) / own.x,
+                      static_cast<double>(steps.y) / own.y, from[i].data());
+        }
+        map.convertRow(converted, fromRows.data(), static_cast<int>(width), toRows.data());
+        for (std::size_t i = 0, next = 0; i < bands.size(); ++i)
+            if (!map.isDirect(bands[i]))
+                (*counters)[i].add(to[next++].data(), width);
+    }
+}
+
+} // namespace xrv

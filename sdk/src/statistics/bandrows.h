@@ -1,0 +1,52 @@
+#pragma once
+
+#include "bandcounter.h"
+
+#include "colour/bandmap.h"
+#include "decode/rasterreader.h"
+
+#include <xrv60/plkerror.h>
+
+#include <vector>
+
+namespace xrv {
+
+class FaultLog;
+
+/// Reads cells of a group of bands and hands them to their counters: bands that are a component's cells straight from
+/// the decoded planes, on their own grid where they are subsampled, others row by row through the palette or colour
+/// conversion.
+class BandRows
+{
+public:
+    /// \a faults, which may be null, is told of damage.
+    BandRows(RasterReader &reader, const BandMap &map, std::vector<int> bands, FaultLog *faults);
+
+    /// Says that all of \a windows will be read at \a level.
+    PLK::CError prefetch(const std::vector<IntRect> &windows, int level, bool resilient) const;
+    /// Adds the cells of \a window (dataset cells) at \a level to \a counters, one for each band. Windows that touch
+    /// give no cell twice. Errors are those of the reader.
+    PLK::CError read(const IntRect &window, int level, bool resilient, std::vector<BandCounter> *counters) const;
+
+private:
+    struct Steps
+    {
+        std::uint32_t x = 1, y = 1;
+    };
+    ReadRequest requestFor(const IntRect &window, int level, bool resilient) const;
+    Steps stepsOf(int component) const;
+    Steps finestSteps(const std::vector<int> &components) const;
+    IntRect coreRect(const IntRect &window, int level, Steps steps) const;
+    void countDirect(const Plane &plane, const IntRect &core, BandCounter *counter) const;
+    void countConverted(const std::vector<Plane> &planes, const IntRect &window, int level,
+                        std::vector<BandCounter> *counters) const;
+
+    RasterReader &reader;
+    const BandMap &map;
+    const std::vector<int> bands;
+    FaultLog *const faults;
+    std::vector<int> converted; ///< those of the bands that are no component's cells
+    std::vector<int> convertedComponents;
+};
+
+} // namespace xrv

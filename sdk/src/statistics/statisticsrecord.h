@@ -1,0 +1,22 @@
+#pragma once
+
+#include <xrv60/plktypes.h>
+
+#include <cstddef>
+#include <memory>
+
+namespace xrv {
+
+struct StatisticsDeleter
+{
+    void operator()(PLKFileStatistics *statistics) const;
+};
+/// The public record with all it points to.
+using StatisticsPtr = std::unique_ptr<PLKFileStatistics, StatisticsDeleter>;
+
+/// A record of so many bands, with all figures 0 and without histograms.
+StatisticsPtr makeStatisticsRecord(std::size_t bands);
+
+StatisticsPtr copyOf(const PLKFileStatistics &statistics);
+
+} // namespace xrv

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "base/cancelflag.h"
+#include "view/sampling/bytemap.h"
+
+#include <xrv60/plktypes.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace xrv {
+
+/// Edges of a view in some plane: the outer edges of its first and last column and row. They may run backwards.
+struct EdgeRect
+{
+    double left = 0.0, top = 0.0, right = 0.0, bottom = 0.0;
+    bool operator==(const EdgeRect &r) const
+    {
+        return left == r.left && top == r.top && right == r.right && bottom == r.bottom;
+    }
+};
+
+/// A view as it was set. Made once, then never changed; only the flag may be raised.
+struct ViewRequest
+{
+    std::vector<int> bands; ///< as set: 1, 2, 3 or 4, may repeat
+    int width = 0, height = 0;
+    EdgeRect worldRect;
+    EdgeRect datasetRect; ///< cells, (0, 0) at the corner of the image
+    PLKResampleMethod resampleMethod = PLK_RESAMPLE_NEAREST;
+    int qualityLayers = 0; ///< 0 = all
+    bool resilient = true;
+    bool textureDither = false;                           ///< where the source can be dithered
+    bool coarserNearest = false;                          ///< nearest-neighbour views may take a coarser level
+    std::vector<std::shared_ptr<const ByteMap>> byteMaps; ///< one per entry of bands
+    std::vector<std::shared_ptr<const ByteMap>> autoscaledByteMaps; ///< the same with opacity scaled up to 0..255
+    unsigned refreshTimeMs = 0;                                     ///< shortest time between two callbacks
+    unsigned blockingTimeMs = 0; ///< longest time that setting a blocking view may wait for its first lines
+    std::uint64_t generation = 0;
+    CancelFlag cancel;
+};
+
+using RequestPtr = std::shared_ptr<const ViewRequest>;
+
+} // namespace xrv

@@ -1,1 +1,0 @@
-set(stage_sources xrvrecords.cpp xrvstructure.cpp)

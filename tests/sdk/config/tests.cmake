@@ -1,3 +1,0 @@
-xrv_add_sdk_test(tst_config)
-xrv_add_sdk_test(tst_logger LABELS threads)
-xrv_add_sdk_test(tst_configeffects)

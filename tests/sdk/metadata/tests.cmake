@@ -1,2 +1,0 @@
-xrv_add_sdk_test(tst_statistics OPTIMIZED)
-xrv_add_sdk_test(tst_fileclient LABELS threads)

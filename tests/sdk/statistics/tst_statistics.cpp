@@ -1,0 +1,406 @@
+#include "statistics/statistics.h"
+
+#include "sdk/view/fakereader.h"
+
+#include <xrv60/plkinit.h>
+
+#include <QtTest>
+
+#include <cmath>
+#include <map>
+#include <numeric>
+
+using xrv::BandMap;
+using xrv::ComponentInfo;
+using xrv::IntRect;
+using xrv::Jp2Structure;
+using xrv::RasterInfo;
+using xrv::SampleType;
+using xrv::StatisticsPtr;
+
+namespace {
+
+/// Keeps what was asked of it. A cell of a level is the full-resolution cell at its place.
+class LevelReader : public FakeReader
+{
+public:
+    /// Cell at column x and row y of a component's own grid, canvas coordinates.
+    using CellFunction = std::function<std::int64_t(int component, std::int64_t x, std::int64_t y)>;
+
+    LevelReader(RasterInfo info, const CellFunction &fullCell)
+        : FakeReader(1, 1)
+    {
+        raster = std::move(info);
+        cell = [fullCell](int component, int level, std::int64_t u, std::int64_t v) {
+            return fullCell(component, u << level, v << level);
+        };
+        costOf = [](const xrv::ReadRequest &) { return xrv::ReadCost(); };
+        onRead = [this](const xrv::ReadRequest &request) {
+            requests.push_back(request);
+            return PLK::CError();
+        };
+    }
+
+    /// All cells of a component at a level, row by row.
+    std::vector<std::int64_t> cellsOf(int component, int level) const
+    {
+        std::vector<std::int64_t> cells;
+        const IntRect rect = raster.levelRect(component, level);
+        for (std::int64_t y = rect.y0; y < rect.y1; ++y)
+            for (std::int64_t x = rect.x0; x < rect.x1; ++x)
+                cells.push_back(cell(component, level, x, y));
+        return cells;
+    }
+
+    std::vector<xrv::ReadRequest> requests;
+};
+
+SampleType typeFor(int bits, bool isSigned)
+{
+    if (bits <= 8)
+        return isSigned ? SampleType::Int8 : SampleType::UInt8;
+    if (bits <= 16)
+        return isSigned ? SampleType::Int16 : SampleType::UInt16;
+    return isSigned ? SampleType::Int32 : SampleType::UInt32;
+}
+
+ComponentInfo component(int bits, bool isSigned, std::uint32_t step = 1)
+{
+    return {static_cast<std::uint8_t>(bits), isSigned, step, step, typeFor(bits, isSigned)};
+}
+
+RasterInfo raster(std::uint32_t width, std::uint32_t height, int levels, std::vector<ComponentInfo> components,
+                  std::uint32_t offset = 0)
+{
+    RasterInfo info;
+    info.width = width;
+    info.height = height;
+    info.canvasX0 = info.canvasY0 = offset;
+    info.canvasX1 = offset + width;
+    info.canvasY1 = offset + height;
+    info.components = std::move(components);
+    info.levels = info.codedLevels = levels;
+    return info;
+}
+
+/// Spread over all values of the band, with some more often than others.
+std::int64_t noise(int bits, bool isSigned, std::int64_t x, std::int64_t y)
+{
+    const auto mixed = static_cast<std::uint64_t>(x * 73856093) ^ static_cast<std::uint64_t>(y * 19349663);
+    const std::uint64_t wide = (mixed * 0x9E3779B97F4A7C15u) >> 20;
+    const std::uint64_t limit = std::uint64_t(1) << bits;
+    const auto value = static_cast<std::int64_t>((wide % 7 == 0 ? 5 : wide) % limit);
+    return isSigned ? value - static_cast<std::int64_t>(limit / 2) : value;
+}
+
+struct Expected
+{
+    explicit Expected(std::vector<std::int64_t> cells)
+    {
+        std::sort(cells.begin(), cells.end());
+        min = static_cast<double>(cells.front());
+        max = static_cast<double>(cells.back());
+        const std::size_t n = cells.size();
+        median = (static_cast<double>(cells[(n - 1) / 2]) + static_cast<double>(cells[n / 2])) / 2;
+        std::map<std::int64_t, std::size_t> counts;
+        for (std::int64_t value : cells) {
+            ++counts[value];
+            mean += static_cast<double>(value) / static_cast<double>(n);
+        }
+        std::size_t most = 0;
+        for (const auto &entry : counts)
+            if (entry.second > most) {
+                most = entry.second;
+                mode = static_cast<double>(entry.first);
+            }
+        double squares = 0;
+        for (std::int64_t value : cells)
+            squares += (static_cast<double>(value) - mean) * (static_cast<double>(value) - mean);
+        deviation = std::sqrt(squares / static_cast<double>(n));
+    }
+    double min = 0, max = 0, median = 0, mean = 0, mode = 0, deviation = 0;
+};
+
+std::uint64_t sumOf(const PLKBandStatistics &band)
+{
+    return std::accumulate(band.pHistogram, band.pHistogram + band.nHistBucketCount, std::uint64_t(0));
+}
+
+StatisticsPtr statisticsOf(LevelReader &reader, const Jp2Structure &structure = {})
+{
+    std::vector<std::string> warnings;
+    const BandMap map = BandMap::make(reader.info(), structure, &warnings);
+    StatisticsPtr statistics;
+    if (PLK::CError error = xrv::computeStatistics(reader, map, xrv::StatisticsDetail::Full, true, &statistics))
+        qFatal("%s", error.GetErrorMessage());
+    return statistics;
+}
+
+bool isClose(double value, double expected, double tolerance)
+{
+    const bool close = std::abs(value - expected) <= tolerance + std::abs(expected) * 1e-6;
+    if (!close)
+        qWarning("%.9g instead of %.9g", value, expected);
+    return close;
+}
+
+} // namespace
+
+class TestStatistics : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void figuresAgree_data();
+    void figuresAgree();
+    void histogramHasOneBucketPerValue();
+    void everyCellOnceInStrips();
+    void subsampledComponentsOnTheirOwnGrid();
+    void throughThePalette();
+    void colourConversionOfSubsampledComponents();
+    void levelWithAboutAMillionCells_data();
+    void levelWithAboutAMillionCells();
+    void manyBandsStayBounded();
+    void errorsOfTheReader();
+    void clip_data();
+    void clip();
+};
+
+void TestStatistics::figuresAgree_data()
+{
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<bool>("isSigned");
+    QTest::addColumn<int>("constant");     // -1: noise
+    QTest::addColumn<double>("tolerance"); // of mode and median: half a step where there are fewer steps than values
+    QTest::newRow("1 bit") << 1 << false << -1 << 0.0;
+    QTest::newRow("8 bits") << 8 << false << -1 << 0.0;
+    QTest::newRow("5 bits, signed") << 5 << true << -1 << 0.0;
+    QTest::newRow("8 bits, signed") << 8 << true << -1 << 0.0;
+    QTest::newRow("12 bits") << 12 << false << -1 << 0.0;
+    QTest::newRow("16 bits, signed") << 16 << true << -1 << 0.0;
+    QTest::newRow("20 bits") << 20 << false << -1 << 8.5;
+    QTest::newRow("31 bits, signed") << 31 << true << -1 << 16385.0;
+    QTest::newRow("8 bits, all equal") << 8 << false << 77 << 0.0;
+    QTest::newRow("24 bits, all equal") << 24 << false << 70000 << 0.0;
+    QTest::newRow("12 bits, all zero") << 12 << false << 0 << 0.0;
+}
+
+void TestStatistics::figuresAgree()
+{
+    QFETCH(int, bits);
+    QFETCH(bool, isSigned);
+    QFETCH(int, constant);
+    QFETCH(double, tolerance);
+    LevelReader reader(raster(203, 101, 2, {component(bits, isSigned)}, 3), [&](int, std::int64_t x, std::int64_t y) {
+        return constant >= 0 ? constant : noise(bits, isSigned, x, y);
+    });
+    const StatisticsPtr statistics = statisticsOf(reader);
+    QCOMPARE(statistics->nBands, 1u);
+    const PLKBandStatistics &band = statistics->pBandStats[0];
+    const Expected expected(reader.cellsOf(0, 0));
+    QVERIFY(isClose(double(band.fMin), expected.min, 0));
+    QVERIFY(isClose(double(band.fMax), expected.max, 0));
+    QVERIFY(isClose(double(band.fMean), expected.mean, 1e-6));
+    QVERIFY(isClose(double(band.fStandardDev), expected.deviation, 1e-4));
+    QVERIFY(isClose(double(band.fMedian), expected.median, tolerance));
+    QVERIFY(isClose(double(band.fMode), expected.mode, tolerance));
+    QCOMPARE(sumOf(band), std::uint64_t(203 * 101));
+}
+
+void TestStatistics::histogramHasOneBucketPerValue()
+{
+    const auto cell = [](int c, std::int64_t x, std::int64_t) {
+        return c == 0 ? 10 + x : c == 1 ? x - 5 : 1000 + 3 * x;
+    };
+    LevelReader reader(raster(20, 1, 1, {component(8, false), component(8, true), component(16, false)}), cell);
+    const StatisticsPtr statistics = statisticsOf(reader);
+    const PLKBandStatistics *bands = statistics->pBandStats;
+    QCOMPARE(bands[0].nHistBucketCount, 256u);
+    QCOMPARE(bands[0].pHistogram[9], std::uint64_t(0));
+    QCOMPARE(bands[0].pHistogram[10], std::uint64_t(1));
+    QCOMPARE(bands[1].nHistBucketCount, 256u);
+    QCOMPARE(bands[1].pHistogram[128 - 5], std::uint64_t(1)); // the first bucket is -128
+    QCOMPARE(bands[1].pHistogram[128 - 6], std::uint64_t(0));
+    QCOMPARE(bands[2].nHistBucketCount, 58u); // 1000 to 1057
+    QCOMPARE(bands[2].pHistogram[3], std::uint64_t(1));
+    QCOMPARE(bands[2].pHistogram[4], std::uint64_t(0));
+}
+
+void TestStatistics::everyCellOnceInStrips()
+{
+    // Rows of so many bands that the image takes several strips; the odd offset puts their edges between level cells.
+    const std::vector<ComponentInfo> components(60, component(8, false));
+    LevelReader reader(raster(3001, 101, 1, components, 5),
+                       [](int c, std::int64_t, std::int64_t y) { return (c + y) % 256; });
+    const StatisticsPtr statistics = statisticsOf(reader);
+    QVERIFY(reader.requests.size() > 1);
+    for (int c : {0, 59}) {
+        std::vector<std::uint64_t> expected(256);
+        for (std::int64_t value : reader.cellsOf(c, 0))
+            ++expected[static_cast<std::size_t>(value)];
+        QVERIFY(std::equal(expected.begin(), expected.end(), statistics->pBandStats[c].pHistogram));
+    }
+}
+
+void TestStatistics::subsampledComponentsOnTheirOwnGrid()
+{
+    LevelReader reader(raster(2051, 2001, 2, {component(8, false), component(8, false, 2), component(8, false, 3)}, 7),
+                       [](int c, std::int64_t x, std::int64_t y) { return (x * 3 + y * 5 + c) % 200; });
+    const StatisticsPtr statistics = statisticsOf(reader);
+    QCOMPARE(reader.requests.front().level, 1);
+    for (int c = 0; c < 3; ++c) {
+        const std::vector<std::int64_t> cells = reader.cellsOf(c, 1);
+        QCOMPARE(sumOf(statistics->pBandStats[c]), std::uint64_t(cells.size()));
+        QVERIFY(isClose(double(statistics->pBandStats[c].fMean), Expected(cells).mean, 1e-4));
+    }
+}
+
+void TestStatistics::throughThePalette()
+{
+    Jp2Structure structure;
+    structure.palette = xrv::Palette{3, {{8, false}, {8, false}}, {10, 200, 20, 100, 30, 0}};
+    structure.mapping = {{0, true, 0}, {0, true, 1}};
+    LevelReader reader(raster(30, 10, 1, {component(8, false)}),
+                       [](int, std::int64_t x, std::int64_t) { return x % 3; });
+    const StatisticsPtr statistics = statisticsOf(reader, structure);
+    QCOMPARE(statistics->nBands, 2u);
+    QCOMPARE(double(statistics->pBandStats[0].fMean), 20.0);
+    QCOMPARE(double(statistics->pBandStats[0].fMax), 30.0);
+    QCOMPARE(double(statistics->pBandStats[1].fMin), 0.0);
+    QCOMPARE(statistics->pBandStats[1].pHistogram[100], std::uint64_t(100));
+}
+
+void TestStatistics::colourConversionOfSubsampledComponents()
+{
+    Jp2Structure structure;
+    structure.colour = xrv::ColourSpecification{};
+    structure.colour->kind = xrv::ColourSpecification::Kind::SYcc;
+    LevelReader reader(raster(101, 51, 1, {component(8, false), component(8, false, 2), component(8, false, 2)}, 1),
+                       [](int c, std::int64_t x, std::int64_t) { return c == 0 ? x % 256 : 128; });
+    const StatisticsPtr statistics = statisticsOf(reader, structure);
+    QCOMPARE(statistics->nBands, 3u);
+    for (int band = 0; band < 3; ++band) { // without chroma every colour is the luma
+        QCOMPARE(sumOf(statistics->pBandStats[band]), std::uint64_t(101 * 51));
+        QCOMPARE(double(statistics->pBandStats[band].fMin), 1.0);
+        QCOMPARE(double(statistics->pBandStats[band].fMax), 101.0);
+        QCOMPARE(double(statistics->pBandStats[band].fMean), 51.0);
+    }
+}
+
+void TestStatistics::levelWithAboutAMillionCells_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("height");
+    QTest::addColumn<int>("levels");
+    QTest::addColumn<int>("bands");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<double>("mostCells");
+    QTest::newRow("small image, whole") << 800 << 600 << 6 << 3 << 0 << 0.5e6;
+    QTest::newRow("scene") << 10980 << 10980 << 6 << 3 << 3 << 2e6;
+    QTest::newRow("a million at a level") << 4000 << 4000 << 6 << 1 << 2 << 1e6;
+    QTest::newRow("too few levels") << 40000 << 40000 << 1 << 3 << 0 << 5e6;
+    QTest::newRow("one column") << 1 << 2000000000 << 1 << 1 << 0 << 5e6;
+    QTest::newRow("largest image") << 2147483647 << 2147483647 << 33 << 1 << 21 << 2e6;
+    QTest::newRow("very many bands") << 4096 << 4096 << 6 << 16384 << 5 << 16384.0;
+    QTest::newRow("very many bands, too few levels") << 4096 << 4096 << 1 << 16384 << 0 << 24600.0;
+}
+
+void TestStatistics::levelWithAboutAMillionCells()
+{
+    QFETCH(int, width);
+    QFETCH(int, height);
+    QFETCH(int, levels);
+    QFETCH(int, bands);
+    QFETCH(int, level);
+    QFETCH(double, mostCells);
+    const RasterInfo info = raster(std::uint32_t(width), std::uint32_t(height), levels, {component(8, false)});
+    const xrv::StatisticsPlan plan = xrv::planStatistics(info, bands);
+    QCOMPARE(plan.level, level);
+    double cells = 0;
+    IntRect last;
+    for (const IntRect &window : plan.windows) {
+        QVERIFY(!window.isEmpty());
+        QVERIFY((IntRect{0, 0, width, height}.contains(window)));
+        QVERIFY(window.intersected(last).isEmpty());
+        cells += std::ceil(std::ldexp(double(window.width()), -level)) *
+                 std::ceil(std::ldexp(double(window.height()), -level));
+        last = window;
+    }
+    QVERIFY2(cells <= mostCells, qPrintable(QString::number(cells)));
+    QVERIFY2(cells >= std::min(mostCells / 5, double(width) * height / 10) || width == 1,
+             qPrintable(QString::number(cells)));
+}
+
+void TestStatistics::manyBandsStayBounded()
+{
+    // 16-bit bands: counters for all of them at once would take 300 MB.
+    const std::vector<ComponentInfo> components(600, component(16, false));
+    LevelReader reader(raster(50, 50, 1, components),
+                       [](int c, std::int64_t x, std::int64_t y) { return (c * 7 + x * 97 + y) % 65536; });
+    const StatisticsPtr statistics = statisticsOf(reader);
+    QCOMPARE(statistics->nBands, 600u);
+    QVERIFY(reader.largestAnswer <= 40u << 20);
+    std::uint64_t buckets = 0;
+    for (std::uint32_t b = 0; b < statistics->nBands; ++b)
+        buckets += statistics->pBandStats[b].nHistBucketCount;
+    QVERIFY(buckets <= 4u << 20);
+    QCOMPARE(double(statistics->pBandStats[599].fMin), double(599 * 7));
+    QVERIFY(sumOf(statistics->pBandStats[300]) > 0);
+}
+
+void TestStatistics::errorsOfTheReader()
+{
+    class Failing : public LevelReader
+    {
+        using LevelReader::LevelReader;
+        PLK::CError read(const xrv::ReadRequest &, xrv::ReadResult *) override { return {PLK_ERR_DECODE, "No."}; }
+    };
+    Failing reader(raster(10, 10, 1, {component(8, false)}), [](int, std::int64_t, std::int64_t) { return 0; });
+    std::vector<std::string> warnings;
+    StatisticsPtr statistics;
+    const PLK::CError error = xrv::computeStatistics(reader, BandMap::make(reader.info(), {}, &warnings),
+                                                     xrv::StatisticsDetail::Full, true, &statistics);
+    QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_DECODE));
+    QVERIFY(!statistics);
+}
+
+void TestStatistics::clip_data()
+{
+    // Cells 0 to 199, each once, and what is left of them.
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<double>("percent");
+    QTest::addColumn<double>("low");
+    QTest::addColumn<double>("high");
+    QTest::addColumn<double>("tolerance");
+    for (int bits : {8, 12, 20}) {
+        QTest::addRow("%d bits, all", bits) << bits << 100.0 << 0.0 << 199.0 << 0.0;
+        QTest::addRow("%d bits, more than all", bits) << bits << 250.0 << 0.0 << 199.0 << 0.0;
+        QTest::addRow("%d bits, one cell at either end", bits) << bits << 99.0 << 1.0 << 198.0 << 0.0;
+        QTest::addRow("%d bits, ten cells at either end", bits) << bits << 90.0 << 10.0 << 189.0 << 0.0;
+        QTest::addRow("%d bits, less than a cell", bits) << bits << 99.5 << 0.0 << 199.0 << 0.0;
+        QTest::addRow("%d bits, nothing", bits) << bits << 0.0 << 100.0 << 100.0 << 1.0;
+        QTest::addRow("%d bits, less than nothing", bits) << bits << -5.0 << 100.0 << 100.0 << 1.0;
+    }
+}
+
+void TestStatistics::clip()
+{
+    QFETCH(int, bits);
+    QFETCH(double, percent);
+    QFETCH(double, low);
+    QFETCH(double, high);
+    QFETCH(double, tolerance);
+    // The same for signed bands, whose buckets begin elsewhere, and for values that are far from zero.
+    for (int shift : {0, bits > 8 ? 1500 : 50, -100}) {
+        LevelReader reader(raster(200, 1, 1, {component(bits, shift < 0)}),
+                           [shift](int, std::int64_t x, std::int64_t) { return x + shift; });
+        const StatisticsPtr statistics = statisticsOf(reader);
+        const std::pair<double, double> range = xrv::clipRange(statistics->pBandStats[0], percent);
+        QVERIFY(isClose(range.first, low + shift, tolerance));
+        QVERIFY(isClose(range.second, high + shift, tolerance));
+        QVERIFY(range.first <= range.second);
+    }
+}
+
+QTEST_APPLESS_MAIN(TestStatistics)
+#include "tst_statistics.moc"

@@ -175,6 +175,10 @@ void TestMapView::dragPansByWholePixels()
     sendMouse(shown.view, QEvent::MouseButtonRelease, QPointF(230.5, 120.5), Qt::LeftButton, Qt::NoButton);
     shown.view.repaint();
     QCOMPARE(shown.layer->calls.join(QLatin1Char(' ')), QStringLiteral("roam setView setView end setView"));
+    const QPointF center = shown.view.getCenter();
+    shown.view.resize(300, 300);
+    QTRY_COMPARE(shown.layer->view.size, QSize(300, 300));
+    QCOMPARE(shown.view.getCenter(), center); // what has been dragged is not fitted into the window again
 }
 
 void TestMapView::wheelZoomsAtThePointer()

@@ -1,3 +1,4 @@
+#include "decode/cache/bytebudgetmap.h"
 #include "decode/cache/tilecache.h"
 #include "decode/transform/planeops.h"
 #include "decode/transform/rectset.h"
@@ -18,6 +19,11 @@ TileCache::Key keyOf(std::uint64_t file, std::uint32_t tile)
     return key;
 }
 
+struct FortyBytes
+{
+    std::size_t memoryUse() const { return 40; }
+};
+
 TileCache::PlanePtr planeOf(const IntRect &rect)
 {
     return std::make_shared<const Plane>(makePlane(0, rect, SampleType::UInt8));
@@ -33,6 +39,7 @@ private slots:
     void leastRecentlyUsedGoesFirst();
     void coveredPlanesGo();
     void dropsOneFile();
+    void indexesKeepToTheirBudget();
     void subtractionLeavesTheRest();
 };
 
@@ -82,6 +89,14 @@ void TestTileCache::dropsOneFile()
     QVERIFY(cache.contains(keyOf(b, 0)));
     cache.drop(b);
     QCOMPARE(cache.bytesUsed(), std::uint64_t(0));
+}
+
+void TestTileCache::indexesKeepToTheirBudget()
+{
+    ByteBudgetMap<int, FortyBytes> map(100);
+    for (const int key : {0, 1, 2})
+        map.insert(key, std::make_shared<const FortyBytes>());
+    QVERIFY(!map.find(0) && map.find(1) && map.find(2));
 }
 
 /// Cell by cell, with made up rectangles.

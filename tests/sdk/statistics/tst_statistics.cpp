@@ -224,6 +224,7 @@ void TestStatistics::histogramHasOneBucketPerValue()
     QCOMPARE(bands[2].nHistBucketCount, 58u); // 1000 to 1057
     QCOMPARE(bands[2].pHistogram[3], std::uint64_t(1));
     QCOMPARE(bands[2].pHistogram[4], std::uint64_t(0));
+    QCOMPARE(bands[2].fMedian, 1028.5f); // between the tenth of the twenty cells and the eleventh
 }
 
 void TestStatistics::everyCellOnceInStrips()

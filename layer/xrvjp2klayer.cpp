@@ -1,12 +1,10 @@
 #include "xrvjp2klayer.h"
 
+#include "settings/pluginsettings.h"
 #include "xrvjp2krenderer.h"
-
-#include <QDGui/application.h>
 
 #include <QDateTime>
 #include <QPointer>
-#include <QSettings>
 
 #include <limits>
 #include <utility>
@@ -14,16 +12,6 @@
 namespace Korvane {
 
 namespace {
-
-QString settingsKey(const char *name)
-{
-    return QLatin1String("XRVJP2kLayer/") + QLatin1String(name);
-}
-
-QVariant setting(const char *name, const QVariant &defaultValue)
-{
-    return Application::instance()->settings()->value(settingsKey(name), defaultValue);
-}
 
 constexpr double kNoCoordinate = std::numeric_limits<double>::quiet_NaN();
 
@@ -60,13 +48,14 @@ XRVJP2kLayer::~XRVJP2kLayer()
 
 void XRVJP2kLayer::readSettings()
 {
-    pixmapSmoothing = !setting("OptimizeNearestNeighbour", true).toBool();
-    adaptiveRoam = setting("AdaptiveRendering", false).toBool();
-    progressive = setting("OpenProgressive", true).toBool();
-    defaultResampleType = static_cast<ResampleType>(setting("ResampleType", 0).toInt());
-    backingStore = setting("UseBackingstore", false).toBool();
-    drawOutline = setting("DrawOutline", false).toBool();
-    outlineColor = setting("OutlineColor", QColor(0, 255, 255, 255)).value<QColor>();
+    using namespace PluginSettings;
+    pixmapSmoothing = !read(kNearestNeighbour);
+    adaptiveRoam = read(kAdaptiveRendering);
+    progressive = read(kOpenProgressive);
+    defaultResampleType = static_cast<ResampleType>(read(kResampleType));
+    backingStore = read(kUseBackingstore);
+    drawOutline = read(kDrawOutline);
+    outlineColor = read(kOutlineColor);
     outlinePen = QPen(outlineColor);
 }
 
@@ -217,7 +206,7 @@ void XRVJP2kLayer::setOutlineColor(QColor color)
 {
     outlineColor = color;
     outlinePen = QPen(outlineColor);
-    Application::instance()->settings()->setValue(settingsKey("OutlineColor"), outlineColor);
+    PluginSettings::write(PluginSettings::kOutlineColor, outlineColor);
     refresh(0, 0, 0, 0);
 }
 

@@ -1,13 +1,11 @@
 #include "xrvjp2krenderer.h"
 
+#include "settings/pluginsettings.h"
 #include "tonetable.h"
 #include "xrvjp2klayer.h"
 
-#include <QDGui/application.h>
-
 #include <QColor>
 #include <QPainter>
-#include <QSettings>
 
 #include <algorithm>
 #include <exception>
@@ -16,8 +14,6 @@
 namespace Korvane {
 
 namespace {
-
-constexpr int kDefaultClipTransform = 99;
 
 /// A picture of more pixels than this is taken as one that cannot be made. Cells shown thousands of pixels wide are
 /// asked for whole, and the system would hand out gigabytes that it does not have.
@@ -50,8 +46,7 @@ XRVJP2kRenderer::~XRVJP2kRenderer()
 
 int XRVJP2kRenderer::defaultTransformClip()
 {
-    const QSettings *settings = Application::instance()->settings();
-    return settings->value(QStringLiteral("XRVJP2kLayer/DefaultClipTransform"), kDefaultClipTransform).toInt();
+    return PluginSettings::read(PluginSettings::kDefaultClipTransform);
 }
 
 PLK::CError XRVJP2kRenderer::openFile(const QString &path, bool progressive)

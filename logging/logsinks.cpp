@@ -1,9 +1,10 @@
 #include "logsinks.h"
 
+#include "settings/pluginsettings.h"
+
 #include <QDGui/application.h>
 
 #include <QDateTime>
-#include <QSettings>
 
 using Korvane::Application;
 
@@ -54,14 +55,8 @@ void logSdkMessage(const QString &text, int level)
     Application::logMessage(text, toHostLevel(level), QDateTime::currentDateTime());
 }
 
-bool isLoggingWanted()
-{
-    const QSettings *settings = Application::instance()->settings();
-    return settings->value(QStringLiteral("XRVJP2kLayer/LogXrvEvents"), true).toBool();
-}
-
-CTANNISViewerCharLogger charSink(isLoggingWanted());
-CTANNISViewerWCharLogger wcharSink(isLoggingWanted());
+CTANNISViewerCharLogger charSink(PluginSettings::read(PluginSettings::kLogXrvEvents));
+CTANNISViewerWCharLogger wcharSink(PluginSettings::read(PluginSettings::kLogXrvEvents));
 
 } // namespace
 

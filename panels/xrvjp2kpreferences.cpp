@@ -1,6 +1,7 @@
 #include "xrvjp2kpreferences.h"
 
 #include "logging/logsinks.h"
+#include "settings/pluginsettings.h"
 #include "ui_xrvjp2kpreferences.h"
 
 #include <QDGui/application.h>
@@ -21,36 +22,14 @@ using Korvane::Util::String::formatFileSize;
 
 namespace {
 
-constexpr quint64 kMostMemoryMb = 2048;
-constexpr quint64 kUsualMemoryMb = 512;
-constexpr int kLeastMemoryPercent = 10;
-constexpr quint64 kMostDiskMb = 500;
-constexpr int kLeastDiskPercent = 20;
-constexpr int kDefaultClipPercent = 99;
+constexpr quint64 kMaxMemoryMb = 2048;
+constexpr int kMinMemoryPercent = 10;
+constexpr quint64 kMaxDiskMb = 500;
+constexpr int kMinDiskPercent = 20;
 
 // What init() writes and what a moved slider writes differ by the blanks.
 constexpr const char *kSizeFormat = "%2.2f";
 constexpr const char *kIndentedSizeFormat = "  %2.2f";
-
-QString keyOf(const char *name)
-{
-    return QLatin1String("XRVJP2kLayer/") + QLatin1String(name);
-}
-
-QVariant stored(const char *name, const QVariant &defaultValue)
-{
-    return Application::instance()->settings()->value(keyOf(name), defaultValue);
-}
-
-void store(const char *name, const QVariant &value)
-{
-    Application::instance()->settings()->setValue(keyOf(name), value);
-}
-
-QString defaultCacheFolder()
-{
-    return QDir::tempPath() + QLatin1String("/QDViewerXrvpCache");
-}
 
 QString megabytesText(quint64 megabytes, const char *format)
 {
@@ -73,8 +52,8 @@ XRVJP2kPreferences::XRVJP2kPreferences(QWidget *parent)
     ui->setupUi(this);
     setObjectName(QStringLiteral("XRV JP2"));
     totalMemory = static_cast<qint64>(Korvane::System::getTotalRAM());
-    maximumMemory = std::min(static_cast<quint64>(totalMemory >> 2), kMostMemoryMb);
-    recommendedMemory = std::min(maximumMemory, kUsualMemoryMb);
+    maximumMemory = std::min(static_cast<quint64>(totalMemory >> 2), kMaxMemoryMb);
+    recommendedMemory = std::min(maximumMemory, PluginSettings::kCacheMaxMemMb.onPage);
     readSettings();
     connectWidgets();
     init();
@@ -87,20 +66,21 @@ XRVJP2kPreferences::~XRVJP2kPreferences()
 
 void XRVJP2kPreferences::readSettings()
 {
-    streamCacheEnabled = stored("LocalXrvpCache", true).toBool();
-    memoryCacheSize = stored("CacheMaxMemMb", kUsualMemoryMb).toULongLong();
-    cacheFolder = stored("XrvpCacheDir", defaultCacheFolder()).toString();
-    diskCacheSize = stored("DiskCacheMaxSizeMb", kMostDiskMb).toULongLong();
-    textureDither = stored("TextureDither", false).toBool();
-    resilientDecoding = stored("ResilientDecoding", true).toBool();
-    optimizeNonProgressive = stored("OptimizeNonProgressive", false).toBool();
-    nearestNeighbour = stored("OptimizeNearestNeighbour", true).toBool();
-    adaptiveRendering = stored("AdaptiveRendering", false).toBool();
-    clipPercent = stored("DefaultClipTransform", kDefaultClipPercent).toInt();
-    openProgressive = stored("OpenProgressive", true).toBool();
-    useWinHttp = stored("UseWinHTTPInXrvp", false).toBool();
-    userAgent = stored("XRVPUserAgent", QGuiApplication::applicationDisplayName()).toString();
-    logSdkEvents = stored("LogXrvEvents", true).toBool();
+    using namespace PluginSettings;
+    streamCacheEnabled = readForPage(kLocalXrvpCache);
+    memoryCacheSize = readForPage(kCacheMaxMemMb);
+    cacheFolder = readForPage(kXrvpCacheDir);
+    diskCacheSize = readForPage(kDiskCacheMaxSizeMb);
+    textureDither = readForPage(kTextureDither);
+    resilientDecoding = readForPage(kResilientDecoding);
+    optimizeNonProgressive = readForPage(kOptimizeNonProgressive);
+    nearestNeighbour = readForPage(kNearestNeighbour);
+    adaptiveRendering = readForPage(kAdaptiveRendering);
+    clipPercent = readForPage(kDefaultClipTransform);
+    openProgressive = readForPage(kOpenProgressive);
+    useWinHttp = readForPage(kUseWinHttp);
+    userAgent = readForPage(kXrvpUserAgent);
+    logSdkEvents = readForPage(kLogXrvEvents);
 }
 
 void XRVJP2kPreferences::connectWidgets()
@@ -133,7 +113,7 @@ void XRVJP2kPreferences::init()
 
 void XRVJP2kPreferences::showCaches()
 {
-    ui->xrvpMemCacheDirSizeSlider->setRange(kLeastMemoryPercent, 100);
+    ui->xrvpMemCacheDirSizeSlider->setRange(kMinMemoryPercent, 100);
     ui->xrvpMemCacheDirSizeSlider->setValue(percentOf(memoryCacheSize, maximumMemory));
     ui->xrvpCacheDirLabel->setText(megabytesText(memoryCacheSize, kSizeFormat));
     QString advice = ui->memCacheLabel->text();
@@ -142,8 +122,8 @@ void XRVJP2kPreferences::showCaches()
 
     ui->diskCacheGroupBox->setChecked(streamCacheEnabled);
     ui->xrvpDiskCacheLocationEdit->setText(cacheFolder);
-    ui->xrvpDiskCacheSizeSlider->setRange(kLeastDiskPercent, 100);
-    ui->xrvpDiskCacheSizeSlider->setValue(percentOf(diskCacheSize, kMostDiskMb));
+    ui->xrvpDiskCacheSizeSlider->setRange(kMinDiskPercent, 100);
+    ui->xrvpDiskCacheSizeSlider->setValue(percentOf(diskCacheSize, kMaxDiskMb));
     ui->xrvpDiskCacheSizeLabel->setText(formatFileSize(cacheBytesUsed(), kSizeFormat));
     ui->xrvpDiskCacheLabel->setText(megabytesText(diskCacheSize, kIndentedSizeFormat));
 }
@@ -183,22 +163,23 @@ quint64 XRVJP2kPreferences::cacheBytesUsed() const
 
 void XRVJP2kPreferences::onSavePrefs()
 {
+    using namespace PluginSettings;
     userAgent = ui->userAgentLineEdit->text();
-    store("TextureDither", textureDither);
-    store("LocalXrvpCache", streamCacheEnabled);
-    store("XrvpCacheDir", cacheFolder);
-    store("CacheMaxMemMb", memoryCacheSize);
-    store("DiskCacheMaxSizeMb", diskCacheSize);
-    store("ResilientDecoding", resilientDecoding);
-    store("OptimizeNonProgressive", optimizeNonProgressive);
-    store("OptimizeNearestNeighbour", nearestNeighbour);
-    store("AdaptiveRendering", adaptiveRendering);
-    store("DefaultClipTransform", static_cast<uint>(clipPercent));
-    store("OpenProgressive", openProgressive);
-    store("UseWinHTTPInXrvp", useWinHttp);
-    store("XRVPUserAgent", userAgent);
-    store("LogXrvEvents", logSdkEvents);
-    Application::instance()->settings()->remove(keyOf("LogLevel")); // of earlier versions
+    write(kTextureDither, textureDither);
+    write(kLocalXrvpCache, streamCacheEnabled);
+    write(kXrvpCacheDir, cacheFolder);
+    write(kCacheMaxMemMb, memoryCacheSize);
+    write(kDiskCacheMaxSizeMb, diskCacheSize);
+    write(kResilientDecoding, resilientDecoding);
+    write(kOptimizeNonProgressive, optimizeNonProgressive);
+    write(kNearestNeighbour, nearestNeighbour);
+    write(kAdaptiveRendering, adaptiveRendering);
+    write(kDefaultClipTransform, static_cast<uint>(clipPercent));
+    write(kOpenProgressive, openProgressive);
+    write(kUseWinHttp, useWinHttp);
+    write(kXrvpUserAgent, userAgent);
+    write(kLogXrvEvents, logSdkEvents);
+    remove(kLogLevel);
     setLogSinksEnabled(logSdkEvents);
 }
 
@@ -210,7 +191,7 @@ void XRVJP2kPreferences::onCacheDirSliderMove(int value)
 
 void XRVJP2kPreferences::onDiskCacheSliderMove(int value)
 {
-    diskCacheSize = static_cast<quint64>(value / 100.0 * static_cast<double>(kMostDiskMb));
+    diskCacheSize = static_cast<quint64>(value / 100.0 * static_cast<double>(kMaxDiskMb));
     ui->xrvpDiskCacheLabel->setText(megabytesText(diskCacheSize, kIndentedSizeFormat));
 }
 
@@ -296,20 +277,22 @@ void XRVJP2kPreferences::onViewFiles(bool)
     }
 }
 
+/// Memory, dither and user agent become other than what is proposed where nothing was stored.
 void XRVJP2kPreferences::onDefaults(bool)
 {
+    using namespace PluginSettings;
     textureDither = true;
-    streamCacheEnabled = true;
+    streamCacheEnabled = kLocalXrvpCache.onPage;
     memoryCacheSize = recommendedMemory;
-    cacheFolder = defaultCacheFolder();
-    diskCacheSize = kMostDiskMb;
-    resilientDecoding = true;
-    optimizeNonProgressive = false;
-    nearestNeighbour = true;
-    clipPercent = kDefaultClipPercent;
-    useWinHttp = false;
+    cacheFolder = kXrvpCacheDir.onPage();
+    diskCacheSize = kDiskCacheMaxSizeMb.onPage;
+    resilientDecoding = kResilientDecoding.onPage;
+    optimizeNonProgressive = kOptimizeNonProgressive.onPage;
+    nearestNeighbour = kNearestNeighbour.onPage;
+    clipPercent = kDefaultClipTransform.onPage;
+    useWinHttp = kUseWinHttp.onPage;
     userAgent.clear();
-    logSdkEvents = true;
+    logSdkEvents = kLogXrvEvents.onPage;
     init();
 }
 

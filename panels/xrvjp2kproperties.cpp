@@ -1,9 +1,9 @@
 #include "xrvjp2kproperties.h"
 
 #include "layer/xrvjp2klayer.h"
+#include "settings/pluginsettings.h"
 #include "ui_xrvjp2kproperties.h"
 
-#include <QDGui/application.h>
 #include <QDGui/mapview.h>
 #include <xrv60/plkconfig.h>
 #include <xrv60/plkfile.h>
@@ -12,18 +12,15 @@
 #include <QButtonGroup>
 #include <QColorDialog>
 #include <QMdiSubWindow>
-#include <QSettings>
 #include <QSignalBlocker>
 
 #include <algorithm>
 #include <cmath>
 
-using Korvane::Application;
 using Korvane::XRVJP2kLayer;
 
 namespace {
 
-constexpr int kDefaultClipTransform = 99;
 constexpr int kContentsMargin = 3;
 constexpr int kReadLineRGBA = 0;
 constexpr int kReadLineBIL = 1;
@@ -245,9 +242,7 @@ void XRVJP2kProperties::on_resetTransparency_clicked()
 
 void XRVJP2kProperties::on_resetDRA_clicked()
 {
-    const QSettings *settings = Application::instance()->settings();
-    ui->draSlider->setValue(
-        settings->value(QStringLiteral("XRVJP2kLayer/DefaultClipTransform"), kDefaultClipTransform).toInt());
+    ui->draSlider->setValue(PluginSettings::read(PluginSettings::kDefaultClipTransform));
 }
 
 void XRVJP2kProperties::on_resetJp2Quality_clicked()

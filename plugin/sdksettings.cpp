@@ -1,36 +1,31 @@
 #include "sdksettings.h"
 
+#include "settings/pluginsettings.h"
+
 #include <xrv60/plkconfig.h>
 #include <xrv60/plkfile.h>
-
-#include <QDir>
-#include <QSettings>
 
 #include <algorithm>
 
 namespace {
 
-constexpr int kLeastCacheMb = 100;
-
-QVariant valueOf(const QSettings &settings, const char *name, const QVariant &defaultValue)
-{
-    return settings.value(QLatin1String("XRVJP2kLayer/") + QLatin1String(name), defaultValue);
-}
+constexpr int kMinCacheMb = 100;
 
 } // namespace
 
-SdkSettings readSdkSettings(const QSettings &settings)
+SdkSettings readSdkSettings()
 {
+    using namespace PluginSettings;
     SdkSettings result;
-    result.textureDither = valueOf(settings, "TextureDither", false).toBool();
-    result.localXrvpCache = valueOf(settings, "LocalXrvpCache", true).toBool();
-    result.xrvpCacheDir = valueOf(settings, "XrvpCacheDir", QDir::tempPath()).toString();
-    result.cacheMaxMemMb = std::max(kLeastCacheMb, valueOf(settings, "CacheMaxMemMb", 512).toInt());
-    result.diskCacheMaxSizeMb = valueOf(settings, "DiskCacheMaxSizeMb", 256).toInt();
-    result.resilientDecoding = valueOf(settings, "ResilientDecoding", true).toBool();
-    result.optimizeNearestNeighbour = valueOf(settings, "OptimizeNearestNeighbour", true).toBool();
-    result.xrvpUserAgent = valueOf(settings, "XRVPUserAgent", QString()).toString();
-    result.useWinHttp = valueOf(settings, "UseWinHTTPInXrvp", false).toBool();
+    result.textureDither = read(kTextureDither);
+    result.localXrvpCache = read(kLocalXrvpCache);
+    result.xrvpCacheDir = read(kXrvpCacheDir);
+    result.cacheMaxMemMb = std::max(kMinCacheMb, read(kCacheMaxMemMb));
+    result.diskCacheMaxSizeMb = read(kDiskCacheMaxSizeMb);
+    result.resilientDecoding = read(kResilientDecoding);
+    result.optimizeNearestNeighbour = read(kNearestNeighbour);
+    result.xrvpUserAgent = read(kXrvpUserAgent);
+    result.useWinHttp = read(kUseWinHttp);
     return result;
 }
 

@@ -2,25 +2,23 @@
 
 #include <QString>
 
-class QSettings;
-
 /// The settings that the SDK is started with.
 struct SdkSettings
 {
     bool textureDither = false;
-    bool localXrvpCache = true;
+    bool localXrvpCache = false;
     QString xrvpCacheDir;
-    int cacheMaxMemMb = 512; ///< at least 100
-    int diskCacheMaxSizeMb = 256;
-    bool resilientDecoding = true;
-    bool optimizeNearestNeighbour = true;
+    int cacheMaxMemMb = 0; ///< at least 100
+    int diskCacheMaxSizeMb = 0;
+    bool resilientDecoding = false;
+    bool optimizeNearestNeighbour = false;
     QString xrvpUserAgent;
     bool useWinHttp = false;
 };
 
-/// What is stored under "XRVJP2kLayer/", with the defaults of the start-up for what is missing. The preferences page
-/// has defaults of its own for some of it; the SDK runs with these until a person has saved the preferences.
-SdkSettings readSdkSettings(const QSettings &settings);
+/// What is stored, with the defaults of the start-up for what is missing. The preferences page has defaults of its own
+/// for some of it; the SDK runs with these until a person has saved the preferences.
+SdkSettings readSdkSettings();
 
 /// Hands \a settings to the SDK's global configuration.
 void applySdkSettings(const SdkSettings &settings);

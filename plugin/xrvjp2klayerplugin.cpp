@@ -59,7 +59,7 @@ XRVJP2kLayerPlugin::XRVJP2kLayerPlugin(QObject *parent)
 {
     PLK::CLog::RegisterLogger(&charLogSink());
     PLK::CLog::RegisterLogger(&wcharLogSink());
-    const SdkSettings settings = readSdkSettings(*Application::instance()->settings());
+    const SdkSettings settings = readSdkSettings();
     logStartUp(settings);
     startSdk(settings);
     createBrowser();

@@ -48,6 +48,7 @@ bool XRVJP2kLayer::setDataSource(QString source)
         lastError = tr("Another source is being opened.");
         return false;
     }
+    setOpeningCancelled(false);
     histogramCache.clear();
     if (!resolveSource(&source))
         return false;
@@ -152,10 +153,13 @@ PLK::CError XRVJP2kLayer::openRenderer(XRVJP2kRenderer &target, const QString &s
     };
     task.cancel = [&control] { control.Cancel(); };
     task.progress = [&control] { return progressOf(control); };
-    if (task.run() == Gui::LongTask::Outcome::Cancelled)
+    const bool isCancelled = task.run() == Gui::LongTask::Outcome::Cancelled;
+    if (isCancelled)
         error = {PLK_ERR_CANCELLED, QT_TR_NOOP("The opening was cancelled.")};
-    if (self)
+    if (self) {
         opening.reset();
+        setOpeningCancelled(isCancelled);
+    }
     return error;
 }
 

@@ -126,6 +126,16 @@ signed char Layer::getPercentComplete() const
     return 100;
 }
 
+bool Layer::isOpeningCancelled() const
+{
+    return d->isOpeningCancelled;
+}
+
+void Layer::setOpeningCancelled(bool cancelled)
+{
+    d->isOpeningCancelled = cancelled;
+}
+
 void Layer::refresh(double x1, double y1, double x2, double y2)
 {
     {

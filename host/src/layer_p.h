@@ -28,6 +28,7 @@ struct Layer::Private
     QString comments;
     QString description;
     bool visible = true;
+    bool isOpeningCancelled = false;
 
     /// Guards pendingRefresh and refreshCount. Not a QMutex: thread checkers see through the standard one.
     mutable std::mutex refreshMutex;

@@ -27,7 +27,6 @@ constexpr int kPatience = 500;   // milliseconds from the beginning until the di
 constexpr int kPollInterval = 8; // milliseconds
 
 int runningTasks = 0;
-int cancelledTasks = 0;
 bool hasSeenQuit = false; // at the end of a task, whose caller may have others to come
 
 /// Puts the arrow in the place of a wait cursor: there is a button to click.
@@ -209,18 +208,11 @@ bool LongTask::isRunning()
     return runningTasks > 0;
 }
 
-int LongTask::getCancelCount()
-{
-    return cancelledTasks;
-}
-
 LongTask::Outcome LongTask::run() const
 {
     hasSeenQuit = hasSeenQuit && isQuitting();
-    if (hasSeenQuit) {
-        ++cancelledTasks;
+    if (hasSeenQuit)
         return Outcome::Cancelled;
-    }
     std::optional<TaskThread> thread;
     try {
         if (canStayAlive())
@@ -228,13 +220,11 @@ LongTask::Outcome LongTask::run() const
     } catch (const std::system_error &) {
         // Without a thread to spare the windows have to wait.
     }
-    Outcome outcome = Outcome::Done;
     if (!thread) {
         work();
-        return outcome;
+        return Outcome::Done;
     }
-    outcome = Waiting(*this, *thread).wait();
-    cancelledTasks += outcome == Outcome::Cancelled ? 1 : 0;
+    const Outcome outcome = Waiting(*this, *thread).wait();
     thread->finish();
     return outcome;
 }

@@ -4,7 +4,6 @@
 
 #include <QDGui/ilayerplugin.h>
 #include <QDGui/ilayerplugininfo.h>
-#include <QDGui/longtask.h>
 #include <QDGui/pluginregistry.h>
 
 #include <QDir>
@@ -40,12 +39,11 @@ LayerOpener::Result LayerOpener::open(const QString &source) const
     // What the best-suited plug-in said matters more than what the others say about a file that is not theirs.
     QString firstError;
     bool isCancelled = false;
-    const int cancelled = Korvane::Gui::LongTask::getCancelCount();
     for (ILayerPlugin *factory : factoriesFor(normalized)) {
         std::unique_ptr<Layer> layer(factory->createLayer(false));
         if (layer && layer->setDataSource(normalized))
             return {std::move(layer), QString()};
-        isCancelled = Korvane::Gui::LongTask::getCancelCount() != cancelled;
+        isCancelled = layer && layer->isOpeningCancelled();
         if (layer && (firstError.isEmpty() || isCancelled))
             firstError = layer->getLastError().simplified();
         if (isCancelled)

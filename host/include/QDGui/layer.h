@@ -82,6 +82,10 @@ public:
     /// \a device the rectangle of device pixels that shows it. A progressive layer draws what it has.
     virtual void paint(GeoPainter &painter, const QRectF *world, const QRect *device) = 0;
 
+    /// Whether the last setDataSource() failed because somebody did not want to wait for it, and not for a fault of the
+    /// source.
+    bool isOpeningCancelled() const;
+
     /// Asks for the world rectangle from (x1, y1) to (x2, y2) to be drawn again; (0, 0, 0, 0) means all of the layer.
     /// May be called from any thread as long as the layer exists, and returns at once: calls are gathered and delivered
     /// by refreshRequested() from the layer's event loop. Those still pending when the layer is deleted are dropped.
@@ -102,6 +106,8 @@ Q_SIGNALS:
     void refreshRequested(const QRectF &worldRect);
 
 protected:
+    /// For setDataSource().
+    void setOpeningCancelled(bool cancelled);
     bool event(QEvent *event) override;
 
 private:

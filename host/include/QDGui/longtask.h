@@ -49,8 +49,6 @@ public:
     /// Whether a task is under way that leaves the windows alive: what comes up meanwhile and is not to happen within
     /// its caller had better wait. GUI thread.
     static bool isRunning();
-    /// How many tasks have been cancelled so far, for those that see no more of one than that it failed. GUI thread.
-    static int getCancelCount();
 };
 
 } // namespace Gui

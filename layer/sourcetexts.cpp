@@ -11,13 +11,13 @@ namespace Korvane {
 
 namespace {
 
-constexpr int kLongestName = 60;
+constexpr int kMaxNameLength = 60;
 
 QString shortened(const QString &text)
 {
-    if (text.size() <= kLongestName)
+    if (text.size() <= kMaxNameLength)
         return text;
-    return text.left(kLongestName / 2) + QChar(0x2026) + text.right(kLongestName / 2 - 1);
+    return text.left(kMaxNameLength / 2) + QChar(0x2026) + text.right(kMaxNameLength / 2 - 1);
 }
 
 } // namespace

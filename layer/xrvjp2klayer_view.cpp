@@ -12,7 +12,7 @@ namespace Korvane {
 
 namespace {
 
-constexpr qint64 kReconnectInterval = 20000; // milliseconds
+constexpr qint64 kReconnectIntervalMs = 20000;
 
 } // namespace
 
@@ -92,7 +92,7 @@ void XRVJP2kLayer::clearImages()
 
 void XRVJP2kLayer::reconnectWhenDue()
 {
-    if (clock() - lastReconnectTime <= kReconnectInterval)
+    if (clock() - lastReconnectTime <= kReconnectIntervalMs)
         return;
     renderer->Reconnect();
     lastReconnectTime = clock();

@@ -68,7 +68,7 @@ PLK::CError XRVJP2kRenderer::openFile(const QString &path, bool progressive, int
         qualityLayers = MetadataJp2().Layers();
         return error;
     } catch (const std::exception &exception) {
-        return PLK::CError(PLK_ERR_OUT_OF_MEMORY, exception.what());
+        return {PLK_ERR_OUT_OF_MEMORY, exception.what()};
     }
 }
 

@@ -9,12 +9,12 @@
 namespace {
 
 /// In bytes. What is longer is not text for a person to read.
-constexpr quint64 kLargestBox = 256 * 1024 * 1024;
+constexpr quint64 kMaxBoxBytes = 256 * 1024 * 1024;
 
 /// What \a stream holds from where it stands; nothing when it cannot be read.
 std::optional<QString> readText(PLK::CIOStream &stream, quint64 length)
 {
-    if (length > kLargestBox || length > stream.GetSize())
+    if (length > kMaxBoxBytes || length > stream.GetSize())
         return std::nullopt;
     const std::unique_ptr<char[]> buffer(new (std::nothrow) char[length + 1]);
     if (!buffer || !stream.Read(buffer.get(), length))

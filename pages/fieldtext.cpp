@@ -8,14 +8,14 @@ namespace {
 
 /// In characters. The toolkit looks for the end of a word anew on every line that the word takes: with words of a
 /// megabyte, as encoded binary data are, that takes minutes.
-constexpr int kEndlessWord = 2000;
+constexpr int kMaxWordLength = 2000;
 
 bool hasEndlessWord(const QString &text)
 {
     int length = 0;
     for (const QChar character : text) {
         length = character.isSpace() ? 0 : length + 1;
-        if (length > kEndlessWord)
+        if (length > kMaxWordLength)
             return true;
     }
     return false;

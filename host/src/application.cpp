@@ -113,10 +113,10 @@ void Application::logMessage(const QString &text, LogLevel level, const QDateTim
         const std::lock_guard<std::mutex> lock(log.logMutex);
         const LogEntry entry{text, level, time};
         log.history.push_back(entry);
-        if (log.history.size() > kLogHistory)
+        if (log.history.size() > kMaxLogEntries)
             log.history.pop_front();
         log.undelivered.push_back(entry);
-        if (log.undelivered.size() > kLogHistory)
+        if (log.undelivered.size() > kMaxLogEntries)
             log.undelivered.pop_front();
         if (log.undelivered.size() > 1)
             return;

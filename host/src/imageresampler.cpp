@@ -8,7 +8,7 @@ namespace Korvane {
 namespace {
 
 /// Shorter runs are not worth the call.
-constexpr size_t kLeastRun = 16;
+constexpr size_t kMinRun = 16;
 
 /// \a a and \a b in the ratio 256 - weight to weight, all four bytes at once.
 inline QRgb mixed(QRgb a, QRgb b, uint weight)
@@ -151,7 +151,7 @@ void ImageResampler::stretch(int index, Line *line)
     line->pixels.resize(smoothColumns.size());
     for (const Run &run : smoothRuns) {
         QRgb *to = line->pixels.data() + run.start;
-        if (run.count >= kLeastRun) {
+        if (run.count >= kMinRun) {
             mixNeighbours(from + smoothColumns[run.start].first, byteWeights.data() + run.start * sizeof(QRgb), to,
                           run.count);
             continue;

@@ -22,9 +22,9 @@ namespace Gui {
 
 namespace {
 
-constexpr int kUnnoticed = 40;   // milliseconds: what is done by then needs no event loop
-constexpr int kPatience = 500;   // milliseconds from the beginning until the dialog
-constexpr int kPollInterval = 8; // milliseconds
+constexpr int kUnnoticedMs = 40; // what is done by then needs no event loop
+constexpr int kPatienceMs = 500; // from the beginning until the dialog
+constexpr int kPollIntervalMs = 8;
 
 int runningTasks = 0;
 bool hasSeenQuit = false; // at the end of a task, whose caller may have others to come
@@ -121,11 +121,11 @@ private:
 
 LongTask::Outcome Waiting::wait()
 {
-    thread.waitFor(kUnnoticed);
+    thread.waitFor(kUnnoticedMs);
     const auto isDone = [this] { return thread.isDone(); };
     // Until there is a dialog in front of the windows, nothing must be done in them.
     bool goesOn = isDone() || turnEvents(QEventLoop::ExcludeUserInputEvents,
-                                         [&] { return isDone() || sinceBegin.hasExpired(kPatience); });
+                                         [&] { return isDone() || sinceBegin.hasExpired(kPatienceMs); });
     goesOn = goesOn && (isDone() || waitWithDialog());
     if (goesOn && isDone())
         return LongTask::Outcome::Done;
@@ -146,7 +146,7 @@ bool Waiting::turnEvents(QEventLoop::ProcessEventsFlags flags, const std::functi
         if (isEnough())
             loop.quit();
     });
-    poll.start(kPollInterval);
+    poll.start(kPollIntervalMs);
     loop.exec(flags);
     return isEnough();
 }

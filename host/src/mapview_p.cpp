@@ -17,7 +17,7 @@ constexpr int kProgressIntervalMs = 50;
 constexpr int kWheelPauseMs = 250;
 
 /// No closer than this part of all layers' extent per pixel: beyond, doubles no longer tell the pixels apart.
-constexpr double kClosestZoom = 1e-11;
+constexpr double kMinUnitsShare = 1e-11;
 
 } // namespace
 
@@ -98,7 +98,7 @@ void MapView::Private::setGeometry(MapGeometry changed)
     const double extent = std::max(bounds.width(), bounds.height());
     if (extent > 0.0) {
         // From the smallest that makes sense to all layers within a single pixel; the centre stays.
-        changed.unitsPerPixel = std::clamp(changed.unitsPerPixel, extent * kClosestZoom, extent);
+        changed.unitsPerPixel = std::clamp(changed.unitsPerPixel, extent * kMinUnitsShare, extent);
     }
     const bool isUsable = std::isfinite(changed.center.x()) && std::isfinite(changed.center.y()) &&
                           std::isfinite(changed.unitsPerPixel) && changed.unitsPerPixel > 0.0;

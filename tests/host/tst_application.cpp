@@ -123,12 +123,12 @@ void TestApplication::logsFromManyThreads()
 
 void TestApplication::historyIsBounded()
 {
-    for (int i = 0; i < Application::kLogHistory + 10; ++i)
+    for (int i = 0; i < Application::kMaxLogEntries + 10; ++i)
         Application::logMessage(QString::number(i), Application::LogInfo, QDateTime());
     const auto history = Application::instance()->getLogHistory();
-    QCOMPARE(history.size(), static_cast<int>(Application::kLogHistory));
+    QCOMPARE(history.size(), static_cast<int>(Application::kMaxLogEntries));
     QCOMPARE(history.first().text, QStringLiteral("10"));
-    QCOMPARE(history.last().text, QString::number(Application::kLogHistory + 9));
+    QCOMPARE(history.last().text, QString::number(Application::kMaxLogEntries + 9));
 }
 
 void TestApplication::mainWindowMayGo()

@@ -175,7 +175,7 @@ void TestListingClient::followsNotEverywhere()
     QCOMPARE(outcome.count, 1);
     QVERIFY(!outcome.error.isEmpty());
     QVERIFY2(outcome.error.contains(expected), qPrintable(outcome.error));
-    QVERIFY(server.requests.size() <= ListingClient::kMostRedirects + 1);
+    QVERIFY(server.requests.size() <= ListingClient::kMaxRedirects + 1);
 }
 
 void TestListingClient::givesUpOnSlowServers_data()
@@ -244,7 +244,7 @@ void TestListingClient::readsNoMoreThanSoMuch()
     QCOMPARE(outcome.listing.entries.size(), 1);
     QVERIFY(outcome.listing.isCutOff);
     // Beyond that lie the buffers of both ends.
-    QVERIFY2(sent < 4LL * ListingClient::kMostBytes, qPrintable(QString::number(sent)));
+    QVERIFY2(sent < 4LL * ListingClient::kMaxBytes, qPrintable(QString::number(sent)));
 }
 
 void TestListingClient::canAskFromWithinTheAnswer()

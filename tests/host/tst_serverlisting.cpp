@@ -228,14 +228,14 @@ void TestServerListing::keepsSoMany()
 {
     QByteArray html = "<title>Index of /</title>";
     QByteArray json = "[";
-    for (int i = 0; i <= ServerListing::kMostEntries; ++i) {
+    for (int i = 0; i <= ServerListing::kMaxEntries; ++i) {
         const QByteArray name = QByteArray::number(i) + ".jp2";
         html += "<a href=\"" + name + "\">" + name + "</a> 06-Sep-2024 07:05 " + QByteArray::number(i) + "\n";
         json += (i == 0 ? "" : ",") + QByteArray("{\"name\":\"") + name + "\",\"type\":\"file\"}";
     }
     for (const QByteArray &body : {html, QByteArray(json + ']')}) {
         const ServerListing listing = parseServerListing(body, folderUrl());
-        QCOMPARE(listing.entries.size(), ServerListing::kMostEntries);
+        QCOMPARE(listing.entries.size(), ServerListing::kMaxEntries);
         QVERIFY(listing.isCutOff);
     }
 }

@@ -115,12 +115,12 @@ void TestLogDock::copiesSelectionOrAll()
 void TestLogDock::fullLogMovesOn()
 {
     levels()->setCurrentIndex(Application::LogWarning);
-    for (int i = 0; i < Application::kLogHistory + 10; ++i)
+    for (int i = 0; i < Application::kMaxLogEntries + 10; ++i)
         Application::logMessage(QString::number(i), Application::LogError, QDateTime::currentDateTime());
     QCoreApplication::processEvents();
     const QStringList texts = shownTexts();
-    QCOMPARE(texts.size(), Application::kLogHistory);
-    QCOMPARE(texts.last(), QString::number(Application::kLogHistory + 9));
+    QCOMPARE(texts.size(), Application::kMaxLogEntries);
+    QCOMPARE(texts.last(), QString::number(Application::kMaxLogEntries + 9));
 }
 
 QTEST_MAIN(TestLogDock)

@@ -8,7 +8,7 @@ namespace Viewer {
 namespace {
 
 /// A box that lists more than this would not fit the screen.
-constexpr int kListed = 12;
+constexpr int kMaxListed = 12;
 
 /// File names wrap badly at the box's usual width.
 constexpr int kWidthInCharacters = 70;
@@ -38,7 +38,7 @@ void FailureReport::show(QWidget *parent, const QStringList &failures, int total
                     QMessageBox::Ok, parent);
     box.setTextFormat(Qt::PlainText);
     if (failures.size() > 1) {
-        QStringList listed = failures.mid(0, kListed);
+        QStringList listed = failures.mid(0, kMaxListed);
         if (listed.size() < failures.size())
             listed.append(tr("... and %n more (see the details)", nullptr, failures.size() - listed.size()));
         box.setInformativeText(listed.join(QLatin1Char('\n')));

@@ -82,7 +82,7 @@ CommandLine fromParser(const QCommandLineParser &parser)
         if (!result.pictureSize.isValid())
             return failed(QStringLiteral("\"%1\" is not a size such as 1024x768 (1 to %2 pixels each way).")
                               .arg(parser.value(kSize))
-                              .arg(CommandLine::kMaximumSide));
+                              .arg(CommandLine::kMaxSide));
     }
     if (parser.isSet(kExtent)) {
         result.worldRect = CommandLine::parseWorldRect(parser.value(kExtent));
@@ -127,7 +127,7 @@ QSize CommandLine::parseSize(const QString &text)
         return QSize();
     const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
     const bool inRange =
-        size.width() >= 1 && size.height() >= 1 && size.width() <= kMaximumSide && size.height() <= kMaximumSide;
+        size.width() >= 1 && size.height() >= 1 && size.width() <= kMaxSide && size.height() <= kMaxSide;
     return inRange ? size : QSize();
 }
 

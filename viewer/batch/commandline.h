@@ -31,13 +31,13 @@ struct CommandLine
     /// \a arguments as the system gave them, the program's name first.
     static CommandLine parse(const QStringList &arguments);
 
-    /// "WxH", both 1 to kMaximumSide. An invalid size otherwise.
+    /// "WxH", both 1 to kMaxSide. An invalid size otherwise.
     static QSize parseSize(const QString &text);
     /// "X1,Y1,X2,Y2", top left and bottom right: X1 < X2 and Y1 > Y2, all finite. A null rectangle otherwise.
     static QRectF parseWorldRect(const QString &text);
 
     /// Largest width or height of a picture, in pixels: the limit of the toolkit's raster painter.
-    static constexpr int kMaximumSide = 32767;
+    static constexpr int kMaxSide = 32767;
 };
 
 } // namespace Viewer

@@ -23,7 +23,7 @@ using Korvane::Map::RasterLayer;
 
 namespace {
 
-constexpr int kMostEntries = 256;
+constexpr int kMaxEntries = 256;
 
 QJsonValue number(double value)
 {
@@ -67,7 +67,7 @@ QJsonValue wholeNumber(quint64 value)
     return static_cast<double>(value);
 }
 
-/// At most kMostEntries counts, each of as many neighbouring buckets as that takes.
+/// At most kMaxEntries counts, each of as many neighbouring buckets as that takes.
 QJsonArray foldedBuckets(const QVector<quint64> &buckets, int bucketsPerEntry)
 {
     QJsonArray entries;
@@ -80,7 +80,7 @@ QJsonArray foldedBuckets(const QVector<quint64> &buckets, int bucketsPerEntry)
 
 QJsonObject histogramObject(const HistogramT<quint64> &histogram)
 {
-    const int bucketsPerEntry = (histogram.buckets.size() + kMostEntries - 1) / kMostEntries;
+    const int bucketsPerEntry = (histogram.buckets.size() + kMaxEntries - 1) / kMaxEntries;
     return {{QStringLiteral("bandName"), histogram.bandName},
             {QStringLiteral("minimumValue"), wholeNumber(histogram.minimumValue)},
             {QStringLiteral("maximumValue"), wholeNumber(histogram.maximumValue)},

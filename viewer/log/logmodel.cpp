@@ -24,7 +24,7 @@ void LogModel::clear()
 
 void LogModel::append(const QString &text, Application::LogLevel level, const QDateTime &time)
 {
-    if (entries.size() >= Application::kLogHistory) {
+    if (entries.size() >= Application::kMaxLogEntries) {
         beginRemoveRows(QModelIndex(), 0, 0);
         entries.removeFirst();
         endRemoveRows();

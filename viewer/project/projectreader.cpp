@@ -45,7 +45,7 @@ QString ProjectReader::parse(const QString &fileName, QDomDocument *document) co
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return tr("The project %1 cannot be read: %2.").arg(name, file.errorString());
-    if (file.size() > kMaximumFileSize)
+    if (file.size() > kMaxFileBytes)
         return tr("%1 is too large to be a project.").arg(name);
     QString message;
     int line = 0;

@@ -21,7 +21,7 @@ QStringList RecentSources::entries() const
     QStringList sources = settings->value(key).toStringList();
     sources.removeAll(QString());
     sources.removeDuplicates();
-    return sources.mid(0, kMaximum);
+    return sources.mid(0, kMaxSources);
 }
 
 void RecentSources::add(const QString &source)
@@ -30,7 +30,7 @@ void RecentSources::add(const QString &source)
     const QString stored = Sources::withoutCredentials(source);
     sources.removeAll(stored);
     sources.prepend(stored);
-    store(sources.mid(0, kMaximum));
+    store(sources.mid(0, kMaxSources));
 }
 
 void RecentSources::remove(const QString &source)

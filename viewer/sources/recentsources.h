@@ -26,7 +26,7 @@ public:
     /// Fills \a menu with the entries whenever it opens, and disables it while there are none.
     void fill(QMenu *menu);
 
-    static constexpr int kMaximum = 10;
+    static constexpr int kMaxSources = 10;
 
 Q_SIGNALS:
     void chosen(const QString &source);

@@ -11,7 +11,7 @@ namespace ViewTexts {
 namespace {
 
 /// Doubles have about 15 decimal digits; more than these decimals are noise in any coordinate system.
-constexpr int kMaximumDecimals = 12;
+constexpr int kMaxDecimals = 12;
 
 bool isPositive(double value)
 {
@@ -28,7 +28,7 @@ struct Texts
 QString significant(double value)
 {
     const int magnitude = static_cast<int>(std::floor(std::log10(value)));
-    QString text = QLocale().toString(value, 'f', qBound(0, 2 - magnitude, kMaximumDecimals));
+    QString text = QLocale().toString(value, 'f', qBound(0, 2 - magnitude, kMaxDecimals));
     const QString point(QLocale().decimalPoint());
     if (text.contains(point)) {
         while (text.endsWith(QLocale().zeroDigit()))
@@ -45,7 +45,7 @@ int decimalsFor(double unitsPerPixel)
 {
     if (!isPositive(unitsPerPixel))
         return 0;
-    return qBound(0, static_cast<int>(std::ceil(-std::log10(unitsPerPixel))) + 1, kMaximumDecimals);
+    return qBound(0, static_cast<int>(std::ceil(-std::log10(unitsPerPixel))) + 1, kMaxDecimals);
 }
 
 QString coordinates(const QPointF &worldPoint, double unitsPerPixel)

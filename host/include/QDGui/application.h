@@ -53,10 +53,10 @@ public:
     /// A name for people, such as "Warning".
     static QString getLogLevelName(LogLevel level);
 
-    /// The newest lines, oldest first, at most kLogHistory. Any thread.
+    /// The newest lines, oldest first, at most kMaxLogEntries. Any thread.
     QVector<LogEntry> getLogHistory() const;
     void clearLogHistory();
-    static constexpr int kLogHistory = 5000;
+    static constexpr int kMaxLogEntries = 5000;
 
     /// Loads and installs a translation for each of \a names: "<name>_<locale>.qm" (with the locale shortened from its
     /// end as QTranslator::load() does) from ":/translations", then from the folder "translations" next to the

@@ -18,7 +18,7 @@ AddressBox::AddressBox(QWidget *parent)
     setInsertPolicy(QComboBox::NoInsert);
     setMinimumContentsLength(30);
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    setMaxVisibleItems(RecentAddresses::kMost);
+    setMaxVisibleItems(RecentAddresses::kMaxAddresses);
     lineEdit()->setPlaceholderText(tr("xrvp://server/folder/image.jp2"));
     // Completing in the line itself would let Return open an image that nobody typed.
     completer()->setCompletionMode(QCompleter::PopupCompletion);

@@ -8,9 +8,9 @@ namespace Gui {
 namespace {
 
 /// Date and size stand close to the link.
-constexpr int kMostTextBeside = 400;
+constexpr int kMaxTextBeside = 400;
 /// No tag name or attribute name of interest is longer.
-constexpr int kLongestName = 32;
+constexpr int kMaxNameLength = 32;
 
 bool isBlank(char c)
 {
@@ -39,10 +39,10 @@ QByteArray referenced(const QByteArray &reference)
 
 QByteArray withoutReferences(const QByteArray &text)
 {
-    constexpr int kLongestReference = 10;
+    constexpr int kMaxReferenceLength = 10;
     QByteArray result;
     for (int i = 0; i < text.size(); ++i) {
-        const int end = text[i] == '&' ? text.mid(i, kLongestReference).indexOf(';') : -1;
+        const int end = text[i] == '&' ? text.mid(i, kMaxReferenceLength).indexOf(';') : -1;
         const QByteArray found = end > 0 ? referenced(text.mid(i + 1, end - 1)) : QByteArray();
         if (found.isEmpty()) {
             result += text[i];
@@ -87,8 +87,8 @@ void HtmlListing::readText()
 {
     const int next = page.indexOf('<', position);
     const int end = next < 0 ? page.size() : next;
-    if (entry && !isInLink && beside.size() < kMostTextBeside)
-        beside += ' ' + page.mid(position, qMin(end - position, kMostTextBeside));
+    if (entry && !isInLink && beside.size() < kMaxTextBeside)
+        beside += ' ' + page.mid(position, qMin(end - position, kMaxTextBeside));
     position = end;
 }
 
@@ -102,7 +102,7 @@ void HtmlListing::readTag()
     int end = position + 1;
     if (end < page.size() && page[end] == '/')
         ++end;
-    while (end < page.size() && isNamePart(page[end]) && end - position < kLongestName)
+    while (end < page.size() && isNamePart(page[end]) && end - position < kMaxNameLength)
         ++end;
     const QByteArray tag = page.mid(position + 1, end - position - 1).toLower();
     position = end;
@@ -127,7 +127,7 @@ void HtmlListing::readAttributes(const QByteArray &tag)
             ++position;
             continue;
         }
-        const QByteArray name = page.mid(start, qMin(position - start, kLongestName)).toLower();
+        const QByteArray name = page.mid(start, qMin(position - start, kMaxNameLength)).toLower();
         while (position < page.size() && isBlank(page[position]))
             ++position;
         if (position >= page.size() || page[position] != '=')
@@ -159,13 +159,13 @@ void HtmlListing::onAttribute(const QByteArray &tag, const QByteArray &name, con
 {
     if (tag == "a" && name == "href") {
         beginEntry(value.trimmed());
-    } else if (entry && value.size() < kMostTextBeside && (name == "data-size" || name == "data-order")) {
+    } else if (entry && value.size() < kMaxTextBeside && (name == "data-size" || name == "data-order")) {
         // Exact, where the text beside is rounded.
         bool ok = false;
         const qint64 size = value.toLongLong(&ok);
         if (ok && size >= 0)
             entry->size = size;
-    } else if (entry && value.size() < kMostTextBeside && name == "datetime") {
+    } else if (entry && value.size() < kMaxTextBeside && name == "datetime") {
         entry->modified = dateIn(QString::fromLatin1(value));
     }
 }
@@ -189,7 +189,7 @@ void HtmlListing::beginEntry(const QByteArray &link)
 void HtmlListing::endEntry()
 {
     if (entry && (entry->isFolder || isImageName(entry->name))) {
-        if (listing.entries.size() == ServerListing::kMostEntries) {
+        if (listing.entries.size() == ServerListing::kMaxEntries) {
             listing.isCutOff = true;
             return;
         }

@@ -6,7 +6,7 @@ namespace Korvane {
 namespace Gui {
 
 /// Reads the links of an HTML page and what stands beside each: one pass over \a page, whatever is in it. Keeps folders
-/// and images, in the order of the page, at most ServerListing::kMostEntries.
+/// and images, in the order of the page, at most ServerListing::kMaxEntries.
 class HtmlListing
 {
 public:

@@ -144,8 +144,8 @@ void ListingClient::ask(const QUrl &url)
 
 void ListingClient::onRead()
 {
-    body += reply->read(kMostBytes - body.size());
-    if (body.size() >= kMostBytes)
+    body += reply->read(kMaxBytes - body.size());
+    if (body.size() >= kMaxBytes)
         finish();
 }
 
@@ -157,7 +157,7 @@ void ListingClient::onTimeout()
 void ListingClient::onFinished()
 {
     if (reply->error() == QNetworkReply::NoError)
-        body += reply->read(kMostBytes - body.size());
+        body += reply->read(kMaxBytes - body.size());
     finish();
 }
 
@@ -172,7 +172,7 @@ void ListingClient::finish()
     }
     if (status >= 300) {
         fail(statusError(status, reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString()));
-    } else if (status < 200 || (reply->error() != QNetworkReply::NoError && body.size() < kMostBytes)) {
+    } else if (status < 200 || (reply->error() != QNetworkReply::NoError && body.size() < kMaxBytes)) {
         fail(networkError());
     } else {
         parse(url);
@@ -187,7 +187,7 @@ void ListingClient::parse(const QUrl &url)
     isParsing = true;
     parser.start([this, page, url, asked = generation] {
         const ServerListing listing = parseServerListing(page, url);
-        const bool isCutOff = page.size() >= kMostBytes;
+        const bool isCutOff = page.size() >= kMaxBytes;
         // The pool ends before this object does, and takes no event to an object that is gone.
         QMetaObject::invokeMethod(
             this,
@@ -219,7 +219,7 @@ bool ListingClient::redirects(const QUrl &target)
         fail(tr("The server sends on to an address without encryption, which is not followed."));
         return true;
     }
-    if (++redirectCount > kMostRedirects) {
+    if (++redirectCount > kMaxRedirects) {
         fail(tr("The server sends from one address to the next without end."));
         return true;
     }

@@ -35,8 +35,8 @@ public:
 
     /// For a whole answer, redirects included.
     void setTimeout(int milliseconds) { timeoutMs = milliseconds; }
-    static constexpr int kMostBytes = 8 << 20;
-    static constexpr int kMostRedirects = 5;
+    static constexpr int kMaxBytes = 8 << 20;
+    static constexpr int kMaxRedirects = 5;
 
 Q_SIGNALS:
     /// The server's list of \a folder, which redirects may have changed.

@@ -12,7 +12,7 @@ namespace Gui {
 namespace {
 
 /// File systems allow 255 bytes; encoded, each takes up to three characters.
-constexpr int kLongestPathPart = 1024;
+constexpr int kMaxPathPartLength = 1024;
 
 /// Control characters, and those that turn the direction of the text around them, which can hide a name's real ending.
 bool isTreacherous(QChar character)
@@ -59,7 +59,7 @@ ListingLinks::ListingLinks(const QUrl &folderUrl)
 
 std::optional<ServerListing::Entry> ListingLinks::entryOf(const QByteArray &link) const
 {
-    if (link.isEmpty() || link.size() > folderPath.size() + kLongestPathPart || link.contains('\\'))
+    if (link.isEmpty() || link.size() > folderPath.size() + kMaxPathPartLength || link.contains('\\'))
         return std::nullopt;
     const QUrl url = folder.resolved(QUrl::fromEncoded(link, QUrl::TolerantMode));
     // Links with a query sort the list.
@@ -76,7 +76,7 @@ std::optional<ServerListing::Entry> ListingLinks::entryOf(const QByteArray &link
         part.chop(1);
     entry.name = QString::fromUtf8(QByteArray::fromPercentEncoding(part));
     entry.pathPart = part;
-    if (part.contains('/') || part.size() > kLongestPathPart || !isSafeName(entry.name))
+    if (part.contains('/') || part.size() > kMaxPathPartLength || !isSafeName(entry.name))
         return std::nullopt;
     return entry;
 }

@@ -28,7 +28,7 @@ QStringList RecentAddresses::entries()
         addresses.append(Util::Address::withoutCredentials(address));
     addresses.removeAll(QString());
     addresses.removeDuplicates();
-    return addresses.mid(0, kMost);
+    return addresses.mid(0, kMaxAddresses);
 }
 
 void RecentAddresses::add(const QString &address)
@@ -37,7 +37,7 @@ void RecentAddresses::add(const QString &address)
     const QString stored = Util::Address::withoutCredentials(address);
     addresses.removeAll(stored);
     addresses.prepend(stored);
-    store(addresses.mid(0, kMost));
+    store(addresses.mid(0, kMaxAddresses));
 }
 
 void RecentAddresses::remove(const QString &address)

@@ -14,7 +14,7 @@ public:
     static void remove(const QString &address);
     static void clear();
 
-    static constexpr int kMost = 15;
+    static constexpr int kMaxAddresses = 15;
 };
 
 } // namespace Gui

@@ -53,7 +53,7 @@ ServerListing parseJson(const QJsonArray &array, const QUrl &folder)
         const std::optional<ServerListing::Entry> entry = entryOf(value.toObject(), links);
         if (!entry || !(entry->isFolder || isImageName(entry->name)))
             continue;
-        listing.isCutOff = listing.entries.size() == ServerListing::kMostEntries;
+        listing.isCutOff = listing.entries.size() == ServerListing::kMaxEntries;
         if (listing.isCutOff)
             break;
         listing.entries.append(*entry);

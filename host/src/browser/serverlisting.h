@@ -25,7 +25,7 @@ struct ServerListing
     bool isListing = false; ///< The answer is a list of a folder, be it an empty one.
     bool isCutOff = false;  ///< There are more entries than are kept.
 
-    static constexpr int kMostEntries = 20000;
+    static constexpr int kMaxEntries = 20000;
 };
 
 /// Reads the body of an answer to a request of the folder \a folder (after redirects): the JSON arrays that nginx

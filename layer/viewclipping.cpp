@@ -40,6 +40,7 @@ int toPixelCount(std::int64_t count)
 
 std::optional<ClippedView> clipView(const ImageGrid &grid, const ClippedView &requested)
 {
+    // Edges that only touch do not miss each other. A NaN misses nothing either: it leaves no pixels in the end.
     const double right = grid.width * grid.cellX + grid.originX;
     const double bottom = grid.height * grid.cellY + grid.originY;
     const double lowY = grid.cellY > 0 ? grid.originY : bottom;
@@ -48,12 +49,14 @@ std::optional<ClippedView> clipView(const ImageGrid &grid, const ClippedView &re
         missesRange(requested.y1, requested.y2, lowY, highY))
         return std::nullopt;
 
+    // Outward to whole cells: what a cell looks like does not depend on where the window's edge cuts through it.
     const std::int64_t firstColumn = toCell(std::floor((requested.x1 - grid.originX) / grid.cellX));
     const std::int64_t firstRow = toCell(std::floor((requested.y1 - grid.originY) / grid.cellY));
     const std::int64_t endColumn = toCell(std::ceil((requested.x2 - grid.originX) / grid.cellX));
     const std::int64_t endRow = toCell(std::ceil((requested.y2 - grid.originY) / grid.cellY));
     QPointF topLeft = grid.cellToWorld(double(firstColumn), double(firstRow));
     QPointF bottomRight = grid.cellToWorld(double(endColumn), double(endRow));
+    // The image's own edges take no part in what the transform rounds, so two views of a border agree on its place.
     if (firstColumn < 0)
         topLeft.setX(grid.originX);
     if (firstRow < 0)
@@ -64,6 +67,8 @@ std::optional<ClippedView> clipView(const ImageGrid &grid, const ClippedView &re
         bottomRight.setY(bottom);
 
     const auto &[width, height, x1, y1, x2, y2] = requested;
+    // Pixels of the request, each edge rounded by itself: as many as the part takes up on the screen, at the scale of
+    // the whole. The edges may lie outside of it, by what the view has grown.
     const std::int64_t clippedWidth =
         pixelOfEdge(bottomRight.x(), x1, x2, width) - pixelOfEdge(topLeft.x(), x1, x2, width);
     const std::int64_t clippedHeight =

@@ -62,7 +62,8 @@ bool XRVJP2kLayer::setDataSource(QString source)
     if (hasBackingRenderer())
         closeRenderer(backingRenderer);
 
-    // Nobody else sees the renderers before they are open, and the layer may be gone then.
+    // Opening a stream handles events. Whoever calls the layer from there finds it without a renderer, like a fresh
+    // one; nobody else sees the new renderers before they are open, and the layer may be gone then.
     const QPointer<XRVJP2kLayer> self(this);
     auto opened = std::make_unique<XRVJP2kRenderer>(this);
     const PLK::CError error = openRenderer(*opened, source, progressive, carried.get());
@@ -133,6 +134,7 @@ bool XRVJP2kLayer::failOpening(const PLK::CError &error)
 PLK::CError XRVJP2kLayer::openRenderer(XRVJP2kRenderer &target, const QString &source, bool progressively,
                                        const CarriedSettings *carried)
 {
+    // Read here: the settings store belongs to this thread.
     const int defaultClip = XRVJP2kRenderer::defaultTransformClip();
     if (!isStreamAddress(source))
         return target.openFile(source, progressively, defaultClip);
@@ -140,6 +142,8 @@ PLK::CError XRVJP2kLayer::openRenderer(XRVJP2kRenderer &target, const QString &s
     const QPointer<XRVJP2kLayer> self(this);
     PLK::COpenControl control;
     target.SetOpenControl(control);
+    // Two handles of one control: the layer cancels through its own when it is deleted within run(), and the one that
+    // the opening uses outlives it.
     opening = std::make_unique<PLK::COpenControl>(control);
     PLK::CError error;
     Gui::LongTask task;

@@ -62,10 +62,13 @@ PLK::CError XRVJP2kLayer::requestView(XRVJP2kRenderer &target, int width, int he
 
 void XRVJP2kLayer::setView(int width, int height, double x1, double y1, double x2, double y2)
 {
+    // While the map moves it waits for every blocking view: a quarter of the cells keeps it moving.
     if (updating && !progressive && adaptiveRoam) {
         width = static_cast<int>(width * 0.5);
         height = static_cast<int>(height * 0.5);
     }
+    // Keeps the picture as it is until the new view is set. A callback may be waiting for the lock; SetView() never
+    // waits for a callback.
     std::unique_lock<std::recursive_mutex> locker;
     if (renderer)
         locker = std::unique_lock(renderer->getImageMutex());
@@ -78,6 +81,7 @@ void XRVJP2kLayer::setView(int width, int height, double x1, double y1, double x
     const PLK::CError error = requestView(*renderer, lastViewWidth, lastViewHeight);
     if (error.GetErrorNumber() == PLK_ERR_CONNECTION_LOST)
         reconnectWhenDue();
+    // A quarter of what was asked for, however little of it the image covers: it is a coarse picture in any case.
     if (!error && hasBackingRenderer())
         requestView(*backingRenderer, static_cast<int>(width * 0.25), static_cast<int>(height * 0.25));
     viewSet = !error;

@@ -74,6 +74,8 @@ PLK::CError XRVJP2kRenderer::openFile(const QString &path, bool progressive, int
 
 void XRVJP2kRenderer::applyDefaultTransform(int defaultClip)
 {
+    // Cells of 8 bits are what the screen shows. Of wider ones a few outliers may take up most of the range: stretched
+    // to show these too, all others would look alike.
     const PLKCellType cellType = GetFileInfo()->eCellType;
     const bool isByte = cellType == PLKCT_UINT8 || cellType == PLKCT_INT8;
     calculateMinMaxTransforms(static_cast<std::uint8_t>(isByte ? 100 : defaultClip));
@@ -150,6 +152,7 @@ void XRVJP2kRenderer::calculateMinMaxTransforms(std::uint8_t percent)
 
 void XRVJP2kRenderer::applyMinMaxTransforms()
 {
+    // Opacity is no brightness: stretched with the colours, half of it would become all or nothing.
     const auto bandCount = static_cast<std::uint16_t>(GetFileInfo()->nBands - (hasOpacityBand ? 1 : 0));
     std::vector<unsigned> bands(bandCount);
     std::iota(bands.begin(), bands.end(), 0U);
@@ -200,8 +203,10 @@ PLKReadStatus XRVJP2kRenderer::readView(int width, int height, double x1, double
         return PLK_READ_FAILED;
     try {
         std::unique_ptr<GeoImage> image = makeImage(width, height, x1, y1, x2, y2);
+        // No fault of the source: the picture before stays, and the map hears of the pass all the same.
         if (!image)
             return PLK_READ_SUCCESS;
+        // A mask may have a single bit, whose 1 means opaque and not 1 of 255. Counts from the first line on.
         ParametersDecompress().SetAutoscaleOpacitybandUpEnabled(true);
         const PLKReadStatus status = packed ? readPackedLines(*image) : readBandLines(*image);
         return finishRead(status, std::move(image));
@@ -261,6 +266,7 @@ PLKReadStatus XRVJP2kRenderer::finishRead(PLKReadStatus status, std::unique_ptr<
         cancelRequested = false;
         return status;
     }
+    // The old picture goes with the argument, when the lock is given back: no paint waits for it to be freed.
     const std::lock_guard<std::recursive_mutex> locker(imageMutex);
     currentImage.swap(image);
     return status;
@@ -268,6 +274,7 @@ PLKReadStatus XRVJP2kRenderer::finishRead(PLKReadStatus status, std::unique_ptr<
 
 PLKReadStatus XRVJP2kRenderer::RefreshPass(PLKSetViewInfo *info)
 {
+    // No lock before the picture is read: the GUI thread may hold it while it sets the next view.
     if (IsReadCancelPending() || IsClosePending())
         return PLK_READ_CANCELLED;
     if (info->nSizeX == 0 || info->nSizeY == 0)
@@ -288,6 +295,7 @@ PLKReadStatus XRVJP2kRenderer::RefreshPass(PLKSetViewInfo *info)
 
 void XRVJP2kRenderer::readBlockingView()
 {
+    // After its last line a view begins again at the top, so every repaint can read it without setting it anew.
     const PLKSetViewInfo view = GetSetViewInfo();
     readView(static_cast<int>(view.nSizeX), static_cast<int>(view.nSizeY), view.fTopLeftX, view.fTopLeftY,
              view.fBottomRightX, view.fBottomRightY);
@@ -305,6 +313,7 @@ void XRVJP2kRenderer::paint(QPainter &painter, const QRectF &worldRect, const QR
     const bool isToned = contrast != 1.0 || brightness != 1.0;
     if (!isToned)
         tonePixels = QImage();
+    // A picture with a tone gets no veil.
     if (isToned)
         derivedImage = toneMappedImage();
     else if (hillShade)
@@ -330,6 +339,7 @@ std::unique_ptr<GeoImage> XRVJP2kRenderer::toneMappedImage()
     for (int y = 0; y < tonePixels.height(); ++y)
         applyToneTable(table, reinterpret_cast<const QRgb *>(source.constScanLine(y)),
                        reinterpret_cast<QRgb *>(tonePixels.scanLine(y)), source.width());
+    // It shares the pixels, so it has to be gone before the next call: that would write to a copy of all of them.
     return std::make_unique<GeoImage>(tonePixels, source.getX1(), source.getY1(), source.getX2(), source.getY2());
 }
 
@@ -341,6 +351,7 @@ std::unique_ptr<GeoImage> XRVJP2kRenderer::hillShadeOverlay() const
                                               source.getX2(), source.getY2(), source.format(), &transparentWhite);
     if (overlay->isNull())
         return overlay;
+    // The painter applies the transparency once more: the veil gets darker with its square.
     const QRgb veil = qRgba(0, 0, 0, truncatedToByte(transparency * 255));
     // One pixel at the top and left and two at the bottom and right stay clear.
     for (int y = 1; y <= source.height() - 3; ++y) {

@@ -117,6 +117,7 @@ void LayerPicture::render(const MapGeometry &geometry)
 
     const QRectF world = geometry.worldRect();
     GeoPainter painter(&canvas, world, device);
+    // Emptied where it is drawn anew: layers are partly transparent, and the old picture would show through.
     painter.setClipRegion(dirtyRegion);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.fillRect(device, Qt::transparent);

@@ -46,6 +46,7 @@ QRect MapGeometry::toDevice(const QRectF &world) const
 {
     const QPointF corner1 = toDevice(world.topLeft());
     const QPointF corner2 = toDevice(world.bottomRight());
+    // A pixel more on each side: an edge between two pixels touches both, and smoothing reaches beyond.
     const auto pixel = [](double value, int size) { return static_cast<int>(std::clamp(value, 0.0, size * 1.0)); };
     const int left = pixel(std::floor(std::min(corner1.x(), corner2.x())) - 1, deviceSize.width());
     const int right = pixel(std::ceil(std::max(corner1.x(), corner2.x())) + 1, deviceSize.width());

@@ -45,6 +45,7 @@ void MapView::Private::onLayerRefreshed(Layer *layer, const QRectF &worldRect)
     const auto picture = find(layer);
     if (picture == pictures.end())
         return;
+    // The layer may have become valid with this: only then does it tell where it lies.
     ensureExtent();
     const QRect whole(QPoint(0, 0), renderedGeometry().deviceSize);
     const QRect changed = worldRect.isNull() ? whole : renderedGeometry().toDevice(worldRect);
@@ -169,11 +170,13 @@ QImage MapView::Private::renderOffscreen(const MapGeometry &wanted, int timeoutM
     QImage image(wanted.deviceSize, QImage::Format_RGB32);
     if (offscreenGeometry || image.isNull())
         return QImage();
+    // Layers know one view at a time. While theirs is that of the picture, the widget shows what it showed before.
     if (view->isVisible())
         frozenPicture = view->grab().toImage();
     offscreenGeometry = wanted;
     invalidateViews();
 
+    // Waiting handles events, and with one of them the view may be closed.
     const QPointer<MapView> guard(view);
     const bool isDone = view->waitUntilComplete(timeoutMs);
     if (!guard)

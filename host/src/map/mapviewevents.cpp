@@ -24,6 +24,7 @@ constexpr double kWheelNotch = 120.0;
 
 bool MapView::event(QEvent *event)
 {
+    // A button that is let go after this is never heard of.
     if (event->type() == QEvent::Hide) {
         d->dragPoint.reset();
         d->endInteraction();
@@ -33,6 +34,7 @@ bool MapView::event(QEvent *event)
 
 void MapView::paintEvent(QPaintEvent *event)
 {
+    // On another screen the pixel ratio may be another one, without an event that tells of it.
     d->syncSize();
     if (!d->offscreenGeometry)
         d->renderLayers();
@@ -91,6 +93,7 @@ void MapView::wheelEvent(QWheelEvent *event)
 {
     const double notches = event->angleDelta().y() / kWheelNotch;
     if (notches != 0.0 && d->hasExtent) {
+        // No notch is known to be the last: the series ends when none has come for a while.
         d->beginInteraction(true);
         d->wheelTimer.start();
         zoomAt(std::pow(2.0, notches / 2.0), event->position());

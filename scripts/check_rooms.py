@@ -38,11 +38,13 @@ def tables(page):
     return found
 
 
-def files_by_room(folder):
+def files_by_room(folder, rows):
+    """Of the folders of the top level that the rows name: others may hold whole builds."""
     rooms = collections.defaultdict(list)
-    for path in sorted(folder.rglob("*")):
-        if path.suffix in SOURCES:
-            rooms[path.parent.relative_to(folder).as_posix()].append(path)
+    for top in sorted({name.split("/")[0] for name, _ in rows}):
+        for path in sorted((folder / top).rglob("*")):
+            if path.suffix in SOURCES:
+                rooms[path.parent.relative_to(folder).as_posix()].append(path)
     return rooms
 
 
@@ -61,7 +63,7 @@ def included_rooms(path, folder, roots):
 def check_table(folder, roots, rows, graph):
     """Sentences about what does not hold."""
     faults = []
-    rooms = files_by_room(folder)
+    rooms = files_by_room(folder, rows)
     above = []
     outside = [room for room in rooms if room not in [name for name, _ in rows]]
     faults += [f"{folder.relative_to(PROJECT)}: the folder {room} has no row." for room in outside if is_inside(room, rows)]
@@ -85,9 +87,10 @@ def check_table(folder, roots, rows, graph):
 
 
 def is_inside(room, rows):
-    """Tables may leave out whole folders of the top level, but nothing below a folder that they name."""
-    tops = {name.split("/")[0] for name, _ in rows}
-    return room.split("/")[0] in tops
+    """Tables may leave out whole folders of the top level, but nothing below a folder that they name, nor beside a room
+    that lies below the top level."""
+    named = {name.rpartition("/")[0] or name for name, _ in rows}
+    return any(f"{room}/".startswith(f"{name}/") for name in named)
 
 
 def main():

@@ -139,7 +139,7 @@ private:
     CError readGeoTags(const std::string &path)
     {
         std::shared_ptr<ByteSource> file;
-        if (CError error = openSource(path, &file))
+        if (CError error = openSource(SourceName(path), &file))
             return error;
         XrvStructure xrv;
         Jp2Structure jp2;

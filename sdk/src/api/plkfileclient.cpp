@@ -160,7 +160,7 @@ CError CFileClient::GetClientStatistics(PLKFileStatistics **statistics)
     if (!used)
         return notOpen();
     const PLKFileStatistics *kept = nullptr;
-    if (CError error = used->statistics(&kept)) {
+    if (CError error = used->statistics().full(&kept)) {
         used->faults()->failed(error);
         return error;
     }

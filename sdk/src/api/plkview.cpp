@@ -368,7 +368,7 @@ CError CView::CalculateMinMaxTransforms(unsigned bandCount, const unsigned *band
         return invalid("Transforms are calculated of 1 to 100 per cent of the cells.");
     try {
         const PLKFileStatistics *statistics = nullptr;
-        if (CError error = SharedFile()->displayStatistics(&statistics))
+        if (CError error = SharedFile()->statistics().display(&statistics))
             return error;
         std::vector<std::unique_ptr<API::CMinMaxTransform>> found;
         for (unsigned i = 0; i < bandCount; ++i) {

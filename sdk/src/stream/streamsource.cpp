@@ -3,7 +3,6 @@
 #include "base/utf8.h"
 #include "log/logger.h"
 #include "stream/http/knowncredentials.h"
-#include "stream/http/wholefilesink.h"
 
 #include <xrv60/plklog.h>
 
@@ -25,6 +24,35 @@ std::uint64_t nextNumber()
     static std::atomic<std::uint64_t> last{0};
     return ++last;
 }
+
+/// Takes a file that its server gives as a whole only into the cache on disk, and logs how far that is.
+class WholeFileSink : public BodySink
+{
+public:
+    WholeFileSink(std::shared_ptr<CachedStream> cachedStream, std::string shownName)
+        : stream(std::move(cachedStream))
+        , version(stream->version())
+        , name(std::move(shownName))
+    {
+    }
+    /// Of another version nothing is taken.
+    bool take(const HttpAnswer &head, std::uint64_t offset, const std::uint8_t *data, std::size_t length) override
+    {
+        if (!version.agreesWith(head) || length > version.length || offset > version.length - length)
+            return false;
+        stream->put(offset, data, length);
+        const std::uint64_t tenth = version.length / 10 + 1;
+        if ((offset + length) / tenth != offset / tenth && logEnabled(PLK_LOG_INFO))
+            log(PLK_LOG_INFO, wideFromUtf8("\"" + name + "\" comes as a whole: " + std::to_string(offset + length) +
+                                           " of " + std::to_string(version.length) + " bytes are here."));
+        return true;
+    }
+
+private:
+    const std::shared_ptr<CachedStream> stream;
+    const FileVersion version;
+    const std::string name;
+};
 
 } // namespace
 
@@ -74,17 +102,14 @@ StreamSource::~StreamSource()
     SegmentStore::instance().release(fileNumber, newestPin);
 }
 
-CError StreamSource::open(const std::string &address, const StreamOptions &options, std::shared_ptr<ByteSource> *source,
+CError StreamSource::open(StreamAddress address, const StreamOptions &options, std::shared_ptr<ByteSource> *source,
                           std::shared_ptr<OpenWatch> watch)
 {
-    StreamAddress parsed;
-    if (CError error = StreamAddress::parse(address, &parsed))
-        return error;
-    KnownCredentials::instance().complete(&parsed);
-    std::shared_ptr<StreamSource> opened(new StreamSource(parsed, options, std::move(watch)));
+    KnownCredentials::instance().complete(&address);
+    std::shared_ptr<StreamSource> opened(new StreamSource(address, options, std::move(watch)));
     if (CError error = opened->connect())
         return error;
-    KnownCredentials::instance().remember(parsed);
+    KnownCredentials::instance().remember(address);
     *source = std::move(opened);
     return {};
 }

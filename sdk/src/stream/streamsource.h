@@ -22,10 +22,10 @@ namespace xrv {
 class StreamSource : public ByteSource
 {
 public:
-    /// \a address as StreamAddress takes it. Asks the server; the errors of StreamAddress::parse() and
+    /// Asks the server, with the user and password that are known of it where \a address has none; the errors of
     /// RangeFetcher::open(). Once the flag of \a watch is raised, neither this nor any read goes on.
-    static PLK::CError open(const std::string &address, const StreamOptions &options,
-                            std::shared_ptr<ByteSource> *source, std::shared_ptr<OpenWatch> watch = nullptr);
+    static PLK::CError open(StreamAddress address, const StreamOptions &options, std::shared_ptr<ByteSource> *source,
+                            std::shared_ptr<OpenWatch> watch = nullptr);
     ~StreamSource() override;
 
     const std::string &name() const override { return shownAddress; }

@@ -235,7 +235,7 @@ void TestFileSource::whatCannotBeOpened()
     QFETCH(QString, word);
     makeFile("a-file", 10);
     std::shared_ptr<ByteSource> source;
-    const PLK::CError error = xrv::openSource(name.toStdString(), &source);
+    const PLK::CError error = xrv::openSource(xrv::SourceName(name.toStdString()), &source);
     QCOMPARE(error.GetErrorNumber(), code);
     QVERIFY2(QString::fromUtf8(error.GetErrorMessage()).contains(word), error.GetErrorMessage());
     QVERIFY(!source);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "stream/streamsource.h"
+#include "stream/values/sourcename.h"
 #include "webfile.h"
 
 #include <memory>
@@ -18,6 +19,14 @@ inline xrv::StreamOptions quickOptions()
     options.firstBytes = 1000;
     options.wholeInMemory = 4 << 20;
     return options;
+}
+
+/// Opens a stream by its address as a text.
+inline PLK::CError openStream(const std::string &address, const xrv::StreamOptions &options,
+                              std::shared_ptr<xrv::ByteSource> *source)
+{
+    const xrv::SourceName name(address);
+    return name.fault() ? name.fault() : xrv::StreamSource::open(name.address(), options, source);
 }
 
 /// The bytes of \a ranges as \a file has them.

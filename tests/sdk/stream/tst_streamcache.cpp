@@ -16,7 +16,6 @@
 #include <sys/resource.h>
 
 using xrv::ByteRange;
-using xrv::StreamSource;
 
 using Request = FaultServer::Request;
 
@@ -34,7 +33,7 @@ std::uint64_t fileNumberOf(const xrv::ByteSource &source)
 PLK::CError openCold(const std::string &address, const xrv::StreamOptions &options,
                      std::shared_ptr<xrv::ByteSource> *source)
 {
-    const PLK::CError error = StreamSource::open(address, options, source);
+    const PLK::CError error = openStream(address, options, source);
     if (!error)
         xrv::SegmentStore::instance().drop(fileNumberOf(**source));
     return error;

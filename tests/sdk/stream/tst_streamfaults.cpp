@@ -15,7 +15,6 @@
 #include <thread>
 
 using xrv::ByteRange;
-using xrv::StreamSource;
 
 using Handler = FaultServer::Handler;
 using Request = FaultServer::Request;
@@ -197,7 +196,7 @@ void TestStreamFaults::bytesArriveAllTheSame()
     QFETCH(Handler, handler);
     FaultServer server(handler);
     std::shared_ptr<xrv::ByteSource> source;
-    PLK::CError error = StreamSource::open(server.address("/a.jp2"), quickOptions(), &source);
+    PLK::CError error = openStream(server.address("/a.jp2"), quickOptions(), &source);
     QVERIFY2(!error, error.GetErrorMessage());
     QCOMPARE(source->size(), std::uint64_t(kSize));
     std::vector<xrv::Bytes> out;
@@ -285,7 +284,7 @@ void TestStreamFaults::openingFails()
     std::shared_ptr<xrv::ByteSource> source;
     QElapsedTimer timer;
     timer.start();
-    const PLK::CError error = StreamSource::open(server.address("/a.jp2", "me:secret"), quickOptions(), &source);
+    const PLK::CError error = openStream(server.address("/a.jp2", "me:secret"), quickOptions(), &source);
     QCOMPARE(error.GetErrorNumber(), code);
     QVERIFY(!source);
     QVERIFY2(timer.elapsed() < 4000, qPrintable(QString::number(timer.elapsed())));
@@ -349,7 +348,7 @@ void TestStreamFaults::readingFails()
     QFETCH(int, code);
     FaultServer server(handler);
     std::shared_ptr<xrv::ByteSource> source;
-    QVERIFY(!StreamSource::open(server.address("/a.jp2"), quickOptions(), &source));
+    QVERIFY(!openStream(server.address("/a.jp2"), quickOptions(), &source));
     std::vector<xrv::Bytes> out;
     QElapsedTimer timer;
     timer.start();
@@ -375,10 +374,10 @@ void TestStreamFaults::largeFileWithoutRanges()
     xrv::StreamOptions options = quickOptions();
     options.wholeInMemory = kSize - 1;
     std::shared_ptr<xrv::ByteSource> source;
-    const PLK::CError error = StreamSource::open(server.address("/a.jp2"), options, &source);
+    const PLK::CError error = openStream(server.address("/a.jp2"), options, &source);
     QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_TOO_LARGE));
     options.wholeInMemory = kSize;
-    QVERIFY(!StreamSource::open(server.address("/a.jp2"), options, &source));
+    QVERIFY(!openStream(server.address("/a.jp2"), options, &source));
     server.takeRequests();
     std::vector<xrv::Bytes> out;
     QVERIFY(!source->prefetch({{100, 10}}, never));
@@ -391,7 +390,7 @@ void TestStreamFaults::lostConnectionIsTakenUpAgain()
 {
     FaultServer server(plainFile().handler());
     std::shared_ptr<xrv::ByteSource> source;
-    QVERIFY(!StreamSource::open(server.address("/lost.jp2"), quickOptions(), &source));
+    QVERIFY(!openStream(server.address("/lost.jp2"), quickOptions(), &source));
     std::vector<xrv::Bytes> out;
     QVERIFY(!source->read({{1000, 50000}}, never, &out));
     server.stop();
@@ -416,7 +415,7 @@ void TestStreamFaults::lostServersAreNotWaitedForAgain()
     options.stallTimeout = 20000;
     options.trialTimeout = 400;
     std::shared_ptr<xrv::ByteSource> source;
-    QVERIFY(!StreamSource::open(server.address("/lost.jp2"), options, &source));
+    QVERIFY(!openStream(server.address("/lost.jp2"), options, &source));
     server.stop();
     std::vector<xrv::Bytes> out;
     const std::vector<ByteRange> some{{500, 90000}}, others{{120000, 4000}};
@@ -452,7 +451,7 @@ void TestStreamFaults::saysWhoItIs()
     options.userAgent = "A viewer/6.0";
     qputenv("http_proxy", server.url().c_str());
     std::shared_ptr<xrv::ByteSource> source;
-    const PLK::CError error = StreamSource::open("xrvp://images.invalid/a.jp2", options, &source);
+    const PLK::CError error = openStream("xrvp://images.invalid/a.jp2", options, &source);
     qunsetenv("http_proxy");
     QVERIFY2(!error, error.GetErrorMessage());
     const std::vector<Request> requests = server.takeRequests();
@@ -493,9 +492,8 @@ void TestStreamFaults::redirectsKeepThePassword()
                                    : httpAnswer("302 Found", "Location: " + away + "\r\n"));
     });
     std::shared_ptr<xrv::ByteSource> source;
-    QCOMPARE(StreamSource::open(server.address("/a.jp2"), quickOptions(), &source).GetErrorNumber(),
-             int(PLK_ERR_NO_ACCESS));
-    QVERIFY(!StreamSource::open(server.address("/a.jp2", "me:secret"), quickOptions(), &source));
+    QCOMPARE(openStream(server.address("/a.jp2"), quickOptions(), &source).GetErrorNumber(), int(PLK_ERR_NO_ACCESS));
+    QVERIFY(!openStream(server.address("/a.jp2", "me:secret"), quickOptions(), &source));
     QCOMPARE(source->name(), server.address("/a.jp2"));
     QVERIFY(source->identity().find("secret") == std::string::npos);
     std::vector<xrv::Bytes> out;
@@ -505,7 +503,7 @@ void TestStreamFaults::redirectsKeepThePassword()
     for (const Request &request : requests)
         QCOMPARE(request.header("authorization"), std::string());
     // The name that it goes by opens it again.
-    QVERIFY(!StreamSource::open(source->name(), quickOptions(), &source));
+    QVERIFY(!openStream(source->name(), quickOptions(), &source));
 }
 
 void TestStreamFaults::cancelReturnsAtOnce()
@@ -517,7 +515,7 @@ void TestStreamFaults::cancelReturnsAtOnce()
     xrv::StreamOptions options = quickOptions();
     options.stallTimeout = 20000;
     std::shared_ptr<xrv::ByteSource> source;
-    QVERIFY(!StreamSource::open(server.address("/slow.jp2"), options, &source));
+    QVERIFY(!openStream(server.address("/slow.jp2"), options, &source));
     xrv::CancelFlag cancel;
     QElapsedTimer timer;
     std::thread raiser([&] {
@@ -552,7 +550,7 @@ void TestStreamFaults::fewRequestsAtATime()
         return connection.send(file.answer(request));
     });
     std::shared_ptr<xrv::ByteSource> source;
-    QVERIFY(!StreamSource::open(server.address("/many.jp2"), quickOptions(), &source));
+    QVERIFY(!openStream(server.address("/many.jp2"), quickOptions(), &source));
     std::vector<ByteRange> ranges;
     for (std::uint64_t i = 0; i < 25; ++i)
         ranges.push_back({i * 100000 + 20000, 100});
@@ -568,7 +566,7 @@ void TestStreamFaults::prefetchedBytesNeedNoRequest()
     const WebFile file = plainFile();
     FaultServer server(file.handler());
     std::shared_ptr<xrv::ByteSource> source;
-    QVERIFY(!StreamSource::open(server.address("/ahead.jp2"), quickOptions(), &source));
+    QVERIFY(!openStream(server.address("/ahead.jp2"), quickOptions(), &source));
     QVERIFY(!source->prefetch(kRanges, never));
     std::vector<Request> requests = server.takeRequests();
     QCOMPARE(requests.size(), std::size_t(2)); // one opened the file
@@ -590,7 +588,7 @@ void TestStreamFaults::threadsShareRequests()
         return connection.send(file.answer(request));
     });
     std::shared_ptr<xrv::ByteSource> source;
-    QVERIFY(!StreamSource::open(server.address("/shared.jp2"), quickOptions(), &source));
+    QVERIFY(!openStream(server.address("/shared.jp2"), quickOptions(), &source));
     server.takeRequests();
     std::atomic<int> right{0};
     std::vector<std::thread> threads;

@@ -80,12 +80,6 @@ bool hasControlCharacter(const std::string &text)
     });
 }
 
-std::string withoutQuery(const std::string &address)
-{
-    const std::size_t question = address.find('?');
-    return question == std::string::npos ? address : address.substr(0, question) + "?...";
-}
-
 } // namespace
 
 CError StreamAddress::parse(const std::string &text, StreamAddress *address)
@@ -181,33 +175,10 @@ void StreamAddress::setCredentials(std::string newUser, std::string newPassword)
     password = std::move(newPassword);
 }
 
-std::string printableName(const std::string &name)
+std::string withoutQuery(const std::string &address)
 {
-    if (!isStreamAddress(name))
-        return name;
-    StreamAddress address;
-    if (!StreamAddress::parse(name, &address))
-        return address.printable();
-    // Not readable as an address: what stands before the last "@" may hold a password.
-    const std::size_t at = name.rfind('@');
-    return at == std::string::npos ? name : name.substr(0, name.find("://") + 3) + name.substr(at + 1);
-}
-
-std::string shownName(const std::string &name)
-{
-    StreamAddress address;
-    if (isStreamAddress(name) && !StreamAddress::parse(name, &address))
-        return address.shown();
-    const std::size_t colon = name.find("://");
-    const bool hasScheme =
-        colon != std::string::npos && std::all_of(name.begin(), name.begin() + colon, isAlphanumeric);
-    if (!hasScheme)
-        return name;
-    // Not readable as a stream address: what stands before the last "@" ahead of the path may hold a password.
-    const std::size_t path = std::min(name.find('/', colon + 3), name.size());
-    const std::size_t at = name.rfind('@', path);
-    const bool hasCredentials = at != std::string::npos && at > colon;
-    return withoutQuery(hasCredentials ? name.substr(0, colon + 3) + name.substr(at + 1) : name);
+    const std::size_t question = address.find('?');
+    return question == std::string::npos ? address : address.substr(0, question) + "?...";
 }
 
 } // namespace xrv

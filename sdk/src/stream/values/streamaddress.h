@@ -43,10 +43,7 @@ private:
     std::string target; ///< "/path?query", encoded
 };
 
-/// \a name as it may be handed out and kept: addresses without user and password, anything else unchanged.
-std::string printableName(const std::string &name);
-/// \a name as it may be shown and logged: addresses, whatever their scheme, without user, password and what follows
-/// "?", anything else unchanged.
-std::string shownName(const std::string &name);
+/// \a address with dots in the place of what follows "?", which may be a token.
+std::string withoutQuery(const std::string &address);
 
 } // namespace xrv

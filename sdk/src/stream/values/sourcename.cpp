@@ -1,0 +1,83 @@
+#include "sourcename.h"
+
+#include "io/filenames.h"
+
+#include <algorithm>
+
+namespace xrv {
+
+using PLK::CError;
+
+namespace {
+
+/// Letters and digits stand before the "://", as in every address; a local name may hold one further on.
+std::size_t schemeEnd(const std::string &name)
+{
+    const std::size_t colon = name.find("://");
+    if (colon == std::string::npos)
+        return colon;
+    const auto isAlphanumeric = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+    };
+    return std::all_of(name.begin(), name.begin() + static_cast<std::ptrdiff_t>(colon), isAlphanumeric)
+               ? colon
+               : std::string::npos;
+}
+
+/// \a address, whose scheme ends at \a colon, without what stands before the last "@" up to \a end: it may hold a
+/// password.
+std::string withoutCredentials(const std::string &address, std::size_t colon, std::size_t end)
+{
+    const std::size_t at = address.rfind('@', end);
+    const bool hasCredentials = at != std::string::npos && at > colon;
+    return hasCredentials ? address.substr(0, colon + 3) + address.substr(at + 1) : address;
+}
+
+/// What is no readable stream address, as it may be shown.
+std::string shownUnread(const std::string &name)
+{
+    const std::size_t colon = schemeEnd(name);
+    if (colon == std::string::npos)
+        return name;
+    const std::size_t path = std::min(name.find('/', colon + 3), name.size());
+    return withoutQuery(withoutCredentials(name, colon, path));
+}
+
+} // namespace
+
+SourceName::SourceName(const std::string &given)
+    : isOfStream(isStreamAddress(given))
+    , printableName(given)
+    , shownName(shownUnread(given))
+{
+    if (isOfStream) {
+        readStream(given);
+        return;
+    }
+    nameFault = schemeFault(given);
+    filePath = localPath(given);
+}
+
+void SourceName::readStream(const std::string &given)
+{
+    nameFault = StreamAddress::parse(given, &streamAddress);
+    if (nameFault) {
+        printableName = withoutCredentials(given, given.find("://"), std::string::npos);
+        return;
+    }
+    printableName = streamAddress.printable();
+    shownName = streamAddress.shown();
+}
+
+CError SourceName::schemeFault(const std::string &given) const
+{
+    if (hasScheme(given, "jpip") || hasScheme(given, "jpips"))
+        return {PLK_ERR_PROTOCOL, "The JPIP protocol is not supported: \"" + shownName + "\"."};
+    if (hasScheme(given, "http") || hasScheme(given, "https"))
+        return {PLK_ERR_PROTOCOL, "Images on a web server are opened by an address that begins with \"xrvp://\" or "
+                                  "\"xrvps://\", not with \"http://\" or \"https://\": \"" +
+                                      shownName + "\"."};
+    return {};
+}
+
+} // namespace xrv

@@ -41,6 +41,7 @@ BandRows::BandRows(RasterReader &rasterReader, const BandMap &bandMap, std::vect
     : reader(rasterReader)
     , map(bandMap)
     , bands(std::move(groupOfBands))
+    , components(map.componentsFor(bands))
     , faults(faultLog)
 {
     for (int band : bands)
@@ -94,7 +95,7 @@ ReadRequest BandRows::requestFor(const IntRect &window, int level, bool resilien
     ReadRequest request;
     request.datasetRect = window;
     request.level = level;
-    request.components = map.componentsFor(bands);
+    request.components = components;
     request.resilient = resilient;
     return request;
 }

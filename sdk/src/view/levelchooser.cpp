@@ -26,7 +26,7 @@ bool isLevelUsable(const RasterInfo &raster, const std::vector<int> &components,
                         [&](int component) { return raster.levelRect(component, level).isEmpty(); });
 }
 
-int chooseLevel(const RasterInfo &raster, const std::vector<int> &components, const ViewRequest &request)
+int chooseLevel(const RasterInfo &raster, const ViewRequest &request)
 {
     const double pitchX = std::abs(request.datasetRect.right - request.datasetRect.left) / request.width;
     const double pitchY = std::abs(request.datasetRect.bottom - request.datasetRect.top) / request.height;
@@ -35,7 +35,7 @@ int chooseLevel(const RasterInfo &raster, const std::vector<int> &components, co
     const int sharp = levelFor(std::min(pitchX, pitchY), largestCell);
     const int squeezed = levelFor(std::max(pitchX, pitchY), largestCell) - kSqueezedLevels;
     int level = std::clamp(std::max(sharp, squeezed), 0, std::max(0, raster.levels - 1));
-    while (level > 0 && !isLevelUsable(raster, components, level))
+    while (level > 0 && !isLevelUsable(raster, request.components, level))
         --level;
     return level;
 }

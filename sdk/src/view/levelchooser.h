@@ -14,7 +14,7 @@ namespace xrv {
 /// the finer level would drop a quarter of its rows and columns, so that the filtered level loses nothing that was
 /// there. A view that is squeezed along one axis more than eightfold gives up sharpness along the other, so that the
 /// cells to decode stay in proportion to the pixels.
-int chooseLevel(const RasterInfo &raster, const std::vector<int> &components, const ViewRequest &request);
+int chooseLevel(const RasterInfo &raster, const ViewRequest &request);
 
 /// Every one of \a components has cells at \a level: those of narrow images may have none (ISO/IEC 15444-1 B.5, images
 /// between two samples of the level).

@@ -28,7 +28,7 @@ int finalLevelOf(const ViewSource &source, const ViewRequest &request)
 {
     if (usableLevels(source) == 1)
         return 0;
-    return chooseLevel(source.reader->info(), componentsFor(source, request), request);
+    return chooseLevel(source.reader->info(), request);
 }
 
 } // namespace
@@ -51,6 +51,7 @@ void ViewEngine::setView(ViewRequest newRequest)
     // Callers drive a view from one thread, so that nobody else counts generations.
     newRequest.generation = ++generations;
     newRequest.cancel = CancelFlag();
+    newRequest.components = source.bandMap->componentsFor(newRequest.bands);
     const auto request = std::make_shared<const ViewRequest>(std::move(newRequest));
     const int level = finalLevelOf(source, *request);
     const StripPtr atHand = stripAtHand();
@@ -275,7 +276,7 @@ std::vector<Pass> ViewEngine::planPasses(const RequestPtr &request, int finalLev
         return {{finalLevel, 0.0, 0.0}};
     std::vector<int> levels{finalLevel};
     for (int level = finalLevel + 1; level < usableLevels(source); ++level)
-        if (isLevelUsable(source.reader->info(), read.components, level))
+        if (isLevelUsable(source.reader->info(), request->components, level))
             levels.push_back(level);
     const auto costOf = [&](int level) {
         read.level = level;

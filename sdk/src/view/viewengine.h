@@ -7,7 +7,6 @@
 
 #include "view/lines/picture.h"
 #include "view/lines/viewrequest.h"
-#include "view/lines/viewsource.h"
 
 #include <xrv60/plkerror.h>
 #include <xrv60/plktypes.h>
@@ -43,8 +42,9 @@ public:
     ~ViewEngine();
 
     bool isProgressive() const { return progressive; }
-    /// Sets \a request, whose generation is assigned here, in place of the last one, which is cancelled. A blocking
-    /// view with a blocking time is decoded on the worker's thread at once, and waited for as long as that.
+    /// Sets \a request, whose generation and components are filled in here, in place of the last one, which is
+    /// cancelled. A blocking view with a blocking time is decoded on the worker's thread at once, and waited for as
+    /// long as that.
     void setView(ViewRequest request);
     /// Begins the view that is set again, as after setView() with the same request.
     void restart();

@@ -1,7 +1,6 @@
 #include "linemaker.h"
 
 #include "pixelrow.h"
-#include "readplan.h"
 
 #include "view/sampling/convertingsampler.h"
 
@@ -19,6 +18,16 @@ const Plane &blankPlane()
     return plane;
 }
 
+/// \a bands, each once, in the order of their first appearance.
+std::vector<int> eachOnce(const std::vector<int> &bands)
+{
+    std::vector<int> distinct;
+    for (int band : bands)
+        if (std::find(distinct.begin(), distinct.end(), band) == distinct.end())
+            distinct.push_back(band);
+    return distinct;
+}
+
 } // namespace
 
 LineMaker::LineMaker(const RasterInfo &raster, const BandMap &bandMap, RequestPtr request, int level)
@@ -28,14 +37,13 @@ LineMaker::LineMaker(const RasterInfo &raster, const BandMap &bandMap, RequestPt
     , axisX(this->request->datasetRect.left, this->request->datasetRect.right, this->request->width, raster.width)
     , axisY(this->request->datasetRect.top, this->request->datasetRect.bottom, this->request->height, raster.height)
 {
-    distinctBands = xrv::distinctBands(this->request->bands);
+    distinctBands = eachOnce(this->request->bands);
     requestEntry.resize(distinctBands.size());
     for (std::size_t i = 0; i < this->request->bands.size(); ++i) {
         const auto found = std::find(distinctBands.begin(), distinctBands.end(), this->request->bands[i]);
         distinctOf.push_back(static_cast<std::size_t>(found - distinctBands.begin()));
         requestEntry[distinctOf.back()] = i;
     }
-    componentList = bandMap.componentsFor(distinctBands);
     opacity = opacityEntry();
     isPremultiplied = opacity >= 0 && bandMap.bands()[distinctBands[static_cast<std::size_t>(opacity)]].isPremultiplied;
     const auto count = static_cast<std::size_t>(axisX.insideCount());
@@ -60,7 +68,7 @@ int LineMaker::opacityEntry() const
 
 void LineMaker::measure(int level)
 {
-    for (int component : componentList) {
+    for (int component : request->components) {
         const CellGrid columns(raster, component, level, CellGrid::Axis::X);
         const CellGrid rows(raster, component, level, CellGrid::Axis::Y);
         const auto size = sampleSize(raster.components[static_cast<std::size_t>(component)].sampleType);
@@ -79,15 +87,15 @@ void LineMaker::chooseSampler(int level)
     const bool isPointwise = std::all_of(samplers.begin(), samplers.end(), [](auto &s) { return s.isPointwise(); });
     const bool isWeighted = opacity >= 0 && !isPremultiplied;
     if (!isPointwise && oneGrid && (bandMap.hasPalette() || isWeighted)) {
-        const CellGrid columns(raster, componentList.front(), level, CellGrid::Axis::X);
-        const CellGrid rows(raster, componentList.front(), level, CellGrid::Axis::Y);
+        const CellGrid columns(raster, request->components.front(), level, CellGrid::Axis::X);
+        const CellGrid rows(raster, request->components.front(), level, CellGrid::Axis::Y);
         sampler = std::make_unique<ConvertingSampler>(bandMap, distinctBands, isWeighted ? opacity : -1,
                                                       std::make_shared<ColumnTaps>(columns, axisX, true),
                                                       RowTaps(rows, axisY, true));
         return;
     }
-    auto resampling =
-        std::make_unique<ResamplingSampler>(bandMap, distinctBands, std::move(samplers), axisX.insideCount());
+    auto resampling = std::make_unique<ResamplingSampler>(bandMap, distinctBands, request->components,
+                                                          std::move(samplers), axisX.insideCount());
     byteSampler = isPointwise && resampling->isDirect() && !isPremultiplied ? resampling.get() : nullptr;
     sampler = std::move(resampling);
 }
@@ -96,7 +104,7 @@ std::vector<ComponentSampler> LineMaker::componentSamplers(int level, bool inter
 {
     std::vector<ComponentSampler> samplers;
     std::vector<std::pair<CellGrid, std::shared_ptr<ColumnTaps>>> shared;
-    for (int component : componentList) {
+    for (int component : request->components) {
         const CellGrid columns(raster, component, level, CellGrid::Axis::X);
         const CellGrid rows(raster, component, level, CellGrid::Axis::Y);
         auto same = std::find_if(shared.begin(), shared.end(), [&](auto &entry) { return entry.first == columns; });
@@ -110,8 +118,8 @@ std::vector<ComponentSampler> LineMaker::componentSamplers(int level, bool inter
 bool LineMaker::onOneGrid(int level) const
 {
     const auto grid = [&](int component, CellGrid::Axis axis) { return CellGrid(raster, component, level, axis); };
-    const int first = componentList.front();
-    return std::all_of(componentList.begin(), componentList.end(), [&](int component) {
+    const int first = request->components.front();
+    return std::all_of(request->components.begin(), request->components.end(), [&](int component) {
         return grid(component, CellGrid::Axis::X) == grid(first, CellGrid::Axis::X) &&
                grid(component, CellGrid::Axis::Y) == grid(first, CellGrid::Axis::Y);
     });

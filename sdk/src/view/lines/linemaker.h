@@ -21,12 +21,10 @@ class LineMaker
 public:
     LineMaker(const RasterInfo &raster, const BandMap &bandMap, RequestPtr request, int level);
 
-    /// Components to read.
-    const std::vector<int> &components() const { return componentList; }
     /// About as many lines as can be made from planes of \a budget bytes, at least one.
     int linesFor(std::size_t budget) const;
 
-    /// Planes of components(), in this order, that cover the next lines; not copied.
+    /// Planes of the request's components, in this order, that cover the next lines; not copied.
     void bind(const std::vector<Plane> &planes);
     /// Opacity bands of less than 8 bits are scaled up to 0..255.
     void setAutoscaleOpacity(bool enabled) { autoscaleOpacity = enabled; }
@@ -56,8 +54,7 @@ private:
     std::vector<int> distinctBands;        ///< each band once
     std::vector<std::size_t> distinctOf;   ///< entry of the request's bands -> entry of distinctBands
     std::vector<std::size_t> requestEntry; ///< entry of distinctBands -> an entry of the request's bands
-    std::vector<int> componentList;
-    int opacity = -1; ///< entry of distinctBands that is the opacity of the others, -1 for none
+    int opacity = -1;                      ///< entry of distinctBands that is the opacity of the others, -1 for none
     bool isPremultiplied = false;
     bool autoscaleOpacity = false;
     double planeBytesPerRow = 0.0, rowsPerLine = 0.0;

@@ -3,7 +3,6 @@
 #include "linemaker.h"
 #include "stripreader.h"
 #include "viewrequest.h"
-#include "viewsource.h"
 
 #include <xrv60/plkerror.h>
 #include <xrv60/plktypes.h>

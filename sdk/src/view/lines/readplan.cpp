@@ -6,37 +6,18 @@
 
 namespace xrv {
 
-std::vector<int> distinctBands(const std::vector<int> &bands)
-{
-    std::vector<int> distinct;
-    for (int band : bands)
-        if (std::find(distinct.begin(), distinct.end(), band) == distinct.end())
-            distinct.push_back(band);
-    return distinct;
-}
-
-std::vector<int> componentsFor(const ViewSource &source, const ViewRequest &request)
-{
-    return source.bandMap->componentsFor(distinctBands(request.bands));
-}
-
 CellKey cellKey(const ViewSource &source, const ViewRequest &request, int level)
 {
-    return {request.datasetRect,
-            request.width,
-            request.height,
-            level,
-            componentsFor(source, request),
-            request.qualityLayers,
-            request.resilient,
-            request.textureDither && source.canBeDithered};
+    return {
+        request.datasetRect, request.width,         request.height,    level,
+        request.components,  request.qualityLayers, request.resilient, request.textureDither && source.canBeDithered};
 }
 
 ReadRequest readRequest(const ViewSource &source, const ViewRequest &request, int level, int fromLine, int toLine)
 {
     ReadRequest read;
     read.level = level;
-    read.components = componentsFor(source, request);
+    read.components = request.components;
     read.qualityLayers = request.qualityLayers;
     read.resilient = request.resilient;
     read.cancel = request.cancel;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "viewrequest.h"
-#include "viewsource.h"
 
 #include "decode/rasterreader.h"
 
@@ -27,10 +26,6 @@ struct CellKey
     }
 };
 
-/// \a bands, each once, in the order of their first appearance.
-std::vector<int> distinctBands(const std::vector<int> &bands);
-/// Components to read for the bands of \a request.
-std::vector<int> componentsFor(const ViewSource &source, const ViewRequest &request);
 CellKey cellKey(const ViewSource &source, const ViewRequest &request, int level);
 /// What to read for the lines [fromLine, toLine). The rectangle is empty where they lie outside the image.
 ReadRequest readRequest(const ViewSource &source, const ViewRequest &request, int level, int fromLine, int toLine);

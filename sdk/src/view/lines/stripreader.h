@@ -2,7 +2,6 @@
 
 #include "readplan.h"
 #include "viewrequest.h"
-#include "viewsource.h"
 
 #include "decode/rasterreader.h"
 

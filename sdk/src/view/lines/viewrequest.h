@@ -1,15 +1,31 @@
 #pragma once
 
 #include "base/cancelflag.h"
+#include "colour/bandmap.h"
+#include "decode/rasterreader.h"
 #include "view/sampling/bytemap.h"
 
 #include <xrv60/plktypes.h>
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace xrv {
+
+class FaultLog;
+
+/// Where a view gets its cells from.
+struct ViewSource
+{
+    std::shared_ptr<const void> owner; ///< keeps reader and bandMap alive; may be null in tests
+    RasterReader *reader = nullptr;
+    const BandMap *bandMap = nullptr;
+    bool canBeDithered = false;         ///< a lossily compressed XRV file
+    std::string name{};                 ///< UTF-8, for messages
+    std::shared_ptr<FaultLog> faults{}; ///< is told of damage and failures; may be null
+};
 
 /// Edges of a view in some plane: the outer edges of its first and last column and row. They may run backwards.
 struct EdgeRect
@@ -24,7 +40,8 @@ struct EdgeRect
 /// A view as it was set. Made once, then never changed; only the flag may be raised.
 struct ViewRequest
 {
-    std::vector<int> bands; ///< as set: 1, 2, 3 or 4, may repeat
+    std::vector<int> bands;      ///< as set: 1, 2, 3 or 4, may repeat
+    std::vector<int> components; ///< to read for them, as BandMap::componentsFor() orders them; filled in by the engine
     int width = 0, height = 0;
     EdgeRect worldRect;
     EdgeRect datasetRect; ///< cells, (0, 0) at the corner of the image

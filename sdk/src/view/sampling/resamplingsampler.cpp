@@ -4,7 +4,7 @@
 
 namespace xrv {
 
-ResamplingSampler::ResamplingSampler(const BandMap &bandMap, std::vector<int> bands,
+ResamplingSampler::ResamplingSampler(const BandMap &bandMap, std::vector<int> bands, const std::vector<int> &components,
                                      std::vector<ComponentSampler> samplers, int count)
     : bandMap(bandMap)
     , bands(std::move(bands))
@@ -12,7 +12,6 @@ ResamplingSampler::ResamplingSampler(const BandMap &bandMap, std::vector<int> ba
     , count(count)
 {
     direct = std::all_of(this->bands.begin(), this->bands.end(), [&](int band) { return bandMap.isDirect(band); });
-    const std::vector<int> components = bandMap.componentsFor(this->bands);
     for (int band : this->bands) {
         const int component = bandMap.bands()[static_cast<std::size_t>(band)].component;
         const auto found = std::find(components.begin(), components.end(), component);

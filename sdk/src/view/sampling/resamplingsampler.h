@@ -14,9 +14,9 @@ namespace xrv {
 class ResamplingSampler : public BandSampler
 {
 public:
-    /// \a samplers belong to bandMap.componentsFor(bands).
-    ResamplingSampler(const BandMap &bandMap, std::vector<int> bands, std::vector<ComponentSampler> samplers,
-                      int count);
+    /// \a components are bandMap.componentsFor(bands), and \a samplers belong to them one by one.
+    ResamplingSampler(const BandMap &bandMap, std::vector<int> bands, const std::vector<int> &components,
+                      std::vector<ComponentSampler> samplers, int count);
 
     void bind(const PlaneList &planes) override;
     void sample(int y, std::int32_t *const *bandRows) override;

@@ -1,5 +1,6 @@
 #include <xrv60/plkfile.h>
 
+#include "refusals.h"
 #include "sourcestream.h"
 #include "viewmetadatavalues.h"
 
@@ -17,14 +18,9 @@ namespace PLK::SDK {
 
 namespace {
 
-CError notOpen()
-{
-    return {PLK_ERR_NOT_OPEN, "No file is open."};
-}
-
 CError missingResult()
 {
-    return {PLK_ERR_INVALID_ARGUMENT, "There is no place for the result."};
+    return xrv::invalidArgument("There is no place for the result.");
 }
 
 } // namespace
@@ -101,7 +97,7 @@ int CFileClient::GetEPSGCode() const
 CError CFileClient::ConvertDatasetToWorld(double datasetX, double datasetY, double *worldX, double *worldY) const
 {
     if (!file)
-        return notOpen();
+        return xrv::notOpen();
     if (!worldX || !worldY)
         return missingResult();
     const PLKFileInfo &info = file->info();
@@ -113,7 +109,7 @@ CError CFileClient::ConvertDatasetToWorld(double datasetX, double datasetY, doub
 CError CFileClient::ConvertWorldToDataset(double worldX, double worldY, double *datasetX, double *datasetY) const
 {
     if (!file)
-        return notOpen();
+        return xrv::notOpen();
     if (!datasetX || !datasetY)
         return missingResult();
     const PLKFileInfo &info = file->info();
@@ -125,7 +121,7 @@ CError CFileClient::ConvertWorldToDataset(double worldX, double worldY, double *
 CError CFileClient::GetWorldTransform(double transform[6]) const
 {
     if (!file)
-        return notOpen();
+        return xrv::notOpen();
     if (!transform)
         return missingResult();
     std::copy(file->geoReference().transform.begin(), file->geoReference().transform.end(), transform);
@@ -158,7 +154,7 @@ CError CFileClient::GetClientStatistics(PLKFileStatistics **statistics)
     *statistics = nullptr;
     const std::shared_ptr<xrv::OpenFile> used = file;
     if (!used)
-        return notOpen();
+        return xrv::notOpen();
     const PLKFileStatistics *kept = nullptr;
     if (CError error = used->statistics().full(&kept)) {
         used->faults()->failed(error);
@@ -178,7 +174,7 @@ CError CFileClient::GetRPCData(PLKRPCData **rpcData) const
         return missingResult();
     *rpcData = nullptr;
     if (!file)
-        return notOpen();
+        return xrv::notOpen();
     std::vector<std::string> warnings;
     std::optional<PLKRPCData> found = file->xrv() ? file->xrv()->rpc : std::nullopt;
     if (!found)

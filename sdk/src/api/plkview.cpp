@@ -1,126 +1,62 @@
-#include <xrv60/plkview.h>
+#include "plkview_p.h"
+
+#include "refusals.h"
 
 #include "config/configuration.h"
 #include "file/openfile.h"
 #include "io/filenames.h"
-#include "statistics/statistics.h"
-#include "view/bandtables.h"
-#include "view/viewengine.h"
 
 #include <algorithm>
-#include <atomic>
-#include <cmath>
 #include <new>
 
 namespace PLK {
-
-namespace {
-
-constexpr int kMaxSize = 65535;
-constexpr int kMaxBands = 4;
-
-CError invalid(const char *sentence)
-{
-    return {PLK_ERR_INVALID_ARGUMENT, sentence};
-}
-
-CError notOpen()
-{
-    return {PLK_ERR_NOT_OPEN, "No file is open."};
-}
-
-CError outOfMemory()
-{
-    return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory for this view."};
-}
-
-bool areFinite(std::initializer_list<double> numbers)
-{
-    return std::all_of(numbers.begin(), numbers.end(), [](double number) { return std::isfinite(number); });
-}
-
-CError checkView(std::size_t fileBands, int bandCount, const int *bands, int width, int height)
-{
-    if (bandCount < 1 || bandCount > kMaxBands || bands == nullptr)
-        return invalid("A view shows one to four bands.");
-    for (int i = 0; i < bandCount; ++i)
-        if (bands[i] < 0 || static_cast<std::size_t>(bands[i]) >= fileBands)
-            return invalid("The view asks for a band that the file does not have.");
-    if (width < 1 || height < 1 || width > kMaxSize || height > kMaxSize)
-        return invalid("The size of a view is 1 to 65535 pixels either way.");
-    return {};
-}
-
-} // namespace
-
-/// What a view consists of, and the way from the worker's passes to the virtual callback.
-class CView::Private : public xrv::PassListener
-{
-public:
-    explicit Private(CView *owner)
-        : owner(owner)
-    {
-    }
-
-    PLKReadStatus passReady(PLKSetViewInfo *info) override { return owner->RefreshPass(info); }
-
-    std::shared_ptr<xrv::ViewEngine> engine() const
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return openEngine;
-    }
-    void setEngine(std::shared_ptr<xrv::ViewEngine> engine)
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        openEngine.swap(engine);
-    }
-    void setError(const CError &error)
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        lastError = error;
-    }
-    CError error() const
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return lastError;
-    }
-
-    PLKReadStatus readLine(const xrv::LineTarget &target);
-    /// Everything of \a request that the view's parameters, its transforms and the configuration decide.
-    void fillSettings(const std::vector<xrv::Band> &fileBands, xrv::ViewRequest *request);
-
-    CView *const owner;
-    xrv::BandTables tables;
-    std::atomic<bool> closing{false};
-
-private:
-    mutable std::mutex mutex; ///< guards openEngine and lastError
-    std::shared_ptr<xrv::ViewEngine> openEngine;
-    CError lastError; ///< of a read while nothing was open, or that ran out of memory
-};
 
 PLKReadStatus CView::Private::readLine(const xrv::LineTarget &target)
 {
     const std::shared_ptr<xrv::ViewEngine> open = engine();
     if (!open) {
-        setError(notOpen());
+        setError(xrv::notOpen());
         return PLK_READ_FAILED;
     }
     try {
         return open->readLine(target);
     } catch (const std::bad_alloc &) {
-        open->setLastError(outOfMemory());
+        open->setLastError(noMemoryForView());
         return PLK_READ_FAILED;
     }
 }
 
-void CView::Private::fillSettings(const std::vector<xrv::Band> &fileBands, xrv::ViewRequest *request)
+CError CView::Private::makeRequest(const xrv::ViewArguments &arguments, xrv::ViewRequest *request)
 {
+    const xrv::EdgeRect &world = arguments.worldRect;
+    xrv::EdgeRect &cells = request->datasetRect;
+    if (CError error = owner->ConvertWorldToDataset(world.left, world.top, &cells.left, &cells.top))
+        return error;
+    if (CError error = owner->ConvertWorldToDataset(world.right, world.bottom, &cells.right, &cells.bottom))
+        return error;
+    if (!xrv::isArea(cells))
+        return xrv::invalidArgument("The world rectangle of the view is too large or too small for this file.");
+    request->worldRect = world;
+    request->width = arguments.width;
+    request->height = arguments.height;
+    request->bands.assign(arguments.bands, arguments.bands + arguments.bandCount);
+    fillByteMaps(request);
+    fillSettings(request);
+    return {};
+}
+
+void CView::Private::fillByteMaps(xrv::ViewRequest *request)
+{
+    const std::vector<xrv::Band> &fileBands = owner->SharedFile()->bandMap().bands();
     for (int band : request->bands) {
         const xrv::Band &info = fileBands[static_cast<std::size_t>(band)];
         request->byteMaps.push_back(tables.mapOf(band, info, false));
         request->autoscaledByteMaps.push_back(tables.mapOf(band, info, true));
     }
+}
+
+void CView::Private::fillSettings(xrv::ViewRequest *request) const
+{
     const xrv::Configuration &config = xrv::configuration();
     request->resampleMethod = owner->ParametersDecompress().GetResampleMethod();
     request->textureDither = owner->ParametersDecompress().IsReaderDitherEnabled();
@@ -147,14 +83,14 @@ CError CView::Open(const wchar_t *name, bool progressive, bool update)
     try {
         return Open(CString(xrv::resolveName(name).c_str()), progressive, update);
     } catch (const std::bad_alloc &) {
-        return outOfMemory();
+        return noMemoryForView();
     }
 }
 
 CError CView::Open(const CString &name, bool progressive, bool update)
 {
     if (update)
-        return invalid("Files cannot be opened for update.");
+        return xrv::invalidArgument("Files cannot be opened for update.");
     if (const CError error = Close(false))
         return error;
     try {
@@ -166,7 +102,7 @@ CError CView::Open(const CString &name, bool progressive, bool update)
         d->setEngine(std::make_shared<xrv::ViewEngine>(source, progressive, *d));
     } catch (const std::bad_alloc &) {
         CloseFile(true);
-        return outOfMemory();
+        return noMemoryForView();
     }
     return {};
 }
@@ -181,7 +117,7 @@ CError CView::Close(bool freeCache)
     const std::shared_ptr<xrv::ViewEngine> engine = d->engine();
     if (engine) {
         if (engine->isWorkerThread())
-            return invalid("A view cannot be closed from within its own refresh callback.");
+            return xrv::invalidArgument("A view cannot be closed from within its own refresh callback.");
         d->closing = true;
         engine->stop();
         d->setEngine(nullptr);
@@ -196,7 +132,7 @@ CError CView::Reconnect()
 {
     const std::shared_ptr<xrv::ViewEngine> engine = d->engine();
     if (!engine)
-        return notOpen();
+        return xrv::notOpen();
     xrv::ByteSource &source = SharedFile()->source();
     const CError condition = source.condition();
     if (condition.GetErrorNumber() != PLK_ERR_CONNECTION_LOST)
@@ -211,30 +147,17 @@ CError CView::SetView(int bandCount, const int *bands, int width, int height, do
 {
     const std::shared_ptr<xrv::ViewEngine> engine = d->engine();
     if (!engine)
-        return notOpen();
-    const std::vector<xrv::Band> &fileBands = SharedFile()->bandMap().bands();
-    if (CError error = checkView(fileBands.size(), bandCount, bands, width, height))
+        return xrv::notOpen();
+    const xrv::ViewArguments arguments{bandCount, bands, width, height, {x1, y1, x2, y2}};
+    if (CError error = arguments.check(SharedFile()->bandMap().bands().size()))
         return error;
-    if (!areFinite({x1, y1, x2, y2}) || x1 == x2 || y1 == y2)
-        return invalid("The world rectangle of the view is empty or not finite.");
     try {
         xrv::ViewRequest request;
-        request.width = width;
-        request.height = height;
-        request.worldRect = {x1, y1, x2, y2};
-        xrv::EdgeRect &cells = request.datasetRect;
-        if (CError error = ConvertWorldToDataset(x1, y1, &cells.left, &cells.top))
+        if (CError error = d->makeRequest(arguments, &request))
             return error;
-        if (CError error = ConvertWorldToDataset(x2, y2, &cells.right, &cells.bottom))
-            return error;
-        if (!areFinite({cells.left, cells.top, cells.right, cells.bottom}) || cells.left == cells.right ||
-            cells.top == cells.bottom)
-            return invalid("The world rectangle of the view is too large or too small for this file.");
-        request.bands.assign(bands, bands + bandCount);
-        d->fillSettings(fileBands, &request);
         engine->setView(std::move(request));
     } catch (const std::bad_alloc &) {
-        return outOfMemory();
+        return noMemoryForView();
     }
     return SharedFile()->source().condition();
 }
@@ -248,7 +171,7 @@ void CView::CancelReads()
 PLKReadStatus CView::ReadLineBGRA(void *line)
 {
     if (line == nullptr) {
-        d->setError(invalid("There is no buffer for the line."));
+        d->setError(xrv::invalidArgument("There is no buffer for the line."));
         return PLK_READ_FAILED;
     }
     xrv::LineTarget target;
@@ -260,7 +183,7 @@ PLKReadStatus CView::ReadLineBGRA(void *line)
 PLKReadStatus CView::ReadLineBIL(PLKCellType type, void *const *lines)
 {
     if (lines == nullptr || type < PLKCT_UINT8 || type > PLKCT_DOUBLE) {
-        d->setError(invalid("There are no buffers for the line, or their type is none."));
+        d->setError(xrv::invalidArgument("There are no buffers for the line, or their type is none."));
         return PLK_READ_FAILED;
     }
     xrv::LineTarget target;
@@ -274,7 +197,7 @@ PLKReadStatus CView::ReadLineBIL(std::uint8_t *const *lines, PLKCellType type)
 {
     if (lines == nullptr)
         return ReadLineBIL(type, nullptr);
-    void *const buffers[kMaxBands] = {lines[0], lines[1], lines[2], lines[3]};
+    void *const buffers[xrv::ViewArguments::kMaxBands] = {lines[0], lines[1], lines[2], lines[3]};
     return ReadLineBIL(type, buffers);
 }
 
@@ -330,84 +253,6 @@ std::uint64_t CView::GetAllBlocksInView() const
 {
     const std::shared_ptr<xrv::ViewEngine> engine = d->engine();
     return engine ? engine->blocks().inView : 0;
-}
-
-CError CView::SetTransform(unsigned band, std::unique_ptr<API::CMinMaxTransform> transform)
-{
-    if (!d->engine())
-        return notOpen();
-    if (band >= SharedFile()->bandMap().bands().size() || !transform)
-        return invalid("There is no such band, or no transform for it.");
-    if (!areFinite({transform->GetMin(), transform->GetMax()}))
-        return invalid("The limits of a transform must be finite.");
-    try {
-        d->tables.setRange(static_cast<int>(band), transform->GetMin(), transform->GetMax());
-    } catch (const std::bad_alloc &) {
-        return outOfMemory();
-    }
-    return {};
-}
-
-CError CView::ClearTransforms()
-{
-    if (!d->engine())
-        return notOpen();
-    d->tables.clear();
-    return {};
-}
-
-CError CView::CalculateMinMaxTransforms(unsigned bandCount, const unsigned *bands,
-                                        std::vector<std::unique_ptr<API::CMinMaxTransform>> *transforms, double percent,
-                                        unsigned sampling)
-{
-    if (!d->engine())
-        return notOpen();
-    if (transforms == nullptr || (bandCount > 0 && bands == nullptr))
-        return invalid("There are no bands to calculate transforms of, or no place for these.");
-    if (!(percent > 0.0 && percent <= 100.0) || sampling < 1 || sampling > 100)
-        return invalid("Transforms are calculated of 1 to 100 per cent of the cells.");
-    try {
-        const PLKFileStatistics *statistics = nullptr;
-        if (CError error = SharedFile()->statistics().display(&statistics))
-            return error;
-        std::vector<std::unique_ptr<API::CMinMaxTransform>> found;
-        for (unsigned i = 0; i < bandCount; ++i) {
-            if (bands[i] >= statistics->nBands)
-                return invalid("Transforms are asked for of a band that the file does not have.");
-            const auto [lowest, highest] = xrv::clipRange(statistics->pBandStats[bands[i]], percent);
-            found.push_back(std::make_unique<API::CMinMaxTransform>(lowest, highest));
-        }
-        transforms->swap(found);
-    } catch (const std::bad_alloc &) {
-        return outOfMemory();
-    }
-    return {};
-}
-
-CError CView::GetDefaultRGBABandList(std::vector<std::uint32_t> *bands) const
-{
-    if (!d->engine())
-        return notOpen();
-    if (bands == nullptr)
-        return invalid("There is no place for the bands.");
-    const std::vector<xrv::Band> &all = SharedFile()->bandMap().bands();
-    std::vector<std::uint32_t> colours, opacity, named;
-    for (std::uint32_t i = 0; i < all.size(); ++i)
-        (all[i].isOpacity ? opacity : colours).push_back(i);
-    if (colours.size() < 3)
-        return {PLK_ERR_NOT_AVAILABLE, "The image has fewer than three bands of colour."};
-    for (const char *name : {"Red", "Green", "Blue"}) {
-        const auto isNamed = [&](std::uint32_t band) { return all[band].description == name; };
-        const auto found = std::find_if(colours.begin(), colours.end(), isNamed);
-        if (found != colours.end())
-            named.push_back(*found);
-    }
-    if (named.size() < 3)
-        named.assign(colours.begin(), colours.begin() + 3);
-    if (!opacity.empty())
-        named.push_back(opacity.back());
-    bands->swap(named);
-    return {};
 }
 
 void CView::RefreshUpdate(PLKSetViewInfo *)

@@ -175,6 +175,26 @@ bool BandMap::isDirect(int band) const
     return d->outputOfBand[index] < 0 && d->bands[index].paletteColumn < 0;
 }
 
+std::vector<int> BandMap::rgbaBands() const
+{
+    std::vector<int> colours, opacity, found;
+    for (std::size_t i = 0; i < d->bands.size(); ++i)
+        (d->bands[i].isOpacity ? opacity : colours).push_back(static_cast<int>(i));
+    if (colours.size() < 3)
+        return {};
+    for (const char *name : {"Red", "Green", "Blue"}) {
+        const auto isNamed = [&](int band) { return d->bands[static_cast<std::size_t>(band)].description == name; };
+        const auto named = std::find_if(colours.begin(), colours.end(), isNamed);
+        if (named != colours.end())
+            found.push_back(*named);
+    }
+    if (found.size() < 3)
+        found.assign(colours.begin(), colours.begin() + 3);
+    if (!opacity.empty())
+        found.push_back(opacity.back());
+    return found;
+}
+
 bool BandMap::Private::needsConversion(const std::vector<int> &bandNumbers) const
 {
     return std::any_of(bandNumbers.begin(), bandNumbers.end(),

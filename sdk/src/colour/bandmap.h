@@ -46,6 +46,9 @@ public:
     bool hasPalette() const;
     /// The cells of \a band are those of its component, unchanged.
     bool isDirect(int band) const;
+    /// Bands to show as red, green and blue, by their names or else the first three of colour, and as opacity, where
+    /// there is one. Empty with fewer than three bands of colour.
+    std::vector<int> rgbaBands() const;
     /// Components to read for \a bands, each once. Bands of a colour conversion need all components of it.
     std::vector<int> componentsFor(const std::vector<int> &bands) const;
     /// Makes \a width cells of each of \a bands from the rows of componentsFor(bands), in that order and all on the

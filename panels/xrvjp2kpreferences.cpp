@@ -10,6 +10,7 @@
 
 #include <QDesktopServices>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QSettings>
@@ -46,12 +47,19 @@ int percentOf(quint64 size, quint64 whole)
 } // namespace
 
 XRVJP2kPreferences::XRVJP2kPreferences(QWidget *parent)
+    : XRVJP2kPreferences({Korvane::System::getTotalRAM(), [](const QString &name) { return QFile::remove(name); }},
+                         parent)
+{
+}
+
+XRVJP2kPreferences::XRVJP2kPreferences(const Surroundings &found, QWidget *parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::XRVJP2kPreferencesClass>())
+    , surroundings(found)
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("XRV JP2"));
-    totalMemory = static_cast<qint64>(Korvane::System::getTotalRAM());
+    totalMemory = static_cast<qint64>(surroundings.memory);
     maximumMemory = std::min(static_cast<quint64>(totalMemory >> 2), kMaxMemoryMb);
     recommendedMemory = std::min(maximumMemory, PluginSettings::kCacheMaxMemMb.onPage);
     readSettings();
@@ -256,11 +264,11 @@ void XRVJP2kPreferences::onClearDiskCache(bool)
     if (QMessageBox::question(this, tr("Disk Cache"), question, QMessageBox::Ok | QMessageBox::Cancel) !=
         QMessageBox::Ok)
         return;
-    QDir folder(cacheFolder);
+    const QDir folder(cacheFolder);
     bool isCleared = true;
     const QStringList names = cacheFiles();
     for (const QString &name : names)
-        isCleared = folder.remove(name) && isCleared;
+        isCleared = surroundings.removeFile(folder.filePath(name)) && isCleared;
     if (!isCleared) {
         QMessageBox::warning(this, tr("Disk Cache"),
                              tr("Not all files could be removed. Close all map views before clearing the cache."));

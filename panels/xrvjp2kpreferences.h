@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 namespace Ui {
@@ -17,7 +18,15 @@ class XRVJP2kPreferences : public QWidget
     Q_OBJECT
 
 public:
+    /// What the page finds around it.
+    struct Surroundings
+    {
+        quint64 memory = 0;                                  ///< of the machine, in megabytes; 0 where it is not known
+        std::function<bool(const QString &name)> removeFile; ///< false for a file that stays
+    };
+
     explicit XRVJP2kPreferences(QWidget *parent = nullptr);
+    explicit XRVJP2kPreferences(const Surroundings &found, QWidget *parent = nullptr);
     ~XRVJP2kPreferences() override;
 
 public Q_SLOTS:
@@ -53,6 +62,7 @@ private:
     quint64 cacheBytesUsed() const;
 
     std::unique_ptr<Ui::XRVJP2kPreferencesClass> ui;
+    const Surroundings surroundings;
     QString cacheFolder;
     QString userAgent;
     // Sizes are in megabytes.

@@ -1,3 +1,4 @@
+#include "data/dialogwatch.h"
 #include "data/testfolder.h"
 #include "layer/xrvjp2klayer.h"
 #include "logging/logsinks.h"
@@ -5,7 +6,6 @@
 
 #include <QDGui/application.h>
 #include <QDGui/stringutil.h>
-#include <QDGui/system.h>
 #include <xrv60/plklog.h>
 
 #include <QCheckBox>
@@ -15,58 +15,23 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
 #include <QSlider>
 #include <QSpinBox>
 #include <QStyleOptionGroupBox>
-#include <QTimer>
 #include <QToolButton>
 #include <QUrl>
 #include <QtTest>
 
-#include <cerrno>
-#include <fcntl.h>
 #include <memory>
-#include <unistd.h>
 
 using Korvane::Application;
 using Korvane::Util::String::formatFileSize;
 
-static quint64 machineMemory = 16384;
-
-namespace Korvane {
-namespace System {
-quint64 getTotalRAM()
-{
-    return machineMemory;
-}
-} // namespace System
-} // namespace Korvane
-
-/// Files whose names begin with "held" are in use and stay, for root as well.
-extern "C" __attribute__((visibility("default"))) int unlink(const char *path) noexcept
-{
-    const char *slash = strrchr(path, '/');
-    if (strncmp(slash ? slash + 1 : path, "held", 4) == 0) {
-        errno = EBUSY;
-        return -1;
-    }
-    return unlinkat(AT_FDCWD, path, 0);
-}
-
 namespace {
 
 constexpr quint64 kMegabyte = 1 << 20;
-
-QVariant stored(const char *key)
-{
-    // Read by another object than the page's, from the file.
-    Application::instance()->settings()->sync();
-    const QSettings file(Application::instance()->settings()->fileName(), QSettings::IniFormat);
-    return file.value(QLatin1String("XRVJP2kLayer/") + QLatin1String(key));
-}
 
 QString megabytes(quint64 size, const char *format = "%2.2f")
 {
@@ -82,32 +47,6 @@ QPoint checkMarkOf(const QGroupBox &group)
     return group.style()->subControlRect(QStyle::CC_GroupBox, &option, QStyle::SC_GroupBoxCheckBox, &group).center();
 }
 
-/// Answers message boxes in turn with the buttons given, and notes what they said.
-class BoxAnswers : public QObject
-{
-public:
-    explicit BoxAnswers(QList<QMessageBox::StandardButton> buttons)
-        : buttons(std::move(buttons))
-    {
-        connect(&timer, &QTimer::timeout, this, [this] {
-            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            if (!box)
-                return;
-            texts.append(box->windowTitle() + QLatin1Char('|') + box->text());
-            offered = box->standardButtons();
-            box->button(this->buttons.isEmpty() ? QMessageBox::Ok : this->buttons.takeFirst())->click();
-        });
-        timer.start(10);
-    }
-
-    QStringList texts;
-    QMessageBox::StandardButtons offered;
-
-private:
-    QTimer timer;
-    QList<QMessageBox::StandardButton> buttons;
-};
-
 } // namespace
 
 /// The page's real widgets, a real settings file and real cache files.
@@ -119,7 +58,6 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void slotsInOrder();
     void defaultsOfTheMachine_data();
     void defaultsOfTheMachine();
     void nothingIsWrittenBeforeSaving();
@@ -146,22 +84,29 @@ private:
     }
     void show()
     {
-        page = std::make_unique<XRVJP2kPreferences>();
+        page = std::make_unique<XRVJP2kPreferences>(surroundings);
         page->show();
     }
     void click(const char *button);
     void save() { QMetaObject::invokeMethod(page.get(), "onSavePrefs"); }
     QString makeCacheFolder(const QString &name);
-    void writeBytes(const QString &file, int count) const;
+    /// So many bytes in a file of the cache.
+    void writeIn(const char *name, int count) const
+    {
+        folder->writeText(cacheName + QLatin1Char('/') + QLatin1String(name), QByteArray(count, 'x'));
+    }
 
     std::unique_ptr<TestFolder> folder;
     std::unique_ptr<XRVJP2kPreferences> page;
+    XRVJP2kPreferences::Surroundings surroundings;
+    QString cacheName;
     QUrl openedUrl;
 };
 
 void TestPreferencesPage::init()
 {
-    machineMemory = 16384;
+    surroundings = {16384,
+                    [](const QString &name) { return !name.contains(QLatin1String("held")) && QFile::remove(name); }};
     folder = std::make_unique<TestFolder>();
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Some Viewer"));
 }
@@ -181,42 +126,11 @@ void TestPreferencesPage::click(const char *button)
 
 QString TestPreferencesPage::makeCacheFolder(const QString &name)
 {
+    cacheName = name;
     const QString path = folder->path(name);
     QDir().mkpath(path);
     TestFolder::setSetting("XrvpCacheDir", path);
     return path;
-}
-
-void TestPreferencesPage::writeBytes(const QString &file, int count) const
-{
-    QFile target(file);
-    QVERIFY(target.open(QIODevice::WriteOnly));
-    QCOMPARE(target.write(QByteArray(count, 'x')), qint64(count));
-}
-
-void TestPreferencesPage::slotsInOrder()
-{
-    const QMetaObject &meta = XRVJP2kPreferences::staticMetaObject;
-    const QList<QByteArray> expected = {"init()",
-                                        "onSavePrefs()",
-                                        "onCacheDirSliderMove(int)",
-                                        "onDiskCacheSliderMove(int)",
-                                        "onEnableXRVPCache(bool)",
-                                        "onChooseXRVPCacheDir(bool)",
-                                        "onClipPercent(int)",
-                                        "onUseBilinear(bool)",
-                                        "onUseResilientDecoding(bool)",
-                                        "onUseAdaptiveRendering(bool)",
-                                        "onUseTexturing(bool)",
-                                        "onUseWinHTTPInXRVP(bool)",
-                                        "onAlwaysOpenProgressive(bool)",
-                                        "onClearDiskCache(bool)",
-                                        "onViewFiles(bool)",
-                                        "onDefaults(bool)",
-                                        "onLogXrv(bool)"};
-    QCOMPARE(meta.methodCount() - meta.methodOffset(), expected.size());
-    for (int i = 0; i < expected.size(); ++i)
-        QCOMPARE(meta.method(meta.methodOffset() + i).methodSignature(), expected[i]);
 }
 
 void TestPreferencesPage::defaultsOfTheMachine_data()
@@ -233,7 +147,7 @@ void TestPreferencesPage::defaultsOfTheMachine()
 {
     QFETCH(quint64, total);
     QFETCH(quint64, recommended);
-    machineMemory = total;
+    surroundings.memory = total;
     show();
     QCOMPARE(page->objectName(), QStringLiteral("XRV JP2"));
     QCOMPARE(page->windowTitle(), QStringLiteral("XRV & JP2 Preferences"));
@@ -259,7 +173,7 @@ void TestPreferencesPage::nothingIsWrittenBeforeSaving()
     click("useXrvTexture");
     click("defaultsButton");
     page.reset();
-    QVERIFY(!stored("TextureDither").isValid());
+    QVERIFY(!TestFolder::storedSetting("TextureDither").isValid());
     QVERIFY(Application::instance()->settings()->allKeys().isEmpty());
 }
 
@@ -281,21 +195,22 @@ void TestPreferencesPage::savesWhatWasClicked()
     get<QLineEdit>("xrvpDiskCacheLocationEdit")->setText(QStringLiteral("/typed/in/vain"));
     QVERIFY(charLogSink().isLevelEnabled(nullptr, PLK_LOG_FATAL));
     save();
-    QCOMPARE(stored("OpenProgressive").toBool(), false);
-    QCOMPARE(stored("OptimizeNearestNeighbour").toBool(), false);
-    QCOMPARE(stored("AdaptiveRendering").toBool(), true);
-    QCOMPARE(stored("TextureDither").toBool(), true);
-    QCOMPARE(stored("ResilientDecoding").toBool(), false);
-    QCOMPARE(stored("UseWinHTTPInXrvp").toBool(), true);
-    QCOMPARE(stored("LogXrvEvents").toBool(), false);
-    QCOMPARE(stored("LocalXrvpCache").toBool(), false);
-    QCOMPARE(stored("DefaultClipTransform").toInt(), 77);
-    QCOMPARE(stored("XRVPUserAgent").toString(), QString::fromUtf8("Gerät/1"));
-    QCOMPARE(stored("XrvpCacheDir").toString(), QDir::tempPath() + QLatin1String("/QDViewerXrvpCache"));
-    QCOMPARE(stored("CacheMaxMemMb").toULongLong(), 512ULL);
-    QCOMPARE(stored("DiskCacheMaxSizeMb").toULongLong(), 500ULL);
-    QCOMPARE(stored("OptimizeNonProgressive").toBool(), true);
-    QVERIFY(!stored("LogLevel").isValid());
+    QCOMPARE(TestFolder::storedSetting("OpenProgressive").toBool(), false);
+    QCOMPARE(TestFolder::storedSetting("OptimizeNearestNeighbour").toBool(), false);
+    QCOMPARE(TestFolder::storedSetting("AdaptiveRendering").toBool(), true);
+    QCOMPARE(TestFolder::storedSetting("TextureDither").toBool(), true);
+    QCOMPARE(TestFolder::storedSetting("ResilientDecoding").toBool(), false);
+    QCOMPARE(TestFolder::storedSetting("UseWinHTTPInXrvp").toBool(), true);
+    QCOMPARE(TestFolder::storedSetting("LogXrvEvents").toBool(), false);
+    QCOMPARE(TestFolder::storedSetting("LocalXrvpCache").toBool(), false);
+    QCOMPARE(TestFolder::storedSetting("DefaultClipTransform").toInt(), 77);
+    QCOMPARE(TestFolder::storedSetting("XRVPUserAgent").toString(), QString::fromUtf8("Gerät/1"));
+    QCOMPARE(TestFolder::storedSetting("XrvpCacheDir").toString(),
+             QDir::tempPath() + QLatin1String("/QDViewerXrvpCache"));
+    QCOMPARE(TestFolder::storedSetting("CacheMaxMemMb").toULongLong(), 512ULL);
+    QCOMPARE(TestFolder::storedSetting("DiskCacheMaxSizeMb").toULongLong(), 500ULL);
+    QCOMPARE(TestFolder::storedSetting("OptimizeNonProgressive").toBool(), true);
+    QVERIFY(!TestFolder::storedSetting("LogLevel").isValid());
     // Logging alone follows at once, in both sinks.
     QVERIFY(!charLogSink().isLevelEnabled(nullptr, PLK_LOG_FATAL) &&
             !wcharLogSink().isLevelEnabled(nullptr, PLK_LOG_FATAL));
@@ -336,8 +251,8 @@ void TestPreferencesPage::slidersCountOnlyWhileDragged()
     QCOMPARE(diskPercent, 20ULL);
     QCOMPARE(get<QLabel>("xrvpDiskCacheLabel")->text(), megabytes(100, "  %2.2f"));
     save();
-    QCOMPARE(stored("CacheMaxMemMb").toULongLong(), 2048ULL);
-    QCOMPARE(stored("DiskCacheMaxSizeMb").toULongLong(), 100ULL);
+    QCOMPARE(TestFolder::storedSetting("CacheMaxMemMb").toULongLong(), 2048ULL);
+    QCOMPARE(TestFolder::storedSetting("DiskCacheMaxSizeMb").toULongLong(), 100ULL);
 }
 
 void TestPreferencesPage::defaultsButton()
@@ -355,12 +270,13 @@ void TestPreferencesPage::defaultsButton()
     QVERIFY(get<QGroupBox>("diskCacheGroupBox")->isChecked());
     QCOMPARE(get<QSpinBox>("clipPercent")->value(), 99);
     save();
-    QCOMPARE(stored("TextureDither").toBool(), true);
-    QCOMPARE(stored("XRVPUserAgent").toString(), QString());
-    QCOMPARE(stored("XrvpCacheDir").toString(), QDir::tempPath() + QLatin1String("/QDViewerXrvpCache"));
+    QCOMPARE(TestFolder::storedSetting("TextureDither").toBool(), true);
+    QCOMPARE(TestFolder::storedSetting("XRVPUserAgent").toString(), QString());
+    QCOMPARE(TestFolder::storedSetting("XrvpCacheDir").toString(),
+             QDir::tempPath() + QLatin1String("/QDViewerXrvpCache"));
     // These two are left alone.
-    QCOMPARE(stored("OpenProgressive").toBool(), false);
-    QCOMPARE(stored("AdaptiveRendering").toBool(), true);
+    QCOMPARE(TestFolder::storedSetting("OpenProgressive").toBool(), false);
+    QCOMPARE(TestFolder::storedSetting("AdaptiveRendering").toBool(), true);
 }
 
 void TestPreferencesPage::badSettings_data()
@@ -391,7 +307,7 @@ void TestPreferencesPage::badSettings()
     show();
     save();
     // What the page saves is what it shows.
-    const int clip = stored("DefaultClipTransform").toInt();
+    const int clip = TestFolder::storedSetting("DefaultClipTransform").toInt();
     QCOMPARE(clip, get<QSpinBox>("clipPercent")->value());
     QVERIFY(clip >= 1 && clip <= 100);
     TestFolder::setSetting(key.constData(), value);
@@ -408,9 +324,9 @@ void TestPreferencesPage::badSettings()
 void TestPreferencesPage::showsCacheUse()
 {
     const QString cache = makeCacheFolder(QString::fromUtf8("mein Gerät"));
-    writeBytes(cache + QLatin1String("/a.data"), 1000);
-    writeBytes(cache + QLatin1String("/b.cache"), 24);
-    writeBytes(cache + QLatin1String("/c.txt"), 5000);
+    writeIn("a.data", 1000);
+    writeIn("b.cache", 24);
+    writeIn("c.txt", 5000);
     QDir().mkdir(cache + QLatin1String("/d.data"));
     show();
     QCOMPARE(get<QLabel>("xrvpDiskCacheSizeLabel")->text(), formatFileSize(1024, "%2.2f"));
@@ -423,10 +339,10 @@ void TestPreferencesPage::clearsOnlyCacheFiles()
 {
     const QString cache = makeCacheFolder(QString::fromUtf8("Cache für Ströme"));
     for (const char *name : {"a.data", "b.cache", "c.txt", "data", "d.data.bak"})
-        writeBytes(cache + QLatin1Char('/') + QLatin1String(name), 10);
+        writeIn(name, 10);
     QDir().mkdir(cache + QLatin1String("/folder.data"));
     show();
-    BoxAnswers answers({QMessageBox::Cancel, QMessageBox::Ok});
+    BoxWatch answers({QMessageBox::Cancel, QMessageBox::Ok});
     click("clearDiskCacheButton");
     QVERIFY(QFile::exists(cache + QLatin1String("/a.data")));
     answers.texts.clear();
@@ -443,18 +359,15 @@ void TestPreferencesPage::reportsFilesThatStay()
 {
     const QString cache = makeCacheFolder(QStringLiteral("cache"));
     for (const char *name : {"a.data", "held.data", "held.cache", "z.cache"})
-        writeBytes(cache + QLatin1Char('/') + QLatin1String(name), 10);
+        writeIn(name, 10);
     show();
-    BoxAnswers answers({QMessageBox::Ok, QMessageBox::Ok});
+    const BoxWatch answers;
     click("clearDiskCacheButton");
     QCOMPARE(answers.texts.value(1), QStringLiteral("Disk Cache|Not all files could be removed. Close all map views "
                                                     "before clearing the cache."));
     QCOMPARE(answers.offered, QMessageBox::Ok);
     QCOMPARE(QDir(cache).entryList(QDir::Files, QDir::Name),
              (QStringList{QStringLiteral("held.cache"), QStringLiteral("held.data")}));
-    // So that the scratch folder can go.
-    for (const char *name : {"held.data", "held.cache"})
-        unlinkat(AT_FDCWD, QFile::encodeName(cache + QLatin1Char('/') + QLatin1String(name)).constData(), 0);
 }
 
 void TestPreferencesPage::opensTheFolder_data()
@@ -472,7 +385,7 @@ void TestPreferencesPage::opensTheFolder()
     show();
     // The address is made from the folder as it stands, so it has no scheme here.
     QDesktopServices::setUrlHandler(QString(), this, "takeUrl");
-    BoxAnswers answers({});
+    const BoxWatch answers;
     click("viewFilesButton");
     QDesktopServices::unsetUrlHandler(QString());
     QVERIFY(QDir(cache).exists());
@@ -488,7 +401,7 @@ void TestPreferencesPage::tellsWhenTheFolderDoesNotOpen()
     const QString before = QDir::currentPath();
     QDir::setCurrent(folder->path(QString())); // where the folder of that name is made
     show();
-    BoxAnswers answers({QMessageBox::Ok});
+    const BoxWatch answers;
     click("viewFilesButton");
     QDir::setCurrent(before);
     QCOMPARE(answers.texts,
@@ -504,29 +417,22 @@ void TestPreferencesPage::choosesAFolder()
     const QString shown = get<QLineEdit>("xrvpDiskCacheLocationEdit")->text();
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QString caption;
-    bool isAccepting = false;
-    QTimer answer;
-    connect(&answer, &QTimer::timeout, this, [&] {
-        auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
-        if (!dialog)
-            return;
-        caption = dialog->windowTitle();
-        dialog->setDirectory(chosen);
-        if (isAccepting)
-            static_cast<QDialog *>(dialog)->accept();
+    const DialogWatch<QFileDialog> answer([&](QFileDialog &dialog) {
+        caption = dialog.windowTitle();
+        dialog.setDirectory(chosen);
+        if (answer.shown == 2)
+            static_cast<QDialog &>(dialog).accept();
         else
-            dialog->reject();
+            dialog.reject();
     });
-    answer.start(10);
     click("diskCacheButton");
     save();
-    QCOMPARE(stored("XrvpCacheDir").toString(), folder->path(QStringLiteral("old")));
-    isAccepting = true;
+    QCOMPARE(TestFolder::storedSetting("XrvpCacheDir").toString(), folder->path(QStringLiteral("old")));
     click("diskCacheButton");
     QCOMPARE(caption, QStringLiteral("Choose XRVP Cache Directory"));
     QCOMPARE(get<QLineEdit>("xrvpDiskCacheLocationEdit")->text(), shown);
     save();
-    QCOMPARE(stored("XrvpCacheDir").toString(), chosen);
+    QCOMPARE(TestFolder::storedSetting("XrvpCacheDir").toString(), chosen);
 }
 
 QTEST_MAIN(TestPreferencesPage)

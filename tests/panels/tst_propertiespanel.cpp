@@ -1,9 +1,9 @@
-#include "data/testfolder.h"
-#include "layer/xrvjp2klayer.h"
+#include "data/dialogwatch.h"
+#include "host/fakelayer.h"
+#include "layer/layertest.h"
 #include "panels/xrvjp2kproperties.h"
 
 #include <QDGui/application.h>
-#include <QDGui/geopainter.h>
 #include <QDGui/mapview.h>
 
 #include <QCheckBox>
@@ -13,17 +13,13 @@
 #include <QMdiSubWindow>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QSettings>
 #include <QSlider>
 #include <QSpinBox>
-#include <QTimer>
 #include <QToolButton>
 #include <QtTest>
 
 #include <cmath>
-#include <memory>
 
 using Korvane::XRVJP2kLayer;
 
@@ -41,34 +37,6 @@ double meanDifference(const QImage &a, const QImage &b)
     return sum / (a.width() * a.height());
 }
 
-/// The layer at \a zoom pixels per cell.
-QImage paintedEnlarged(XRVJP2kLayer &layer, int zoom)
-{
-    const QRectF world = layer.getBounds();
-    QImage picture(layer.getSize() * zoom, QImage::Format_ARGB32);
-    picture.fill(Qt::white);
-    const QRect device = picture.rect();
-    layer.setView(device.width(), device.height(), world.left(), world.top(), world.right(), world.bottom());
-    Korvane::GeoPainter painter(&picture, world, device);
-    layer.paint(painter, &world, &device);
-    painter.end();
-    return picture;
-}
-
-/// Does \a action with the modal dialog of type \a Dialog that the next event loop shows.
-template <typename Dialog, typename Action> void onNextDialog(Action action)
-{
-    auto *timer = new QTimer(qApp);
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, action] {
-        if (auto *dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget())) {
-            timer->stop();
-            timer->deleteLater();
-            action(dialog);
-        }
-    });
-    timer->start(10);
-}
-
 } // namespace
 
 /// The panel's real widgets, driven by mouse and keys, on a real layer with a real file.
@@ -80,15 +48,10 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void form();
-    void signatures();
     void loadingCallsNoSetter();
     void transparency();
-    void tones_data();
     void tones();
     void dynamicRange();
-    void resetOfDynamicRange_data();
-    void resetOfDynamicRange();
     void qualityLayers();
     void withoutHeader();
     void bands();
@@ -101,7 +64,6 @@ private Q_SLOTS:
     void otherLayers();
     void deletedLayer();
     void subWindows();
-    void narrowPanel();
     void draggingShowsTheLastValue();
 
 private:
@@ -141,9 +103,7 @@ void TestPropertiesPanel::cleanup()
 
 void TestPropertiesPanel::open(const jp2maker::Options &options)
 {
-    layer = std::make_unique<XRVJP2kLayer>(nullptr);
-    const QString file = folder->makeImage(QStringLiteral("image.jp2"), options);
-    QVERIFY2(layer->setDataSource(file), qPrintable(layer->getLastError()));
+    layer = openLayer(folder->makeImage(QStringLiteral("image.jp2"), options));
     viewWhole(*layer);
     panel->onLayerActivated(layer.get());
 }
@@ -162,28 +122,6 @@ void TestPropertiesPanel::click(const char *button)
     auto *target = get<QAbstractButton>(button);
     // On the left, where a check box has its mark.
     QTest::mouseClick(target, Qt::LeftButton, Qt::NoModifier, QPoint(8, target->height() / 2));
-}
-
-void TestPropertiesPanel::form()
-{
-    QCOMPARE(panel->objectName(), QStringLiteral("XRVJP2kPropertiesClass"));
-    QCOMPARE(panel->windowTitle(), QStringLiteral("XRVJP2Properties"));
-    QCOMPARE(get<QSlider>("draSlider")->minimum(), 1);
-    QCOMPARE(get<QSpinBox>("draSpinBox")->minimum(), 0);
-    QCOMPARE(get<QSlider>("contrastSlider")->maximum(), 200);
-    QCOMPARE(get<QSlider>("brightnessSlider")->pageStep(), 20);
-    QVERIFY(!panel->isEnabled());
-}
-
-void TestPropertiesPanel::signatures()
-{
-    // A host looks the public slots up by name; the first of all are these two.
-    const QMetaObject &meta = XRVJP2kProperties::staticMetaObject;
-    QCOMPARE(QByteArray(meta.className()), QByteArray("XRVJP2kProperties"));
-    QCOMPARE(meta.method(meta.methodOffset()).methodSignature(), QByteArray("onLayerActivated(Map::Layer*)"));
-    QCOMPARE(meta.method(meta.methodOffset() + 1).methodSignature(),
-             QByteArray("onSubWindowActivated(QMdiSubWindow*)"));
-    QCOMPARE(meta.methodCount() - meta.methodOffset(), 30);
 }
 
 void TestPropertiesPanel::loadingCallsNoSetter()
@@ -237,34 +175,18 @@ void TestPropertiesPanel::transparency()
     QCOMPARE(get<QSpinBox>("transparencySpinBox")->value(), 10);
 }
 
-void TestPropertiesPanel::tones_data()
-{
-    QTest::addColumn<QByteArray>("group");
-    QTest::addColumn<QByteArray>("digits");
-    QTest::addColumn<double>("share");
-    QTest::addColumn<int>("red");  // of cells with 150
-    QTest::addColumn<int>("blue"); // of cells with 50
-    // Contrast turns around 127.5; brightness adds its part beyond 1 of 255; what is left over is cut off.
-    QTest::newRow("more contrast") << QByteArray("contrast") << QByteArray("150") << 1.5 << 161 << 11;
-    QTest::newRow("no contrast") << QByteArray("contrast") << QByteArray("0") << 0.0 << 127 << 127;
-    QTest::newRow("brighter") << QByteArray("brightness") << QByteArray("120") << 1.2 << 201 << 101;
-    QTest::newRow("white") << QByteArray("brightness") << QByteArray("200") << 2.0 << 255 << 255;
-    QTest::newRow("darker") << QByteArray("brightness") << QByteArray("60") << 0.6 << 48 << 0;
-}
-
 void TestPropertiesPanel::tones()
 {
-    QFETCH(QByteArray, group);
-    QFETCH(QByteArray, digits);
-    QFETCH(double, share);
     open(colourImage(160, 8));
-    type((group + "SpinBox").constData(), digits.constData());
-    QCOMPARE(group == "contrast" ? layer->getContrast() : layer->getBrightness(), share);
-    const QRgb pixel = painted().pixel(150, 1);
-    QTEST(qRed(pixel), "red");
-    QTEST(qBlue(pixel), "blue");
-    click(group == "contrast" ? "resetContrast" : "resetBrightness");
-    QCOMPARE(get<QSlider>((group + "Slider").constData())->value(), 100);
+    type("contrastSpinBox", "150");
+    QCOMPARE(layer->getContrast(), 1.5);
+    type("brightnessSpinBox", "60");
+    QCOMPARE(layer->getBrightness(), 0.6);
+    QVERIFY(painted().pixel(150, 1) != colourOf(150, 1));
+    click("resetContrast");
+    click("resetBrightness");
+    QCOMPARE(get<QSlider>("contrastSlider")->value(), 100);
+    QCOMPARE(get<QSlider>("brightnessSlider")->value(), 100);
     QCOMPARE(painted().pixel(150, 1), colourOf(150, 1));
 }
 
@@ -289,28 +211,15 @@ void TestPropertiesPanel::dynamicRange()
     QCOMPARE(get<QSlider>("draSlider")->value(), 90);
     QVERIFY(qRed(painted().pixel(bright)) > 200);
     QVERIFY(qRed(painted().pixel(1, 1)) < 30);
-}
-
-void TestPropertiesPanel::resetOfDynamicRange_data()
-{
-    QTest::addColumn<QVariant>("stored");
-    QTest::addColumn<int>("expected");
-    QTest::newRow("nothing stored") << QVariant() << 99;
-    QTest::newRow("stored") << QVariant(80) << 80;
-    QTest::newRow("negative") << QVariant(-7) << 1;
-    QTest::newRow("no number") << QVariant(QStringLiteral("most")) << 1;
-}
-
-void TestPropertiesPanel::resetOfDynamicRange()
-{
-    QFETCH(QVariant, stored);
-    open(imageWithOutliers());
-    if (stored.isValid())
-        TestFolder::setSetting("DefaultClipTransform", stored);
-    type("draSpinBox", "50");
-    click("resetDRA");
-    QTEST(layer->getTransformClip(), "expected");
-    QTEST(get<QSpinBox>("draSpinBox")->value(), "expected");
+    for (const auto &[stored, expected] :
+         {std::pair<QVariant, int>({}, 99), {80, 80}, {-7, 1}, {QStringLiteral("most"), 1}}) {
+        if (stored.isValid())
+            TestFolder::setSetting("DefaultClipTransform", stored);
+        type("draSpinBox", "50");
+        click("resetDRA");
+        QCOMPARE(layer->getTransformClip(), expected);
+        QCOMPARE(get<QSpinBox>("draSpinBox")->value(), expected);
+    }
 }
 
 void TestPropertiesPanel::qualityLayers()
@@ -399,10 +308,6 @@ void TestPropertiesPanel::checkBoxes()
         click(box.constData());
         QCOMPARE(widget->isChecked(), expected);
         QCOMPARE(layer->property(property.constData()).toBool(), expected);
-        // What the layer says is what another panel shows.
-        XRVJP2kProperties other;
-        other.onLayerActivated(layer.get());
-        QCOMPARE(other.findChild<QCheckBox *>(QLatin1String(box))->isChecked(), expected);
     }
     QVERIFY(layer->isValid());
 }
@@ -415,7 +320,8 @@ void TestPropertiesPanel::resampling()
     open(options);
     const auto greys = [this] {
         QSet<int> found;
-        const QImage picture = paintedEnlarged(*layer, 8);
+        viewWhole(*layer, 8);
+        const QImage picture = paintedWhole(*layer, Qt::white, 8);
         for (int x = 0; x < picture.width(); ++x)
             found.insert(qRed(picture.pixel(x, 64)));
         return found;
@@ -437,16 +343,14 @@ void TestPropertiesPanel::outline()
     QCOMPARE(painted().pixel(7, 0), qRgb(0, 255, 255));
     QCOMPARE(painted().pixel(7, 7), colourOf(7, 7));
 
-    onNextDialog<QColorDialog>([](QColorDialog *dialog) { dialog->reject(); });
+    QColor offered;
+    const DialogWatch<QColorDialog> watch([&](QColorDialog &dialog) {
+        offered = dialog.currentColor();
+        dialog.setCurrentColor(QColor(200, 10, 20));
+        static_cast<QDialog &>(dialog).done(watch.shown == 2);
+    });
     click("outlineColorButton");
     QCOMPARE(layer->getOutlineColor(), QColor(0, 255, 255));
-
-    QColor offered;
-    onNextDialog<QColorDialog>([&offered](QColorDialog *dialog) {
-        offered = dialog->currentColor();
-        dialog->setCurrentColor(QColor(200, 10, 20));
-        dialog->accept();
-    });
     click("outlineColorButton");
     QCOMPARE(offered, QColor(0, 255, 255));
     QCOMPARE(painted().pixel(7, 0), qRgb(200, 10, 20));
@@ -479,23 +383,11 @@ void TestPropertiesPanel::readLineMethod()
     QVERIFY(!layer->getFreeCache());
 }
 
-/// A layer of another kind.
-class PlainLayer : public Korvane::Map::Layer
-{
-public:
-    QString getDataSource() const override { return {}; }
-    bool setDataSource(QString) override { return true; }
-    void setView(int, int, double, double, double, double) override {}
-    QRectF getBounds() const override { return {}; }
-    bool isValid() const override { return true; }
-    void paint(Korvane::GeoPainter &, const QRectF *, const QRect *) override {}
-};
-
 void TestPropertiesPanel::otherLayers()
 {
     open(colourImage(8, 8));
     QVERIFY(panel->isEnabled());
-    PlainLayer plain;
+    FakeLayer plain(QRectF(0, 0, 1, -1));
     panel->onLayerActivated(&plain);
     QVERIFY(!panel->isEnabled());
     get<QSlider>("transparencySlider")->setValue(50);
@@ -510,10 +402,10 @@ void TestPropertiesPanel::otherLayers()
 void TestPropertiesPanel::deletedLayer()
 {
     open(colourImage(8, 8));
-    onNextDialog<QColorDialog>([this](QColorDialog *dialog) {
+    const DialogWatch<QColorDialog> watch([this](QColorDialog &dialog) {
         layer.reset();
-        dialog->setCurrentColor(Qt::red);
-        dialog->accept();
+        dialog.setCurrentColor(Qt::red);
+        dialog.accept();
     });
     click("outlineColorButton");
     type("transparencySpinBox", "40");
@@ -542,22 +434,6 @@ void TestPropertiesPanel::subWindows()
     QVERIFY(QTest::qWaitForWindowActive(panel.get()));
     panel->onSubWindowActivated(nullptr);
     QVERIFY(!panel->isEnabled());
-}
-
-void TestPropertiesPanel::narrowPanel()
-{
-    open(colourImage(8, 8));
-    panel->resize(90, 200);
-    QCoreApplication::processEvents();
-    auto *area = get<QScrollArea>("scrollArea");
-    auto *last = get<QComboBox>("resampleTypeComboBox");
-    area->ensureWidgetVisible(last);
-    QVERIFY(!last->visibleRegion().isEmpty());
-    auto *spinBox = get<QSpinBox>("transparencySpinBox");
-    area->ensureWidgetVisible(spinBox);
-    QVERIFY(!spinBox->visibleRegion().isEmpty());
-    type("transparencySpinBox", "25");
-    QCOMPARE(layer->getTransparency(), 0.75);
 }
 
 void TestPropertiesPanel::draggingShowsTheLastValue()

@@ -1,5 +1,4 @@
-#include "data/testfolder.h"
-#include "layer/xrvjp2klayer.h"
+#include "layer/layertest.h"
 #include "panels/sunshadewidget.h"
 #include "panels/xrvjp2ksunshade.h"
 
@@ -7,12 +6,9 @@
 
 #include <QCheckBox>
 #include <QFrame>
-#include <QLayout>
 #include <QMdiSubWindow>
 #include <QSpinBox>
 #include <QtTest>
-
-#include <memory>
 
 using Korvane::XRVJP2kLayer;
 
@@ -24,7 +20,6 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void form();
     void loadsWithoutSending();
     void controlsSetTheLayer();
     void otherLayersAndWindows();
@@ -47,8 +42,7 @@ void TestSunshadePanel::init()
 {
     folder = std::make_unique<TestFolder>();
     TestFolder::setSetting("OpenProgressive", false);
-    layer = std::make_unique<XRVJP2kLayer>(nullptr);
-    QVERIFY(layer->setDataSource(folder->makeImage(QStringLiteral("image.jp2"), colourImage(16, 16))));
+    layer = openLayer(folder->makeImage(QStringLiteral("image.jp2"), colourImage(16, 16)));
     viewWhole(*layer);
     panel = std::make_unique<XRVJP2kSunshade>();
     panel->show();
@@ -68,17 +62,6 @@ void TestSunshadePanel::type(const char *spinBox, const char *digits)
     box->selectAll();
     QTest::keyClicks(box, QLatin1String(digits));
     QTest::keyClick(box, Qt::Key_Return);
-}
-
-void TestSunshadePanel::form()
-{
-    QCOMPARE(panel->windowTitle(), QStringLiteral("XRVJP2kSunshade"));
-    QCOMPARE(get<QCheckBox>("hillShadeCheckBox")->text(), QStringLiteral("Enable hillshade for layer"));
-    const QMargins margins = get<QFrame>("hillShadeFrame")->layout()->contentsMargins();
-    QVERIFY(margins.isNull());
-    const QMetaObject &meta = XRVJP2kSunshade::staticMetaObject;
-    QCOMPARE(meta.method(meta.methodOffset()).methodSignature(), QByteArray("onLayerActivated(Map::Layer*)"));
-    QCOMPARE(meta.methodCount() - meta.methodOffset(), 5);
 }
 
 void TestSunshadePanel::loadsWithoutSending()

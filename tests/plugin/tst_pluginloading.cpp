@@ -1,22 +1,15 @@
-#include "data/jp2maker.h"
+#include "data/testfolder.h"
 
-#include <QDGui/application.h>
 #include <QDGui/ilayereditorplugin.h>
 #include <QDGui/ilayerplugin.h>
 #include <QDGui/ilayerplugininfo.h>
 #include <QDGui/layer.h>
 
-#include <QFile>
 #include <QJsonObject>
 #include <QPluginLoader>
-#include <QTemporaryDir>
-#include <QThread>
 #include <QtTest>
 
 #include <memory>
-#include <random>
-
-using Korvane::Application;
 
 /// The library as a host meets it.
 class TestPluginLoading : public QObject
@@ -28,28 +21,17 @@ private Q_SLOTS:
     void metadata();
     void interfaces();
     void instanceIsMadeAnew();
-    void layerOpensAFile();
     void unloadedWhileDecoding();
     void leftToTheEnd();
 
 private:
-    QTemporaryDir folder;
+    TestFolder folder;
     QString imageFile;
 };
 
 void TestPluginLoading::initTestCase()
 {
-    Application::instance()->setSettingsFile(folder.filePath(QStringLiteral("settings.ini")));
-    jp2maker::Options options;
-    options.width = options.height = 1200;
-    options.components.assign(3, jp2maker::Component());
-    std::mt19937 random(1);
-    options.cell = [&random](int, int, int) { return int(random() & 255); };
-    const jp2maker::FileBytes bytes = jp2maker::make(options);
-    QFile file(folder.filePath(QStringLiteral("noise.jp2")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(reinterpret_cast<const char *>(bytes.data()), qint64(bytes.size()));
-    imageFile = file.fileName();
+    imageFile = folder.makeImage(QStringLiteral("noise.jp2"), noiseImage());
 }
 
 void TestPluginLoading::metadata()
@@ -93,34 +75,19 @@ void TestPluginLoading::instanceIsMadeAnew()
     QVERIFY(loader.unload());
 }
 
-void TestPluginLoading::layerOpensAFile()
-{
-    QPluginLoader loader(QStringLiteral(XRV_PLUGIN_FILE));
-    auto *factory = qobject_cast<ILayerPlugin *>(loader.instance());
-    QVERIFY(factory);
-    {
-        const std::unique_ptr<Korvane::Map::Layer> layer(factory->createLayer(false));
-        QVERIFY(layer);
-        QVERIFY(!layer->isValid());
-        QCOMPARE(layer->metaObject()->className(),
-                 qobject_cast<ILayerPluginInfo *>(loader.instance())->getClassName().toLatin1().constData());
-        QVERIFY2(layer->setDataSource(imageFile), qPrintable(layer->getLastError()));
-        QVERIFY(layer->isValid());
-        QVERIFY(!layer->parent());
-    }
-    QVERIFY(loader.unload());
-}
-
 void TestPluginLoading::unloadedWhileDecoding()
 {
-    for (unsigned long delay = 0; delay < 40; delay += 10) {
+    for (const int percent : {0, 5, 20}) {
         QPluginLoader loader(QStringLiteral(XRV_PLUGIN_FILE));
         auto *factory = qobject_cast<ILayerPlugin *>(loader.instance());
         QVERIFY(factory);
         std::unique_ptr<Korvane::Map::Layer> layer(factory->createLayer(false));
-        QVERIFY(layer->setDataSource(imageFile));
-        layer->setView(1200, 1200, 0, 0, 1200, -1200);
-        QThread::msleep(delay); // so that it goes at different stages of the decoding
+        QVERIFY(!layer->isValid() && !layer->parent());
+        QCOMPARE(layer->metaObject()->className(),
+                 qobject_cast<ILayerPluginInfo *>(loader.instance())->getClassName().toLatin1().constData());
+        QVERIFY2(layer->setDataSource(imageFile), qPrintable(layer->getLastError()));
+        layer->setView(1500, 1200, 0, 0, 1500, -1200);
+        QVERIFY(QTest::qWaitFor([&] { return layer->getPercentComplete() >= percent; }, 60000));
         layer.reset();
         QVERIFY2(loader.unload(), qPrintable(loader.errorString()));
     }

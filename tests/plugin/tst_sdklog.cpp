@@ -91,6 +91,8 @@ private Q_SLOTS:
     void eachKindIsToldOnce_data();
     void eachKindIsToldOnce();
     void sinksComeAndGoWithThePlugin();
+    void levels();
+    void texts();
 
 private:
     void workWithFiles() const;
@@ -217,6 +219,41 @@ void TestSdkLog::sinksComeAndGoWithThePlugin()
     plugin.reset(); // the SDK says farewell to nobody
     workWithFiles();
     QCOMPARE(Application::instance()->getLogHistory().size(), 0);
+}
+
+void TestSdkLog::levels()
+{
+    plugin.reset();
+    for (int level = Application::LogDebug; level <= Application::LogFatal; ++level) {
+        Application::setLogLevel(static_cast<Application::LogLevel>(level));
+        const int least = 10000 * (level + 1);
+        for (const int asked : {-1, least - 1, least, least + 1}) {
+            QCOMPARE(charLogSink().isLevelEnabled(nullptr, asked), asked >= least);
+            QCOMPARE(wcharLogSink().isLevelEnabled(nullptr, asked), asked >= least);
+        }
+    }
+    Application::setLogLevel(Application::LogDebug);
+    const QVector<QPair<int, int>> levels = {{-1, 5},    {0, 0},     {10000, 0}, {20000, 1}, {25000, 1},
+                                             {30000, 2}, {40000, 3}, {50000, 4}, {60000, 5}, {70000, 1}};
+    for (const auto &[level, hostLevel] : levels) {
+        Application::instance()->clearLogHistory();
+        charLogSink().write(nullptr, level, "narrow");
+        wcharLogSink().write(nullptr, level, L"wide");
+        for (const auto &entry : Application::instance()->getLogHistory())
+            QCOMPARE(int(entry.level), hostLevel);
+    }
+}
+
+void TestSdkLog::texts()
+{
+    charLogSink().write(nullptr, 60000, "\xe6\x9d\xb1");
+    charLogSink().write(nullptr, 60000, nullptr);
+    setLogSinksEnabled(false); // writing does not ask
+    wcharLogSink().write(nullptr, 60000, L"\u6771");
+    QStringList texts;
+    for (const auto &entry : Application::instance()->getLogHistory())
+        texts.append(entry.text);
+    QCOMPARE(texts, (QStringList{QString(QChar(0x6771)), QString(), QString(QChar(0x6771))}));
 }
 
 QTEST_MAIN(TestSdkLog)

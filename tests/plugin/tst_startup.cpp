@@ -24,10 +24,8 @@ private Q_SLOTS:
     void cleanup() { folder.reset(); }
     void reportOfDefaults();
     void settings();
-    void memoryLimit_data();
     void memoryLimit();
-    void loadedModules();
-    void reportOfTheHttpModule();
+    void httpModule();
     void geodeticPath_data();
     void geodeticPath();
 
@@ -112,48 +110,31 @@ void TestStartUp::settings()
     QCOMPARE(int(config.GetProjectionFormat()), 1);
 }
 
-void TestStartUp::reportOfTheHttpModule()
+void TestStartUp::httpModule()
 {
+    const auto isLoaded = [](const char *name) { return HostProcess::isModuleLoaded(QLatin1String(name)); };
+    QVERIFY(!isLoaded("winhttppal.dll"));
     QLibrary module(QStringLiteral(WINHTTPPAL_FILE));
     QVERIFY2(module.load(), qPrintable(module.errorString()));
+    QVERIFY(isLoaded("winhttppal.dll") && isLoaded("WinHttpPal.DLL")); // the names of modules have no case
+    for (const char *name : {"httppal.dll", "modules/winhttppal.dll", ""})
+        QVERIFY2(!isLoaded(name), name);
     QCOMPARE(report().size(), 12); // WinHTTP is not wanted
     TestFolder::setSetting("UseWinHTTPInXrvp", true);
     Application::instance()->clearLogHistory();
     const QStringList lines = report();
     QVERIFY(module.unload());
+    QVERIFY(!isLoaded("winhttppal.dll"));
     QCOMPARE(lines.size(), 13);
     QCOMPARE(lines[11], QStringLiteral("      Using winhttppal.dll (curl abstraction library) instead of winhhtp.dll"));
 }
 
-void TestStartUp::loadedModules()
-{
-    QVERIFY(!HostProcess::isModuleLoaded(QStringLiteral("winhttppal.dll")));
-    QLibrary module(QStringLiteral(WINHTTPPAL_FILE));
-    QVERIFY2(module.load(), qPrintable(module.errorString()));
-    QVERIFY(HostProcess::isModuleLoaded(QStringLiteral("winhttppal.dll")));
-    QVERIFY(HostProcess::isModuleLoaded(QStringLiteral("WinHttpPal.DLL"))); // the names of modules have no case
-    QVERIFY(!HostProcess::isModuleLoaded(QStringLiteral("httppal.dll")));   // nor is a part of one a name
-    QVERIFY(!HostProcess::isModuleLoaded(QStringLiteral("modules/winhttppal.dll")));
-    QVERIFY(!HostProcess::isModuleLoaded(QString()));
-    QVERIFY(module.unload());
-    QVERIFY(!HostProcess::isModuleLoaded(QStringLiteral("winhttppal.dll")));
-}
-
-void TestStartUp::memoryLimit_data()
-{
-    QTest::addColumn<int>("megabytes");
-    QTest::addColumn<quint64>("bytes");
-    QTest::newRow("plain") << 512 << quint64(536870912);
-    QTest::newRow("largest that fits") << 2047 << quint64(2146435072);
-    QTest::newRow("wraps to the least int") << 2048 << quint64(0xffffffff80000000ULL);
-    QTest::newRow("wraps") << 3000 << quint64(0xffffffffbb800000ULL);
-    QTest::newRow("wraps to nothing") << 4096 << quint64(0);
-}
-
+/// Computed in 32 bits, with the sign.
 void TestStartUp::memoryLimit()
 {
-    QFETCH(int, megabytes);
-    QTEST(cacheMaxMemBytes(megabytes), "bytes");
+    QCOMPARE(cacheMaxMemBytes(2047), quint64(2146435072));
+    QCOMPARE(cacheMaxMemBytes(2048), quint64(0xffffffff80000000ULL));
+    QCOMPARE(cacheMaxMemBytes(4096), quint64(0));
 }
 
 void TestStartUp::geodeticPath_data()

@@ -43,7 +43,11 @@ public:
     void endUpdate() override { calls.append(QStringLiteral("end")); }
     QRectF getBounds() const override { return bounds; }
     bool isValid() const override { return valid; }
-    signed char getPercentComplete() const override { return static_cast<signed char>(percent.load()); }
+    signed char getPercentComplete() const override
+    {
+        ++askedCount;
+        return static_cast<signed char>(percent.load());
+    }
     void paint(Korvane::GeoPainter &painter, const QRectF *world, const QRect *device) override
     {
         ++paintCount;
@@ -56,6 +60,7 @@ public:
     Korvane::GeoImage image;
     bool valid = true;
     std::atomic<int> percent{100};
+    mutable std::atomic<int> askedCount{0}; ///< times that the percentage was asked for
 
     View view;
     int viewCount = 0;

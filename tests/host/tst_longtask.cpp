@@ -1,18 +1,18 @@
+#include "data/dialogwatch.h"
+
 #include <QDGui/longtask.h>
 
-#include <QApplication>
-#include <QDialog>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QTimer>
 #include <QtTest>
 
 #include <atomic>
 #include <chrono>
-#include <functional>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <thread>
 
@@ -58,8 +58,8 @@ struct Sleep
     void operator()()
     {
         where = std::this_thread::get_id();
-        while (!isCancelled && std::chrono::steady_clock::now() < end)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::unique_lock<std::mutex> lock(mutex);
+        changed.wait_until(lock, end, [this] { return bool(isCancelled); });
         isOver = true;
     }
     LongTask task()
@@ -68,13 +68,21 @@ struct Sleep
         made.title = QStringLiteral("Title");
         made.text = QStringLiteral("Opening a.jp2 from server...");
         made.work = [this] { (*this)(); };
-        made.cancel = [this] { isCancelled = true; };
+        made.cancel = [this] {
+            const std::lock_guard<std::mutex> lock(mutex);
+            isCancelled = true;
+            changed.notify_all();
+        };
         return made;
     }
 
     const std::chrono::steady_clock::time_point end;
     std::thread::id where;
     std::atomic<bool> isCancelled{false}, isOver{false};
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed; ///< of isCancelled
 };
 
 QDialog *shownDialog()
@@ -82,23 +90,7 @@ QDialog *shownDialog()
     return qobject_cast<QDialog *>(QApplication::activeModalWidget());
 }
 
-/// Calls \a act once, when the dialog has come up.
-class WhenShown : public QTimer
-{
-public:
-    explicit WhenShown(const std::function<void(QDialog &)> &act)
-    {
-        connect(this, &QTimer::timeout, this, [this, act] {
-            if (QDialog *dialog = shownDialog()) {
-                stop();
-                wasShown = true;
-                act(*dialog);
-            }
-        });
-        start(5);
-    }
-    bool wasShown = false;
-};
+using WhenShown = DialogWatch<QDialog>;
 
 /// Until it quits; what may have told it to once more does not reach the next time.
 void runApplication()
@@ -163,7 +155,7 @@ void TestLongTask::windowsStayAlive()
     QCOMPARE(sleep.task().run(), LongTask::Outcome::Done);
     QVERIFY2(ticks > 5, qPrintable(QString::number(ticks)));
     QVERIFY(wasRunning && isPainted);
-    QVERIFY(!watch.wasShown);
+    QVERIFY(!watch.shown);
     QVERIFY(!LongTask::isRunning());
 }
 
@@ -189,7 +181,7 @@ void TestLongTask::showsHowFarItIs()
     LongTask task = sleep.task();
     task.progress = [&] { return progress; };
     QCOMPARE(task.run(), LongTask::Outcome::Done);
-    QVERIFY(watch.wasShown);
+    QVERIFY(watch.shown);
     QVERIFY(!shownDialog());
 }
 
@@ -245,7 +237,7 @@ void TestLongTask::keepsInputFromTheWindow()
     QApplication::setOverrideCursor(Qt::WaitCursor);
     Sleep sleep(kBeyondPatience);
     QCOMPARE(sleep.task().run(), LongTask::Outcome::Done);
-    QVERIFY(watch.wasShown);
+    QVERIFY(watch.shown);
     QCOMPARE(clicks, 0);
     QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
     QApplication::restoreOverrideCursor();

@@ -11,7 +11,6 @@
 #include <QWheelEvent>
 
 #include <atomic>
-#include <chrono>
 #include <cmath>
 #include <memory>
 #include <thread>
@@ -331,9 +330,10 @@ void TestMapView::waitsForTheLastPass()
     std::atomic<bool> isLastPassDone{false};
     std::thread decoder([&] {
         for (const int percent : {30, 60, 100}) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(60));
             layer->percent = percent;
-            std::this_thread::sleep_for(std::chrono::milliseconds(40));
+            // The view sees the percentage before the pixels.
+            for (const int seen = layer->askedCount; layer->askedCount < seen + 2;)
+                std::this_thread::yield();
             isLastPassDone = percent == 100;
             layer->refresh(1000, 500, 1200, 400);
         }

@@ -124,7 +124,7 @@ void TestBatchRunner::noPictureOfBrokenLayers()
 void TestBatchRunner::failuresDoNotStopTheRest()
 {
     const QString good = test.quad(QStringLiteral("good.quad"));
-    const QString bad = test.write(QStringLiteral("bad.quad"), "something else");
+    const QString bad = test.writeText(QStringLiteral("bad.quad"), "something else");
     const QString missing = test.path(QStringLiteral("missing.quad"));
     QCOMPARE(run({QStringLiteral("--describe"), QStringLiteral("--screenshot"), picture, bad, missing, good}), 1);
     QCOMPARE(err.count('\n'), 2);
@@ -201,12 +201,12 @@ void TestBatchRunner::windowPicture()
 void TestBatchRunner::projectAsSource()
 {
     test.quad(QStringLiteral("in.quad"));
-    const QString project =
-        test.write(QStringLiteral("p.qdproject"), "<QDViewerProject version='1'><View>"
-                                                  "<Extent x1='500' y1='1000' x2='540' y2='980'/>"
-                                                  "<Layer class='QuadLayer'><DataSource>in.quad</DataSource></Layer>"
-                                                  "<Layer class='QuadLayer'><DataSource>out.quad</DataSource></Layer>"
-                                                  "</View></QDViewerProject>");
+    const QString project = test.writeText(QStringLiteral("p.qdproject"),
+                                           "<QDViewerProject version='1'><View>"
+                                           "<Extent x1='500' y1='1000' x2='540' y2='980'/>"
+                                           "<Layer class='QuadLayer'><DataSource>in.quad</DataSource></Layer>"
+                                           "<Layer class='QuadLayer'><DataSource>out.quad</DataSource></Layer>"
+                                           "</View></QDViewerProject>");
     QCOMPARE(run({QStringLiteral("--describe"), QStringLiteral("--screenshot"), picture, QStringLiteral("--size"),
                   QStringLiteral("40x20"), project}),
              1);

@@ -1,5 +1,7 @@
 #include "plugins/propertieswindow.h"
 #include "viewertest.h"
+
+#include "data/dialogwatch.h"
 #include "views/maparea.h"
 #include "window/mainactions.h"
 #include "window/mainwindow.h"
@@ -13,10 +15,8 @@
 #include <QLabel>
 #include <QMdiSubWindow>
 #include <QMenu>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QTabWidget>
-#include <QTimer>
 #include <QToolBar>
 #include <QTreeView>
 #include <QUrl>
@@ -103,18 +103,11 @@ void TestMainWindow::opensSourcesInOneView()
 
 void TestMainWindow::summarizesFailures()
 {
-    QStringList texts;
-    QTimer closer;
-    connect(&closer, &QTimer::timeout, this, [&] {
-        if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
-            texts.append(box->text() + box->informativeText());
-            box->accept();
-        }
-    });
-    closer.start(10);
+    const BoxWatch boxes;
     window->openSources(
         {test.path(QStringLiteral("x1")), test.quad(QStringLiteral("a.quad")), test.path(QStringLiteral("x2"))});
     window->openSources({test.path(QStringLiteral("x3"))});
+    const QStringList &texts = boxes.texts;
     QCOMPARE(texts.size(), 2);
     QVERIFY2(texts[0].contains(QLatin1String("2 of 3")) && texts[0].contains(QLatin1String("x2")),
              qPrintable(texts[0]));

@@ -1,10 +1,11 @@
-#include "data/lostonpurpose.h"
 #include "project/project.h"
 #include "project/projectcontroller.h"
 #include "views/maparea.h"
 #include "window/mainwindow.h"
 
-#include "data/jp2maker.h"
+#include "data/dialogwatch.h"
+#include "data/lostonpurpose.h"
+#include "data/testfolder.h"
 #include "sdk/stream/webfile.h"
 
 #include <QDGui/application.h>
@@ -13,20 +14,13 @@
 #include <QDGui/mapview.h>
 #include <QDGui/pluginregistry.h>
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QDialog>
 #include <QDropEvent>
 #include <QElapsedTimer>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QSettings>
-#include <QTemporaryDir>
-#include <QTimer>
 #include <QUrl>
 #include <QtTest>
 
-#include <functional>
 #include <memory>
 
 using Korvane::Application;
@@ -37,6 +31,7 @@ using Viewer::MainWindow;
 
 using Request = FaultServer::Request;
 using Connection = FaultServer::Connection;
+using Dialogs = DialogWatch<QDialog>;
 
 /// The viewer while a server keeps it waiting.
 class TestSlowStreams : public QObject
@@ -55,25 +50,19 @@ private Q_SLOTS:
     void droppedMeanwhile();
     void projectKeepsWhatWasCancelled();
     void modeChangedOfALayerInView();
-    void windowClosedMeanwhile_data();
     void windowClosedMeanwhile();
 
 private:
     QString at(const char *path) const { return QString::fromStdString(server->address(path)); }
     MapView *view() const { return window->mapArea()->currentView(); }
-    /// Calls \a act once, when the dialog of a long task is there. Message boxes are noted and put away.
-    void whenWaiting(const std::function<void(QDialog &)> &act);
 
-    QTemporaryDir folder;
+    TestFolder folder;
     QString localFile;
     WebFile image;
     std::unique_ptr<FaultServer> server; ///< "/slow..." takes its time, "/silent..." says nothing
     std::unique_ptr<Korvane::PluginRegistry> registry;
     std::unique_ptr<MainWindow> window;
-    std::unique_ptr<QTimer> watch;
     std::atomic<bool> isSilent{false};
-    bool hasWaited = false;
-    QStringList messages;
 };
 
 namespace {
@@ -101,13 +90,9 @@ void TestSlowStreams::initTestCase()
 {
     jp2maker::Options options;
     options.width = options.height = 200;
-    const jp2maker::FileBytes bytes = jp2maker::make(options);
-    image.bytes.assign(bytes.begin(), bytes.end());
-    localFile = folder.filePath(QStringLiteral("local.jp2"));
-    QFile file(localFile);
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(image.bytes.data(), qint64(image.bytes.size())) > 0);
-    Application::instance()->setSettingsFile(folder.filePath(QStringLiteral("settings.ini")));
-    Application::instance()->settings()->setValue(QStringLiteral("XRVJP2kLayer/LocalXrvpCache"), false);
+    localFile = folder.makeImage(QStringLiteral("local.jp2"), options);
+    image.bytes = folder.read(QStringLiteral("local.jp2")).toStdString();
+    TestFolder::setSetting("LocalXrvpCache", false);
     registry = std::make_unique<Korvane::PluginRegistry>();
     QCOMPARE(registry->loadFolder(QStringLiteral(PLUGIN_FOLDER)), 1);
 }
@@ -115,8 +100,6 @@ void TestSlowStreams::initTestCase()
 void TestSlowStreams::init()
 {
     isSilent = false;
-    hasWaited = false;
-    messages.clear();
     server = std::make_unique<FaultServer>([this](const Request &request, const Connection &connection) {
         if (isSilent || request.target.find("silent") != std::string::npos) {
             connection.linger(kSilenceMs);
@@ -132,26 +115,8 @@ void TestSlowStreams::init()
 
 void TestSlowStreams::cleanup()
 {
-    watch.reset();
     window.reset();
     server.reset();
-}
-
-void TestSlowStreams::whenWaiting(const std::function<void(QDialog &)> &act)
-{
-    hasWaited = false;
-    watch = std::make_unique<QTimer>();
-    connect(watch.get(), &QTimer::timeout, this, [this, act] {
-        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        if (auto *box = qobject_cast<QMessageBox *>(dialog)) {
-            messages.append(box->text());
-            box->accept();
-        } else if (dialog && !hasWaited) {
-            hasWaited = true;
-            act(*dialog);
-        }
-    });
-    watch->start(5);
 }
 
 void TestSlowStreams::slowServerLeavesTheWindowAlive()
@@ -174,7 +139,7 @@ void TestSlowStreams::slowServerLeavesTheWindowAlive()
         int *const count;
     } counter(&paints);
     view()->installEventFilter(&counter);
-    whenWaiting([&](QDialog &dialog) {
+    const Dialogs watch([&](QDialog &dialog) {
         QVERIFY(QApplication::overrideCursor() && QApplication::overrideCursor()->shape() == Qt::ArrowCursor);
         QCOMPARE(dialog.parentWidget(), static_cast<QWidget *>(window.get()));
         paints = 0;
@@ -182,8 +147,7 @@ void TestSlowStreams::slowServerLeavesTheWindowAlive()
         QTRY_VERIFY_WITH_TIMEOUT(paints > 0, 1000);
     });
     window->openSources({at("/slow.jp2")});
-    QVERIFY(hasWaited);
-    QCOMPARE(messages, QStringList());
+    QCOMPARE(watch.shown, 1);
     QCOMPARE(view()->getLayerCount(), 2);
     QVERIFY(view()->waitUntilComplete(10000));
     QVERIFY(!QApplication::overrideCursor());
@@ -197,7 +161,7 @@ void TestSlowStreams::cancelled()
     isSilent = true;
     const QPointer<MapView> shown = view();
     QElapsedTimer sinceCancel;
-    whenWaiting([&](QDialog &dialog) {
+    const Dialogs watch([&](QDialog &dialog) {
         sinceCancel.start();
         cancel(dialog);
     });
@@ -213,43 +177,40 @@ void TestSlowStreams::cancelled()
     QCOMPARE(shown->getLayerCount(), 2);
 }
 
+/// From the plug-in; then the view that a layer was meant for is closed meanwhile.
 void TestSlowStreams::cancelledFromThePlugin()
 {
-    QObject *plugin = nullptr;
-    for (const Korvane::PluginRegistry::Plugin &one : registry->getPlugins())
-        plugin = one.instance;
-    QVERIFY(plugin);
-    whenWaiting(cancel);
-    {
-        const LostOnPurpose layer; // the plug-in abandons it
-        QVERIFY(QMetaObject::invokeMethod(plugin, "onAddXrvpUrl", Q_ARG(QString, at("/silent.jp2"))));
-    }
-    QVERIFY(hasWaited);
-    QCOMPARE(messages, QStringList(QStringLiteral("The opening was cancelled.")));
-
-    // The view that it was meant for is closed meanwhile.
+    QObject *plugin = registry->getPlugins().constFirst().instance;
+    // Boxes are put away first, and so are not there for the other.
+    const BoxWatch boxes;
+    const Dialogs watch([&](QDialog &dialog) {
+        if (qobject_cast<QMessageBox *>(&dialog))
+            return;
+        if (boxes.texts.isEmpty())
+            cancel(dialog);
+        else
+            window->mapArea()->closeAllViews();
+    });
+    const LostOnPurpose layer; // the plug-in abandons it
+    QVERIFY(QMetaObject::invokeMethod(plugin, "onAddXrvpUrl", Q_ARG(QString, at("/silent.jp2"))));
     QVERIFY(view());
-    messages.clear();
-    whenWaiting([&](QDialog &) { window->mapArea()->closeAllViews(); });
-    {
-        const LostOnPurpose layer;
-        QVERIFY(QMetaObject::invokeMethod(plugin, "onAddXrvpUrl", Q_ARG(QString, at("/slow.jp2"))));
-    }
-    QVERIFY(hasWaited);
-    QCOMPARE(messages, QStringList(QStringLiteral("Error adding layer to view.")));
+    QVERIFY(QMetaObject::invokeMethod(plugin, "onAddXrvpUrl", Q_ARG(QString, at("/slow.jp2"))));
+    QCOMPARE(boxes.texts.size(), 2);
+    QVERIFY(boxes.texts[0].endsWith(QLatin1String("|The opening was cancelled.")));
+    QVERIFY(boxes.texts[1].endsWith(QLatin1String("|Error adding layer to view.")));
 }
 
 void TestSlowStreams::droppedMeanwhile()
 {
     bool hasHandled = false;
-    whenWaiting([&](QDialog &) {
+    const Dialogs watch([&](QDialog &) {
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(localFile)});
         QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(window.get(), &enter);
         QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(window.get(), &drop);
-        QTest::qWait(50);
+        QCoreApplication::processEvents();
         hasHandled = true;
         QVERIFY(LongTask::isRunning());
         QVERIFY(!view());
@@ -269,19 +230,19 @@ void TestSlowStreams::droppedMeanwhile()
 
 void TestSlowStreams::projectKeepsWhatWasCancelled()
 {
-    const QString project = folder.filePath(QStringLiteral("streams") + Viewer::kProjectSuffix);
+    const QString project = folder.path(QStringLiteral("streams") + Viewer::kProjectSuffix);
     const QString address = at("/of_project.jp2");
     QCOMPARE(window->addSources({localFile, address}, nullptr), QStringList());
     Viewer::ProjectController *controller = window->projectController();
     QCOMPARE(controller->save(project), QString());
     isSilent = true;
-    whenWaiting([&](QDialog &dialog) {
+    const Dialogs watch([&](QDialog &dialog) {
         QCOMPARE(view()->getLayerCount(), 2); // the old views are there until the new ones are
         cancel(dialog);
     });
     QStringList warnings;
     QCOMPARE(controller->open(project, &warnings), QString());
-    QVERIFY(hasWaited);
+    QCOMPARE(watch.shown, 1);
     QCOMPARE(warnings.size(), 1);
     QVERIFY2(warnings[0].endsWith(QStringLiteral("The opening was cancelled.")), qPrintable(warnings[0]));
     QCOMPARE(view()->getLayerCount(), 1);
@@ -301,37 +262,29 @@ void TestSlowStreams::modeChangedOfALayerInView()
         return view()->renderToImage(QSize(200, 200), QRectF(0, 0, 200, -200), 10000, &isComplete);
     };
     const QImage before = picture();
-    whenWaiting([&](QDialog &) {
+    const Dialogs watch([&](QDialog &dialog) {
+        if (isSilent)
+            return cancel(dialog);
         window->resize(window->width() + 40, window->height() + 20);
         view()->update();
-        QTest::qWait(50);
+        QCoreApplication::processEvents();
     });
     QVERIFY(layer->setProperty("Progressive", false));
-    QVERIFY(hasWaited);
+    QCOMPARE(watch.shown, 1);
     QVERIFY(layer->isValid());
     QVERIFY(view()->waitUntilComplete(10000));
     QVERIFY(picture() == before);
 
     isSilent = true;
-    whenWaiting(cancel);
     layer->setProperty("Progressive", true);
-    QVERIFY(hasWaited);
+    QCOMPARE(watch.shown, 2);
     QVERIFY(!layer->isValid());
     QCOMPARE(layer->getLastError(), QStringLiteral("The opening was cancelled."));
-    view()->update();
-    QTest::qWait(50);
-}
-
-void TestSlowStreams::windowClosedMeanwhile_data()
-{
-    QTest::addColumn<QString>("way");
-    for (const char *way : {"window", "all windows", "quit", "quit before the dialog"})
-        QTest::newRow(way) << way;
+    view()->repaint();
 }
 
 void TestSlowStreams::windowClosedMeanwhile()
 {
-    QFETCH(QString, way);
     bool hasReturned = false;
     QElapsedTimer timer;
     timer.start();
@@ -339,21 +292,10 @@ void TestSlowStreams::windowClosedMeanwhile()
         window->openSources({at("/silent.jp2"), at("/silent2.jp2"), at("/silent3.jp2")});
         hasReturned = true;
     });
-    const auto leave = [&] {
-        if (way == QLatin1String("window"))
-            window->close();
-        else if (way == QLatin1String("all windows"))
-            QApplication::closeAllWindows();
-        else
-            QApplication::quit();
-    };
-    const bool isEarly = way == QLatin1String("quit before the dialog");
-    whenWaiting([&](QDialog &) { leave(); });
-    if (isEarly)
-        QTimer::singleShot(200, window.get(), leave);
+    const Dialogs watch([&](QDialog &) { window->close(); });
     QApplication::exec();
     QVERIFY(hasReturned);
-    QCOMPARE(hasWaited, !isEarly);
+    QCOMPARE(watch.shown, 1);
     QVERIFY2(timer.elapsed() < 4000, qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(window->mapArea()->views().size(), 0);
 }

@@ -133,8 +133,8 @@ void TestSources::saysWhyUnreadable_data()
     QTest::newRow("good") << test.quad(QStringLiteral("good.quad")) << QString();
     QTest::newRow("address") << "xrvp://host/a" << QString();
     QTest::newRow("missing") << test.path(QStringLiteral("missing")) << "does not exist";
-    QTest::newRow("folder") << test.folder.path() << "folder";
-    QTest::newRow("empty") << test.write(QStringLiteral("empty"), QByteArray()) << "is empty";
+    QTest::newRow("folder") << test.path() << "folder";
+    QTest::newRow("empty") << test.writeText(QStringLiteral("empty"), QByteArray()) << "is empty";
 #ifdef Q_OS_UNIX
     QTest::newRow("device") << "/dev/null"
                             << "not an ordinary file";

@@ -1,33 +1,26 @@
-#include "data/lostonpurpose.h"
 #include "project/project.h"
 #include "project/projectcontroller.h"
 #include "views/maparea.h"
 #include "window/mainwindow.h"
 
-#include "data/jp2maker.h"
+#include "data/dialogwatch.h"
+#include "data/lostonpurpose.h"
+#include "data/testfolder.h"
 #include "sdk/stream/nginxserver.h"
+#include "viewerprogram.h"
 
 #include <QDGui/application.h>
-#include <QDGui/ilayerplugin.h>
 #include <QDGui/mapview.h>
 #include <QDGui/pluginregistry.h>
-#include <QDGui/rasterlayer.h>
 #include <QDGui/xrvpbrowser.h>
 
 #include <QAction>
-#include <QApplication>
-#include <QComboBox>
 #include <QDir>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
 #include <QMenuBar>
-#include <QMessageBox>
-#include <QProcess>
 #include <QPushButton>
-#include <QSettings>
-#include <QTemporaryDir>
-#include <QTimer>
 #include <QToolBar>
 #include <QTreeView>
 #include <QtTest>
@@ -37,7 +30,6 @@
 
 using Korvane::Application;
 using Korvane::Gui::XRVPBrowser;
-using Korvane::Map::Layer;
 using Korvane::Map::MapView;
 using Viewer::MainWindow;
 
@@ -55,35 +47,24 @@ private Q_SLOTS:
     void opensFromTheBrowser_data();
     void opensFromTheBrowser();
     void opensSeveralFromTheBrowser();
-    void factoryAsksForAnAddress_data();
-    void factoryAsksForAnAddress();
     void opensUrlFiles();
     void browsesSecurely();
     void passwordsStayOut();
-    void namesBeyondAsciiComeBack();
 
 private:
-    struct Outcome
-    {
-        int status = -1;
-        QByteArray out, err;
-    };
     QString at(const QString &path) const { return QString::fromStdString(server->address(path)); }
     QString withUser(QString address) const
     {
         return address.replace(QLatin1String("://"), QLatin1String("://me:sesame@"));
     }
-    void writeImage(const QString &name) const;
     QAction *actionOf(const QString &place) const;
     /// Does \a work with the browser that comes up while \a start runs; notes the texts of message boxes.
     void withBrowser(const std::function<void()> &start, const std::function<void(XRVPBrowser &)> &work);
     void pickFromTree(XRVPBrowser &browser, const QString &address, const QString &name) const;
     MapView *view() const { return window->mapArea()->currentView(); }
     void verifyPainted(MapView *shown) const;
-    Outcome run(const QStringList &arguments) const;
-    QByteArray fileBytes(const QString &name) const;
 
-    QTemporaryDir folder;
+    TestFolder folder;
     std::unique_ptr<NginxServer> server;
     std::unique_ptr<Korvane::PluginRegistry> registry;
     std::unique_ptr<MainWindow> window;
@@ -95,41 +76,23 @@ static constexpr int kHeight = 90;
 static constexpr int kPatienceMs = 60000;
 static const QRectF kWholeImage(0, 0, kWidth, -kHeight);
 
-void TestStreamsInViewer::writeImage(const QString &name) const
-{
-    jp2maker::Options options;
-    options.width = kWidth;
-    options.height = kHeight;
-    options.components.resize(3);
-    options.cell = [](int component, int x, int y) { return component == 0 ? x : component == 1 ? y : 50; };
-    const jp2maker::FileBytes bytes = jp2maker::make(options);
-    QFile file(folder.filePath(name));
-    const auto size = static_cast<qint64>(bytes.size());
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(reinterpret_cast<const char *>(bytes.data()), size) == size);
-}
-
 void TestStreamsInViewer::initTestCase()
 {
     if (!NginxServer::isInstalled())
         QSKIP("nginx is not installed");
     for (const char *path : {"www/scenes 2024", "www/guarded"})
         QVERIFY(QDir(folder.path()).mkpath(QLatin1String(path)));
-    writeImage(QStringLiteral("www/plain.jp2"));
-    writeImage(QStringLiteral("www/scenes 2024/site plan.jp2"));
-    writeImage(QString::fromUtf8("www/scenes 2024/Übersicht.jp2"));
-    writeImage(QStringLiteral("www/guarded/secret.jp2"));
-    QFile passwords(folder.filePath(QStringLiteral("passwords")));
-    QVERIFY(passwords.open(QIODevice::WriteOnly) && passwords.write("me:{PLAIN}sesame\n") > 0);
-    passwords.close();
-
+    folder.makeImage(QStringLiteral("www/plain.jp2"), colourImage(kWidth, kHeight));
+    folder.makeImage(QStringLiteral("www/scenes 2024/site plan.jp2"), colourImage(kWidth, kHeight));
+    folder.makeImage(QString::fromUtf8("www/scenes 2024/Übersicht.jp2"), colourImage(kWidth, kHeight));
+    folder.makeImage(QStringLiteral("www/guarded/secret.jp2"), colourImage(kWidth, kHeight));
+    const QString passwords = folder.writeText(QStringLiteral("passwords"), "me:{PLAIN}sesame\n");
     server = std::make_unique<NginxServer>();
     server->configure(QStringLiteral("autoindex on; autoindex_format json; location /guarded/ { auth_basic x; "
                                      "auth_basic_user_file %1; }")
-                          .arg(passwords.fileName()));
-    QVERIFY(server->start(folder.filePath(QStringLiteral("www"))));
-    Application::instance()->setSettingsFile(folder.filePath(QStringLiteral("settings.ini")));
-    QSettings *settings = Application::instance()->settings();
-    settings->setValue(QStringLiteral("XRVJP2kLayer/XrvpCacheDir"), folder.filePath(QStringLiteral("cache")));
+                          .arg(passwords));
+    QVERIFY(server->start(folder.path(QStringLiteral("www"))));
+    TestFolder::setSetting("XrvpCacheDir", folder.path(QStringLiteral("cache")));
     registry = std::make_unique<Korvane::PluginRegistry>();
     QCOMPARE(registry->loadFolder(QStringLiteral(PLUGIN_FOLDER)), 1);
 }
@@ -171,29 +134,15 @@ QAction *TestStreamsInViewer::actionOf(const QString &place) const
 void TestStreamsInViewer::withBrowser(const std::function<void()> &start,
                                       const std::function<void(XRVPBrowser &)> &work)
 {
-    // Two timers: one that is at work does not fire again, and a box may come up while the browser is worked with.
-    bool wasShown = false;
-    QTimer answer;
-    connect(&answer, &QTimer::timeout, this, [&] {
-        if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
-            messages.append(box->windowTitle() + QLatin1Char('|') + box->text());
-            box->accept();
-        }
+    const DialogWatch<XRVPBrowser> watch([&](XRVPBrowser &browser) {
+        work(browser);
+        if (browser.isVisible()) // left so by a check that failed
+            browser.reject();
     });
-    QTimer watch;
-    connect(&watch, &QTimer::timeout, this, [&] {
-        if (auto *browser = qobject_cast<XRVPBrowser *>(QApplication::activeModalWidget())) {
-            wasShown = true;
-            watch.stop();
-            work(*browser);
-            if (browser->isVisible()) // left so by a check that failed
-                browser->reject();
-        }
-    });
-    answer.start(20);
-    watch.start(20);
+    const BoxWatch boxes;
     start();
-    QVERIFY(wasShown);
+    messages = boxes.texts;
+    QCOMPARE(watch.shown, 1);
 }
 
 void TestStreamsInViewer::pickFromTree(XRVPBrowser &browser, const QString &address, const QString &name) const
@@ -218,28 +167,6 @@ void TestStreamsInViewer::verifyPainted(MapView *shown) const
     QVERIFY(isComplete);
     for (const QPoint &cell : {QPoint(0, 0), QPoint(119, 89), QPoint(60, 30)})
         QCOMPARE(image.pixelColor(cell), QColor(cell.x(), cell.y(), 50));
-}
-
-TestStreamsInViewer::Outcome TestStreamsInViewer::run(const QStringList &arguments) const
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QDVIEWER_PLUGIN_PATH"), QStringLiteral(PLUGIN_FOLDER));
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(QDVIEWER_PROGRAM),
-                  QStringList{QStringLiteral("--settings"), folder.filePath(QStringLiteral("own.ini"))} + arguments);
-    Outcome outcome;
-    if (process.waitForFinished(kPatienceMs) && process.exitStatus() == QProcess::NormalExit)
-        outcome.status = process.exitCode();
-    outcome.out = process.readAllStandardOutput();
-    outcome.err = process.readAllStandardError();
-    return outcome;
-}
-
-QByteArray TestStreamsInViewer::fileBytes(const QString &name) const
-{
-    QFile file(folder.filePath(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 void TestStreamsInViewer::opensFromTheBrowser_data()
@@ -293,46 +220,11 @@ void TestStreamsInViewer::opensSeveralFromTheBrowser()
     verifyPainted(view());
 }
 
-void TestStreamsInViewer::factoryAsksForAnAddress_data()
-{
-    QTest::addColumn<QString>("image"); // empty: the dialog is cancelled
-    QTest::addColumn<QString>("message");
-    QTest::newRow("image") << "plain.jp2"
-                           << "";
-    QTest::newRow("no such image") << "missing.jp2"
-                                   << "XRV JP2 Error:|";
-    QTest::newRow("cancelled") << ""
-                               << "";
-}
-
-void TestStreamsInViewer::factoryAsksForAnAddress()
-{
-    QFETCH(QString, image);
-    QFETCH(QString, message);
-    ILayerPlugin *factory = registry->getPlugins().constFirst().factory;
-    std::unique_ptr<Layer> layer;
-    withBrowser([&] { layer.reset(factory->createLayer(true)); },
-                [&](XRVPBrowser &browser) {
-                    browser.setAddress(at(image));
-                    if (image.isEmpty())
-                        browser.reject();
-                    else
-                        browser.accept();
-                });
-    QCOMPARE(messages.join(QLatin1Char('\n')).left(message.size()), message);
-    QCOMPARE(messages.isEmpty(), message.isEmpty());
-    QCOMPARE(bool(layer), image == QLatin1String("plain.jp2"));
-    if (layer)
-        QVERIFY(layer->isValid());
-}
-
 void TestStreamsInViewer::opensUrlFiles()
 {
-    QFile file(folder.filePath(QStringLiteral("site.url")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(file.write("[InternetShortcut]\r\nURL=" + at(QStringLiteral("plain.jp2")).toUtf8() + "\r\n") > 0);
-    file.close();
-    QCOMPARE(window->addSources({file.fileName()}, nullptr), QStringList());
+    const QString file = folder.writeText(
+        QStringLiteral("site.url"), "[InternetShortcut]\r\nURL=" + at(QStringLiteral("plain.jp2")).toUtf8() + "\r\n");
+    QCOMPARE(window->addSources({file}, nullptr), QStringList());
     QCOMPARE(view()->getLayer(0)->getDataSource(), at(QStringLiteral("plain.jp2")));
     verifyPainted(view());
 }
@@ -343,7 +235,7 @@ void TestStreamsInViewer::browsesSecurely()
     if (!secure.makeSecure())
         QSKIP("openssl makes no certificate here");
     secure.configure(QStringLiteral("autoindex on;"));
-    QVERIFY(secure.start(folder.filePath(QStringLiteral("www"))));
+    QVERIFY(secure.start(folder.path(QStringLiteral("www"))));
     const QString address = QString::fromStdString(secure.address(QString()));
     XRVPBrowser browser;
     auto *status = browser.findChild<QLabel *>(QStringLiteral("statusLabel"));
@@ -363,16 +255,16 @@ void TestStreamsInViewer::browsesSecurely()
 void TestStreamsInViewer::passwordsStayOut()
 {
     const QString source = at(QStringLiteral("guarded/secret.jp2"));
-    const QString project = folder.filePath(QStringLiteral("guarded") + Viewer::kProjectSuffix);
+    const QString project = folder.path(QStringLiteral("guarded") + Viewer::kProjectSuffix);
     QCOMPARE(window->addSources({withUser(source)}, nullptr), QStringList());
     verifyPainted(view());
     Viewer::ProjectController *controller = window->findChild<Viewer::ProjectController *>();
     QCOMPARE(controller->save(project), QString());
-    QVERIFY(!fileBytes(QFileInfo(project).fileName()).contains("sesame"));
-    QVERIFY(fileBytes(QFileInfo(project).fileName()).contains(source.toUtf8()));
+    QVERIFY(!folder.read(QFileInfo(project).fileName()).contains("sesame"));
+    QVERIFY(folder.read(QFileInfo(project).fileName()).contains(source.toUtf8()));
     Application::instance()->settings()->sync();
-    QVERIFY(fileBytes(QStringLiteral("settings.ini")).contains("secret.jp2"));
-    QVERIFY(!fileBytes(QStringLiteral("settings.ini")).contains("sesame"));
+    QVERIFY(folder.read(QStringLiteral("settings.ini")).contains("secret.jp2"));
+    QVERIFY(!folder.read(QStringLiteral("settings.ini")).contains("sesame"));
     QVERIFY(!window->windowTitle().contains(QStringLiteral("sesame")));
 
     // In this process, the server has taken the password; another one has to be given it.
@@ -380,32 +272,19 @@ void TestStreamsInViewer::passwordsStayOut()
     QCOMPARE(controller->open(project, &warnings), QString());
     QCOMPARE(warnings, QStringList());
     verifyPainted(view());
-    const Outcome fresh = run({QStringLiteral("--describe"), project});
+    const ProgramRun fresh = runViewer({QStringLiteral("--describe"), project});
     QVERIFY(fresh.status != 0);
     QVERIFY2(fresh.err.contains("user name and password"), fresh.err.constData());
 
-    const Outcome described = run({QStringLiteral("--describe"), withUser(source)});
+    const ProgramRun described = runViewer({QStringLiteral("--describe"), withUser(source)});
     QVERIFY2(described.status == 0, described.err.constData());
     QVERIFY2(!described.out.contains("sesame") && !described.err.contains("sesame"), described.out.constData());
     const QJsonObject object = QJsonDocument::fromJson(described.out).object();
     QCOMPARE(object.value(QStringLiteral("dataSource")).toString(), source);
-    const Outcome refused = run({QStringLiteral("--describe"), withUser(at(QStringLiteral("guarded/none.jp2")))});
+    const ProgramRun refused =
+        runViewer({QStringLiteral("--describe"), withUser(at(QStringLiteral("guarded/none.jp2")))});
     QVERIFY(refused.status != 0);
     QVERIFY(!refused.out.contains("sesame") && !refused.err.contains("sesame"));
-}
-
-void TestStreamsInViewer::namesBeyondAsciiComeBack()
-{
-    const QString source = at(QString::fromUtf8("scenes 2024/Übersicht.jp2"));
-    QCOMPARE(window->addSources({source}, nullptr), QStringList());
-    const QString project = folder.filePath(QStringLiteral("umlaut") + Viewer::kProjectSuffix);
-    Viewer::ProjectController *controller = window->findChild<Viewer::ProjectController *>();
-    QCOMPARE(controller->save(project), QString());
-    QStringList warnings;
-    QCOMPARE(controller->open(project, &warnings), QString());
-    QCOMPARE(warnings, QStringList());
-    QCOMPARE(view()->getLayerCount(), 1);
-    verifyPainted(view());
 }
 
 QTEST_MAIN(TestStreamsInViewer)

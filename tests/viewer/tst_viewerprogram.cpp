@@ -2,26 +2,22 @@
 #include "window/mainactions.h"
 #include "window/mainwindow.h"
 
-#include "data/jp2maker.h"
+#include "data/testfolder.h"
+#include "viewerprogram.h"
 
-#include <QDGui/application.h>
 #include <QDGui/mapview.h>
 #include <QDGui/pluginregistry.h>
 
 #include <QAction>
-#include <QElapsedTimer>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QSettings>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QWheelEvent>
 
 #include <memory>
-#include <random>
 
 using Korvane::Map::MapView;
 using Viewer::MainWindow;
@@ -42,79 +38,39 @@ private Q_SLOTS:
     void endsOnDamagedFiles();
     void tellsOfDamageWhenStrict();
     void usesTheSettingsFileGiven();
+    void livesWithBadSettings();
     void refusesInOneLine_data();
     void refusesInOneLine();
     void handlesBusyPeople();
 
 private:
-    struct Outcome
+    /// With a settings file of the program's own.
+    ProgramRun run(const QStringList &arguments, const QStringList &variables = {}) const
     {
-        int status = -1;
-        QByteArray out;
-        QByteArray err;
-    };
+        return runViewer(QStringList{QStringLiteral("--settings"), folder.path(QStringLiteral("own.ini"))} + arguments,
+                         variables);
+    }
 
-    QString write(const QString &name, const jp2maker::FileBytes &bytes) const;
-    Outcome run(const QStringList &arguments, bool poorSurroundings = false) const;
-
-    QTemporaryDir folder;
+    TestFolder folder;
     QString gradient;
     jp2maker::FileBytes gradientBytes;
 };
 
 static constexpr int kWidth = 200;
 static constexpr int kHeight = 150;
-/// Sanitizers and busy machines make everything slower; a hang takes for ever.
-static constexpr int kPatienceMs = 60000;
-
-QString TestViewerProgram::write(const QString &name, const jp2maker::FileBytes &bytes) const
-{
-    QFile file(folder.filePath(name));
-    const auto size = static_cast<qint64>(bytes.size());
-    if (!file.open(QIODevice::WriteOnly) || file.write(reinterpret_cast<const char *>(bytes.data()), size) != size)
-        qFatal("cannot write %s", qPrintable(file.fileName()));
-    return file.fileName();
-}
-
-TestViewerProgram::Outcome TestViewerProgram::run(const QStringList &arguments, bool poorSurroundings) const
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "XDG_RUNTIME_DIR"})
-        environment.remove(QLatin1String(name));
-    environment.insert(QStringLiteral("QDVIEWER_PLUGIN_PATH"), QStringLiteral(PLUGIN_FOLDER));
-    if (poorSurroundings) {
-        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C"));
-        environment.insert(QStringLiteral("DISPLAY"), QStringLiteral("no-such-host:1"));
-    }
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(QDVIEWER_PROGRAM),
-                  QStringList{QStringLiteral("--settings"), folder.filePath(QStringLiteral("own.ini"))} + arguments);
-    Outcome outcome;
-    if (process.waitForFinished(kPatienceMs) && process.exitStatus() == QProcess::NormalExit)
-        outcome.status = process.exitCode();
-    outcome.out = process.readAllStandardOutput();
-    outcome.err = process.readAllStandardError();
-    return outcome;
-}
-
 void TestViewerProgram::initTestCase()
 {
-    jp2maker::Options options;
-    options.width = kWidth;
-    options.height = kHeight;
-    options.components.resize(3);
+    jp2maker::Options options = colourImage(kWidth, kHeight);
     options.tileWidth = options.tileHeight = 64;
-    options.cell = [](int component, int x, int y) { return component == 0 ? x : component == 1 ? y : 50; };
     gradientBytes = jp2maker::make(options);
-    gradient = write(QString::fromUtf8("Übersicht 東京.jp2"), gradientBytes);
+    gradient = folder.write(QString::fromUtf8("Übersicht 東京.jp2"), gradientBytes);
 }
 
 void TestViewerProgram::picturesAreExact()
 {
-    const QString picture = folder.filePath(QStringLiteral("exact.png"));
-    const Outcome outcome = run({QStringLiteral("--screenshot"), picture, QStringLiteral("--size"),
-                                 QStringLiteral("%1x%2").arg(kWidth).arg(kHeight), gradient});
+    const QString picture = folder.path(QStringLiteral("exact.png"));
+    const ProgramRun outcome = run({QStringLiteral("--screenshot"), picture, QStringLiteral("--size"),
+                                    QStringLiteral("%1x%2").arg(kWidth).arg(kHeight), gradient});
     QVERIFY2(outcome.status == 0 && outcome.err.isEmpty(), outcome.err.constData());
     const QImage image(picture);
     QCOMPARE(image.size(), QSize(kWidth, kHeight));
@@ -126,7 +82,7 @@ void TestViewerProgram::picturesAreExact()
 void TestViewerProgram::picturesGoIntoPipes()
 {
 #ifdef Q_OS_UNIX
-    const Outcome outcome = run({QStringLiteral("--screenshot"), QStringLiteral("/dev/stdout"), gradient});
+    const ProgramRun outcome = run({QStringLiteral("--screenshot"), QStringLiteral("/dev/stdout"), gradient});
     QVERIFY2(outcome.status == 0 && outcome.err.isEmpty(), outcome.err.constData());
     QVERIFY(!QImage::fromData(outcome.out, "PNG").isNull());
 #else
@@ -136,15 +92,16 @@ void TestViewerProgram::picturesGoIntoPipes()
 
 void TestViewerProgram::worksInPoorSurroundings()
 {
-    const QString picture = folder.filePath(QString::fromUtf8("Bild 画.png"));
-    const Outcome outcome = run({QStringLiteral("--screenshot"), picture, gradient}, true);
+    const QString picture = folder.path(QString::fromUtf8("Bild 画.png"));
+    const ProgramRun outcome = run({QStringLiteral("--screenshot"), picture, gradient},
+                                   {QStringLiteral("LC_ALL=C"), QStringLiteral("DISPLAY=no-such-host:1")});
     QVERIFY2(outcome.status == 0, outcome.err.constData());
     QVERIFY(QFile::exists(picture));
 }
 
 void TestViewerProgram::describes()
 {
-    const Outcome outcome = run({QStringLiteral("--describe"), gradient, folder.filePath(QStringLiteral("none.jp2"))});
+    const ProgramRun outcome = run({QStringLiteral("--describe"), gradient, folder.path(QStringLiteral("none.jp2"))});
     QCOMPARE(outcome.status, 1);
     QCOMPARE(outcome.err.count('\n'), 1);
     const QList<QByteArray> lines = outcome.out.split('\n');
@@ -161,7 +118,7 @@ void TestViewerProgram::describesWhatTheFileHolds()
 {
     jp2maker::FileBytes bytes = jp2maker::withBox(gradientBytes, "xml ", "<one/>\n");
     bytes = jp2maker::withBox(bytes, "xml ", "<two/>");
-    const Outcome outcome = run({QStringLiteral("--describe"), write(QStringLiteral("boxes.jp2"), bytes)});
+    const ProgramRun outcome = run({QStringLiteral("--describe"), folder.write(QStringLiteral("boxes.jp2"), bytes)});
     QCOMPARE(outcome.status, 0);
     const QJsonObject object = QJsonDocument::fromJson(outcome.out).object();
     const QJsonObject pages = object.value(QStringLiteral("pages")).toObject();
@@ -195,11 +152,12 @@ void TestViewerProgram::endsOnDamagedFiles_data()
 void TestViewerProgram::endsOnDamagedFiles()
 {
     QFETCH(int, sixteenths);
-    const QString picture = folder.filePath(QStringLiteral("cut.png"));
+    const QString picture = folder.path(QStringLiteral("cut.png"));
     QFile::remove(picture);
     jp2maker::FileBytes bytes = gradientBytes;
     bytes.resize(bytes.size() * static_cast<size_t>(sixteenths) / 16);
-    const Outcome outcome = run({QStringLiteral("--screenshot"), picture, write(QStringLiteral("cut.jp2"), bytes)});
+    const ProgramRun outcome =
+        run({QStringLiteral("--screenshot"), picture, folder.write(QStringLiteral("cut.jp2"), bytes)});
     // Either what can be saved, or one sentence; never both and never neither.
     QVERIFY2(outcome.status == 0 || outcome.status == 1, outcome.err.constData());
     QCOMPARE(QFile::exists(picture), outcome.status == 0);
@@ -208,16 +166,16 @@ void TestViewerProgram::endsOnDamagedFiles()
 
 void TestViewerProgram::tellsOfDamageWhenStrict()
 {
-    const QString settingsFile = folder.filePath(QStringLiteral("own.ini"));
+    const QString settingsFile = folder.path(QStringLiteral("own.ini"));
     {
         QSettings settings(settingsFile, QSettings::IniFormat);
         settings.setValue(QStringLiteral("XRVJP2kLayer/ResilientDecoding"), false);
     }
     jp2maker::FileBytes bytes = gradientBytes;
     bytes.resize(bytes.size() / 2);
-    const QString picture = folder.filePath(QStringLiteral("strict.png"));
-    const QString cut = write(QStringLiteral("strict.jp2"), bytes);
-    const Outcome broken = run({QStringLiteral("--screenshot"), picture, cut});
+    const QString picture = folder.path(QStringLiteral("strict.png"));
+    const QString cut = folder.write(QStringLiteral("strict.jp2"), bytes);
+    const ProgramRun broken = run({QStringLiteral("--screenshot"), picture, cut});
     QCOMPARE(broken.status, 1);
     QCOMPARE(broken.err.count('\n'), 1);
     QVERIFY2(broken.err.contains("strict.jp2"), broken.err.constData());
@@ -228,18 +186,35 @@ void TestViewerProgram::tellsOfDamageWhenStrict()
 void TestViewerProgram::usesTheSettingsFileGiven()
 {
     {
-        QSettings settings(folder.filePath(QStringLiteral("own.ini")), QSettings::IniFormat);
+        QSettings settings(folder.path(QStringLiteral("own.ini")), QSettings::IniFormat);
         settings.setValue(QStringLiteral("XRVJP2kLayer/DrawOutline"), true);
         settings.setValue(QStringLiteral("XRVJP2kLayer/OutlineColor"), QColor(Qt::red));
     }
-    const QString picture = folder.filePath(QStringLiteral("outline.png"));
+    const QString picture = folder.path(QStringLiteral("outline.png"));
     QCOMPARE(
         run({QStringLiteral("--screenshot"), picture, QStringLiteral("--size"), QStringLiteral("400x400"), gradient})
             .status,
         0);
     // Two pixels per cell, so the picture's rows 50 to 349 are image, and the outermost of them is outline.
     QCOMPARE(QImage(picture).pixelColor(200, 50), QColor(Qt::red));
-    QVERIFY(QFile::remove(folder.filePath(QStringLiteral("own.ini"))));
+    QVERIFY(QFile::remove(folder.path(QStringLiteral("own.ini"))));
+}
+
+void TestViewerProgram::livesWithBadSettings()
+{
+    folder.writeText(QStringLiteral("own.ini"),
+                     "[XRVJP2kLayer]\nCacheMaxMemMb=much\nDiskCacheMaxSizeMb=1000000000000\nDefaultClipTransform=-5\n"
+                     "XrvpCacheDir=/proc/none/such\nOutlineColor=no colour\nOpenProgressive=perhaps\n"
+                     "TextureDither=@Invalid()\nResampleType=nearest\nXRVPUserAgent=\"a\\r\\nb\"\n"
+                     "[Viewer]\nGeometry=none\nState=@ByteArray(xyz)\n");
+    const QString picture = folder.path(QStringLiteral("picture.png"));
+    const ProgramRun window = run({QStringLiteral("--window"), picture, gradient});
+    QVERIFY2(window.status == 0, window.err.constData());
+    const ProgramRun map = run({QStringLiteral("--screenshot"), picture, QStringLiteral("--size"),
+                                QStringLiteral("%1x%2").arg(kWidth).arg(kHeight), gradient});
+    QVERIFY2(map.status == 0, map.err.constData());
+    QCOMPARE(QImage(picture).pixel(32, 21), colourOf(32, 21));
+    QVERIFY(QFile::remove(folder.path(QStringLiteral("own.ini"))));
 }
 
 void TestViewerProgram::refusesInOneLine_data()
@@ -261,7 +236,7 @@ void TestViewerProgram::refusesInOneLine()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, reason);
-    const Outcome outcome = run(arguments);
+    const ProgramRun outcome = run(arguments);
     QTEST(outcome.status, "status");
     QCOMPARE(int(outcome.err.count('\n')), 1);
     QVERIFY2(outcome.err.startsWith("qdviewer: ") && outcome.err.contains(reason), outcome.err.constData());
@@ -269,16 +244,7 @@ void TestViewerProgram::refusesInOneLine()
 
 void TestViewerProgram::handlesBusyPeople()
 {
-    jp2maker::Options options;
-    options.width = 1500;
-    options.height = 1200;
-    options.components.resize(3);
-    options.tileWidth = options.tileHeight = 256;
-    std::mt19937 random(1); // noise takes long to decode
-    options.cell = [&random](int, int, int) { return int(random() & 255); };
-    const QString noise = write(QStringLiteral("noise.jp2"), jp2maker::make(options));
-
-    Korvane::Application::instance()->setSettingsFile(folder.filePath(QStringLiteral("window.ini")));
+    const QString noise = folder.makeImage(QStringLiteral("noise.jp2"), noiseImage());
     Korvane::PluginRegistry registry;
     QCOMPARE(registry.loadFolder(QStringLiteral(PLUGIN_FOLDER)), 1);
     MainWindow window(registry);
@@ -306,7 +272,7 @@ void TestViewerProgram::handlesBusyPeople()
     // Every third of the twelve was closed and goes from the event loop.
     QTRY_COMPARE(window.mapArea()->views().size(), 8);
     for (MapView *view : window.mapArea()->views())
-        QVERIFY(view->waitUntilComplete(kPatienceMs));
+        QVERIFY(view->waitUntilComplete(60000));
     window.mapArea()->closeAllViews();
 }
 

@@ -1,32 +1,23 @@
-#include "data/jp2maker.h"
+#include "data/testfolder.h"
+#include "viewer/viewerprogram.h"
 
-#include <QDGui/application.h>
 #include <QDGui/ilayereditorplugin.h>
 #include <QDGui/ilayerplugin.h>
 #include <QDGui/ilayerpropertieswidget.h>
 #include <QDGui/layer.h>
 
 #include <QAbstractButton>
-#include <QApplication>
-#include <QClipboard>
 #include <QDockWidget>
-#include <QFile>
 #include <QGroupBox>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPluginLoader>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QToolBar>
 #include <QtTest>
 
 #include <memory>
-
-using Korvane::Application;
-
-static constexpr int kPatienceMs = 60000;
 
 /// The plug-in and the program in the language of the system. The expected words are a translator's, not the
 /// catalogues'.
@@ -47,22 +38,17 @@ private Q_SLOTS:
 private:
     static QStringList textsOf(const QWidget *widget);
     static QStringList textsOf(const QList<QWidget *> &widgets);
-    QByteArray run(const QByteArray &variable, const QByteArray &locale, const QStringList &arguments) const;
+    QByteArray run(const QString &variable, const QStringList &arguments) const;
 
-    QTemporaryDir folder;
+    TestFolder folder;
     QString imageFile;
 };
 
 void TestLanguages::initTestCase()
 {
-    Application::instance()->setSettingsFile(folder.filePath(QStringLiteral("settings.ini")));
     jp2maker::Options options;
     options.components.resize(3);
-    const jp2maker::FileBytes bytes = jp2maker::make(options);
-    QFile file(folder.filePath(QString::fromUtf8("Übersicht.jp2")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(reinterpret_cast<const char *>(bytes.data()), qint64(bytes.size()));
-    imageFile = file.fileName();
+    imageFile = folder.makeImage(QString::fromUtf8("Übersicht.jp2"), options);
 }
 
 void TestLanguages::cleanup()
@@ -160,7 +146,7 @@ void TestLanguages::valuesStayAsTheyAre()
         qDeleteAll(pages);
         for (const char *value : {"false", "LRCP", "Gilt nicht für .jp2-Dateien", "Local file"})
             QVERIFY2(values.contains(QString::fromUtf8(value)), qPrintable(values.join(u'|')));
-        const QString missing = folder.filePath(QStringLiteral("none.url"));
+        const QString missing = folder.path(QStringLiteral("none.url"));
         QVERIFY(!layer->setDataSource(missing));
         QCOMPARE(layer->getLastError(), QString::fromUtf8("Die URL-Datei konnte nicht geöffnet werden."));
     }
@@ -169,38 +155,26 @@ void TestLanguages::valuesStayAsTheyAre()
 
 void TestLanguages::program_data()
 {
-    QTest::addColumn<QByteArray>("variable");
-    QTest::addColumn<QByteArray>("locale");
     QTest::addColumn<QString>("pageTitle");
     // Also where the C library has no such locale, as it is on most servers.
-    QTest::newRow("German for all") << QByteArray("LC_ALL") << QByteArray("de_AT.UTF-8") << QStringLiteral("Statistik");
-    QTest::newRow("German as usual") << QByteArray("LANG") << QByteArray("de_DE.UTF-8") << QStringLiteral("Statistik");
-    QTest::newRow("Japanese") << QByteArray("LC_ALL") << QByteArray("ja_JP.UTF-8") << QString::fromUtf8("統計");
-    QTest::newRow("none of ours") << QByteArray("LC_ALL") << QByteArray("pt_BR.UTF-8") << QStringLiteral("Statistics");
-    QTest::newRow("plain") << QByteArray("LC_ALL") << QByteArray("C") << QStringLiteral("Statistics");
+    QTest::newRow("LC_ALL=de_AT.UTF-8") << "Statistik";
+    QTest::newRow("LANG=de_DE.UTF-8") << "Statistik";
+    QTest::newRow("LC_ALL=ja_JP.UTF-8") << QString::fromUtf8("統計");
+    QTest::newRow("LC_ALL=pt_BR.UTF-8") << "Statistics"; // none of ours
+    QTest::newRow("LC_ALL=C") << "Statistics";
 }
 
-QByteArray TestLanguages::run(const QByteArray &variable, const QByteArray &locale, const QStringList &arguments) const
+QByteArray TestLanguages::run(const QString &variable, const QStringList &arguments) const
 {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char *name : {"LC_ALL", "LC_NUMERIC", "LC_MESSAGES", "LC_CTYPE", "LANGUAGE", "LANG"})
-        environment.remove(QLatin1String(name));
-    environment.insert(QString::fromLatin1(variable), QString::fromLatin1(locale));
-    environment.insert(QStringLiteral("QDVIEWER_PLUGIN_PATH"), QStringLiteral(PLUGIN_FOLDER));
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(QDVIEWER_PROGRAM),
-                  QStringList{QStringLiteral("--settings"), folder.filePath(QStringLiteral("own.ini"))} + arguments);
-    process.waitForFinished(kPatienceMs);
-    return process.readAllStandardOutput() + process.readAllStandardError();
+    const ProgramRun run = runViewer(
+        QStringList{QStringLiteral("--settings"), folder.path(QStringLiteral("own.ini"))} + arguments, {variable});
+    return run.out + run.err;
 }
 
 void TestLanguages::program()
 {
-    QFETCH(QByteArray, variable);
-    QFETCH(QByteArray, locale);
     QFETCH(QString, pageTitle);
-    const QByteArray out = run(variable, locale, {QStringLiteral("--describe"), imageFile});
+    const QByteArray out = run(QLatin1String(QTest::currentDataTag()), {QStringLiteral("--describe"), imageFile});
     const QJsonObject layer = QJsonDocument::fromJson(out).object();
     QVERIFY2(!layer.isEmpty(), out.constData());
     // The file has a name beyond ASCII, which must not get lost on the way either.
@@ -211,15 +185,14 @@ void TestLanguages::program()
 /// Scripts read them. The window in the picture speaks German all the same.
 void TestLanguages::errorsStayEnglish()
 {
-    const QByteArray locale("de_DE.UTF-8");
-    const QByteArray failure = run("LC_ALL", locale,
-                                   {QStringLiteral("--window"), folder.filePath(QStringLiteral("none/window.png")),
-                                    imageFile, folder.filePath(QStringLiteral("none.jp2"))});
+    const QString locale = QStringLiteral("LC_ALL=de_DE.UTF-8");
+    const QByteArray failure = run(locale, {QStringLiteral("--window"), folder.path(QStringLiteral("none/window.png")),
+                                            imageFile, folder.path(QStringLiteral("none.jp2"))});
     QVERIFY2(failure.contains("none.jp2 does not exist."), failure.constData());
     QVERIFY2(failure.contains("window.png cannot be written"), failure.constData());
-    const QByteArray usage = run("LC_ALL", locale, {QStringLiteral("--nosuch")});
+    const QByteArray usage = run(locale, {QStringLiteral("--nosuch")});
     QVERIFY2(usage.contains("Unknown option"), usage.constData());
-    const QByteArray help = run("LC_ALL", locale, {QStringLiteral("--help")});
+    const QByteArray help = run(locale, {QStringLiteral("--help")});
     QVERIFY2(help.startsWith("Usage:"), help.constData());
 }
 

@@ -22,7 +22,6 @@ private Q_SLOTS:
     void levelHidesAndBringsBack();
     void levelIsTheHosts();
     void copiesSelectionOrAll();
-    void fullLogMovesOn();
 
 private:
     static void add(const QString &text, Application::LogLevel level);
@@ -110,17 +109,6 @@ void TestLogDock::copiesSelectionOrAll()
                                       QItemSelectionModel::Select | QItemSelectionModel::Rows);
     QVERIFY(copied().endsWith(QLatin1String("\tError\tsecond")));
     QCOMPARE(copied().count(QLatin1Char('\t')), 2);
-}
-
-void TestLogDock::fullLogMovesOn()
-{
-    levels()->setCurrentIndex(Application::LogWarning);
-    for (int i = 0; i < Application::kMaxLogEntries + 10; ++i)
-        Application::logMessage(QString::number(i), Application::LogError, QDateTime::currentDateTime());
-    QCoreApplication::processEvents();
-    const QStringList texts = shownTexts();
-    QCOMPARE(texts.size(), Application::kMaxLogEntries);
-    QCOMPARE(texts.last(), QString::number(Application::kMaxLogEntries + 9));
 }
 
 QTEST_MAIN(TestLogDock)

@@ -43,7 +43,6 @@ private Q_SLOTS:
     void remembersDocks();
     void propertiesFollowLayer();
     void propertiesWindowIsRemembered();
-    void survivesClosingBusyViews();
     void switchesArrangement();
 
 private:
@@ -228,22 +227,6 @@ void TestMainWindow::propertiesWindowIsRemembered()
     const MainWindow another(test.registry);
     QCOMPARE(another.findChild<Viewer::PropertiesWindow *>()->size(), QSize(640, 580));
     Korvane::Application::instance()->settings()->clear();
-}
-
-void TestMainWindow::survivesClosingBusyViews()
-{
-    const QString slow = test.quad(QStringLiteral("slow.quad"), "QUAD 40 20 0 0 1 slow");
-    for (int i = 0; i < 20; ++i) {
-        QCOMPARE(window->addSources({slow, slow}, nullptr), QStringList());
-        QCoreApplication::processEvents();
-        if (i % 2)
-            window->mainActions()->closeView->trigger();
-        QCoreApplication::processEvents();
-    }
-    QTRY_COMPARE(window->mapArea()->views().size(), 10);
-    window->mapArea()->closeAllViews();
-    QVERIFY(window->mapArea()->views().isEmpty());
-    QCOMPARE(panel()->text(), QStringLiteral("none"));
 }
 
 void TestMainWindow::switchesArrangement()

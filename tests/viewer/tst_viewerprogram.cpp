@@ -32,7 +32,6 @@ private Q_SLOTS:
     void picturesAreExact();
     void picturesGoIntoPipes();
     void worksInPoorSurroundings();
-    void describes();
     void describesWhatTheFileHolds();
     void endsOnDamagedFiles_data();
     void endsOnDamagedFiles();
@@ -97,21 +96,6 @@ void TestViewerProgram::worksInPoorSurroundings()
                                    {QStringLiteral("LC_ALL=C"), QStringLiteral("DISPLAY=no-such-host:1")});
     QVERIFY2(outcome.status == 0, outcome.err.constData());
     QVERIFY(QFile::exists(picture));
-}
-
-void TestViewerProgram::describes()
-{
-    const ProgramRun outcome = run({QStringLiteral("--describe"), gradient, folder.path(QStringLiteral("none.jp2"))});
-    QCOMPARE(outcome.status, 1);
-    QCOMPARE(outcome.err.count('\n'), 1);
-    const QList<QByteArray> lines = outcome.out.split('\n');
-    QCOMPARE(lines.size(), 3);
-    const QJsonObject object = QJsonDocument::fromJson(lines[0]).object();
-    QCOMPARE(object.value(QStringLiteral("width")).toInt(), kWidth);
-    QCOMPARE(object.value(QStringLiteral("height")).toInt(), kHeight);
-    QCOMPARE(object.value(QStringLiteral("numberOfBands")).toInt(), 3);
-    QCOMPARE(object.value(QStringLiteral("dataSource")).toString(), gradient);
-    QVERIFY(QJsonDocument::fromJson(lines[1]).object().contains(QStringLiteral("error")));
 }
 
 void TestViewerProgram::describesWhatTheFileHolds()

@@ -1,7 +1,9 @@
 #include "data/dialogwatch.h"
 #include "host/fakelayer.h"
 #include "layer/layertest.h"
+#include "panels/sunshadewidget.h"
 #include "panels/xrvjp2kproperties.h"
+#include "panels/xrvjp2ksunshade.h"
 
 #include <QDGui/application.h>
 #include <QDGui/mapview.h>
@@ -9,6 +11,7 @@
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QComboBox>
+#include <QFrame>
 #include <QGroupBox>
 #include <QMdiSubWindow>
 #include <QPushButton>
@@ -39,8 +42,8 @@ double meanDifference(const QImage &a, const QImage &b)
 
 } // namespace
 
-/// The panel's real widgets, driven by mouse and keys, on a real layer with a real file.
-class TestPropertiesPanel : public QObject
+/// The panels' real widgets, driven by mouse and keys, on a real layer with a real file.
+class TestEditingPanels : public QObject
 {
     Q_OBJECT
 
@@ -66,11 +69,18 @@ private Q_SLOTS:
     void subWindows();
     void draggingShowsTheLastValue();
 
+    void sunshadeLoadsWithoutSending();
+    void sunshadeSetsTheLayer();
+    void sunshadeOfOthers();
+    void sunshadeRose();
+    void sunFollowsTheMouse();
+
 private:
     void open(const jp2maker::Options &options);
+    void openSunshade();
     template <typename Widget> Widget *get(const char *name) const
     {
-        return panel->findChild<Widget *>(QLatin1String(name));
+        return form->findChild<Widget *>(QLatin1String(name));
     }
     void type(const char *spinBox, const char *digits);
     void click(const char *button);
@@ -83,32 +93,45 @@ private:
     std::unique_ptr<TestFolder> folder;
     std::unique_ptr<XRVJP2kLayer> layer;
     std::unique_ptr<XRVJP2kProperties> panel;
+    std::unique_ptr<XRVJP2kSunshade> sunshade;
+    QWidget *form = nullptr; ///< one of the two
 };
 
-void TestPropertiesPanel::init()
+void TestEditingPanels::init()
 {
     folder = std::make_unique<TestFolder>();
     TestFolder::setSetting("OpenProgressive", false); // decodes within paint(), so that pixels can be looked at at once
     panel = std::make_unique<XRVJP2kProperties>();
+    form = panel.get();
     panel->show();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-void TestPropertiesPanel::cleanup()
+void TestEditingPanels::cleanup()
 {
+    sunshade.reset();
     panel.reset();
     layer.reset();
     folder.reset();
 }
 
-void TestPropertiesPanel::open(const jp2maker::Options &options)
+void TestEditingPanels::open(const jp2maker::Options &options)
 {
     layer = openLayer(folder->makeImage(QStringLiteral("image.jp2"), options));
     viewWhole(*layer);
     panel->onLayerActivated(layer.get());
 }
 
-void TestPropertiesPanel::type(const char *spinBox, const char *digits)
+void TestEditingPanels::openSunshade()
+{
+    open(colourImage(16, 16));
+    sunshade = std::make_unique<XRVJP2kSunshade>();
+    form = sunshade.get();
+    sunshade->onLayerActivated(layer.get());
+    sunshade->show();
+}
+
+void TestEditingPanels::type(const char *spinBox, const char *digits)
 {
     auto *box = get<QSpinBox>(spinBox);
     box->setFocus();
@@ -117,14 +140,14 @@ void TestPropertiesPanel::type(const char *spinBox, const char *digits)
     QTest::keyClick(box, Qt::Key_Return);
 }
 
-void TestPropertiesPanel::click(const char *button)
+void TestEditingPanels::click(const char *button)
 {
     auto *target = get<QAbstractButton>(button);
     // On the left, where a check box has its mark.
     QTest::mouseClick(target, Qt::LeftButton, Qt::NoModifier, QPoint(8, target->height() / 2));
 }
 
-void TestPropertiesPanel::loadingCallsNoSetter()
+void TestEditingPanels::loadingCallsNoSetter()
 {
     open(colourImage(16, 16));
     // Values that the widgets show rounded down: had a setter been called, they would be gone.
@@ -156,7 +179,7 @@ void TestPropertiesPanel::loadingCallsNoSetter()
     QVERIFY(!Korvane::Application::instance()->settings()->contains(QStringLiteral("XRVJP2kLayer/OutlineColor")));
 }
 
-void TestPropertiesPanel::transparency()
+void TestEditingPanels::transparency()
 {
     open(colourImage(16, 16));
     const quint64 refreshes = layer->getRefreshCount();
@@ -175,7 +198,7 @@ void TestPropertiesPanel::transparency()
     QCOMPARE(get<QSpinBox>("transparencySpinBox")->value(), 10);
 }
 
-void TestPropertiesPanel::tones()
+void TestEditingPanels::tones()
 {
     open(colourImage(160, 8));
     type("contrastSpinBox", "150");
@@ -199,7 +222,7 @@ static jp2maker::Options imageWithOutliers()
     return options;
 }
 
-void TestPropertiesPanel::dynamicRange()
+void TestEditingPanels::dynamicRange()
 {
     open(imageWithOutliers());
     type("draSpinBox", "100");
@@ -222,7 +245,7 @@ void TestPropertiesPanel::dynamicRange()
     }
 }
 
-void TestPropertiesPanel::qualityLayers()
+void TestEditingPanels::qualityLayers()
 {
     jp2maker::Options options;
     options.width = options.height = 128;
@@ -244,7 +267,7 @@ void TestPropertiesPanel::qualityLayers()
     QCOMPARE(painted(), best);
 }
 
-void TestPropertiesPanel::withoutHeader()
+void TestEditingPanels::withoutHeader()
 {
     open(colourImage(8, 8));
     XRVJP2kLayer closed(nullptr);
@@ -256,7 +279,7 @@ void TestPropertiesPanel::withoutHeader()
     QCOMPARE(get<QComboBox>("redBandComboBox")->count(), 0);
 }
 
-void TestPropertiesPanel::bands()
+void TestEditingPanels::bands()
 {
     open(colourImage(16, 16));
     QCOMPARE(get<QComboBox>("redBandComboBox")->count(), 3);
@@ -267,7 +290,7 @@ void TestPropertiesPanel::bands()
     QCOMPARE(painted().pixel(11, 5), qRgb(5, 5, 11));
 }
 
-void TestPropertiesPanel::opacityBand()
+void TestEditingPanels::opacityBand()
 {
     jp2maker::Options options = colourImage(16, 16);
     options.components.resize(4);
@@ -285,7 +308,7 @@ void TestPropertiesPanel::opacityBand()
     QCOMPARE(layer->getBandList().last(), layer->getOpacityBandNumber());
 }
 
-void TestPropertiesPanel::checkBoxes_data()
+void TestEditingPanels::checkBoxes_data()
 {
     QTest::addColumn<QByteArray>("box");
     QTest::addColumn<QByteArray>("property");
@@ -296,7 +319,7 @@ void TestPropertiesPanel::checkBoxes_data()
     QTest::newRow("outline") << QByteArray("drawImageOutlineCheckBox") << QByteArray("DrawOutline");
 }
 
-void TestPropertiesPanel::checkBoxes()
+void TestEditingPanels::checkBoxes()
 {
     QFETCH(QByteArray, box);
     QFETCH(QByteArray, property);
@@ -312,7 +335,7 @@ void TestPropertiesPanel::checkBoxes()
     QVERIFY(layer->isValid());
 }
 
-void TestPropertiesPanel::resampling()
+void TestEditingPanels::resampling()
 {
     jp2maker::Options options;
     options.width = options.height = 16;
@@ -336,7 +359,7 @@ void TestPropertiesPanel::resampling()
     QCOMPARE(greys(), (QSet<int>{0, 200}));
 }
 
-void TestPropertiesPanel::outline()
+void TestEditingPanels::outline()
 {
     open(colourImage(16, 16));
     click("drawImageOutlineCheckBox");
@@ -360,7 +383,7 @@ void TestPropertiesPanel::outline()
     QCOMPARE(XRVJP2kLayer(nullptr).getOutlineColor(), QColor(200, 10, 20));
 }
 
-void TestPropertiesPanel::readLineMethod()
+void TestEditingPanels::readLineMethod()
 {
     open(colourImage(8, 8));
     // The buttons are never shown, but are connected as long as they exist, and their slots stay in place.
@@ -383,7 +406,7 @@ void TestPropertiesPanel::readLineMethod()
     QVERIFY(!layer->getFreeCache());
 }
 
-void TestPropertiesPanel::otherLayers()
+void TestEditingPanels::otherLayers()
 {
     open(colourImage(8, 8));
     QVERIFY(panel->isEnabled());
@@ -399,7 +422,7 @@ void TestPropertiesPanel::otherLayers()
     QVERIFY(!panel->isEnabled());
 }
 
-void TestPropertiesPanel::deletedLayer()
+void TestEditingPanels::deletedLayer()
 {
     open(colourImage(8, 8));
     const DialogWatch<QColorDialog> watch([this](QColorDialog &dialog) {
@@ -415,7 +438,7 @@ void TestPropertiesPanel::deletedLayer()
     QVERIFY(!layer);
 }
 
-void TestPropertiesPanel::subWindows()
+void TestEditingPanels::subWindows()
 {
     open(colourImage(8, 8));
     QMdiSubWindow plainWindow;
@@ -436,7 +459,7 @@ void TestPropertiesPanel::subWindows()
     QVERIFY(!panel->isEnabled());
 }
 
-void TestPropertiesPanel::draggingShowsTheLastValue()
+void TestEditingPanels::draggingShowsTheLastValue()
 {
     TestFolder::setSetting("OpenProgressive", true);
     jp2maker::Options options = imageWithOutliers();
@@ -457,5 +480,124 @@ void TestPropertiesPanel::draggingShowsTheLastValue()
     QTRY_COMPARE_WITH_TIMEOUT(paintedWhole(*layer), paintedWhole(reference), kPatienceMs);
 }
 
-QTEST_MAIN(TestPropertiesPanel)
-#include "tst_propertiespanel.moc"
+void TestEditingPanels::sunshadeLoadsWithoutSending()
+{
+    openSunshade();
+    layer->setAzumith(359.9);
+    layer->setElevation(12.7);
+    layer->setHillShade(true);
+    const quint64 refreshes = layer->getRefreshCount();
+    sunshade->onLayerActivated(layer.get());
+    QVERIFY(sunshade->isEnabled());
+    QCOMPARE(get<QSpinBox>("azumithSpinBox")->value(), 359);
+    QCOMPARE(get<QSpinBox>("elevationSpinBox")->value(), 12);
+    QVERIFY(get<QCheckBox>("hillShadeCheckBox")->isChecked());
+    QCOMPARE(layer->getAzumith(), 359.9);
+    QCOMPARE(layer->getElevation(), 12.7);
+    QCOMPARE(layer->getRefreshCount(), refreshes);
+}
+
+void TestEditingPanels::sunshadeSetsTheLayer()
+{
+    openSunshade();
+    const quint64 refreshes = layer->getRefreshCount();
+    auto *box = get<QCheckBox>("hillShadeCheckBox");
+    QTest::mouseClick(box, Qt::LeftButton, Qt::NoModifier, QPoint(8, box->height() / 2));
+    QVERIFY(layer->getHillShade());
+    QVERIFY(layer->getRefreshCount() > refreshes);
+    // The veil over the middle, and the rim that it leaves clear.
+    QCOMPARE(paintedWhole(*layer).pixel(8, 8), qRgb(0, 0, 0));
+    QCOMPARE(paintedWhole(*layer).pixel(0, 0), qRgb(255, 255, 255));
+    type("azumithSpinBox", "123");
+    QCOMPARE(layer->getAzumith(), 123.0);
+    type("azumithSpinBox", "400"); // the last digit does not fit
+    QCOMPARE(layer->getAzumith(), 40.0);
+    QTest::keyClick(get<QSpinBox>("elevationSpinBox"), Qt::Key_Up);
+    QCOMPARE(layer->getElevation(), 46.0);
+    get<QSpinBox>("azumithSpinBox")->setValue(400);
+    QCOMPARE(layer->getAzumith(), 360.0);
+}
+
+void TestEditingPanels::sunshadeOfOthers()
+{
+    openSunshade();
+    QMdiSubWindow plainWindow;
+    plainWindow.setWidget(new QWidget);
+    QMdiSubWindow mapWindow;
+    mapWindow.setWidget(new Korvane::Map::MapView);
+    sunshade->onSubWindowActivated(&plainWindow);
+    QVERIFY(!sunshade->isEnabled());
+    sunshade->onSubWindowActivated(&mapWindow);
+    QVERIFY(sunshade->isEnabled());
+    sunshade->onSubWindowActivated(nullptr);
+    QVERIFY(!sunshade->isEnabled());
+    sunshade->onLayerActivated(nullptr);
+    sunshade->onSubWindowActivated(&mapWindow);
+    get<QSpinBox>("azumithSpinBox")->setValue(77);
+    QCOMPARE(layer->getAzumith(), 45.0);
+    sunshade->onLayerActivated(layer.get());
+    layer.reset();
+    get<QSpinBox>("azumithSpinBox")->setValue(78);
+}
+
+/// Whether something darker than the background is drawn on any pixel around \a place.
+static bool isDrawn(const QImage &picture, const QPoint &place)
+{
+    for (int y = -1; y <= 1; ++y)
+        for (int x = -1; x <= 1; ++x)
+            if (qRed(picture.pixel(place + QPoint(x, y))) < 215)
+                return true;
+    return false;
+}
+
+void TestEditingPanels::sunshadeRose()
+{
+    SunShadeWidget widget(nullptr);
+    QPalette white;
+    white.setColor(QPalette::Window, Qt::white);
+    widget.setPalette(white);
+    widget.resize(300, 200);
+    const QImage picture = widget.grab().toImage();
+    // The square is 200 wide from x = 50; the outer ring spans 180 from (60, 10), and each further one starts 20 later.
+    // A little above the horizontal line, which crosses them all.
+    const int y = 88;
+    for (int i = 0; i < 5; ++i) {
+        const double radius = 90.0 - 20.0 * i;
+        const double x = 150.0 - std::sqrt(radius * radius - 12.0 * 12.0 * (radius > 12.0 ? 1.0 : 0.0));
+        if (radius > 12.0)
+            QVERIFY2(isDrawn(picture, QPoint(qRound(x), y)), qPrintable(QString::number(i)));
+    }
+    QVERIFY(isDrawn(picture, QPoint(150, 10)));
+    QVERIFY(isDrawn(picture, QPoint(62, 100)) && isDrawn(picture, QPoint(238, 100)));
+    QVERIFY(!isDrawn(picture, QPoint(52, 104)));
+    QVERIFY(!isDrawn(picture, QPoint(70, 92)));
+}
+
+void TestEditingPanels::sunFollowsTheMouse()
+{
+    openSunshade();
+    sunshade->resize(300, 400);
+    SunShadeWidget *rose = nullptr;
+    for (QObject *child : get<QFrame>("hillShadeFrame")->children())
+        rose = rose ? rose : dynamic_cast<SunShadeWidget *>(child);
+    QVERIFY(rose);
+    const QImage sun(QStringLiteral(":/Resources/sun.png"));
+    QCOMPARE(sun.size(), QSize(16, 16));
+    const auto sunIsAt = [&](const QPoint &place) {
+        // The middle of the drawing is opaque.
+        return rose->grab().toImage().pixel(place) == sun.pixel(8, 8);
+    };
+    QVERIFY(sunIsAt(QPoint(0, 0)));
+    QTest::mousePress(rose, Qt::LeftButton, Qt::NoModifier, QPoint(40, 50));
+    QVERIFY(sunIsAt(QPoint(40, 50)));
+    QMouseEvent drag(QEvent::MouseMove, QPointF(60, 30), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(rose, &drag);
+    QVERIFY(sunIsAt(QPoint(60, 30)));
+    QTest::mouseRelease(rose, Qt::LeftButton, Qt::NoModifier, QPoint(10, 10));
+    QVERIFY(sunIsAt(QPoint(60, 30)));
+    QCOMPARE(layer->getAzumith(), 45.0);
+    QCOMPARE(layer->getElevation(), 45.0);
+}
+
+QTEST_MAIN(TestEditingPanels)
+#include "tst_editingpanels.moc"

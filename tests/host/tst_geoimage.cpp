@@ -74,7 +74,6 @@ private Q_SLOTS:
     void tilesMakeTheWhole_data();
     void tilesMakeTheWhole();
     void smoothNeighboursLeaveNoSeam();
-    void interpolatesBetweenCentres();
     void partsOfAPictureEqualTheWhole_data();
     void partsOfAPictureEqualTheWhole();
     void largePicturesHaveNoSeams_data();
@@ -224,19 +223,6 @@ void TestGeoImage::smoothNeighboursLeaveNoSeam()
         expected.fill(grey);
         QVERIFY2(holdsOnly(target, expected, QPoint(1, 0)), qPrintable(QString::number(border)));
     }
-}
-
-void TestGeoImage::interpolatesBetweenCentres()
-{
-    GeoImage image(2, 1, 0, 0, 8, -1, QImage::Format_ARGB32, nullptr);
-    image.setPixel(0, 0, qRgb(0, 0, 0));
-    image.setPixel(1, 0, qRgb(255, 255, 255));
-    QImage target = canvas(QSize(8, 1));
-    paintOn(target, image, true);
-    // The pixels' centres lie at 2 and 6; between them 256 rises by 64 per pixel, outside nothing changes.
-    const int expected[] = {0, 0, 32, 96, 159, 223, 255, 255};
-    for (int x = 0; x < 8; ++x)
-        QVERIFY2(std::abs(qRed(target.pixel(x, 0)) - expected[x]) <= 1, qPrintable(QString::number(x)));
 }
 
 void TestGeoImage::partsOfAPictureEqualTheWhole_data()

@@ -15,7 +15,6 @@
 #include <QGroupBox>
 #include <QMdiSubWindow>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QSettings>
 #include <QSlider>
 #include <QSpinBox>
@@ -66,7 +65,6 @@ private Q_SLOTS:
     void readLineMethod();
     void otherLayers();
     void deletedLayer();
-    void subWindows();
     void draggingShowsTheLastValue();
 
     void sunshadeLoadsWithoutSending();
@@ -386,15 +384,7 @@ void TestEditingPanels::outline()
 void TestEditingPanels::readLineMethod()
 {
     open(colourImage(8, 8));
-    // The buttons are never shown, but are connected as long as they exist, and their slots stay in place.
-    XRVJP2kProperties fresh;
-    fresh.show();
-    QVERIFY(!fresh.findChild<QGroupBox *>(QStringLiteral("groupBoxAdvanced"))->isVisible());
-    fresh.onLayerActivated(layer.get());
-    fresh.findChild<QRadioButton *>(QStringLiteral("readLineBIL"))->click();
-    QVERIFY(!layer->getReadRGBA());
-    fresh.findChild<QRadioButton *>(QStringLiteral("readLineRGBA"))->click();
-    QVERIFY(layer->getReadRGBA());
+    // Never offered, but the slots stay in place.
     const auto choose = [this](int id) {
         QMetaObject::invokeMethod(panel.get(), "on_readLineGroupBox_buttonClicked", Q_ARG(int, id));
         return layer->getReadRGBA();
@@ -436,27 +426,6 @@ void TestEditingPanels::deletedLayer()
     QTest::keyClick(get<QComboBox>("redBandComboBox"), Qt::Key_Down);
     click("resetJp2Quality");
     QVERIFY(!layer);
-}
-
-void TestEditingPanels::subWindows()
-{
-    open(colourImage(8, 8));
-    QMdiSubWindow plainWindow;
-    plainWindow.setWidget(new QWidget);
-    QMdiSubWindow mapWindow;
-    mapWindow.setWidget(new Korvane::Map::MapView);
-    panel->onSubWindowActivated(&mapWindow);
-    QVERIFY(panel->isEnabled());
-    panel->onSubWindowActivated(&plainWindow);
-    QVERIFY(!panel->isEnabled());
-    // The layer is kept meanwhile; a map view does not enable the panel by itself.
-    panel->onSubWindowActivated(&mapWindow);
-    QVERIFY(!panel->isEnabled());
-    panel->onLayerActivated(layer.get());
-    panel->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(panel.get()));
-    panel->onSubWindowActivated(nullptr);
-    QVERIFY(!panel->isEnabled());
 }
 
 void TestEditingPanels::draggingShowsTheLastValue()

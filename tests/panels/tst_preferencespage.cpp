@@ -163,8 +163,6 @@ void TestPreferencesPage::defaultsOfTheMachine()
     QVERIFY(get<QGroupBox>("diskCacheGroupBox")->isChecked());
     QVERIFY(get<QCheckBox>("useOpenProgressive")->isChecked() && get<QCheckBox>("useResilientDecoding")->isChecked());
     QVERIFY(!get<QCheckBox>("useXrvTexture")->isChecked() && !get<QCheckBox>("useBilinearSampling")->isChecked());
-    QVERIFY(!get<QToolButton>("diskCacheButton")->icon().isNull());
-    QVERIFY(!get<QPushButton>("clearDiskCacheButton")->icon().pixmap(16).isNull());
 }
 
 void TestPreferencesPage::nothingIsWrittenBeforeSaving()

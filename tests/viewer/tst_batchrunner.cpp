@@ -21,11 +21,9 @@ private Q_SLOTS:
     void screenshotShowsFirstLayer();
     void screenshotOfExtent();
     void screenshotWaits();
-    void giveUpWithoutPicture();
-    void noPictureOfBrokenLayers();
+    void noPicture_data();
+    void noPicture();
     void failuresDoNotStopTheRest();
-    void noPictureWithoutLayers();
-    void unwritablePicture();
     void describes();
     void windowPicture();
     void projectAsSource();
@@ -103,22 +101,35 @@ void TestBatchRunner::screenshotWaits()
     QCOMPARE(QImage(picture).pixelColor(0, 0), QColor(Qt::red));
 }
 
-void TestBatchRunner::giveUpWithoutPicture()
+void TestBatchRunner::noPicture_data()
 {
-    const QString file = test.quad(QStringLiteral("never.quad"), "QUAD 40 20 0 0 1 never");
-    QCOMPARE(run({QStringLiteral("--screenshot"), picture, file}, 300), 1);
-    QVERIFY2(err.contains("not complete"), err.constData());
-    QVERIFY(!QFile::exists(picture));
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QByteArray>("quad"); // empty: there is no such file
+    QTest::addColumn<QString>("picture");
+    QTest::addColumn<QByteArray>("reason");
+    const auto row = [](const char *name, const char *option, const char *quad, const char *pictureName,
+                        const char *reason) {
+        QTest::newRow(name) << QString::fromLatin1(option) << QByteArray(quad) << QString::fromLatin1(pictureName)
+                            << QByteArray(reason);
+    };
+    row("layer that never ends", "--screenshot", "QUAD 40 20 0 0 1 never", "picture.png", "not complete");
+    row("broken layer", "--screenshot", "QUAD 40 20 0 0 1 broken", "picture.png", "The quad is broken.");
+    row("broken layer in a window", "--window", "QUAD 40 20 0 0 1 broken", "picture.png", "The quad is broken.");
+    row("no layer", "--screenshot", "", "picture.png", "x.quad");
+    row("no layer in a window", "--window", "", "picture.png", "x.quad");
+    row("no place for the picture", "--screenshot", "QUAD 40 20 0 0 1", "no/folder/p.png", "p.png");
 }
 
-void TestBatchRunner::noPictureOfBrokenLayers()
+void TestBatchRunner::noPicture()
 {
-    const QString file = test.quad(QStringLiteral("broken.quad"), "QUAD 40 20 0 0 1 broken");
-    for (const char *option : {"--screenshot", "--window"}) {
-        QCOMPARE(run({QLatin1String(option), picture, file}), 1);
-        QVERIFY2(err.contains("The quad is broken."), err.constData());
-        QVERIFY(!QFile::exists(picture));
-    }
+    QFETCH(QString, option);
+    QFETCH(QByteArray, quad);
+    QFETCH(QByteArray, reason);
+    QFETCH(QString, picture);
+    const QString file = quad.isEmpty() ? test.path(QStringLiteral("x.quad")) : test.quad(QStringLiteral("q"), quad);
+    QCOMPARE(run({option, test.path(picture), file}, quad.endsWith("never") ? 300 : 20000), 1);
+    QVERIFY2(err.contains(reason) && err.count('\n') == 1, err.constData());
+    QVERIFY(!QFile::exists(test.path(picture)));
 }
 
 void TestBatchRunner::failuresDoNotStopTheRest()
@@ -135,24 +146,6 @@ void TestBatchRunner::failuresDoNotStopTheRest()
     QVERIFY(line(1).contains(QStringLiteral("error")));
     QCOMPARE(line(2).value(QStringLiteral("width")).toInt(), 40);
     QVERIFY(!QImage(picture).isNull());
-}
-
-void TestBatchRunner::noPictureWithoutLayers()
-{
-    const QString missing = test.path(QStringLiteral("missing.quad"));
-    QCOMPARE(run({QStringLiteral("--screenshot"), picture, missing}), 1);
-    QCOMPARE(err.count('\n'), 1);
-    QVERIFY(!QFile::exists(picture));
-    QCOMPARE(run({QStringLiteral("--window"), picture, missing}), 1);
-    QVERIFY(!QFile::exists(picture));
-}
-
-void TestBatchRunner::unwritablePicture()
-{
-    const QString file = test.quad(QStringLiteral("a.quad"));
-    QCOMPARE(run({QStringLiteral("--screenshot"), test.path(QStringLiteral("no/folder/p.png")), file}), 1);
-    QCOMPARE(err.count('\n'), 1);
-    QVERIFY2(err.contains("p.png"), err.constData());
 }
 
 void TestBatchRunner::describes()

@@ -18,8 +18,6 @@ private Q_SLOTS:
     void manyBands();
     void opacityIsNotListed();
     void deepBand();
-    void allCellsEqual_data();
-    void allCellsEqual();
 
 private:
     std::unique_ptr<XRVJP2kLayer> open(const jp2maker::Options &options);
@@ -154,35 +152,6 @@ void TestStatisticsPage::deepBand()
     QCOMPARE(textOf(page, "max"), QStringLiteral("65535.0000"));
     QCOMPARE(textOf(page, "mean"), QStringLiteral("32767.5000"));
     QCOMPARE(textOf(page, "histogramText"), QString(QStringLiteral("1,")).repeated(65535) + QStringLiteral("1\n"));
-}
-
-void TestStatisticsPage::allCellsEqual_data()
-{
-    QTest::addColumn<int>("bits");
-    QTest::addColumn<bool>("isSigned");
-    QTest::addColumn<int>("cell");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("nothing but 0") << 8 << false << 0 << QStringLiteral("0.0000");
-    QTest::newRow("12 bits") << 12 << false << 4095 << QStringLiteral("4095.0000");
-    QTest::newRow("signed") << 16 << true << -300 << QStringLiteral("-300.0000");
-}
-
-void TestStatisticsPage::allCellsEqual()
-{
-    QFETCH(int, bits);
-    QFETCH(bool, isSigned);
-    QFETCH(int, cell);
-    QFETCH(QString, text);
-    jp2maker::Options options;
-    options.components = {{bits, isSigned, 1, 1}};
-    options.cell = [cell](int, int, int) { return cell; };
-    const auto layer = open(options);
-    XRVJP2kLayerStatistics page;
-    page.setLayer(layer.get());
-    for (const char *field : {"mode", "median", "mean", "min", "max"})
-        QCOMPARE(textOf(page, field), text);
-    QCOMPARE(textOf(page, "stddev"), QStringLiteral("0.0000"));
-    QVERIFY(textOf(page, "histogramText").contains(QString::number(64 * 64)));
 }
 
 QTEST_MAIN(TestStatisticsPage)

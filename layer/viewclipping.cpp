@@ -11,6 +11,13 @@ namespace {
 /// Cells are counted in doubles' exact whole numbers; what lies beyond is beyond any image.
 constexpr double kMaxCell = 9007199254740992.0; // 2^53
 
+/// The largest pictures: what the SDK takes on either side, and what the system can be asked for altogether. Cells
+/// shown thousands of pixels wide are asked for whole, however little of them the window shows.
+constexpr int kMaxSide = 65535;
+constexpr double kMaxPixels = 1 << 26;
+/// What larger ones are reduced to: they show few cells, which are no better for more pixels.
+constexpr double kReducedPixels = 1 << 24;
+
 /// A whole number from \a cell; 0 for a NaN.
 std::int64_t toCell(double cell)
 {
@@ -29,6 +36,14 @@ std::int64_t pixelOfEdge(double edge, double from, double to, int pixels)
 {
     const double pixel = (edge - from) / (to - from) * pixels + 0.5;
     return std::isfinite(pixel) ? toCell(pixel) : 0;
+}
+
+/// Pixels for \a cells, about \a share of \a pixels: a whole number for each cell where there is more than one.
+int reducedPixels(int pixels, double share, double cells)
+{
+    const double wished = std::clamp(pixels * share, 1.0, double(kMaxSide));
+    const double whole = std::max(1.0, std::round(cells));
+    return static_cast<int>(wished >= whole ? whole * std::floor(wished / whole) : wished);
 }
 
 int toPixelCount(std::int64_t count)
@@ -81,6 +96,16 @@ std::optional<ClippedView> clipView(const ImageGrid &grid, const ClippedView &re
                        topLeft.y(),
                        bottomRight.x(),
                        bottomRight.y()};
+}
+
+QSize decodedSize(const ImageGrid &grid, const ClippedView &view)
+{
+    const double pixels = double(view.width) * view.height;
+    if (pixels <= kMaxPixels && view.width <= kMaxSide && view.height <= kMaxSide)
+        return {view.width, view.height};
+    const double share = std::min(1.0, std::sqrt(kReducedPixels / pixels));
+    return {reducedPixels(view.width, share, std::abs((view.x2 - view.x1) / grid.cellX)),
+            reducedPixels(view.height, share, std::abs((view.y2 - view.y1) / grid.cellY))};
 }
 
 } // namespace Korvane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPointF>
+#include <QSize>
 
 #include <cstdint>
 #include <functional>
@@ -36,5 +37,10 @@ struct ClippedView
 /// Nothing when the two do not meet, when less than a pixel is left, or when the request is no rectangle (not finite,
 /// or without extent).
 std::optional<ClippedView> clipView(const ImageGrid &grid, const ClippedView &requested);
+
+/// The size in pixels to decode \a view in: its own, or where that is more than a picture may have (65,535 either way,
+/// 2^26 altogether) a smaller one with whole pixels for each cell, so that stretched to the view's size every cell lies
+/// where it belongs.
+QSize decodedSize(const ImageGrid &grid, const ClippedView &view);
 
 } // namespace Korvane

@@ -95,7 +95,13 @@ void XRVJP2kLayer::endUpdate()
 
 bool XRVJP2kLayer::readXML(QDomNode &node, QDir &projectFolder, QString *error)
 {
-    return Layer::readXML(node, projectFolder, error);
+    using namespace PluginSettings;
+    const QColor colorOfNewLayers = read(kOutlineColor);
+    const bool isOpen = Layer::readXML(node, projectFolder, error);
+    // What a project says of its layers is no wish for those to come.
+    if (read(kOutlineColor) != colorOfNewLayers)
+        write(kOutlineColor, colorOfNewLayers);
+    return isOpen;
 }
 
 bool XRVJP2kLayer::writeXML(QDomNode &node, QDomDocument &document)
@@ -165,15 +171,33 @@ void XRVJP2kLayer::setPixmapSmoothing(bool on)
     refresh(0, 0, 0, 0);
 }
 
+/// Opens the source that is open anew; false when it stays as it was. The layer may be gone afterwards.
+bool XRVJP2kLayer::switchMode(const QString &source)
+{
+    const QPointer<XRVJP2kLayer> self(this);
+    isSwitchingMode = true;
+    const bool isOpen = setDataSource(source);
+    if (self)
+        isSwitchingMode = false;
+    return isOpen;
+}
+
 void XRVJP2kLayer::setProgressive(bool on)
 {
+    if (opening) {
+        afterOpening.progressive = on;
+        return;
+    }
     if (on == progressive || !renderer)
         return;
     progressive = on;
     const QPointer<XRVJP2kLayer> self(this);
-    setDataSource(viewName());
-    if (self)
-        refreshWithUpdate();
+    const bool isOpen = switchMode(viewName());
+    if (!self)
+        return;
+    if (!isOpen && renderer)
+        progressive = renderer->IsProgressive(); // what is still shown has kept its mode
+    refreshWithUpdate();
 }
 
 void XRVJP2kLayer::setReadRGBA(bool on)
@@ -212,7 +236,11 @@ void XRVJP2kLayer::setOutlineColor(QColor color)
 
 void XRVJP2kLayer::setBackingStore(bool on)
 {
-    backingStore = on;
+    if (opening) {
+        afterOpening.backingStore = on;
+        return;
+    }
+    const bool before = std::exchange(backingStore, on);
     if (!on && backingRenderer) {
         backingRenderer.reset();
     } else {
@@ -220,10 +248,16 @@ void XRVJP2kLayer::setBackingStore(bool on)
         const bool rememberedFreeCache = getFreeCache();
         const QPointer<XRVJP2kLayer> self(this);
         setFreeCache(false);
-        setDataSource(getDataSource());
+        const QString errorBefore = lastError;
+        const bool wasOpen = bool(renderer);
+        switchMode(getDataSource());
         if (!self)
             return;
+        if (!wasOpen && !errorBefore.isEmpty())
+            lastError = errorBefore; // why nothing is open is still the answer
         setFreeCache(rememberedFreeCache);
+        if (isOpeningCancelled())
+            backingStore = before;
     }
     refresh(0, 0, 0, 0);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "viewclipping.h"
+
 #include <QDGui/irasterlayerhistogram.h>
 #include <QDGui/rasterlayer.h>
 #include <xrv60/plktypes.h>
@@ -12,6 +14,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace PLK {
 class CView;
@@ -90,7 +93,8 @@ public:
     ///
     /// A stream that is not there at once is opened with the windows left alive, where Gui::LongTask can: events are
     /// handled within this call, the person may cancel it, which is a failure like others, and the layer may even be
-    /// deleted. Meanwhile it has no image, and refuses further sources.
+    /// deleted. Meanwhile it shows what it showed before, and refuses further sources; views and modes that are asked
+    /// for then are taken up when the source is open. A cancelled opening changes nothing.
     bool setDataSource(QString source) override;
     QIcon getIcon() const override;
     bool isVisible() const override { return visible; }
@@ -207,6 +211,17 @@ private:
         ResampleType resampleType;
     };
 
+    /// What was made of a source.
+    struct Opened;
+
+    /// What is asked for while a stream is opened waits until it is: the last of each kind.
+    struct ChangesOfOpening
+    {
+        std::optional<ClippedView> view; ///< as the map view asked for it
+        std::optional<bool> progressive;
+        std::optional<bool> backingStore;
+    };
+
     void readSettings();
     bool hasBackingRenderer() const { return backingStore && backingRenderer; }
     template <typename Setting> void applyToBothRenderers(Setting setting);
@@ -215,10 +230,14 @@ private:
     bool resolveSource(QString *source);
     CarriedSettings currentSettings() const;
     void applySettings(XRVJP2kRenderer &target, const CarriedSettings &settings) const;
+    void closeRenderers();
     void closeRenderer(std::unique_ptr<XRVJP2kRenderer> &target);
     PLK::CError openRenderer(XRVJP2kRenderer &target, const QString &source, bool progressively,
                              const CarriedSettings *carried);
-    bool openBackingRenderer(const QString &source, const CarriedSettings *carried);
+    Opened openRenderers(const QString &source, const CarriedSettings *carried);
+    bool takeOver(const QString &source, Opened opened, std::unique_ptr<CarriedSettings> carried);
+    void applyChangesOfOpening();
+    bool switchMode(const QString &source);
     void restoreSettings(const CarriedSettings &settings);
     void applyFirstSettings();
     void requestLastViewAfterOpening();
@@ -258,6 +277,8 @@ private:
     std::unique_ptr<XRVJP2kRenderer> renderer;
     std::unique_ptr<XRVJP2kRenderer> backingRenderer;
     std::unique_ptr<PLK::COpenControl> opening; // of the stream that is being opened
+    ChangesOfOpening afterOpening;
+    bool isSwitchingMode = false; // the source that is open is being opened in another mode
     QString lastError;
     QString sizeGigaPixel;
     QString sizeOnDisk;

@@ -13,6 +13,8 @@
 #include <QFileInfo>
 #include <QPointer>
 
+#include <utility>
+
 namespace Korvane {
 
 namespace {
@@ -30,6 +32,12 @@ Gui::LongTask::Progress progressOf(const PLK::COpenControl &control)
 }
 
 } // namespace
+
+struct XRVJP2kLayer::Opened
+{
+    PLK::CError error, backingError;
+    std::unique_ptr<XRVJP2kRenderer> renderer, backingRenderer;
+};
 
 QString XRVJP2kLayer::viewName() const
 {
@@ -57,26 +65,41 @@ bool XRVJP2kLayer::setDataSource(QString source)
     if (renderer) {
         carried = std::make_unique<CarriedSettings>(currentSettings());
         pixmapSmoothing = carried->resampleType == Bilinear;
-        closeRenderer(renderer);
     }
-    if (hasBackingRenderer())
-        closeRenderer(backingRenderer);
+    // While a stream is opened events are handled, and whoever looks at the layer then finds it as it was. So does who
+    // only asked for another mode, if it cannot be had.
+    if (!isStreamAddress(source) && !isSwitchingMode)
+        closeRenderers();
 
-    // Opening a stream handles events. Whoever calls the layer from there finds it without a renderer, like a fresh
-    // one; nobody else sees the new renderers before they are open, and the layer may be gone then.
-    const QPointer<XRVJP2kLayer> self(this);
-    auto opened = std::make_unique<XRVJP2kRenderer>(this);
-    const PLK::CError error = openRenderer(*opened, source, progressive, carried.get());
+    const QPointer<XRVJP2kLayer> self(this); // it may be gone after an opening
+    Opened opened = openRenderers(source, carried.get());
     if (!self)
         return false;
-    if (error)
-        return failOpening(error);
-    const bool isBacked = !backingStore || openBackingRenderer(source, carried.get());
-    if (!self)
+    const bool isOpen = takeOver(source, std::move(opened), std::move(carried));
+    applyChangesOfOpening();
+    return isOpen;
+}
+
+/// What was opened takes the place of what was shown before. A cancelled opening leaves everything as it was, and so
+/// does one of the same source in another mode. Without a backing renderer that should be there, the main one is open
+/// and all else as it was.
+bool XRVJP2kLayer::takeOver(const QString &source, Opened opened, std::unique_ptr<CarriedSettings> carried)
+{
+    const auto isCancelled = [](const PLK::CError &error) { return error.GetErrorNumber() == PLK_ERR_CANCELLED; };
+    const bool cancelled = isCancelled(opened.error) || isCancelled(opened.backingError);
+    if (renderer && (cancelled || (isSwitchingMode && opened.error))) {
+        lastError = tr((opened.error ? opened.error : opened.backingError).GetErrorMessage());
         return false;
-    renderer = std::move(opened);
-    if (!isBacked)
+    }
+    if (renderer)
+        *carried = currentSettings(); // they may have been changed meanwhile
+    closeRenderers();
+    if (opened.error || cancelled)
+        return failOpening(opened.error ? opened.error : opened.backingError);
+    renderer = std::move(opened.renderer);
+    if (opened.backingError)
         return false;
+    backingRenderer = std::move(opened.backingRenderer);
     if (carried)
         restoreSettings(*carried);
     else
@@ -87,6 +110,20 @@ bool XRVJP2kLayer::setDataSource(QString source)
     valid = true;
     lastError.clear();
     return true;
+}
+
+/// What was asked for while a stream was opened, and had to wait.
+void XRVJP2kLayer::applyChangesOfOpening()
+{
+    const ChangesOfOpening changes = std::exchange(afterOpening, {});
+    if (changes.view)
+        setView(changes.view->width, changes.view->height, changes.view->x1, changes.view->y1, changes.view->x2,
+                changes.view->y2);
+    const QPointer<XRVJP2kLayer> self(this);
+    if (changes.progressive)
+        setProgressive(*changes.progressive);
+    if (self && changes.backingStore && *changes.backingStore != backingStore)
+        setBackingStore(*changes.backingStore);
 }
 
 /// Replaces a ".url" file by the address in it. False, with the last error set, for sources that are refused unopened.
@@ -111,6 +148,13 @@ bool XRVJP2kLayer::resolveSource(QString *source)
         return false;
     }
     return true;
+}
+
+void XRVJP2kLayer::closeRenderers()
+{
+    closeRenderer(renderer);
+    if (hasBackingRenderer())
+        closeRenderer(backingRenderer);
 }
 
 void XRVJP2kLayer::closeRenderer(std::unique_ptr<XRVJP2kRenderer> &target)
@@ -167,14 +211,18 @@ PLK::CError XRVJP2kLayer::openRenderer(XRVJP2kRenderer &target, const QString &s
     return error;
 }
 
-bool XRVJP2kLayer::openBackingRenderer(const QString &source, const CarriedSettings *carried)
+/// The layer may be gone afterwards.
+XRVJP2kLayer::Opened XRVJP2kLayer::openRenderers(const QString &source, const CarriedSettings *carried)
 {
     const QPointer<XRVJP2kLayer> self(this);
-    auto opened = std::make_unique<XRVJP2kRenderer>(this);
-    if (openRenderer(*opened, source, false, carried) || !self)
-        return false;
-    backingRenderer = std::move(opened);
-    return true;
+    Opened opened;
+    opened.renderer = std::make_unique<XRVJP2kRenderer>(this);
+    opened.error = openRenderer(*opened.renderer, source, progressive, carried);
+    if (!self || opened.error || !backingStore)
+        return opened;
+    opened.backingRenderer = std::make_unique<XRVJP2kRenderer>(this);
+    opened.backingError = openRenderer(*opened.backingRenderer, source, false, carried);
+    return opened;
 }
 
 XRVJP2kLayer::CarriedSettings XRVJP2kLayer::currentSettings() const

@@ -14,6 +14,19 @@ namespace {
 
 constexpr qint64 kReconnectIntervalMs = 20000;
 
+/// Of an open image.
+ImageGrid gridOf(const PLK::CView &view)
+{
+    const PLKFileInfo &info = *view.GetFileInfo();
+    const auto cellToWorld = [&view](double column, double row) {
+        QPointF world;
+        view.ConvertDatasetToWorld(column, row, &world.rx(), &world.ry());
+        return world;
+    };
+    return {info.nSizeX,   info.nSizeY,   info.fCellIncrementX, info.fCellIncrementY,
+            info.fOriginX, info.fOriginY, cellToWorld};
+}
+
 } // namespace
 
 QRectF XRVJP2kLayer::getBounds() const
@@ -32,17 +45,9 @@ signed char XRVJP2kLayer::getPercentComplete() const
 
 bool XRVJP2kLayer::calculateClippedCoords(int width, int height, double x1, double y1, double x2, double y2)
 {
-    const PLKFileInfo *info = renderer->GetFileInfo();
-    if (!info)
+    if (!renderer->GetFileInfo())
         return false;
-    const auto cellToWorld = [this](double column, double row) {
-        QPointF world;
-        renderer->ConvertDatasetToWorld(column, row, &world.rx(), &world.ry());
-        return world;
-    };
-    const ImageGrid grid{info->nSizeX,   info->nSizeY, info->fCellIncrementX, info->fCellIncrementY, info->fOriginX,
-                         info->fOriginY, cellToWorld};
-    const std::optional<ClippedView> clipped = clipView(grid, {width, height, x1, y1, x2, y2});
+    const std::optional<ClippedView> clipped = clipView(gridOf(*renderer), {width, height, x1, y1, x2, y2});
     if (!clipped)
         return false;
     lastViewX1 = clipped->x1;
@@ -56,12 +61,18 @@ bool XRVJP2kLayer::calculateClippedCoords(int width, int height, double x1, doub
 
 PLK::CError XRVJP2kLayer::requestView(XRVJP2kRenderer &target, int width, int height) const
 {
-    return target.SetView(bandList.size(), bandList.constData(), width, height, lastViewX1, lastViewY1, lastViewX2,
-                          lastViewY2);
+    QSize size(width, height);
+    if (target.GetFileInfo())
+        size = decodedSize(gridOf(target), {width, height, lastViewX1, lastViewY1, lastViewX2, lastViewY2});
+    return target.SetView(bandList.size(), bandList.constData(), size.width(), size.height(), lastViewX1, lastViewY1,
+                          lastViewX2, lastViewY2);
 }
 
 void XRVJP2kLayer::setView(int width, int height, double x1, double y1, double x2, double y2)
 {
+    // Whatever becomes of it now, what is being opened has not seen it, and the map will not ask again.
+    if (opening)
+        afterOpening.view = ClippedView{width, height, x1, y1, x2, y2};
     // While the map moves it waits for every blocking view: a quarter of the cells keeps it moving.
     if (updating && !progressive && adaptiveRoam) {
         width = static_cast<int>(width * 0.5);

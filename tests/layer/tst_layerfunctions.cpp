@@ -55,6 +55,8 @@ private Q_SLOTS:
     void clips();
     void refuses_data();
     void refuses();
+    void hugePictures_data();
+    void hugePictures();
 
 private:
     TestFolder folder;
@@ -247,6 +249,24 @@ void TestLayerFunctions::refuses()
     QFETCH(ImageGrid, grid);
     QFETCH(ClippedView, requested);
     QVERIFY(!clipView(grid, requested).has_value());
+}
+
+void TestLayerFunctions::hugePictures_data()
+{
+    QTest::addColumn<ClippedView>("view");
+    QTest::addColumn<QSize>("expected");
+    QTest::newRow("the largest") << ClippedView{8192, 8192, 0, 0, 2, -2} << QSize(8192, 8192);
+    QTest::newRow("four cells, 4,100 pixels each") << ClippedView{8200, 8200, 0, 0, 2, -2} << QSize(4096, 4096);
+    QTest::newRow("three cells across") << ClippedView{12300, 8200, 0, 0, 3, -2} << QSize(5016, 3344);
+    QTest::newRow("one side is too long") << ClippedView{65537, 10, 0, 0, 3, -1} << QSize(65535, 10);
+    QTest::newRow("millions of pixels a cell") << ClippedView{2147483647, 2147483647, 0, 0, 1, -1} << QSize(4096, 4096);
+    QTest::newRow("more cells than pixels") << ClippedView{20000, 20000, 0, 0, 10000, -10000} << QSize(4096, 4096);
+}
+
+void TestLayerFunctions::hugePictures()
+{
+    QFETCH(ClippedView, view);
+    QTEST(decodedSize(kPlain, view), "expected");
 }
 
 QTEST_GUILESS_MAIN(TestLayerFunctions)

@@ -28,10 +28,12 @@ private Q_SLOTS:
     void cleanup();
 
     void wholeFileShowsItsBytes();
-    void cancelledIsFailed_data();
-    void cancelledIsFailed();
+    void cancelledChangesNothing_data();
+    void cancelledChangesNothing();
     void cancelledBackingStore();
-    void asksForNothingElseMeanwhile();
+    void askedForMeanwhile();
+    void modeSwitch_data();
+    void modeSwitch();
     void deletedMeanwhile_data();
     void deletedMeanwhile();
     void reconnecting_data();
@@ -177,7 +179,7 @@ void TestLayerOpening::wholeFileShowsItsBytes()
     QVERIFY(layer.isValid() && !QApplication::activeModalWidget());
 }
 
-void TestLayerOpening::cancelledIsFailed_data()
+void TestLayerOpening::cancelledChangesNothing_data()
 {
     QTest::addColumn<int>("bits");
     QTest::addColumn<int>("answers");
@@ -188,7 +190,7 @@ void TestLayerOpening::cancelledIsFailed_data()
     QTest::newRow("silent when cells are stretched as before") << 8 << kOpeningRequests << 90;
 }
 
-void TestLayerOpening::cancelledIsFailed()
+void TestLayerOpening::cancelledChangesNothing()
 {
     QFETCH(int, bits);
     QFETCH(int, answers);
@@ -208,13 +210,10 @@ void TestLayerOpening::cancelledIsFailed()
     QCOMPARE(watch.shown, 1);
     QVERIFY2(sinceCancel.elapsed() < 200, qPrintable(QString::number(sinceCancel.elapsed())));
     QCOMPARE(layer->getLastError(), QStringLiteral("The opening was cancelled."));
-    QVERIFY(!layer->isValid());
-    QVERIFY(!layer->getFile() && !backingOf(*layer));
-    QVERIFY(layer->getBandList().isEmpty());
-
-    QVERIFY(layer->setDataSource(local));
+    QVERIFY(layer->isValid() && backingOf(*layer));
+    QCOMPARE(layer->getSize(), QSize(64, 48));
+    QCOMPARE(layer->getTransformClip(), clip);
     QCOMPARE(layer->getBandList(), QVector<int>({0, 1, 2}));
-    QCOMPARE(layer->getLastError(), QString());
 }
 
 void TestLayerOpening::cancelledBackingStore()
@@ -225,14 +224,12 @@ void TestLayerOpening::cancelledBackingStore()
     XRVJP2kLayer layer(nullptr);
     QVERIFY(!layer.setDataSource(address("/backed.jp2")));
     QCOMPARE(watch.shown, 1);
-    // The main renderer stays open, and the rest as it was.
-    QVERIFY(layer.getFile() && !backingOf(layer));
+    QVERIFY(!layer.getFile() && !backingOf(layer));
     QVERIFY(!layer.isValid());
-    QCOMPARE(layer.getLastError(), QString());
-    QVERIFY(layer.getBandList().isEmpty());
+    QCOMPARE(layer.getLastError(), QStringLiteral("The opening was cancelled."));
 }
 
-void TestLayerOpening::asksForNothingElseMeanwhile()
+void TestLayerOpening::askedForMeanwhile()
 {
     const QString local = folder->makeImage(QStringLiteral("local.jp2"), colourImage(64, 48));
     serve(slow(byteImage()));
@@ -240,23 +237,66 @@ void TestLayerOpening::asksForNothingElseMeanwhile()
     QVERIFY(layer.setDataSource(local));
     viewWhole(layer);
     const Dialogs watch([&](QDialog &) {
-        QVERIFY(!layer.getFile());
+        if (layer.getSize() != QSize(64, 48))
+            return; // the other mode is opened
         QVERIFY(!layer.setDataSource(local));
         QCOMPARE(layer.getLastError(), QStringLiteral("Another source is being opened."));
-        layer.setProgressive(false);
         layer.setTransformClip(50);
         viewWhole(layer);
-        paintedWhole(layer);
-        // Where the store was off, as here, this opens again.
-        layer.setBackingStore(false);
+        QVERIFY(paintedWhole(layer).pixel(20, 20) != QColor(Qt::white).rgb());
+        layer.setProgressive(true);
+        layer.setProgressive(false);
     });
     QVERIFY2(layer.setDataSource(address()), qPrintable(layer.getLastError()));
-    QCOMPARE(watch.shown, 1);
-    QVERIFY(layer.isValid());
-    QCOMPARE(layer.getLastError(), QString());
+    QCOMPARE(watch.shown, 2);
     QCOMPARE(layer.getSize(), QSize(700, 700));
-    QCOMPARE(layer.getTransformClip(), 100);
-    QVERIFY(layer.getFile()->IsProgressive());
+    QCOMPARE(layer.getTransformClip(), 50);
+    QVERIFY(!layer.getProgressive() && !layer.getFile()->IsProgressive());
+}
+
+void TestLayerOpening::modeSwitch_data()
+{
+    QTest::addColumn<bool>("toProgressive");
+    QTest::addColumn<QString>("outcome");
+    for (const bool toProgressive : {true, false})
+        for (const char *outcome : {"opened", "cancelled", "failed"})
+            QTest::addRow("%s, %s", toProgressive ? "to progressive" : "to blocking", outcome)
+                << toProgressive << outcome;
+}
+
+void TestLayerOpening::modeSwitch()
+{
+    QFETCH(bool, toProgressive);
+    QFETCH(QString, outcome);
+    TestFolder::setSetting("OpenProgressive", !toProgressive);
+    serve(byteImage().handler());
+    const auto layer = openLayer(address("/switched.jp2"));
+    layer->setView(400, 400, 0, 0, 400, -400);
+    serve(outcome == QLatin1String("failed") ? [](const Request &, const Connection &connection) {
+        connection.linger(kSlownessMs);
+        return connection.send("HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");
+    } : slow(byteImage()));
+
+    const QRectF bounds = layer->getBounds();
+    const Dialogs watch([&](QDialog &dialog) {
+        QCOMPARE(layer->getBounds(), bounds);
+        layer->setView(700, 500, 0, 0, 700, -500); // moved and resized
+        if (outcome == QLatin1String("cancelled"))
+            cancel(dialog);
+    });
+    layer->setProgressive(toProgressive);
+    QCOMPARE(watch.shown, 1);
+    const bool isSwitched = outcome == QLatin1String("opened");
+    QVERIFY(layer->isValid());
+    QCOMPARE(layer->getProgressive(), isSwitched == toProgressive);
+    QCOMPARE(layer->getFile()->IsProgressive(), isSwitched == toProgressive);
+    const PLKSetViewInfo view = layer->getFile()->GetSetViewInfo();
+    QCOMPARE(QSize(int(view.nSizeX), int(view.nSizeY)), QSize(700, 500));
+    if (isSwitched) {
+        QTRY_COMPARE_WITH_TIMEOUT(int(layer->getPercentComplete()), toProgressive ? 100 : 0, 20000);
+        const QImage picture = paintedWhole(*layer);
+        QVERIFY(picture.pixel(650, 450) != QColor(Qt::white).rgb());
+    }
 }
 
 void TestLayerOpening::deletedMeanwhile_data()

@@ -1,6 +1,9 @@
 #include "data/syntheticimage.h"
 #include "sdk/hostile/attempt.h"
 
+#include "io/memorysource.h"
+#include "xrv/xrvstructure.h"
+
 #include <xrv60/plkinit.h>
 
 #include <QDir>
@@ -122,14 +125,18 @@ void TestXrvDamage::laterMinorVersionsAreRead()
 void TestXrvDamage::recordsThatThePictureCanDoWithout_data()
 {
     QTest::addColumn<QByteArray>("box");
-    for (const char *box : {"toc ", "band", "jp2h", "auth", "rpc ", "uuid", "stat", "xml ", "pidx"})
-        QTest::newRow(box) << QByteArray(box);
+    QTest::addColumn<QByteArray>("words"); // of the warning that its content is damaged
+    for (const char *box : {"toc ", "jp2h", "auth", "uuid", "stat", "xml ", "pidx"})
+        QTest::newRow(box) << QByteArray(box) << QByteArray();
+    QTest::newRow("band") << QByteArray("band") << QByteArray("descriptions of the bands");
+    QTest::newRow("rpc ") << QByteArray("rpc ") << QByteArray("RPC coefficients are damaged");
 }
 
 /// Without the box, and with its content gone bad.
 void TestXrvDamage::recordsThatThePictureCanDoWithout()
 {
     QFETCH(QByteArray, box);
+    QFETCH(QByteArray, words);
     const int place = box == "toc " ? 24 : placeOf(box.constData());
     QVERIFY(place > 0);
     QByteArray missing = good, bad = good;
@@ -146,6 +153,12 @@ void TestXrvDamage::recordsThatThePictureCanDoWithout()
         QCOMPARE(statistics->nBands, 3u);
         PLKFreeStatistics(statistics);
     }
+    MemorySource source(Bytes(bad.begin(), bad.end()));
+    XrvStructure structure;
+    std::vector<std::string> warnings;
+    QVERIFY(readXrvStructure(source, &structure, &warnings).IsSuccess());
+    const auto tells = [&words](const std::string &warning) { return QByteArray(warning.c_str()).contains(words); };
+    QVERIFY(words.isEmpty() || std::any_of(warnings.begin(), warnings.end(), tells));
 }
 
 void TestXrvDamage::cuts()

@@ -160,7 +160,7 @@ void TestLayerSettings::backingRendererFollows()
     TestFolder::setSetting("UseBackingstore", true);
     const auto layer = openLayer(image());
     const XRVJP2kRenderer *backing = backingOf(*layer);
-    QVERIFY(!backing->IsProgressive());
+    QVERIFY(backing && !backing->IsProgressive());
     layer->setTransparency(0.25);
     layer->setContrast(0.5);
     layer->setBrightness(0.75);

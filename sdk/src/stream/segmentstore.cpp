@@ -33,7 +33,8 @@ std::uint64_t SegmentStore::fileNumber(const std::string &identity)
     return it->second;
 }
 
-/// Calls \a visitor with every segment that shares bytes with \a range, in file order.
+/// Calls \a visitor with every segment that shares bytes with \a range, in file order, and makes it the newest of its
+/// list. The visitor may pin it: only afterwards is it known which list that is.
 template <typename Visit> void SegmentStore::visit(std::uint64_t file, const ByteRange &range, Visit visitor)
 {
     const auto found = files.find(file);
@@ -53,6 +54,7 @@ void SegmentStore::put(std::uint64_t file, std::uint64_t offset, const std::uint
                        std::uint64_t pin)
 {
     const std::lock_guard<std::mutex> lock(mutex);
+    // Segments never overlap: of what comes twice, the bytes that are here already stay. They are of the same version.
     ByteRangeSet lacking({ByteRange{offset, length}});
     visit(file, {offset, length}, [&](std::uint64_t from, Segment &segment) {
         lacking.remove(ByteRange{from, segment.bytes.size()});
@@ -79,6 +81,8 @@ void SegmentStore::insert(Segments &segments, std::uint64_t file, const ByteRang
     }
 }
 
+/// Segments with a pin stand in a list of their own: what was fetched ahead for one view must not drive out itself
+/// before it is read. Splicing leaves the iterators valid that the segments hold.
 void SegmentStore::setPin(Segment &segment, std::uint64_t pin)
 {
     const std::uint64_t size = segment.bytes.size();
@@ -95,7 +99,7 @@ void SegmentStore::setPin(Segment &segment, std::uint64_t pin)
 void SegmentStore::collect(std::uint64_t file, RangeAssembly *assembly)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    const std::vector<ByteRange> wanted = assembly->lacking().ranges();
+    const std::vector<ByteRange> wanted = assembly->lacking().ranges(); // a copy: what is added goes from the original
     for (const ByteRange &range : wanted)
         visit(file, range, [&](std::uint64_t offset, const Segment &segment) {
             const std::uint64_t from = std::max(offset, range.offset);
@@ -125,11 +129,13 @@ void SegmentStore::release(std::uint64_t file, std::uint64_t pin)
     if (found == files.end())
         return;
     for (auto &[offset, segment] : found->second)
-        if (segment.pin == pin)
+        if (segment.pin == pin) // what was pinned anew since then stays
             setPin(segment, 0);
     evict();
 }
 
+/// Pinned bytes count within the budget too, so that they leave less room for the others, and have a ceiling of their
+/// own: a single view may want more than there is memory for.
 void SegmentStore::evict()
 {
     while (used > budget && !uses.empty())

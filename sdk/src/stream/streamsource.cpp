@@ -56,7 +56,8 @@ private:
 
 } // namespace
 
-/// Bytes that one thread fetches and the others wait for. Ends with this object.
+/// Bytes that one thread fetches and the others wait for. Ends with this object. Views and their threads
+/// often want the same stretches at once; without claims each would ask the server for them.
 class StreamSource::Claim
 {
 public:
@@ -114,7 +115,8 @@ CError StreamSource::open(StreamAddress address, const StreamOptions &options, s
     return {};
 }
 
-/// The version whose first bytes are on disk, so that nothing but its validity need be asked for.
+/// The version whose first bytes are on disk, so that nothing but its validity need be asked for. Without these bytes
+/// it is of no use: a 304 carries none (RFC 9110 15.4.5), and opening would take a second request.
 FileVersion StreamSource::cachedVersion()
 {
     cached = cache.latest(printableAddress);
@@ -134,6 +136,8 @@ CError StreamSource::connect()
     };
     if (CError error = fetcher.open(known, watch->cancel, take, &version))
         return error;
+    // Where the server gives neither tag nor date, nothing tells that a later visit finds the same file: what came is
+    // kept for this source alone, and not on disk.
     if (!version.isTellable())
         uniqueMark = '|' + std::to_string(nextNumber());
     if (!cached || cached->version().text() != version.text() || !version.isTellable())
@@ -180,7 +184,7 @@ CError StreamSource::notOnDisk() const
                                    "\" gives files as a whole only, and the stream cache does not take this one."};
 }
 
-/// Gives \a assembly what is at hand of what it lacks.
+/// Gives \a assembly what is at hand of what it lacks: of the whole file, else from memory, else from disk.
 void StreamSource::collectHere(RangeAssembly *assembly, const RangeFetcher::Sink &take) const
 {
     if (const std::shared_ptr<const Bytes> all = wholeFile()) {
@@ -241,6 +245,7 @@ void StreamSource::setCondition(const CError &error)
         return;
     {
         const std::lock_guard<std::mutex> lock(mutex);
+        // Logged once. A file that changed stays so, whatever happens to the connection later.
         if (trouble.GetErrorNumber() == code || trouble.GetErrorNumber() == PLK_ERR_FILE_CHANGED)
             return;
         trouble = error;
@@ -286,6 +291,8 @@ CError StreamSource::read(const std::vector<ByteRange> &ranges, const CancelFlag
         const RangeFetcher::Sink take = [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
             assembly.add(offset, data, length);
         };
+        // What is at hand can be read while the connection is lost, but not after the file changed: the rest would be
+        // of another version. What others fetch is waited for and looked up again, as they may fail or be cancelled.
         for (;;) {
             const CError state = condition();
             if (state.GetErrorNumber() == PLK_ERR_FILE_CHANGED)
@@ -316,6 +323,8 @@ CError StreamSource::prefetch(const std::vector<ByteRange> &ranges, const Cancel
         return error;
     if (wholeFile())
         return {};
+    // What is fetched ahead stays in memory until the next prefetch of this source has its own, so that what both want
+    // is never let go in between.
     const std::uint64_t pin = nextNumber();
     std::uint64_t oldPin = pin;
     {

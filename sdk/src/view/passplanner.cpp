@@ -34,6 +34,7 @@ Pass PassPlanner::pass(int level, ReadCost *cost) const
 
 std::vector<Pass> PassPlanner::plan()
 {
+    // A view that is soon complete is best shown at once: a coarse pass before it would only flicker.
     const Pass last = pass(levels.front(), &costOfFinal);
     const bool isCached = costOfFinal.blocksCached >= costOfFinal.blocks;
     if (isCached || last.expected <= kSinglePass || levels.size() == 1)
@@ -53,6 +54,9 @@ std::vector<Pass> PassPlanner::plan()
 /// The first pass and all levels between it and the final one, coarse to fine.
 std::vector<Pass> PassPlanner::coarsePasses() const
 {
+    // Coarser is cheaper as a rule, but not always: cells of a finer level may be in the cache already, and levels
+    // beyond the codestream's own are averaged from the last of these. So the search ends at the first level that is
+    // sure to be in time, and goes back to the cheapest one where none is.
     std::vector<Pass> passes; // fine to coarse
     std::size_t cheapest = 0;
     for (auto level = levels.begin() + 1; level != levels.end(); ++level) {

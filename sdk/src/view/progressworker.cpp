@@ -30,7 +30,7 @@ void ProgressWorker::stop()
         const std::lock_guard<std::mutex> lock(mutex);
         stopping = true;
         waiting.reset();
-        ending = std::move(thread);
+        ending = std::move(thread); // joined without the lock, which run() takes
         changed.notify_one();
     }
     if (ending.joinable())
@@ -51,7 +51,7 @@ void ProgressWorker::run()
         if (stopping)
             return;
         const RequestPtr request = std::move(waiting);
-        lock.unlock();
+        lock.unlock(); // submit() must get through while the work is done
         work(request);
         lock.lock();
     }

@@ -46,6 +46,9 @@ ViewEngine::~ViewEngine()
     stop();
 }
 
+/// Never waits for a callback or a decode: the caller may hold the very lock that the callback in flight is waiting
+/// for. The new view takes the place of the old one under the engine's own lock, which nobody holds for longer than it
+/// takes to swap pointers; levels, tables and keys are worked out before.
 void ViewEngine::setView(ViewRequest newRequest)
 {
     // Callers drive a view from one thread, so that nobody else counts generations.
@@ -54,6 +57,7 @@ void ViewEngine::setView(ViewRequest newRequest)
     newRequest.components = source.bandMap->componentsFor(newRequest.bands);
     const auto request = std::make_shared<const ViewRequest>(std::move(newRequest));
     const int level = finalLevelOf(source, *request);
+    // The same cells as before, for other transforms or another method: nothing need be decoded.
     const StripPtr atHand = stripAtHand();
     const bool isAtHand = atHand && atHand->key == cellKey(source, *request, level);
     const auto picture = progressive ? nullptr : std::make_shared<Picture>(source, request, level, atHand);
@@ -64,6 +68,8 @@ void ViewEngine::setView(ViewRequest newRequest)
         if (newest)
             CancelFlag(newest->cancel).raise();
         newest = request;
+        // A progressive view leaves the picture of the old one in place until its own first pass: lines that are read
+        // from it turn into "cancelled", because its flag is up.
         if (!progressive) {
             current = picture;
             currentIsFinal = true;
@@ -74,6 +80,7 @@ void ViewEngine::setView(ViewRequest newRequest)
         if (isAtHand && !progressive)
             progress.finish();
     }
+    // A still newer view drops this request before its turn.
     if (progressive || (request->blockingTimeMs > 0 && !isAtHand))
         worker.submit(request);
     if (!progressive && request->blockingTimeMs > 0 && !isAtHand)
@@ -91,6 +98,7 @@ void ViewEngine::restart()
         setView(*request);
 }
 
+/// Only a blocking view waits here, and that has no callbacks which could want a lock of the caller.
 void ViewEngine::waitForLines(const ViewRequest &request)
 {
     std::unique_lock<std::mutex> lock(mutex);
@@ -105,6 +113,7 @@ void ViewEngine::prepareBlocking(const RequestPtr &request)
         const std::lock_guard<std::mutex> lock(mutex);
         picture = current;
     }
+    // It may be that of a newer view already, whose turn comes next.
     if (&picture->request() == request.get())
         picture->prepare(); // whoever reads its lines is told of a failure
     const std::lock_guard<std::mutex> lock(mutex);
@@ -119,6 +128,8 @@ void ViewEngine::cancelReads()
         CancelFlag(newest->cancel).raise();
 }
 
+/// From now on no request is taken on. The flag ends the decode in progress; a callback in flight is waited for,
+/// which is why this must not be called with a lock that it takes.
 void ViewEngine::stop()
 {
     {
@@ -142,7 +153,8 @@ PLKReadStatus ViewEngine::readLine(const LineTarget &target)
         picture = current;
     }
     if (!picture)
-        return PLK_READ_CANCELLED;
+        return PLK_READ_CANCELLED; // no pass of any view yet
+    // Without the lock: a line may have to be decoded first, and setting a view must not wait for that.
     PLK::CError error;
     const PLKReadStatus status = picture->readLine(target, &error);
     if (status == PLK_READ_SUCCESS)
@@ -157,6 +169,7 @@ void ViewEngine::noteLine(const Picture &picture)
     const int lines = picture.linesRead(), height = picture.request().height;
     const StripPtr strip = picture.strip();
     const std::lock_guard<std::mutex> lock(mutex);
+    // A line of a view that was replaced meanwhile, or of a coarse pass, says nothing about how far this view is.
     if (picture.request().cancel.isRaised() || current.get() != &picture || !currentIsFinal)
         return;
     if (strip && strip->isWhole())
@@ -202,6 +215,7 @@ PLKSetViewInfo ViewEngine::infoOf(const ViewRequest &request) const
 bool ViewEngine::isCancelPending() const
 {
     const std::lock_guard<std::mutex> lock(mutex);
+    // Inside a callback the question is whether its own pass still counts, whatever was set since.
     if (callbackThread == std::this_thread::get_id() && current)
         return current->request().cancel.isRaised();
     return newest && newest->cancel.isRaised();
@@ -251,7 +265,7 @@ void ViewEngine::decodePasses(const RequestPtr &request)
     for (const Pass &pass : passes) {
         const bool isFinal = &pass == &passes.back();
         done += pass.expected;
-        if (!isFinal && comesTooSoon(pass, *request))
+        if (!isFinal && comesTooSoon(pass, *request)) // the final pass is never left out
             continue;
         PLK::CError error;
         const std::shared_ptr<Picture> picture = prepare(request, pass, &error);
@@ -274,6 +288,7 @@ std::vector<Pass> ViewEngine::planPasses(const RequestPtr &request, int finalLev
     ReadRequest read = readRequest(source, *request, finalLevel, 0, request->height);
     if (read.datasetRect.isEmpty() || (atHand && atHand->key == cellKey(source, *request, finalLevel)))
         return {{finalLevel, 0.0, 0.0}};
+    // All levels are asked for the same rectangle, so that their costs can be compared.
     std::vector<int> levels{finalLevel};
     for (int level = finalLevel + 1; level < usableLevels(source); ++level)
         if (isLevelUsable(source.reader->info(), request->components, level))
@@ -294,11 +309,13 @@ std::shared_ptr<Picture> ViewEngine::prepare(const RequestPtr &request, const Pa
     auto picture = std::make_shared<Picture>(source, request, pass.level, stripAtHand());
     *error = picture->prepare();
     const StripPtr strip = picture->strip();
-    if (!*error && strip && strip->isWhole())
+    if (!*error && strip && strip->isWhole()) // the estimate is of the whole view: one strip of many tells nothing
         rate.learn(pass.estimated, millisecondsSince(start));
     return picture;
 }
 
+/// It would be ready before the caller wants to be called again. Better than to make it and wait: the time goes to the
+/// passes that follow.
 bool ViewEngine::comesTooSoon(const Pass &pass, const ViewRequest &request) const
 {
     if (request.refreshTimeMs == 0 || lastCallback == Clock::time_point{})
@@ -306,7 +323,9 @@ bool ViewEngine::comesTooSoon(const Pass &pass, const ViewRequest &request) cons
     return millisecondsSince(lastCallback) + pass.expected < request.refreshTimeMs;
 }
 
-/// Announces \a picture and goes on unless the view has ended.
+/// Announces \a picture and goes on unless the view has ended. The flag is looked at under the lock under which
+/// setView() raises it: once that has returned, no older pass becomes the current picture. One that already is may
+/// still be told of, without a lock of ours, and its lines turn into "cancelled".
 bool ViewEngine::deliver(const std::shared_ptr<Picture> &picture, bool isFinal)
 {
     const StripPtr strip = picture->strip();
@@ -342,8 +361,8 @@ bool ViewEngine::announce(const std::shared_ptr<Picture> &picture)
     } catch (...) {
         // The caller's failure; the passes that follow may fare better.
     }
-    lastCallback = Clock::now();
-    picture->rewind();
+    lastCallback = Clock::now(); // not before: what the caller does with a pass takes its time too
+    picture->rewind();           // lines that are read between passes begin at the top
     return status != PLK_READ_CANCELLED;
 }
 

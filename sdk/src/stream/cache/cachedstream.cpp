@@ -10,9 +10,9 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint64_t kMaxSegment = 65536; // read and checked as a whole
-constexpr std::uint64_t kAllowance = 1 << 20;
-constexpr std::uint64_t kRecordSize = 64; // of the index, for a segment
+constexpr std::uint64_t kMaxSegment = 65536;  // read and checked as a whole
+constexpr std::uint64_t kAllowance = 1 << 20; // room is asked for in such steps: that means to look through the folder
+constexpr std::uint64_t kRecordSize = 64;     // of the index, for a segment
 
 } // namespace
 
@@ -117,12 +117,13 @@ void CachedStream::load(const std::vector<ByteRange> &ranges, const Sink &sink)
             if (readSegment(offset, segment, &bytes))
                 sink(offset, bytes.data(), bytes.size());
             else
-                index->forget(offset);
+                index->forget(offset); // to be fetched again
         }
     }
 }
 
-/// The user empties the folder, or another process made room.
+/// The user empties the folder, or another process made room. A file without a name can still be written to, where the
+/// system is of the POSIX kind, but all of that would be lost.
 bool CachedStream::reopenWhereRemoved()
 {
     if (index->file()->isLinked() && data->isLinked())
@@ -148,7 +149,7 @@ void CachedStream::put(std::uint64_t offset, const std::uint8_t *bytes, std::uin
     if (isFull || !reopenWhereRemoved())
         return;
     const DiskFileLock lock(index->file());
-    if (!lock.isHeld() || !index->file()->isLinked())
+    if (!lock.isHeld() || !index->file()->isLinked()) // removed while the lock was waited for
         return;
     index->refresh(true);
     const ByteRangeSet missing = index->lacking({ByteRange{offset, length}});
@@ -160,7 +161,9 @@ void CachedStream::put(std::uint64_t offset, const std::uint8_t *bytes, std::uin
         isFull = true;
 }
 
-/// With the lock held. First the bytes, then what points to them.
+/// With the lock held. First the bytes, then what points to them: whoever is killed in between leaves bytes that nobody
+/// looks at, never a record of bytes that are not there. New bytes go behind the last ones, so that no reader in
+/// another process sees any change under its hands.
 void CachedStream::write(std::uint64_t offset, const std::uint8_t *bytes, const std::vector<ByteRange> &missing)
 {
     std::map<std::uint64_t, CacheIndex::Segment> written;

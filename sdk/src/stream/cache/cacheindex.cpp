@@ -10,7 +10,8 @@ namespace xrv {
 namespace {
 
 // A record: type and length of its content (32 bits each), the content, a checksum of all that (64 bits), all numbers
-// little-endian. The seed of the checksum is the address's key and the record's position.
+// little-endian. The seed of the checksum is the address's key and the record's position: a record that is whole but
+// stands in another file, or elsewhere in this one, does not count.
 constexpr std::uint32_t kVersionRecord = 0x31565258;   // "XRV1"
 constexpr std::uint32_t kSegmentRecord = 0x47455358;   // "XSEG"
 constexpr std::uint32_t kKnowledgeRecord = 0x574F4E4B; // "KNOW"
@@ -86,6 +87,7 @@ bool CacheIndex::readRecord(std::uint64_t position, Record *record, std::uint64_
         return false;
     Reader reader(head);
     record->type = static_cast<std::uint32_t>(reader.number(4));
+    // Before memory is asked for: the checksum that would show a wrong length stands behind the content.
     const auto length = static_cast<std::size_t>(reader.number(4));
     if (length > kMaxContent || length > indexFile->size())
         return false;
@@ -101,6 +103,9 @@ bool CacheIndex::readRecord(std::uint64_t position, Record *record, std::uint64_
     return true;
 }
 
+/// Other processes append to the same file, so every look begins here and costs what was added since the last one. A
+/// record that is not whole ends the walk: somebody may be writing it, or was killed doing so. Only who holds the lock
+/// can tell these apart, and cuts it off.
 void CacheIndex::refresh(bool repairs)
 {
     Record record;
@@ -147,6 +152,7 @@ void CacheIndex::takeVersion(const Bytes &content)
     isBegun = true;
 }
 
+/// The numbers are those of somebody who had the checksum right; all the same none may point outside the stream.
 void CacheIndex::takeSegment(const Bytes &content)
 {
     Reader reader(content);
@@ -198,6 +204,7 @@ void CacheIndex::insert(std::uint64_t offset, const Segment &segment)
     byteCount += segment.length;
 }
 
+/// In memory only: the record stays, and the bytes that are fetched again get a newer one.
 void CacheIndex::forget(std::uint64_t offset)
 {
     const auto found = bySegmentOffset.find(offset);
@@ -215,7 +222,7 @@ bool CacheIndex::write(const Record &record)
     all.insert(all.end(), record.content.begin(), record.content.end());
     putNumber(&all, checksum64(all.data(), all.size(), key + end), 8);
     if (!indexFile->writeAt(end, all.data(), all.size())) {
-        indexFile->truncate(end);
+        indexFile->truncate(end); // no half record is left behind
         return false;
     }
     take(record, end);

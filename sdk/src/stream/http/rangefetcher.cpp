@@ -28,6 +28,8 @@ CError cancelledError()
     return {PLK_ERR_CANCELLED, "Reading was cancelled."};
 }
 
+/// Request time-out, too many requests (RFC 6585 4), and what a server or the one before it says of itself for a while
+/// (RFC 9110 15.5.9, 15.6).
 bool isTransient(int status)
 {
     return status == 408 || status == 429 || status == 500 || status == 502 || status == 503 || status == 504;
@@ -61,13 +63,16 @@ public:
     {
     }
 
-    /// Waits before the next try; false when there is to be none.
+    /// Waits before the next try: for the pause that the server asks for (RFC 9110 10.2.3), or one that doubles each
+    /// time, whichever is longer. False when there is to be none.
     bool goOn(const Round &round, const CancelFlag &cancel)
     {
-        if (++rounds > kMaxRounds)
+        if (++rounds > kMaxRounds) // whatever a server does, there is an end
             return false;
-        if (round.isFallback)
+        if (round.isFallback) // asked in another way at once: nothing failed
             return true;
+        // A connection that breaks again and again but brings something each time is worth going on with. A few bytes
+        // do not count: a server that gives one per request would be asked without end.
         if (round.gained > 0 && round.gained >= std::min(kProgressThatCounts, round.lacking / 2)) {
             failures = 0;
             backOff = options.firstBackOff;
@@ -136,6 +141,8 @@ CError RangeFetcher::open(const FileVersion &known, const CancelFlag &cancel, co
     }
 }
 
+/// The first request asks for the file's beginning. Servers send that (206), ignore the range and send the whole file
+/// (200; RFC 9110 14.2 allows it), or say that the known version still holds (304).
 CError RangeFetcher::takeOpening(const HttpAnswer &answer, const FileVersion &known, const Sink &sink,
                                  FileVersion *version, Round *round)
 {
@@ -143,6 +150,7 @@ CError RangeFetcher::takeOpening(const HttpAnswer &answer, const FileVersion &kn
         *version = known;
         return {};
     }
+    // An empty file has no first byte to send: "not satisfiable" (RFC 9110 15.5.17), with its length in the header.
     ContentRange range;
     if (answer.status == 416 && ContentRange::parse(answer.header("content-range"), &range) && range.total == 0) {
         *version = FileVersion::of(answer, 0);
@@ -157,13 +165,14 @@ CError RangeFetcher::takeOpening(const HttpAnswer &answer, const FileVersion &kn
 
 CError RangeFetcher::takeFirstBytes(const HttpAnswer &answer, const Sink &sink, FileVersion *version, Round *round)
 {
+    // Its ranges would count the bytes of the compressed form, to which the coding belongs (RFC 9110 8.4).
     if (isCompressed(answer)) {
         round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " answers with compressed bytes."};
         return {};
     }
     if (answer.status == 200) {
         *version = FileVersion::of(answer, answer.body.size());
-        takesNoRanges = answer.body.size() > link.options().firstBytes;
+        takesNoRanges = answer.body.size() > link.options().firstBytes; // a small file says nothing about that
         sink(0, answer.body.data(), answer.body.size());
         return {};
     }
@@ -225,6 +234,8 @@ std::vector<HttpAnswer> RangeFetcher::askFor(const std::vector<RangeGroup> &grou
             requests.back().connectTimeout = std::min(requests.back().connectTimeout, timeout);
             requests.back().stallTimeout = std::min(requests.back().stallTimeout, timeout);
         }
+        // The server itself is to refuse bytes of another version. Answers are compared all the same: not every server
+        // looks at conditions.
         const std::string condition = version.conditionHeader();
         if (!condition.empty())
             requests.back().headers.push_back(condition);
@@ -239,6 +250,7 @@ CError RangeFetcher::fetch(const std::vector<ByteRange> &ranges, const FileVersi
     ByteRangeSet lacking(ranges);
     const std::string server = link.address().server();
     Patience patience(link.options());
+    // Each round asks for what the ones before did not bring: so an answer that broke off is taken up where it ended.
     while (!lacking.isEmpty()) {
         std::vector<RangeGroup> groups{wholeFile(version.length)};
         if (!takesNoRanges)
@@ -289,6 +301,7 @@ CError RangeFetcher::takeAnswer(const RangeGroup &group, const HttpAnswer &answe
                          "The file " + quotedName() + " was changed on the server. Open it again."};
     if (answer.outcome == HttpOutcome::Cancelled)
         return cancelledError();
+    // The condition failed, or the file is shorter now than what is asked for (RFC 9110 15.5.13, 15.5.17).
     if (answer.status == 412 || answer.status == 416)
         return changed;
     if (answer.status != 200 && answer.status != 206)
@@ -307,6 +320,8 @@ CError RangeFetcher::takeAnswer(const RangeGroup &group, const HttpAnswer &answe
     return error;
 }
 
+/// A 206 need not hold what was asked for, nor in that order: a server may join ranges or send part of them
+/// (RFC 9110 15.3.7). Each piece says where it belongs; what was not asked for at all is not taken.
 CError RangeFetcher::takePartial(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
                                  const Sink &sink, Round *round)
 {
@@ -343,6 +358,9 @@ CError RangeFetcher::takePartial(const RangeGroup &group, const HttpAnswer &answ
     return {};
 }
 
+/// A 200: the whole file, though ranges were asked for. Some servers do so with several ranges only, some always; from
+/// then on they are asked in the way that they understand. Nothing is taken of a whole file that was not asked
+/// for (HttpRequest::wholeLimit is 0 then), so that no gigabytes come by mistake.
 CError RangeFetcher::takeWhole(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
                                const Sink &sink, Round *round)
 {
@@ -375,7 +393,7 @@ CError RangeFetcher::statusError(int status, bool isOpening) const
 {
     const std::string of = "The server of " + quotedName();
     switch (status) {
-    case 401:
+    case 401: // of the server, 407 of a proxy before it (RFC 9110 15.5.2, 15.5.8)
     case 407:
         return {PLK_ERR_NO_ACCESS, of + " wants a user name and password, or does not accept these."};
     case 403:

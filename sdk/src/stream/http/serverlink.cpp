@@ -33,12 +33,14 @@ std::string part(CURLU *url, CURLUPart which, unsigned flags = 0)
     return result;
 }
 
+/// All that name another place for a request with GET (RFC 9110 15.4).
 bool isRedirect(int status)
 {
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
 
-/// The remembered place may have been meant for a while only.
+/// The remembered place may have been meant for a while only: addresses with a signature expire, mirrors come and go.
+/// What a place says about a condition, a range or its load is no sign of that.
 bool mayBeOutdated(const HttpAnswer &answer)
 {
     return answer.outcome != HttpOutcome::Cancelled &&

@@ -11,7 +11,8 @@ namespace xrv {
 
 namespace {
 
-/// Stands in for the planes of components that have no cells at a level.
+/// Stands in for the planes of components that have no cells at a level, as those of narrow images that lie between two
+/// samples of it (ISO/IEC 15444-1 B.5). The samplers replace what is missing by the nearest cell, so there must be one.
 const Plane &blankPlane()
 {
     static const Plane plane{0, {0, 0, 1, 1}, SampleType::UInt8, {0}};
@@ -37,6 +38,7 @@ LineMaker::LineMaker(const RasterInfo &raster, const BandMap &bandMap, RequestPt
     , axisX(this->request->datasetRect.left, this->request->datasetRect.right, this->request->width, raster.width)
     , axisY(this->request->datasetRect.top, this->request->datasetRect.bottom, this->request->height, raster.height)
 {
+    // Grey pictures name one band three times: it is sampled once, and its row is used three times.
     distinctBands = eachOnce(this->request->bands);
     requestEntry.resize(distinctBands.size());
     for (std::size_t i = 0; i < this->request->bands.size(); ++i) {
@@ -66,6 +68,9 @@ int LineMaker::opacityEntry() const
     return band.isOpacity && isAlone && !band.isSigned ? static_cast<int>(distinctOf.back()) : -1;
 }
 
+/// What a row of all planes takes in bytes, and how many of their rows a line needs. Three columns more than the pixels
+/// cover, as linesFor() takes three rows more: planes reach a cell beyond what was asked for on either side, where
+/// interpolation needs it, and their edges are rounded outwards.
 void LineMaker::measure(int level)
 {
     for (int component : request->components) {
@@ -78,6 +83,12 @@ void LineMaker::measure(int level)
     }
 }
 
+/// Three ways from cells to bands, the cheapest that is right:
+/// - Every pixel is one cell, and the bands are components: cells go through a table to bytes (makeBytes()).
+/// - Each component is brought to the pixels by itself and the bands are made there. That is right for subsampled
+///   components, and for everything that is not interpolated.
+/// - The bands are made from the cells, and these are interpolated, where the order matters: between two entries of a
+///   palette there is no third one, and colours under an opacity band count by what is visible of them.
 void LineMaker::chooseSampler(int level)
 {
     const bool oneGrid = onOneGrid(level);
@@ -102,6 +113,7 @@ void LineMaker::chooseSampler(int level)
 
 std::vector<ComponentSampler> LineMaker::componentSamplers(int level, bool interpolate) const
 {
+    // Usually all components lie on one grid: which columns the pixels come from is then worked out once.
     std::vector<ComponentSampler> samplers;
     std::vector<std::pair<CellGrid, std::shared_ptr<ColumnTaps>>> shared;
     for (int component : request->components) {
@@ -125,6 +137,7 @@ bool LineMaker::onOneGrid(int level) const
     });
 }
 
+/// measure() backwards.
 int LineMaker::linesFor(std::size_t budget) const
 {
     const double rows = static_cast<double>(budget) / planeBytesPerRow - 3.0;
@@ -147,6 +160,10 @@ void LineMaker::makeCells(int y)
         divideOutOpacity();
 }
 
+/// Colours under premultiplied opacity (channel type 2, ISO/IEC 15444-1 I.5.3.6) are stored as what is left of them;
+/// pixels carry colour and opacity apart. After interpolation, which is right for what is stored: so nothing that is
+/// hidden shines through. Rounded to the nearest, and cut off where damage or loss made a colour brighter than its
+/// opacity allows.
 void LineMaker::divideOutOpacity()
 {
     const auto alpha = static_cast<std::size_t>(opacity);
@@ -190,7 +207,7 @@ void LineMaker::makeBgra(int y, std::uint8_t *line)
     const std::size_t before = 4u * static_cast<std::size_t>(axisX.insideBegin());
     const std::size_t after = 4u * static_cast<std::size_t>(axisX.insideEnd()),
                       all = 4u * static_cast<std::size_t>(request->width);
-    if (!isInside(y)) {
+    if (!isInside(y)) { // 0 is transparent, here and on either side of the image
         std::memset(line, 0, all);
         return;
     }
@@ -198,6 +215,8 @@ void LineMaker::makeBgra(int y, std::uint8_t *line)
     std::memset(line, 0, before);
     std::memset(line + after, 0, all - after);
     const auto entry = [this](std::size_t i) { return byteRows[distinctOf[i]].data(); };
+    // One or two bands are grey in all three colours; the last of two or four is the opacity, whatever kind of band it
+    // is.
     const bool isColour = distinctOf.size() >= 3;
     const std::uint8_t *alpha = distinctOf.size() % 2 == 0 ? entry(distinctOf.size() - 1) : nullptr;
     interleaveBgra(entry(isColour ? 2 : 0), entry(isColour ? 1 : 0), entry(0), alpha, axisX.insideCount(),
@@ -222,7 +241,7 @@ void LineMaker::makeBil(int y, PLKCellType type, void *const *lines)
             std::memset(lines[entry], 0, static_cast<std::size_t>(request->width) * cellSize(type));
         return;
     }
-    if (type == PLKCT_UINT8) {
+    if (type == PLKCT_UINT8) { // through the transforms, as pictures are; other types get the cells themselves
         makeBytes(y);
         for (std::size_t entry = 0; entry < distinctOf.size(); ++entry) {
             auto *line = static_cast<std::uint8_t *>(lines[entry]);

@@ -18,11 +18,12 @@ PLK::CError Picture::prepare()
     return need(0);
 }
 
+/// With the lock held, which makes other readers of lines wait for the decode: they could not go on without it.
 PLK::CError Picture::need(int line)
 {
     if (viewRequest->cancel.isRaised())
         return {PLK_ERR_CANCELLED, "Reading was cancelled."};
-    if (failure)
+    if (failure) // a file that cannot be decoded is not tried again for each line
         return failure;
     if (!strips.covers(line))
         bound.reset(); // so that there are never two strips at once
@@ -37,7 +38,7 @@ PLK::CError Picture::need(int line)
             failure = error;
         return error;
     }
-    if (bound != strips.current()) {
+    if (bound != strips.current()) { // the planes are not copied, so the strip is held as long as lines come from it
         bound = strips.current();
         lines.bind(bound->cells.planes);
     }
@@ -48,6 +49,7 @@ PLKReadStatus Picture::readLine(const LineTarget &target, PLK::CError *error)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     *error = need(nextLine);
+    // The flag once more: a decode that was cancelled may have ended with another error, or in time.
     if (error->GetErrorNumber() == PLK_ERR_CANCELLED || viewRequest->cancel.isRaised())
         return PLK_READ_CANCELLED;
     if (*error)
@@ -58,7 +60,7 @@ PLKReadStatus Picture::readLine(const LineTarget &target, PLK::CError *error)
         lines.makeBgra(nextLine, static_cast<std::uint8_t *>(target.bgra));
     else
         lines.makeBil(nextLine, target.type, target.lines);
-    nextLine = (nextLine + 1) % viewRequest->height;
+    nextLine = (nextLine + 1) % viewRequest->height; // a caller that paints again need not set the view again
     reachedLine = std::min(reachedLine + 1, viewRequest->height);
     return PLK_READ_SUCCESS;
 }

@@ -19,6 +19,7 @@ StripReader::StripReader(const ViewSource &source, RequestPtr request, int level
     , key(cellKey(source, *this->request, level))
     , linesPerStrip(linesPerStrip)
 {
+    // Equal keys mean equal cells, so that a new contrast or another method costs no decode.
     if (atHand && atHand->key == key)
         strip = std::move(atHand);
     if (strip) {
@@ -31,6 +32,7 @@ PLK::CError StripReader::need(int line)
 {
     if (covers(line))
         return {};
+    // At multiples, wherever reading begins: what is read again is the same strip.
     const int fromLine = line / linesPerStrip * linesPerStrip;
     return read(fromLine, std::min(fromLine + linesPerStrip, request->height));
 }
@@ -48,7 +50,7 @@ PLK::CError StripReader::read(int fromLine, int toLine)
     if (key.isDithered && !read.datasetRect.isEmpty())
         read = readForDither(source.reader->info(), read);
     const auto start = Clock::now();
-    if (read.datasetRect.isEmpty()) {
+    if (read.datasetRect.isEmpty()) { // beside the image: lines without any pixel inside
         fresh->cells.planes.resize(key.components.size());
     } else if (const PLK::CError error = source.reader->read(read, &fresh->cells)) {
         return error;
@@ -79,6 +81,8 @@ void StripReader::logRead(Clock::duration time) const
                      std::to_string(microseconds / 1000) + "." + std::to_string(microseconds % 1000 / 100) + " ms."));
 }
 
+/// Of all strips, though only some may ever be read: a caller wants to know how much of the whole is there. Counted
+/// once, as it means a look at every cache tile of the view.
 std::uint64_t StripReader::blocksInView()
 {
     if (!blocksCounted) {

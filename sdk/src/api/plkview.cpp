@@ -246,13 +246,13 @@ signed char CView::GetPercentComplete() const
 std::uint64_t CView::GetAllBlocksAvailable() const
 {
     const std::shared_ptr<xrv::ViewEngine> engine = d->engine();
-    return engine ? engine->blocks().available : 0;
+    return engine ? engine->cacheTiles().available : 0;
 }
 
 std::uint64_t CView::GetAllBlocksInView() const
 {
     const std::shared_ptr<xrv::ViewEngine> engine = d->engine();
-    return engine ? engine->blocks().inView : 0;
+    return engine ? engine->cacheTiles().inView : 0;
 }
 
 void CView::RefreshUpdate(PLKSetViewInfo *)

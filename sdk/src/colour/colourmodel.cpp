@@ -1,10 +1,8 @@
 #include "colourmodel.h"
 
-#include "cmykconversion.h"
+#include "arithmeticconversions.h"
 #include "iccconversion.h"
 #include "labconversion.h"
-#include "linearconversion.h"
-#include "yccconversion.h"
 
 #include <algorithm>
 

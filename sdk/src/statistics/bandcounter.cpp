@@ -16,7 +16,7 @@ constexpr std::size_t kByteBuckets = 256;
 BandCounter::BandCounter(int bandBits, bool bandIsSigned, std::size_t bucketLimit)
     : bits(bandBits)
     , isSigned(bandIsSigned)
-    , mostBuckets(bucketLimit)
+    , maxBuckets(bucketLimit)
     , isScouting(bandBits > kMaxCountedBits)
     , smallest(std::numeric_limits<std::int64_t>::max())
     , largest(std::numeric_limits<std::int64_t>::min())
@@ -118,7 +118,7 @@ void BandCounter::makeHistogram(PLKBandStatistics *statistics) const
             --end;
     }
     const std::size_t steps = end - begin;
-    const std::size_t buckets = bits > 8 ? std::min(steps, mostBuckets) : kByteBuckets;
+    const std::size_t buckets = bits > 8 ? std::min(steps, maxBuckets) : kByteBuckets;
     statistics->nHistBucketCount = static_cast<std::uint32_t>(buckets);
     statistics->pHistogram = new std::uint64_t[buckets]();
     for (std::size_t i = 0; i < steps; ++i)

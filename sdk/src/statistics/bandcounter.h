@@ -16,8 +16,8 @@ namespace xrv {
 class BandCounter
 {
 public:
-    /// Deeper bands than 8 bits get at most \a mostBuckets (256 to 65536) buckets in their histogram.
-    BandCounter(int bits, bool isSigned, std::size_t mostBuckets);
+    /// Deeper bands than 8 bits get at most \a maxBuckets (256 to 65536) buckets in their histogram.
+    BandCounter(int bits, bool isSigned, std::size_t maxBuckets);
 
     /// Memory that a counter for \a bits takes, in bytes.
     static std::size_t memoryFor(int bits);
@@ -69,7 +69,7 @@ private:
 
     int bits;
     bool isSigned;
-    std::size_t mostBuckets;
+    std::size_t maxBuckets;
     bool isScouting;
     std::int64_t smallest, largest; ///< seen while scouting
     std::int64_t first = 0;         ///< value of the first counter

@@ -13,17 +13,18 @@ using PLK::CError;
 
 namespace {
 
-/// Nearest cell of \a plane for every cell [x0, x1) of row \a y of a grid with steps \a stepsX and \a stepsY.
-void gatherRow(const Plane &plane, std::int64_t x0, std::int64_t x1, std::int64_t y, double stepsX, double stepsY,
+/// Nearest cell of \a plane for every cell [x0, x1) of row \a y of a grid that is as fine or finer: one of its cells is
+/// \a stepX wide and \a stepY high, in cells of the plane.
+void gatherRow(const Plane &plane, std::int64_t x0, std::int64_t x1, std::int64_t y, double stepX, double stepY,
                std::int32_t *target)
 {
     const IntRect &rect = plane.rect;
-    const auto row = std::clamp(static_cast<std::int64_t>(static_cast<double>(y) * stepsY), rect.y0, rect.y1 - 1);
+    const auto row = std::clamp(static_cast<std::int64_t>(static_cast<double>(y) * stepY), rect.y0, rect.y1 - 1);
     withRow(plane, row, [&](const auto *cells) {
         using Cell = std::decay_t<decltype(*cells)>;
         for (std::int64_t x = x0; x < x1; ++x) {
             const auto column =
-                std::clamp(static_cast<std::int64_t>(static_cast<double>(x) * stepsX), rect.x0, rect.x1 - 1);
+                std::clamp(static_cast<std::int64_t>(static_cast<double>(x) * stepX), rect.x0, rect.x1 - 1);
             const Cell cell = cells[column - rect.x0];
             constexpr auto kMaxValue = std::numeric_limits<std::int32_t>::max();
             if constexpr (std::is_same_v<Cell, std::uint32_t>)
@@ -41,7 +42,7 @@ BandRows::BandRows(RasterReader &rasterReader, const BandMap &bandMap, std::vect
     : reader(rasterReader)
     , map(bandMap)
     , bands(std::move(groupOfBands))
-    , components(map.componentsFor(bands))
+    , componentsToRead(map.componentsFor(bands))
     , faults(faultLog)
 {
     for (int band : bands)
@@ -95,7 +96,7 @@ ReadRequest BandRows::requestFor(const IntRect &window, int level, bool resilien
     ReadRequest request;
     request.datasetRect = window;
     request.level = level;
-    request.components = components;
+    request.components = componentsToRead;
     request.resilient = resilient;
     return request;
 }

@@ -44,7 +44,7 @@ private:
     RasterReader &reader;
     const BandMap &map;
     const std::vector<int> bands;
-    const std::vector<int> components; ///< to read for them
+    const std::vector<int> componentsToRead; ///< for them
     FaultLog *const faults;
     std::vector<int> converted; ///< those of the bands that are no component's cells
     std::vector<int> convertedComponents;

@@ -15,7 +15,7 @@ using PLK::CError;
 namespace {
 
 constexpr std::int64_t kMaxCellsOfAllBands = 64'000'000; // what can be read in reasonable time
-constexpr std::int64_t kFewestCells = 4096;
+constexpr std::int64_t kMinCells = 4096;
 constexpr std::size_t kMaxBuckets = 65536;
 constexpr std::size_t kMaxBucketsOfAllBands = std::size_t(4) << 20; // 32 MiB
 constexpr std::size_t kMaxCounterBytes = std::size_t(64) << 20;
@@ -47,13 +47,13 @@ std::vector<IntRect> planStrips(const RasterInfo &info, int level, int bandCount
     return strips;
 }
 
-/// Squares spread evenly, \a mostCells together.
-std::vector<IntRect> planWindows(const RasterInfo &info, int level, std::int64_t mostCells)
+/// Squares spread evenly, \a maxCells together.
+std::vector<IntRect> planWindows(const RasterInfo &info, int level, std::int64_t maxCells)
 {
     std::int64_t side = 256;
-    while (side > 16 && side * side * 16 > mostCells)
+    while (side > 16 && side * side * 16 > maxCells)
         side /= 2;
-    const std::int64_t count = std::max<std::int64_t>(1, mostCells / (side * side));
+    const std::int64_t count = std::max<std::int64_t>(1, maxCells / (side * side));
     const std::int64_t step = side << level;
     const double aspect = static_cast<double>(info.width) / info.height;
     const auto fits = [step](std::uint32_t size) { return std::max<std::int64_t>(1, size / step); };
@@ -129,7 +129,7 @@ CError countGroup(RasterReader &reader, const BandMap &map, const std::vector<in
 StatisticsPlan planStatistics(const RasterInfo &info, int bandCount, bool fullResolutionOnly, StatisticsDetail detail)
 {
     const std::int64_t share = kMaxCellsOfAllBands / std::max(1, bandCount);
-    const std::int64_t enough = std::clamp(share, kFewestCells, static_cast<std::int64_t>(detail));
+    const std::int64_t enough = std::clamp(share, kMinCells, static_cast<std::int64_t>(detail));
     StatisticsPlan plan;
     while (!fullResolutionOnly && plan.level + 1 < info.codedLevels && cellsAtLevel(info, plan.level + 1) >= enough)
         ++plan.level;

@@ -15,7 +15,19 @@ constexpr double kGrowth = 4.0;
 constexpr double kMaxShare = 0.4;
 constexpr double kWorthPassesBetween = 300.0;
 
+constexpr double kTooShort = 2.0; ///< milliseconds; shorter reads tell more of the clock than of the decoder
+constexpr double kNewest = 0.5;   ///< weight of the newest measurement
+
 } // namespace
+
+void RateTracker::learn(double estimated, double measured)
+{
+    if (estimated < kTooShort)
+        return;
+    const double seen = std::clamp(measured / estimated, 0.1, 20.0);
+    factor = measuredOnce ? factor + (seen - factor) * kNewest : seen;
+    measuredOnce = true;
+}
 
 PassPlanner::PassPlanner(std::vector<int> levels, CostOf costOf, Expected expected)
     : levels(std::move(levels))

@@ -76,7 +76,7 @@ void ViewEngine::setView(ViewRequest newRequest)
         }
         progress.restart();
         if (isAtHand)
-            progress.setBlocks(atHand->blocksInView, atHand->blocksInView);
+            progress.setCacheTiles(atHand->cacheTilesInView, atHand->cacheTilesInView);
         if (isAtHand && !progressive)
             progress.finish();
     }
@@ -178,7 +178,7 @@ void ViewEngine::noteLine(const Picture &picture)
         return progress.finish();
     if (strip) {
         const double share = static_cast<double>(strip->toLine) / height;
-        progress.setBlocks(strip->blocksInView, 0);
+        progress.setCacheTiles(strip->cacheTilesInView, 0);
         progress.advance(progressive ? 0.0 : 100.0 * lines / height, share);
     }
 }
@@ -197,7 +197,7 @@ PLKSetViewInfo ViewEngine::viewInfo() const
 
 PLKSetViewInfo ViewEngine::infoOf(const ViewRequest &request) const
 {
-    const ViewProgress::Blocks blocks = progress.blocks();
+    const ViewProgress::CacheTiles tiles = progress.cacheTiles();
     PLKSetViewInfo info{};
     info.nSizeX = static_cast<std::uint32_t>(request.width);
     info.nSizeY = static_cast<std::uint32_t>(request.height);
@@ -207,8 +207,8 @@ PLKSetViewInfo ViewEngine::infoOf(const ViewRequest &request) const
     info.fBottomRightY = request.worldRect.bottom;
     info.nBands = static_cast<std::uint32_t>(request.bands.size());
     info.nGeneration = request.generation;
-    info.nBlocksInView = blocks.inView;
-    info.nBlocksAvailable = blocks.available;
+    info.nBlocksInView = tiles.inView;
+    info.nBlocksAvailable = tiles.available;
     return info;
 }
 
@@ -299,7 +299,7 @@ std::vector<Pass> ViewEngine::planPasses(const RequestPtr &request, int finalLev
     };
     PassPlanner planner(levels, costOf, [this](double estimated) { return rate.expected(estimated); });
     const std::vector<Pass> passes = planner.plan();
-    progress.setBlocks(planner.finalCost().blocks, planner.finalCost().blocksCached);
+    progress.setCacheTiles(planner.finalCost().blocks, planner.finalCost().blocksCached);
     return passes;
 }
 

@@ -2,7 +2,6 @@
 
 #include "passplanner.h"
 #include "progressworker.h"
-#include "ratetracker.h"
 #include "viewprogress.h"
 
 #include "view/lines/picture.h"
@@ -64,7 +63,7 @@ public:
     bool isCancelPending() const;
     bool isWorkerThread() const { return worker.isCurrentThread(); }
     int percent() const { return progress.percent(); }
-    ViewProgress::Blocks blocks() const { return progress.blocks(); }
+    ViewProgress::CacheTiles cacheTiles() const { return progress.cacheTiles(); }
     PLK::CError lastError() const;
     void setLastError(PLK::CError error);
 

@@ -11,7 +11,7 @@ void ViewProgress::restart()
     counted = {};
 }
 
-void ViewProgress::setBlocks(std::uint64_t inView, std::uint64_t available)
+void ViewProgress::setCacheTiles(std::uint64_t inView, std::uint64_t available)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     counted.inView = std::max(counted.inView, inView);
@@ -40,7 +40,7 @@ int ViewProgress::percent() const
     return reached;
 }
 
-ViewProgress::Blocks ViewProgress::blocks() const
+ViewProgress::CacheTiles ViewProgress::cacheTiles() const
 {
     const std::lock_guard<std::mutex> lock(mutex);
     return counted;

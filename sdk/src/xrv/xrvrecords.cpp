@@ -120,7 +120,7 @@ bool takeHistogram(ByteCursor *in, PLKBandStatistics *band)
     return true;
 }
 
-bool takeBandStatistics(ByteCursor *in, std::size_t mostBuckets, PLKBandStatistics *band)
+bool takeBandStatistics(ByteCursor *in, std::size_t maxBuckets, PLKBandStatistics *band)
 {
     for (float *value : {&band->fMode, &band->fMin, &band->fMax, &band->fMean, &band->fMedian, &band->fStandardDev}) {
         *value = takeFloat(in);
@@ -129,7 +129,7 @@ bool takeBandStatistics(ByteCursor *in, std::size_t mostBuckets, PLKBandStatisti
     }
     const std::uint32_t buckets = in->u32();
     // Four bytes can stand for 65536 empty buckets, so the content's length bounds nothing.
-    if (!in->ok() || buckets == 0 || buckets > mostBuckets)
+    if (!in->ok() || buckets == 0 || buckets > maxBuckets)
         return false;
     band->pHistogram = new std::uint64_t[buckets]();
     band->nHistBucketCount = buckets;
@@ -291,9 +291,9 @@ StatisticsPtr parseStatistics(const Bytes &content, std::size_t bands)
     if (bands == 0 || in.u16() != bands || in.remaining() / 29 < bands)
         return nullptr;
     StatisticsPtr statistics = makeStatisticsRecord(bands);
-    const std::size_t mostBuckets = std::clamp(kMaxBucketsOfAllBands / bands, std::size_t(256), kMaxBuckets);
+    const std::size_t maxBuckets = std::clamp(kMaxBucketsOfAllBands / bands, std::size_t(256), kMaxBuckets);
     for (std::size_t i = 0; i < bands; ++i)
-        if (!takeBandStatistics(&in, mostBuckets, &statistics->pBandStats[i]))
+        if (!takeBandStatistics(&in, maxBuckets, &statistics->pBandStats[i]))
             return nullptr;
     return statistics;
 }

@@ -28,7 +28,7 @@ struct XrvFileInfo
     std::uint16_t bands = 0;                       ///< number of bands
     std::uint16_t targetRate = 0;                  ///< n of n:1, 1 for lossless, 0 unknown
     float actualRate = 0.0f;                       ///< bytes of all cells against bytes of the file, 0 where unknown
-    std::uint32_t blockWidth = 0, blockHeight = 0; ///< cells
+    std::uint32_t blockWidth = 0, blockHeight = 0; ///< cells: of the tiles, which callers know as blocks
     std::array<double, 6> transform{0.0, 1.0, 0.0, 0.0, 0.0, -1.0}; ///< see GeoReference::transform
     std::int32_t epsg = 0;                                          ///< 0: none
     std::string datum = "RAW", projection = "RAW";                  ///< UTF-8

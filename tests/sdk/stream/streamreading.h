@@ -15,7 +15,7 @@ inline xrv::StreamOptions quickOptions()
     options.connectTimeout = 2000;
     options.stallTimeout = 500;
     options.firstBackOff = 10;
-    options.longestRetryAfter = 1500;
+    options.maxRetryAfter = 1500;
     options.firstBytes = 1000;
     options.wholeInMemory = 4 << 20;
     return options;

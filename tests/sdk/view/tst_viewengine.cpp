@@ -90,8 +90,8 @@ public:
             first = y == 0 ? line[0] : first;
         }
         const std::lock_guard<std::mutex> lock(mutex);
-        passes.push_back(
-            {info->nGeneration, status, first, engine->percent(), engine->blocks().available, engine->blocks().inView});
+        passes.push_back({info->nGeneration, status, first, engine->percent(), engine->cacheTiles().available,
+                          engine->cacheTiles().inView});
         changed.notify_all();
         return answer;
     }
@@ -523,7 +523,7 @@ void TestViewEngine::blockingProgressEndsWithTheLastLine()
         last = engine.percent();
         QCOMPARE(last == 100, y == 199);
     }
-    QCOMPARE(engine.blocks().available, engine.blocks().inView);
+    QCOMPARE(engine.cacheTiles().available, engine.cacheTiles().inView);
     QCOMPARE(engine.readLine(target), PLK_READ_SUCCESS); // the picture once more
     QCOMPARE(engine.percent(), 100);
 }

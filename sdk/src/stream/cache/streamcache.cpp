@@ -63,8 +63,8 @@ std::string StreamCache::basePath(const std::string &base) const
 std::shared_ptr<CachedStream> StreamCache::open(const std::string &base, const FileVersion *version) const
 {
     const CacheFolder place(folder);
-    const auto keepRoom = [place, base, most = limit](std::uint64_t bytes) {
-        return place.makeRoom(bytes, most, base);
+    const auto keepRoom = [place, base, limit = limit](std::uint64_t bytes) {
+        return place.makeRoom(bytes, limit, base);
     };
     const std::shared_ptr<CachedStream> stream = CachedStream::open(basePath(base), keyOf(base), version, keepRoom);
     if (stream)

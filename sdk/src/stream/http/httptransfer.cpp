@@ -12,10 +12,10 @@ namespace xrv {
 namespace {
 
 constexpr std::size_t kMaxHeaderBytes = 65536;
-constexpr std::size_t kMaxErrorBody = 65536;       // pages that explain an error are passed over
-constexpr std::uint64_t kLeastPerStallTime = 4096; // a drip that would take hours is a stall too
+constexpr std::size_t kMaxErrorBody = 65536;     // pages that explain an error are passed over
+constexpr std::uint64_t kMinPerStallTime = 4096; // a drip that would take hours is a stall too
 constexpr long kBufferSize = 131072;
-constexpr std::size_t kSinkBlock = std::size_t(1) << 20;
+constexpr std::size_t kSinkPiece = std::size_t(1) << 20;
 constexpr std::size_t kMaxDigits = 18;
 
 std::string trimmed(const std::string &text)
@@ -171,23 +171,23 @@ bool HttpTransfer::takeBody(const char *data, std::size_t length)
         request.watch->received = answer.bodyLength;
         request.watch->expected = answer.contentLength();
     }
-    if (usesSink() && answer.body.size() >= kSinkBlock && !flushToSink())
+    if (usesSink() && answer.body.size() >= kSinkPiece && !flushToSink())
         return false;
     return !isTooLong;
 }
 
 bool HttpTransfer::flushToSink()
 {
-    const Bytes block = std::move(answer.body);
+    const Bytes piece = std::move(answer.body);
     answer.body.clear();
-    return request.wholeSink->take(answer, answer.bodyLength - block.size(), block.data(), block.size());
+    return request.wholeSink->take(answer, answer.bodyLength - piece.size(), piece.data(), piece.size());
 }
 
 bool HttpTransfer::isStalled(Clock::time_point now)
 {
     if (now - windowStart < std::chrono::milliseconds(request.stallTimeout))
         return false;
-    if (windowBytes < kLeastPerStallTime)
+    if (windowBytes < kMinPerStallTime)
         return true;
     restartWindow(now);
     return false;

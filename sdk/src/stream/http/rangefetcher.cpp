@@ -78,7 +78,7 @@ public:
             backOff = options.firstBackOff;
         }
         failures += round.isTimeOut ? 2 : 1; // that one took long enough
-        if (failures >= options.tries || round.pause > options.longestRetryAfter)
+        if (failures >= options.tries || round.pause > options.maxRetryAfter)
             return false;
         wait(std::max(round.pause, backOff), cancel);
         backOff *= 2;

@@ -17,7 +17,7 @@ struct StreamOptions
     int trialTimeout = 2500;          ///< the same for a server that was lost, while somebody waits for its first bytes
     int tries = 3;                    ///< in a row that bring nothing new
     int firstBackOff = 300;           ///< before the second try; doubled before the third
-    int longestRetryAfter = 5000;     ///< a server that wants a longer pause counts as out of service
+    int maxRetryAfter = 5000;         ///< a server that wants a longer pause counts as out of service
     std::uint64_t firstBytes = 16384; ///< asked for when a file is opened: boxes and main header as a rule
     std::string userAgent;            ///< none is sent when empty
     std::string caFile;               ///< certificates to trust besides the system's, PEM

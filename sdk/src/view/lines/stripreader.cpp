@@ -23,8 +23,8 @@ StripReader::StripReader(const ViewSource &source, RequestPtr request, int level
     if (atHand && atHand->key == key)
         strip = std::move(atHand);
     if (strip) {
-        blocksCounted = true;
-        countedBlocks = strip->blocksInView;
+        isCounted = true;
+        countedTiles = strip->cacheTilesInView;
     }
 }
 
@@ -45,7 +45,7 @@ PLK::CError StripReader::read(int fromLine, int toLine)
     fresh->key = key;
     fresh->fromLine = fromLine;
     fresh->toLine = toLine;
-    fresh->blocksInView = blocksInView();
+    fresh->cacheTilesInView = cacheTilesInView();
     ReadRequest read = readRequest(source, *request, key.level, fromLine, toLine);
     if (key.isDithered && !read.datasetRect.isEmpty())
         read = readForDither(source.reader->info(), read);
@@ -83,14 +83,14 @@ void StripReader::logRead(Clock::duration time) const
 
 /// Of all strips, though only some may ever be read: a caller wants to know how much of the whole is there. Counted
 /// once, as it means a look at every cache tile of the view.
-std::uint64_t StripReader::blocksInView()
+std::uint64_t StripReader::cacheTilesInView()
 {
-    if (!blocksCounted) {
-        blocksCounted = true;
+    if (!isCounted) {
+        isCounted = true;
         const ReadRequest whole = readRequest(source, *request, key.level, 0, request->height);
-        countedBlocks = whole.datasetRect.isEmpty() ? 0 : source.reader->cost(whole).blocks;
+        countedTiles = whole.datasetRect.isEmpty() ? 0 : source.reader->cost(whole).blocks;
     }
-    return countedBlocks;
+    return countedTiles;
 }
 
 } // namespace xrv

@@ -16,7 +16,7 @@ struct Strip
 {
     CellKey key;
     int fromLine = 0, toLine = 0;
-    std::uint64_t blocksInView = 0; ///< of the whole view
+    std::uint64_t cacheTilesInView = 0; ///< of the whole view
     ReadResult cells;
     bool isWhole() const { return fromLine == 0 && toLine == key.height; }
 };
@@ -44,15 +44,15 @@ private:
 
     PLK::CError read(int fromLine, int toLine);
     void logRead(Clock::duration time) const;
-    std::uint64_t blocksInView();
+    std::uint64_t cacheTilesInView();
 
     ViewSource source;
     RequestPtr request;
     CellKey key;
     int linesPerStrip;
     StripPtr strip;
-    bool blocksCounted = false;
-    std::uint64_t countedBlocks = 0;
+    bool isCounted = false;
+    std::uint64_t countedTiles = 0;
 };
 
 } // namespace xrv

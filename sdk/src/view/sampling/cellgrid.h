@@ -28,7 +28,7 @@ public:
     };
 
     /// Cell whose centre is nearest to \a position (dataset coordinates). Half-way it is the cell that begins with its
-    /// own sample, so that subsampled components are repeated as a block. Clamped to the component.
+    /// own sample, so that subsampled components are repeated side by side. Clamped to the component.
     std::int64_t nearest(double position) const;
     /// Cell that covers \a position when each cell reaches from its own sample to the next. Clamped.
     std::int64_t covering(double position) const;

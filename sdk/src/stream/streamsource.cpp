@@ -278,7 +278,9 @@ CError StreamSource::waitForOthers(const CancelFlag &cancel)
 {
     std::unique_lock<std::mutex> lock(mutex);
     landed.wait_for(lock, kCancelPoll); // the flag tells nobody when it is raised
-    return cancel.isRaised() ? CError(PLK_ERR_CANCELLED, "Reading was cancelled.") : CError();
+    if (cancel.isRaised())
+        return {PLK_ERR_CANCELLED, "Reading was cancelled."};
+    return {};
 }
 
 CError StreamSource::read(const std::vector<ByteRange> &ranges, const CancelFlag &readCancel, std::vector<Bytes> *out)

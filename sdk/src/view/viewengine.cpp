@@ -46,9 +46,10 @@ ViewEngine::~ViewEngine()
     stop();
 }
 
-/// Never waits for a callback or a decode: the caller may hold the very lock that the callback in flight is waiting
-/// for. The new view takes the place of the old one under the engine's own lock, which nobody holds for longer than it
-/// takes to swap pointers; levels, tables and keys are worked out before.
+/// Never waits for a callback or, but for the blocking time that a blocking view may have, for a decode: the caller may
+/// hold the very lock that the callback in flight is waiting for. The new view takes the place of the old one under the
+/// engine's own lock, which nobody holds for longer than it takes to swap pointers and figures; levels, tables and keys
+/// are worked out before.
 void ViewEngine::setView(ViewRequest newRequest)
 {
     // Callers drive a view from one thread, so that nobody else counts generations.

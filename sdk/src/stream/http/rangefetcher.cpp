@@ -72,7 +72,7 @@ public:
         if (round.isFallback) // asked in another way at once: nothing failed
             return true;
         // A connection that breaks again and again but brings something each time is worth going on with. A few bytes
-        // do not count: a server that gives one per request would be asked without end.
+        // do not count: a server that gives one per request would be asked a thousand times.
         if (round.gained > 0 && round.gained >= std::min(kProgressThatCounts, round.lacking / 2)) {
             failures = 0;
             backOff = options.firstBackOff;
@@ -267,10 +267,11 @@ CError RangeFetcher::fetch(const std::vector<ByteRange> &ranges, const FileVersi
             return round.trouble;
         if (round.trouble)
             logRetry(round.trouble);
-        if ((round.trouble || round.gained == 0) && !patience.goOn(round, cancel))
-            return round.trouble ? round.trouble
-                                 : CError(PLK_ERR_SERVER, "The server of " + quotedName() +
-                                                              " does not give the bytes that it is asked for.");
+        if ((round.trouble || round.gained == 0) && !patience.goOn(round, cancel)) {
+            if (round.trouble)
+                return round.trouble;
+            return {PLK_ERR_SERVER, "The server of " + quotedName() + " does not give the bytes that it is asked for."};
+        }
         if (cancel.isRaised())
             return cancelledError();
     }

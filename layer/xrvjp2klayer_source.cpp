@@ -144,7 +144,7 @@ bool XRVJP2kLayer::resolveSource(QString *source)
             *source = urlFile.address;
     } else if (source->toLower().startsWith(QLatin1String("jpip"))) {
         lastError = tr("JPIP protocol not supported.");
-        Application::logMessage(lastError, Application::LogInfo, QDateTime::currentDateTime());
+        Application::logMessage(lastError, Application::LogDebug, QDateTime::currentDateTime());
         return false;
     }
     return true;
@@ -162,7 +162,7 @@ void XRVJP2kLayer::closeRenderer(std::unique_ptr<XRVJP2kRenderer> &target)
     if (!target)
         return;
     target->cancelRead();
-    target->Close(freeCache);
+    target->Close(getFreeCache());
     target.reset();
 }
 

@@ -14,13 +14,13 @@ namespace {
 int thresholdOf(Application::LogLevel hostLevel)
 {
     switch (hostLevel) {
-    case Application::LogDebug:
+    case Application::LogTrace:
         return PLK_LOG_TRACE;
-    case Application::LogWarning:
+    case Application::LogInfo:
         return PLK_LOG_INFO;
-    case Application::LogError:
+    case Application::LogWarning:
         return PLK_LOG_WARNING;
-    case Application::LogCritical:
+    case Application::LogError:
         return PLK_LOG_ERROR;
     case Application::LogFatal:
         return PLK_LOG_FATAL;
@@ -38,15 +38,15 @@ Application::LogLevel toHostLevel(int level)
         return Application::LogFatal;
     case 0:
     case PLK_LOG_TRACE:
-        return Application::LogDebug;
+        return Application::LogTrace;
     case PLK_LOG_INFO:
-        return Application::LogWarning;
-    case PLK_LOG_WARNING:
-        return Application::LogError;
-    case PLK_LOG_ERROR:
-        return Application::LogCritical;
-    default:
         return Application::LogInfo;
+    case PLK_LOG_WARNING:
+        return Application::LogWarning;
+    case PLK_LOG_ERROR:
+        return Application::LogError;
+    default:
+        return Application::LogDebug;
     }
 }
 

@@ -44,6 +44,15 @@ int percentOf(quint64 size, quint64 whole)
     return static_cast<int>(std::min(percent, 100.0));
 }
 
+/// Steps by key, wheel or a click beside the handle move it as well.
+void countStepsAsMoves(QSlider *slider)
+{
+    QObject::connect(slider, &QSlider::actionTriggered, slider, [slider](int action) {
+        if (action != QSlider::SliderNoAction && action != QSlider::SliderMove)
+            Q_EMIT slider->sliderMoved(slider->sliderPosition());
+    });
+}
+
 } // namespace
 
 XRVJP2kPreferences::XRVJP2kPreferences(QWidget *parent)
@@ -94,9 +103,11 @@ void XRVJP2kPreferences::readSettings()
 void XRVJP2kPreferences::connectWidgets()
 {
     using Page = XRVJP2kPreferences;
-    // sliderMoved: a size changes only while a handle is dragged, not when a widget is filled.
+    // sliderMoved: a size changes only when a person moves a handle, not when a widget is filled.
     connect(ui->xrvpMemCacheDirSizeSlider, &QSlider::sliderMoved, this, &Page::onCacheDirSliderMove);
     connect(ui->xrvpDiskCacheSizeSlider, &QSlider::sliderMoved, this, &Page::onDiskCacheSliderMove);
+    countStepsAsMoves(ui->xrvpMemCacheDirSizeSlider);
+    countStepsAsMoves(ui->xrvpDiskCacheSizeSlider);
     connect(ui->diskCacheGroupBox, &QGroupBox::clicked, this, &Page::onEnableXRVPCache);
     connect(ui->diskCacheButton, &QToolButton::clicked, this, &Page::onChooseXRVPCacheDir);
     connect(ui->clipPercent, QOverload<int>::of(&QSpinBox::valueChanged), this, &Page::onClipPercent);

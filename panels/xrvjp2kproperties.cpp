@@ -13,6 +13,7 @@
 #include <QColorDialog>
 #include <QMdiSubWindow>
 #include <QSignalBlocker>
+#include <QVariant>
 
 #include <algorithm>
 #include <cmath>
@@ -25,6 +26,9 @@ constexpr int kContentsMargin = 3;
 constexpr int kReadLineRGBA = 0;
 constexpr int kReadLineBIL = 1;
 constexpr int kAllOpacity = 1; // item of the opacity combo box
+/// Dynamic property of a layer: the band list for which a person chose no opacity. Its last band may be the opacity
+/// band all the same, as a colour.
+constexpr const char *kBandsWithoutOpacity = "bandsWithoutOpacity";
 
 /// The whole part of \a share in per cent; 0 for a NaN, which a layer may hold.
 int percentOf(double share)
@@ -136,6 +140,16 @@ void XRVJP2kProperties::loadTones()
     setQuietly(*ui->draSpinBox, clip);
 }
 
+/// What a source that is opened again in another mode does not take over, and the modes themselves, for they may not
+/// have been had.
+void XRVJP2kProperties::loadResetSettings()
+{
+    if (!currentLayer)
+        return;
+    loadQualityLayers();
+    loadDisplay();
+}
+
 void XRVJP2kProperties::loadQualityLayers()
 {
     XRVJP2kLayer::Jp2FileInfo info;
@@ -174,7 +188,9 @@ void XRVJP2kProperties::loadOpacityBand()
 {
     const QVector<int> bands = currentLayer->getBandList();
     const bool hasOpacity = currentLayer->hasOpacity();
-    const bool isShown = hasOpacity && !bands.isEmpty() && bands.last() == currentLayer->getOpacityBandNumber();
+    const bool isChosenAway = currentLayer->property(kBandsWithoutOpacity) == QVariant::fromValue(bands);
+    const bool isShown =
+        hasOpacity && !isChosenAway && !bands.isEmpty() && bands.last() == currentLayer->getOpacityBandNumber();
     fill(*ui->opacityBandComboBox, {QStringLiteral("None"), QStringLiteral("AllOpacity")}, isShown ? kAllOpacity : 0);
     ui->opacityBandComboBox->setEnabled(hasOpacity);
 }
@@ -193,6 +209,8 @@ void XRVJP2kProperties::applyBands()
                        ui->blueBandComboBox->currentIndex()};
     if (currentLayer->hasOpacity() && ui->opacityBandComboBox->currentIndex() == kAllOpacity)
         bands.append(currentLayer->getOpacityBandNumber());
+    else
+        currentLayer->setProperty(kBandsWithoutOpacity, QVariant::fromValue(bands));
     currentLayer->setBandList(bands);
 }
 
@@ -265,6 +283,7 @@ void XRVJP2kProperties::on_contrastSpinBox_valueChanged(int value)
 void XRVJP2kProperties::on_draSpinBox_valueChanged(int value)
 {
     ui->draSlider->setValue(value);
+    setQuietly(*ui->draSpinBox, ui->draSlider->value()); // the slider has no 0
 }
 
 void XRVJP2kProperties::on_transparencySpinBox_valueChanged(int value)
@@ -312,6 +331,7 @@ void XRVJP2kProperties::on_progressiveCheckbox_stateChanged(int state)
 {
     if (currentLayer)
         currentLayer->setProgressive(state != 0);
+    loadResetSettings();
 }
 
 void XRVJP2kProperties::on_adaptiveRoamCheckbox_stateChanged(int state)
@@ -332,6 +352,7 @@ void XRVJP2kProperties::on_backingStoreCheckBox_stateChanged(int state)
 {
     if (currentLayer)
         currentLayer->setBackingStore(state != 0);
+    loadResetSettings();
 }
 
 void XRVJP2kProperties::on_textureDitherCheckBox_stateChanged(int state)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QDGui/ilayerpropertieswidget.h>
+
 #include <QPointer>
 #include <QWidget>
 
@@ -24,13 +26,19 @@ namespace Map = Korvane::Map;
 
 /// Edits the display of the active layer. What a person changes goes to the layer at once; loading a layer into the
 /// widgets sends nothing back. Enabled only while an XRVJP2kLayer is active. GUI thread.
-class XRVJP2kProperties : public QWidget
+class XRVJP2kProperties : public QWidget, public Korvane::ILayerPropertiesWidget
 {
     Q_OBJECT
+    Q_INTERFACES(Korvane::ILayerPropertiesWidget)
 
 public:
     explicit XRVJP2kProperties(QWidget *parent = nullptr);
     ~XRVJP2kProperties() override;
+
+    /// The same as onLayerActivated().
+    void setLayer(Korvane::Map::Layer *pLayer) override { onLayerActivated(pLayer); }
+    /// There is nothing left to apply.
+    void apply() override {}
 
 public Q_SLOTS:
     /// Shows \a layer, which stays the caller's; null or a layer of another kind disables the panel.
@@ -75,6 +83,7 @@ private:
     void alignSpinBoxes();
     template <typename Change> void changeAndRedraw(Change change);
     void applyBands();
+    void loadResetSettings();
     void loadTones();
     void loadQualityLayers();
     void loadDisplay();

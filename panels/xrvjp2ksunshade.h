@@ -21,9 +21,11 @@ class XRVJP2kSunshadeClass;
 // The host finds the slots below by their signatures, in which the argument is spelled this way.
 namespace Map = Korvane::Map;
 
+/// For hosts to show; this plug-in does not.
+///
 /// Switches the active layer's hill shading and sets the sun's place. Whoever shows the panel tells it of the active
 /// layer and map window. GUI thread.
-class XRVJP2kSunshade : public QWidget
+class Q_DECL_EXPORT XRVJP2kSunshade : public QWidget
 {
     Q_OBJECT
 

@@ -57,9 +57,9 @@ XRVJP2kLayerPlugin::XRVJP2kLayerPlugin(QObject *parent)
     : QObject(parent)
     , translators(Application::instance()->initializeTranslations({QStringLiteral("xrvjp2klayer")}, QLocale().name()))
 {
+    const SdkSettings settings = readSdkSettings();
     PLK::CLog::RegisterLogger(&charLogSink());
     PLK::CLog::RegisterLogger(&wcharLogSink());
-    const SdkSettings settings = readSdkSettings();
     logStartUp(settings);
     startSdk(settings);
     createBrowser();
@@ -101,7 +101,7 @@ void XRVJP2kLayerPlugin::logStartUp(const SdkSettings &settings) const
         lines << tr("      Using %1 (curl abstraction library) instead of winhhtp.dll").arg(replacement);
     lines << tr("End XRV JPEG 2000 Plugin initialization log");
     for (const QString &line : qAsConst(lines))
-        Application::logMessage(line, Application::LogInfo, QDateTime::currentDateTime());
+        Application::logMessage(line, Application::LogDebug, QDateTime::currentDateTime());
 }
 
 void XRVJP2kLayerPlugin::startSdk(const SdkSettings &settings)

@@ -109,6 +109,7 @@ void XRVJP2kLayerPlugin::onAddXrvpUrl(const QString &address)
     if (!area)
         return;
     QMainWindow *mainWindow = Application::instance()->getMainWindow();
+    const bool isNewView = !area->activeSubWindow();
     const QPointer<MapView> view(activeOrNewMapView(*area));
     if (!view) {
         QMessageBox::critical(mainWindow, tr("Map View"), tr("Could not get map view from subwindow."));
@@ -119,6 +120,12 @@ void XRVJP2kLayerPlugin::onAddXrvpUrl(const QString &address)
     const bool isOpen = layer->setDataSource(address);
     // Events have been handled meanwhile.
     mainWindow = Application::instance()->getMainWindow();
+    if (!isOpen && layer->isOpeningCancelled()) {
+        // Whoever cancels knows, and wants no window that was made for what does not come.
+        if (view && isNewView && view->getLayerCount() == 0)
+            view->parentWidget()->close();
+        return;
+    }
     if (!isOpen) {
         QMessageBox::warning(mainWindow, tr("Map View"), layer->getLastError());
         return;

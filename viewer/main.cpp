@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QFont>
+#include <QLocale>
 #include <QSettings>
 #include <QTextStream>
 #include <QTimer>
@@ -86,7 +87,7 @@ bool needsWindow(int argc, char *argv[])
 void logToolkitMessage(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
     using Korvane::Application;
-    Application::LogLevel level = Application::LogDebug;
+    Application::LogLevel level = Application::LogTrace;
     if (type == QtWarningMsg)
         level = Application::LogWarning;
     else if (type == QtCriticalMsg || type == QtFatalMsg)
@@ -195,11 +196,13 @@ int main(int argc, char *argv[])
                       kFailure);
     if (!commandLine.settingsFile.isEmpty() && !useSettings(commandLine.settingsFile))
         return refuse(QStringLiteral("The settings file %1 cannot be used.").arg(commandLine.settingsFile), kFailure);
-    // Whatever goes to standard error is English, so that scripts can rely on it; a window speaks the user's language.
+    // What scripts read is English, that of the plug-ins too; a window speaks the user's language, also in a picture.
     // Before the plug-ins: they may make windows of the host's as soon as they are loaded.
     std::optional<Translations> translations;
     if (!commandLine.isBatch())
         translations.emplace();
+    else if (commandLine.windowFile.isEmpty())
+        QLocale::setDefault(QLocale::c());
     Korvane::PluginRegistry registry;
     loadPlugins(&registry);
     if (!commandLine.isBatch())

@@ -20,8 +20,8 @@
         <translation>Fehler</translation>
     </message>
     <message>
-        <source>Critical</source>
-        <translation>Kritisch</translation>
+        <source>Trace</source>
+        <translation>Ablaufverfolgung</translation>
     </message>
     <message>
         <source>Fatal</source>

@@ -20,8 +20,8 @@
         <translation>Error</translation>
     </message>
     <message>
-        <source>Critical</source>
-        <translation>Crítico</translation>
+        <source>Trace</source>
+        <translation>Traza</translation>
     </message>
     <message>
         <source>Fatal</source>

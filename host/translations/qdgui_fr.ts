@@ -20,8 +20,8 @@
         <translation>Erreur</translation>
     </message>
     <message>
-        <source>Critical</source>
-        <translation>Critique</translation>
+        <source>Trace</source>
+        <translation>Trace</translation>
     </message>
     <message>
         <source>Fatal</source>

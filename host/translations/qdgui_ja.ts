@@ -20,8 +20,8 @@
         <translation>エラー</translation>
     </message>
     <message>
-        <source>Critical</source>
-        <translation>重大</translation>
+        <source>Trace</source>
+        <translation>トレース</translation>
     </message>
     <message>
         <source>Fatal</source>

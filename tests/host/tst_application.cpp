@@ -44,7 +44,7 @@ void TestApplication::init()
 {
     QCoreApplication::processEvents();
     Application::instance()->clearLogHistory();
-    Application::setLogLevel(Application::LogInfo);
+    Application::setLogLevel(Application::LogDebug);
 }
 
 void TestApplication::settingsWorkBeforeTheToolkitStarts()
@@ -73,8 +73,8 @@ void TestApplication::logsFromTheLevelOn()
     Application *const application = Application::instance();
     QSignalSpy spy(application, &Application::messageLogged);
     const QDateTime time(QDate(2024, 2, 29), QTime(12, 30));
-    Application::setLogLevel(Application::LogWarning);
-    for (int level = Application::LogDebug; level <= Application::LogFatal; ++level)
+    Application::setLogLevel(Application::LogInfo);
+    for (int level = Application::LogTrace; level <= Application::LogFatal; ++level)
         Application::logMessage(QString::number(level), static_cast<Application::LogLevel>(level), time);
     QCOMPARE(spy.count(), 0);
     QCoreApplication::processEvents();
@@ -106,13 +106,14 @@ void TestApplication::logsFromManyThreads()
     for (int number = 0; number < kThreads; ++number) {
         threads.emplace_back([number] {
             for (int i = 1; i <= kLines; ++i) {
-                Application::logMessage(QStringLiteral("%1 %2").arg(number).arg(i), Application::LogError, QDateTime());
+                Application::logMessage(QStringLiteral("%1 %2").arg(number).arg(i), Application::LogWarning,
+                                        QDateTime());
                 Application::getLogLevel();
             }
         });
     }
     for (int i = 0; i < 50; ++i) {
-        Application::setLogLevel(i % 2 ? Application::LogInfo : Application::LogWarning);
+        Application::setLogLevel(i % 2 ? Application::LogDebug : Application::LogInfo);
         QCoreApplication::processEvents();
     }
     for (std::thread &thread : threads)
@@ -124,7 +125,7 @@ void TestApplication::logsFromManyThreads()
 void TestApplication::historyIsBounded()
 {
     for (int i = 0; i < Application::kMaxLogEntries + 10; ++i)
-        Application::logMessage(QString::number(i), Application::LogInfo, QDateTime());
+        Application::logMessage(QString::number(i), Application::LogDebug, QDateTime());
     const auto history = Application::instance()->getLogHistory();
     QCOMPARE(history.size(), static_cast<int>(Application::kMaxLogEntries));
     QCOMPARE(history.first().text, QStringLiteral("10"));

@@ -227,6 +227,9 @@ void TestEditingPanels::dynamicRange()
     QCOMPARE(layer->getTransformClip(), 100);
     const QPoint bright(30, 61); // cell 960 or so
     QVERIFY(qRed(painted().pixel(bright)) < 10);
+    type("draSpinBox", "1");
+    type("draSpinBox", "0");
+    QCOMPARE(get<QSpinBox>("draSpinBox")->value(), 1);
     type("draSpinBox", "90");
     QCOMPARE(layer->getTransformClip(), 90);
     QCOMPARE(get<QSlider>("draSlider")->value(), 90);
@@ -302,8 +305,13 @@ void TestEditingPanels::opacityBand()
     QTest::keyClick(box, Qt::Key_Up);
     QCOMPARE(layer->getBandList().size(), 3);
     QCOMPARE(painted().pixel(5, 5), qRgb(100, 100, 100));
+    // Opacity shown as a colour is none, also when the layer is activated again.
+    get<QComboBox>("blueBandComboBox")->setCurrentIndex(3);
+    Q_EMIT get<QComboBox>("blueBandComboBox")->activated(3);
+    panel->onLayerActivated(layer.get());
+    QCOMPARE(box->currentText(), QStringLiteral("None"));
     QTest::keyClick(box, Qt::Key_Down);
-    QCOMPARE(layer->getBandList().last(), layer->getOpacityBandNumber());
+    QCOMPARE(layer->getBandList(), QVector<int>({0, 1, 3, 3}));
 }
 
 void TestEditingPanels::checkBoxes_data()

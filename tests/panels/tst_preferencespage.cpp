@@ -62,7 +62,7 @@ private Q_SLOTS:
     void defaultsOfTheMachine();
     void nothingIsWrittenBeforeSaving();
     void savesWhatWasClicked();
-    void slidersCountOnlyWhileDragged();
+    void slidersCountWhenAPersonMovesThem();
     void defaultsButton();
     void badSettings_data();
     void badSettings();
@@ -231,16 +231,19 @@ static int drag(QSlider *slider, double part)
     return slider->value();
 }
 
-void TestPreferencesPage::slidersCountOnlyWhileDragged()
+void TestPreferencesPage::slidersCountWhenAPersonMovesThem()
 {
     TestFolder::setSetting("DiskCacheMaxSizeMb", 256);
     show();
     auto *memory = get<QSlider>("xrvpMemCacheDirSizeSlider");
     auto *disk = get<QSlider>("xrvpDiskCacheSizeSlider");
     QCOMPARE(disk->value(), 51);
-    memory->setValue(70); // as a wheel or a key would do it
+    memory->setValue(70); // by the program
     disk->setValue(70);
     QCOMPARE(get<QLabel>("xrvpCacheDirLabel")->text(), QStringLiteral("512.00 MB"));
+
+    QTest::keyClick(memory, Qt::Key_PageUp); // as a click beside the handle
+    QCOMPARE(get<QLabel>("xrvpCacheDirLabel")->text(), megabytes(2048 * quint64(memory->value()) / 100, "  %2.2f"));
 
     const auto memoryPercent = static_cast<quint64>(drag(memory, 1.0));
     QCOMPARE(memoryPercent, 100ULL);

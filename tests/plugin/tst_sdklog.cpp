@@ -116,7 +116,7 @@ void TestSdkLog::cleanup()
 {
     plugin.reset();
     folder.reset();
-    Application::setLogLevel(Application::LogInfo);
+    Application::setLogLevel(Application::LogDebug);
 }
 
 QVector<Application::LogEntry> TestSdkLog::linesWith(const QString &words)
@@ -173,7 +173,7 @@ void TestSdkLog::everyHostLevel()
 
 void TestSdkLog::switchedOff()
 {
-    Application::setLogLevel(Application::LogDebug);
+    Application::setLogLevel(Application::LogTrace);
     setLogSinksEnabled(false);
     workWithFiles();
     QCOMPARE(Application::instance()->getLogHistory().size(), 0);
@@ -183,8 +183,8 @@ void TestSdkLog::eachKindIsToldOnce_data()
 {
     QTest::addColumn<bool>("isResilient");
     QTest::addColumn<int>("level");
-    QTest::newRow("damage that is lived with") << true << int(Application::LogError);
-    QTest::newRow("views that fail") << false << int(Application::LogCritical);
+    QTest::newRow("damage that is lived with") << true << int(Application::LogWarning);
+    QTest::newRow("views that fail") << false << int(Application::LogError);
 }
 
 void TestSdkLog::eachKindIsToldOnce()
@@ -193,7 +193,7 @@ void TestSdkLog::eachKindIsToldOnce()
     QFETCH(int, level);
     const QByteArray name = folder->path(QStringLiteral("bad.jp2")).toUtf8();
     PLK::SDK::CFileBase::sFilesHelper().Get()->Config().SetResilientDecodingEnabled(isResilient);
-    Application::setLogLevel(Application::LogError);
+    Application::setLogLevel(Application::LogWarning);
     ProgressiveView view;
     QVERIFY(view.Open(name.constData(), true, false).IsSuccess());
     for (int left : {0, 40, 80, 120})
@@ -212,7 +212,7 @@ void TestSdkLog::eachKindIsToldOnce()
 void TestSdkLog::sinksComeAndGoWithThePlugin()
 {
     plugin.reset();
-    Application::setLogLevel(Application::LogDebug);
+    Application::setLogLevel(Application::LogTrace);
     plugin = std::make_unique<XRVJP2kLayerPlugin>();
     QCOMPARE(linesWith(QStringLiteral("SDK started")).size(), 1);
     Application::instance()->clearLogHistory();
@@ -224,7 +224,7 @@ void TestSdkLog::sinksComeAndGoWithThePlugin()
 void TestSdkLog::levels()
 {
     plugin.reset();
-    for (int level = Application::LogDebug; level <= Application::LogFatal; ++level) {
+    for (int level = Application::LogTrace; level <= Application::LogFatal; ++level) {
         Application::setLogLevel(static_cast<Application::LogLevel>(level));
         const int least = 10000 * (level + 1);
         for (const int asked : {-1, least - 1, least, least + 1}) {
@@ -232,7 +232,7 @@ void TestSdkLog::levels()
             QCOMPARE(wcharLogSink().isLevelEnabled(nullptr, asked), asked >= least);
         }
     }
-    Application::setLogLevel(Application::LogDebug);
+    Application::setLogLevel(Application::LogTrace);
     const QVector<QPair<int, int>> levels = {{-1, 5},    {0, 0},     {10000, 0}, {20000, 1}, {25000, 1},
                                              {30000, 2}, {40000, 3}, {50000, 4}, {60000, 5}, {70000, 1}};
     for (const auto &[level, hostLevel] : levels) {

@@ -46,7 +46,7 @@ QStringList TestStartUp::report() const
     const XRVJP2kLayerPlugin plugin;
     QStringList lines;
     for (const auto &entry : Application::instance()->getLogHistory()) {
-        if (entry.level == Application::LogInfo)
+        if (entry.level == Application::LogDebug)
             lines.append(entry.text);
     }
     return lines;

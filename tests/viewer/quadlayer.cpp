@@ -54,7 +54,7 @@ void QuadLayer::setView(int, int, double, double, double, double)
 {
     percent = 50;
     if (mode == QLatin1String("broken"))
-        Korvane::Application::logMessage(QStringLiteral("The quad is broken."), Korvane::Application::LogCritical,
+        Korvane::Application::logMessage(QStringLiteral("The quad is broken."), Korvane::Application::LogError,
                                          QDateTime::currentDateTime());
     if (mode == QLatin1String("slow"))
         QTimer::singleShot(kSlowMs, this, &QuadLayer::complete);

@@ -35,7 +35,7 @@ private:
 
 void TestLogDock::init()
 {
-    Application::setLogLevel(Application::LogDebug);
+    Application::setLogLevel(Application::LogTrace);
     Application::instance()->clearLogHistory();
     QCoreApplication::processEvents(); // lines of the last test on their way
     dock = std::make_unique<LogDock>();
@@ -44,7 +44,7 @@ void TestLogDock::init()
 void TestLogDock::cleanup()
 {
     dock.reset();
-    Application::setLogLevel(Application::LogInfo);
+    Application::setLogLevel(Application::LogDebug);
 }
 
 void TestLogDock::add(const QString &text, Application::LogLevel level)
@@ -74,32 +74,32 @@ QString TestLogDock::copied() const
 
 void TestLogDock::levelHidesAndBringsBack()
 {
-    add(QStringLiteral("range"), Application::LogDebug);
-    add(QStringLiteral("damage"), Application::LogError);
-    add(QStringLiteral("opened"), Application::LogWarning);
-    levels()->setCurrentIndex(Application::LogWarning);
+    add(QStringLiteral("range"), Application::LogTrace);
+    add(QStringLiteral("damage"), Application::LogWarning);
+    add(QStringLiteral("opened"), Application::LogInfo);
+    levels()->setCurrentIndex(Application::LogInfo);
     QCOMPARE(shownTexts(), QStringList({QStringLiteral("damage"), QStringLiteral("opened")}));
     levels()->setCurrentIndex(Application::LogFatal);
     QCOMPARE(shownTexts(), QStringList());
-    levels()->setCurrentIndex(Application::LogDebug);
+    levels()->setCurrentIndex(Application::LogTrace);
     QCOMPARE(shownTexts(), QStringList({QStringLiteral("range"), QStringLiteral("damage"), QStringLiteral("opened")}));
 }
 
 void TestLogDock::levelIsTheHosts()
 {
-    Application::setLogLevel(Application::LogCritical);
+    Application::setLogLevel(Application::LogError);
     const LogDock other;
-    QCOMPARE(other.findChild<QComboBox *>()->currentIndex(), int(Application::LogCritical));
-    other.findChild<QComboBox *>()->setCurrentIndex(Application::LogError);
-    QCOMPARE(int(Application::getLogLevel()), int(Application::LogError));
+    QCOMPARE(other.findChild<QComboBox *>()->currentIndex(), int(Application::LogError));
+    other.findChild<QComboBox *>()->setCurrentIndex(Application::LogWarning);
+    QCOMPARE(int(Application::getLogLevel()), int(Application::LogWarning));
 }
 
 void TestLogDock::copiesSelectionOrAll()
 {
-    add(QStringLiteral("hidden"), Application::LogInfo);
-    add(QStringLiteral("first\nof two lines"), Application::LogError);
-    add(QStringLiteral("second"), Application::LogError);
-    levels()->setCurrentIndex(Application::LogError);
+    add(QStringLiteral("hidden"), Application::LogDebug);
+    add(QStringLiteral("first\nof two lines"), Application::LogWarning);
+    add(QStringLiteral("second"), Application::LogWarning);
+    levels()->setCurrentIndex(Application::LogWarning);
     const QStringList all = copied().split(QLatin1Char('\t'));
     QCOMPARE(all.size(), 5); // two lines of three columns
     QVERIFY(all[2].startsWith(QLatin1String("first\nof two lines\n")));
@@ -107,7 +107,7 @@ void TestLogDock::copiesSelectionOrAll()
 
     table()->selectionModel()->select(table()->model()->index(1, 0),
                                       QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    QVERIFY(copied().endsWith(QLatin1String("\tError\tsecond")));
+    QVERIFY(copied().endsWith(QLatin1String("\tWarning\tsecond")));
     QCOMPARE(copied().count(QLatin1Char('\t')), 2);
 }
 

@@ -186,18 +186,23 @@ void TestSlowStreams::cancelledFromThePlugin()
     const Dialogs watch([&](QDialog &dialog) {
         if (qobject_cast<QMessageBox *>(&dialog))
             return;
-        if (boxes.texts.isEmpty())
+        if (isSilent)
             cancel(dialog);
         else
             window->mapArea()->closeAllViews();
     });
     const LostOnPurpose layer; // the plug-in abandons it
-    QVERIFY(QMetaObject::invokeMethod(plugin, "onAddXrvpUrl", Q_ARG(QString, at("/silent.jp2"))));
-    QVERIFY(view());
-    QVERIFY(QMetaObject::invokeMethod(plugin, "onAddXrvpUrl", Q_ARG(QString, at("/slow.jp2"))));
-    QCOMPARE(boxes.texts.size(), 2);
-    QVERIFY(boxes.texts[0].endsWith(QLatin1String("|The opening was cancelled.")));
-    QVERIFY(boxes.texts[1].endsWith(QLatin1String("|Error adding layer to view.")));
+    const auto add = [&](const char *path) {
+        QMetaObject::invokeMethod(plugin, "onAddXrvpUrl", Q_ARG(QString, at(path)));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    };
+    isSilent = true;
+    add("/silent.jp2");
+    QVERIFY(boxes.texts.isEmpty() && !view()); // no view that was made for nothing
+    isSilent = false;
+    add("/slow.jp2");
+    QCOMPARE(boxes.texts.size(), 1);
+    QVERIFY(boxes.texts[0].endsWith(QLatin1String("|Error adding layer to view.")));
 }
 
 void TestSlowStreams::droppedMeanwhile()

@@ -15,7 +15,7 @@ FailureWatch::FailureWatch()
     take(); // what was logged before is not told by the signal any more
     connect(Application::instance(), &Application::messageLogged, this,
             [this](const QString &text, Application::LogLevel level) {
-                if (level >= Application::LogCritical)
+                if (level >= Application::LogError)
                     sentences.append(text);
             });
 }

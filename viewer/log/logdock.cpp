@@ -27,7 +27,7 @@ namespace {
 int widestLevel(const QFontMetrics &metrics)
 {
     int widest = 0;
-    for (int level = Application::LogDebug; level <= Application::LogFatal; ++level) {
+    for (int level = Application::LogTrace; level <= Application::LogFatal; ++level) {
         const QString name = Application::getLogLevelName(static_cast<Application::LogLevel>(level));
         widest = qMax(widest, metrics.horizontalAdvance(name));
     }
@@ -55,7 +55,7 @@ protected:
     }
 
 private:
-    Application::LogLevel leastLevel = Application::LogDebug;
+    Application::LogLevel leastLevel = Application::LogTrace;
 };
 
 LogDock::LogDock(QWidget *parent)
@@ -129,7 +129,7 @@ QWidget *LogDock::makeBar()
 
 void LogDock::fillLevels()
 {
-    for (int level = Application::LogDebug; level <= Application::LogFatal; ++level)
+    for (int level = Application::LogTrace; level <= Application::LogFatal; ++level)
         levels->addItem(Application::getLogLevelName(static_cast<Application::LogLevel>(level)), level);
     levels->setCurrentIndex(Application::getLogLevel());
     shown->setLeastLevel(Application::getLogLevel());

@@ -26,13 +26,13 @@ class QDGUI_EXPORT Application : public QObject
 
 public:
     /// From the most detailed to the most severe.
-    enum LogLevel { LogDebug = 0, LogInfo = 1, LogWarning = 2, LogError = 3, LogCritical = 4, LogFatal = 5 };
+    enum LogLevel { LogTrace = 0, LogDebug = 1, LogInfo = 2, LogWarning = 3, LogError = 4, LogFatal = 5 };
     Q_ENUM(LogLevel)
 
     struct LogEntry
     {
         QString text;
-        LogLevel level = LogDebug;
+        LogLevel level = LogTrace;
         QDateTime time;
     };
 
@@ -47,7 +47,7 @@ public:
 
     /// Adds a line to the log unless \a level is below the log level. Any thread.
     static void logMessage(const QString &text, LogLevel level, const QDateTime &time);
-    /// The least severe level that is logged. Any thread. LogInfo at first.
+    /// The least severe level that is logged. Any thread. LogDebug at first.
     static LogLevel getLogLevel();
     static void setLogLevel(LogLevel level);
     /// A name for people, such as "Warning".

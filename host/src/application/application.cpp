@@ -23,7 +23,7 @@ QEvent::Type logEventType()
     return kType;
 }
 
-std::atomic<int> currentLogLevel{Application::LogInfo};
+std::atomic<int> currentLogLevel{Application::LogDebug};
 
 QString orDefault(const QString &name, QLatin1String defaultName)
 {
@@ -131,12 +131,14 @@ Application::LogLevel Application::getLogLevel()
 
 void Application::setLogLevel(LogLevel level)
 {
-    currentLogLevel.store(qBound<int>(LogDebug, level, LogFatal), std::memory_order_relaxed);
+    currentLogLevel.store(qBound<int>(LogTrace, level, LogFatal), std::memory_order_relaxed);
 }
 
 QString Application::getLogLevelName(LogLevel level)
 {
     switch (level) {
+    case LogTrace:
+        return tr("Trace");
     case LogDebug:
         return tr("Debug");
     case LogInfo:
@@ -145,8 +147,6 @@ QString Application::getLogLevelName(LogLevel level)
         return tr("Warning");
     case LogError:
         return tr("Error");
-    case LogCritical:
-        return tr("Critical");
     case LogFatal:
         return tr("Fatal");
     }

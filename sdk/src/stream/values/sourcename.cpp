@@ -60,13 +60,14 @@ SourceName::SourceName(const std::string &given)
 
 void SourceName::readStream(const std::string &given)
 {
-    nameFault = StreamAddress::parse(given, &streamAddress);
-    if (nameFault) {
-        printableName = withoutCredentials(given, given.find("://"), std::string::npos);
-        return;
-    }
-    printableName = streamAddress.printable();
-    shownName = streamAddress.shown();
+    const std::size_t colon = given.find("://");
+    const std::size_t path = given.find_first_of("/?#", colon + 3);
+    // As with names of files, what follows "|" is not for who opens it; a password may hold one too.
+    nameFault = StreamAddress::parse(given.substr(0, given.find('|', std::min(path, given.size()))), &streamAddress);
+    // An address that cannot be read may have its path anywhere.
+    printableName = withoutCredentials(given, colon, nameFault ? std::string::npos : path);
+    if (!nameFault)
+        shownName = streamAddress.shown();
 }
 
 CError SourceName::schemeFault(const std::string &given) const

@@ -26,7 +26,7 @@ public:
     /// Of files: the path in the file system. Empty for streams.
     const std::string &path() const { return filePath; }
 
-    /// As it may be handed out and kept: addresses without user and password, anything else unchanged.
+    /// As it may be handed out and kept: as it was given, addresses without user and password.
     const std::string &printable() const { return printableName; }
     /// As it may be shown and logged: addresses, whatever their scheme, without user, password and what follows "?",
     /// anything else unchanged.

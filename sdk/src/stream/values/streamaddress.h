@@ -20,7 +20,7 @@ public:
     std::string url() const { return server() + target; }
     /// "https://host:port": what connections, limits and passwords belong to.
     std::string server() const;
-    /// The address without user and password, to be handed out and kept; without a default port.
+    /// The address without user, password and default port, one for all ways to write it: what is kept of it bears it.
     std::string printable() const;
     /// The same as it may be shown and logged: what follows "?" may be a token and is left out.
     std::string shown() const;

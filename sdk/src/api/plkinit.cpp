@@ -3,7 +3,7 @@
 #include "base/utf8.h"
 #include "config/configuration.h"
 #include "decode/cache/tilecache.h"
-#include "decode/decodepool.h"
+#include "decode/threads/decodepool.h"
 #include "geo/crsnames.h"
 #include "log/logger.h"
 #include "stream/http/httpclient.h"

@@ -45,7 +45,7 @@ std::shared_ptr<const ViewMetadataJp2::Values> ViewMetadataJp2::Values::of(const
         const xrv::ComponentStyle &style = header.style.components.front();
         values->precincts = precinctSizes(style);
         values->codeBlock = {powerOfTwo(style.codeBlockWidthExponent), powerOfTwo(style.codeBlockHeightExponent)};
-        values->isHighThroughput = style.codeBlockStyle & xrv::BlockStyle::kHighThroughput;
+        values->isHighThroughput = style.codeBlockStyle & xrv::CodeBlockStyle::kHighThroughput;
         values->levels = style.decompositionLevels + 1;
         values->transformation = style.isReversible ? 1 : 0;
     }

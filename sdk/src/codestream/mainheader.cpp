@@ -120,7 +120,7 @@ CError readStyleParameters(ByteCursor &in, bool hasPrecincts, ComponentStyle *st
         return malformed("its code-blocks are larger than 4096 cells");
     if (transform > 1)
         return {PLK_ERR_UNSUPPORTED, "The wavelet transformation of the codestream is not supported."};
-    constexpr std::uint8_t kMixedBlocks = BlockStyle::kHighThroughput | BlockStyle::kMixed;
+    constexpr std::uint8_t kMixedBlocks = CodeBlockStyle::kHighThroughput | CodeBlockStyle::kMixed;
     if ((style->codeBlockStyle & kMixedBlocks) == kMixedBlocks)
         return {PLK_ERR_UNSUPPORTED, "High-throughput code-blocks among others are not supported."};
     style->isReversible = transform == 1;

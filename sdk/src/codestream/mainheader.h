@@ -27,14 +27,14 @@ struct MarkerSegment
 };
 
 /// Bits of the code-block style (table A.19).
-namespace BlockStyle {
+namespace CodeBlockStyle {
 constexpr std::uint8_t kBypass = 1, kReset = 2, kTerminateAll = 4, kVerticallyCausal = 8, kPredictableTermination = 16,
                        kSegmentationSymbols = 32;
 /// ISO/IEC 15444-15 annex A: high-throughput code-blocks, alone or mixed with others.
 constexpr std::uint8_t kHighThroughput = 64, kMixed = 128;
 /// Any of these may divide a code-block's data into several codeword segments.
 constexpr std::uint8_t kManySegments = kBypass | kTerminateAll | kHighThroughput;
-} // namespace BlockStyle
+} // namespace CodeBlockStyle
 
 /// Coding style of one component of a tile (A.6.1, A.6.2).
 struct ComponentStyle

@@ -35,11 +35,11 @@ constexpr int kMaxZeroBitPlanes = 74; ///< more than 7 guard bits and 5-bit expo
 
 int passesInSegment(std::uint8_t style, int firstPass)
 {
-    if (style & BlockStyle::kHighThroughput)
+    if (style & CodeBlockStyle::kHighThroughput)
         return firstPass % kPassesOfSet == 0 ? 1 : kPassesOfSet - firstPass % kPassesOfSet;
-    if (style & BlockStyle::kTerminateAll)
+    if (style & CodeBlockStyle::kTerminateAll)
         return 1;
-    if (!(style & BlockStyle::kBypass))
+    if (!(style & CodeBlockStyle::kBypass))
         return kMaxPasses;
     // Arithmetic coding for the first ten passes, then two raw passes and one arithmetically coded one in turn.
     if (firstPass < 10)
@@ -47,9 +47,9 @@ int passesInSegment(std::uint8_t style, int firstPass)
     return (firstPass - 10) % 3 == 0 ? 2 : 1;
 }
 
-IntRect BandGrid::blockRect(std::uint32_t block) const
+IntRect BandGrid::codeBlockRect(std::uint32_t number) const
 {
-    const std::int64_t x = firstX + block % across, y = firstY + block / across;
+    const std::int64_t x = firstX + number % across, y = firstY + number / across;
     return IntRect{x << widthExponent, y << heightExponent, (x + 1) << widthExponent, (y + 1) << heightExponent}
         .intersected(bandRect);
 }
@@ -99,7 +99,7 @@ Precinct::Precinct(const IntRect &tileComponentRect, const ComponentStyle &style
 {
     for (const BandGrid &band : bandGrids(tileComponentRect, style, grid, resolution, precinct))
         bandStates.push_back({band, TagTree(band.across, band.down), TagTree(band.across, band.down),
-                              std::vector<BlockState>(band.count())});
+                              std::vector<CodeBlockState>(band.count())});
 }
 
 Precinct::Outcome Precinct::parse(const std::uint8_t *data, std::size_t size, int layer, std::size_t *headerLength,
@@ -119,8 +119,8 @@ Precinct::Outcome Precinct::parse(const std::uint8_t *data, std::size_t size, in
         bits.bit();
         bool sound = true;
         for (BandState &band : bandStates)
-            for (std::uint32_t block = 0; sound && block < band.blocks.size(); ++block)
-                sound = parseBlock(bits, band, block, layer, bodyLength);
+            for (std::uint32_t i = 0; sound && i < band.codeBlocks.size(); ++i)
+                sound = parseCodeBlock(bits, band, i, layer, bodyLength);
         *headerLength = sop + bits.finish();
         if (!bits.ok() || !sound)
             return bits.ok() ? Outcome::Damaged : Outcome::NeedsMore;
@@ -133,24 +133,25 @@ Precinct::Outcome Precinct::parse(const std::uint8_t *data, std::size_t size, in
             *headerLength += 2;
     }
     std::uint64_t offset = *headerLength;
-    for (auto &[block, piece] : lastPieces) {
-        block->pieces[piece].offset = offset;
-        offset += block->pieces[piece].length;
+    for (auto &[codeBlock, piece] : lastPieces) {
+        codeBlock->pieces[piece].offset = offset;
+        offset += codeBlock->pieces[piece].length;
     }
     return Outcome::Ok;
 }
 
 void Precinct::placeLast(std::uint64_t offset)
 {
-    for (auto &[block, piece] : lastPieces)
-        block->pieces[piece].offset += offset;
+    for (auto &[codeBlock, piece] : lastPieces)
+        codeBlock->pieces[piece].offset += offset;
 }
 
 /// B.10.3 to B.10.6.
-bool Precinct::parseBlock(PacketBits &bits, BandState &band, std::uint32_t number, int layer, std::uint64_t *bodyLength)
+bool Precinct::parseCodeBlock(PacketBits &bits, BandState &band, std::uint32_t number, int layer,
+                              std::uint64_t *bodyLength)
 {
-    BlockState &block = band.blocks[number];
-    if (block.isIncluded) {
+    CodeBlockState &codeBlock = band.codeBlocks[number];
+    if (codeBlock.isIncluded) {
         if (!bits.bit())
             return true;
     } else {
@@ -159,80 +160,82 @@ bool Precinct::parseBlock(PacketBits &bits, BandState &band, std::uint32_t numbe
         const int planes = band.zeroBitPlanes.value(bits, number, kMaxZeroBitPlanes);
         if (planes >= kMaxZeroBitPlanes)
             return false;
-        block.zeroBitPlanes = static_cast<std::uint8_t>(planes);
-        block.isIncluded = true;
+        codeBlock.zeroBitPlanes = static_cast<std::uint8_t>(planes);
+        codeBlock.isIncluded = true;
     }
     const int passes = readPasses(bits);
     while (bits.bit()) {
-        if (++block.lengthBits > 32)
+        if (++codeBlock.lengthBits > 32)
             return false;
     }
-    return parseLengths(bits, block, passes, layer, bodyLength);
+    return parseLengths(bits, codeBlock, passes, layer, bodyLength);
 }
 
-/// In high-throughput blocks whole sets of three passes may come first that have no bytes and stand for a bit-plane
-/// each (ISO/IEC 15444-15 annex B). Takes them off \a passes.
-bool Precinct::skipPlaceholders(BlockState &block, int *passes, int *placeholders) const
+/// In high-throughput code-blocks whole sets of three passes may come first that have no bytes and stand for a
+/// bit-plane each (ISO/IEC 15444-15 annex B). Takes them off \a passes.
+bool Precinct::skipPlaceholders(CodeBlockState &codeBlock, int *passes, int *placeholders) const
 {
     *placeholders = 0;
-    if (!(codeBlockStyle & BlockStyle::kHighThroughput) || block.passes > 0)
+    if (!(codeBlockStyle & CodeBlockStyle::kHighThroughput) || codeBlock.passes > 0)
         return true;
     const int sets = (*passes - 1) / kPassesOfSet;
     *placeholders = sets * kPassesOfSet;
     *passes -= *placeholders;
-    block.zeroBitPlanes = static_cast<std::uint8_t>(block.zeroBitPlanes + sets);
-    return block.zeroBitPlanes < kMaxZeroBitPlanes;
+    codeBlock.zeroBitPlanes = static_cast<std::uint8_t>(codeBlock.zeroBitPlanes + sets);
+    return codeBlock.zeroBitPlanes < kMaxZeroBitPlanes;
 }
 
 /// B.10.7: one length for each codeword segment that the packet adds to.
-bool Precinct::parseLengths(PacketBits &bits, BlockState &block, int passes, int layer, std::uint64_t *bodyLength)
+bool Precinct::parseLengths(PacketBits &bits, CodeBlockState &codeBlock, int passes, int layer,
+                            std::uint64_t *bodyLength)
 {
     int placeholders = 0;
-    if (block.passes + passes > kMaxPasses || !skipPlaceholders(block, &passes, &placeholders))
+    if (codeBlock.passes + passes > kMaxPasses || !skipPlaceholders(codeBlock, &passes, &placeholders))
         return false;
     while (passes > 0) {
         int inSegment = kMaxPasses;
-        if (codeBlockStyle & BlockStyle::kManySegments) {
+        if (codeBlockStyle & CodeBlockStyle::kManySegments) {
             // Passes left in the segment that is open.
             int begun = 0;
-            for (auto piece = block.pieces.rbegin(); piece != block.pieces.rend() && !piece->endsSegment; ++piece)
+            for (auto piece = codeBlock.pieces.rbegin(); piece != codeBlock.pieces.rend() && !piece->endsSegment;
+                 ++piece)
                 begun += piece->passes;
-            inSegment = passesInSegment(codeBlockStyle, block.passes - begun) - begun;
+            inSegment = passesInSegment(codeBlockStyle, codeBlock.passes - begun) - begun;
         }
-        BlockPiece piece;
+        CodeBlockPiece piece;
         piece.passes = static_cast<std::uint8_t>(std::min(passes, inSegment));
         piece.endsSegment = piece.passes == inSegment;
         piece.layer = static_cast<std::uint16_t>(layer);
-        const int count = block.lengthBits + floorLog2(static_cast<unsigned>(piece.passes + placeholders));
+        const int count = codeBlock.lengthBits + floorLog2(static_cast<unsigned>(piece.passes + placeholders));
         if (count > 32)
             return false;
         piece.length = bits.bits(count);
         *bodyLength += piece.length;
-        block.passes = static_cast<std::uint8_t>(block.passes + piece.passes);
+        codeBlock.passes = static_cast<std::uint8_t>(codeBlock.passes + piece.passes);
         passes -= piece.passes;
         placeholders = 0;
-        block.pieces.push_back(piece);
-        lastPieces.emplace_back(&block, block.pieces.size() - 1);
+        codeBlock.pieces.push_back(piece);
+        lastPieces.emplace_back(&codeBlock, codeBlock.pieces.size() - 1);
     }
     return true;
 }
 
 std::size_t Precinct::ampleHeader() const
 {
-    const bool manySegments = codeBlockStyle & (BlockStyle::kBypass | BlockStyle::kTerminateAll);
-    std::size_t blocks = 0;
+    const bool manySegments = codeBlockStyle & (CodeBlockStyle::kBypass | CodeBlockStyle::kTerminateAll);
+    std::size_t count = 0;
     for (const BandState &band : bandStates)
-        blocks += band.blocks.size();
-    return 64 + blocks * (manySegments ? 256 : 32);
+        count += band.codeBlocks.size();
+    return 64 + count * (manySegments ? 256 : 32);
 }
 
 std::size_t Precinct::memoryUse() const
 {
     std::size_t sum = sizeof(*this);
     for (const BandState &band : bandStates) {
-        sum += band.blocks.size() * (sizeof(BlockState) + 24);
-        for (const BlockState &block : band.blocks)
-            sum += block.pieces.capacity() * sizeof(BlockPiece);
+        sum += band.codeBlocks.size() * (sizeof(CodeBlockState) + 24);
+        for (const CodeBlockState &codeBlock : band.codeBlocks)
+            sum += codeBlock.pieces.capacity() * sizeof(CodeBlockPiece);
     }
     return sum;
 }

@@ -18,8 +18,8 @@ struct BandGrid
     std::int64_t firstX = 0, firstY = 0;       ///< indices of the first code-block, counted from the canvas origin
     std::uint32_t across = 0, down = 0;
     std::uint32_t count() const { return across * down; }
-    /// Cells of code-block \a block, numbered row by row.
-    IntRect blockRect(std::uint32_t block) const;
+    /// Cells of code-block \a number, counted row by row.
+    IntRect codeBlockRect(std::uint32_t number) const;
 };
 
 /// Subband rectangle of a tile-component (B-15). \a level: decompositions from full resolution, 1 and up (for LL the
@@ -31,7 +31,7 @@ std::vector<BandGrid> bandGrids(const IntRect &tileComponentRect, const Componen
                                 int resolution, std::int64_t precinct);
 
 /// A piece of a code-block's data: some passes in one packet that belong to one codeword segment.
-struct BlockPiece
+struct CodeBlockPiece
 {
     std::uint64_t offset = 0; ///< from the start of the packet while a packet is parsed, in the file afterwards
     std::uint32_t length = 0;
@@ -41,9 +41,9 @@ struct BlockPiece
 };
 
 /// What packet headers have told of a code-block so far.
-struct BlockState
+struct CodeBlockState
 {
-    std::vector<BlockPiece> pieces;
+    std::vector<CodeBlockPiece> pieces;
     std::uint8_t zeroBitPlanes = 0; ///< with those that placeholder passes stand for
     std::uint8_t lengthBits = 3;    ///< Lblock
     std::uint8_t passes = 0;
@@ -58,7 +58,7 @@ public:
     {
         BandGrid grid;
         TagTree inclusion, zeroBitPlanes;
-        std::vector<BlockState> blocks;
+        std::vector<CodeBlockState> codeBlocks;
     };
 
     Precinct(const IntRect &tileComponentRect, const ComponentStyle &style, const PrecinctGrid &grid, int resolution,
@@ -79,12 +79,12 @@ public:
     std::size_t memoryUse() const;
 
 private:
-    bool parseBlock(PacketBits &bits, BandState &band, std::uint32_t number, int layer, std::uint64_t *bodyLength);
-    bool skipPlaceholders(BlockState &block, int *passes, int *placeholders) const;
-    bool parseLengths(PacketBits &bits, BlockState &block, int passes, int layer, std::uint64_t *bodyLength);
+    bool parseCodeBlock(PacketBits &bits, BandState &band, std::uint32_t number, int layer, std::uint64_t *bodyLength);
+    bool skipPlaceholders(CodeBlockState &codeBlock, int *passes, int *placeholders) const;
+    bool parseLengths(PacketBits &bits, CodeBlockState &codeBlock, int passes, int layer, std::uint64_t *bodyLength);
 
     std::vector<BandState> bandStates;
-    std::vector<std::pair<BlockState *, std::size_t>> lastPieces;
+    std::vector<std::pair<CodeBlockState *, std::size_t>> lastPieces;
     std::uint8_t codeBlockStyle;
     bool usesEph;
 };
@@ -93,7 +93,7 @@ private:
 constexpr int kPassesOfSet = 3;
 
 /// Passes that the codeword segment with its first pass numbered \a firstPass can hold (table D.9; in high-throughput
-/// blocks a cleanup pass stands alone, the two refinement passes after it together: ISO/IEC 15444-15 annex B).
+/// code-blocks a cleanup pass stands alone, the two refinement passes after it together: ISO/IEC 15444-15 annex B).
 int passesInSegment(std::uint8_t codeBlockStyle, int firstPass);
 
 } // namespace xrv

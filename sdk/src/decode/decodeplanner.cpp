@@ -21,6 +21,14 @@ IntRect onGrid(const IntRect &rect, const IntRect &bounds)
 
 } // namespace
 
+double DecodePlan::cellsToDecode() const
+{
+    double cells = 0.0;
+    for (const DecodeJob &job : jobs)
+        cells += double(areaOf(job.levelRect)) * double(job.components.size());
+    return cells;
+}
+
 IntRect DecodePlanner::wantedRect(const ReadRequest &request, int component) const
 {
     const ComponentInfo &info = raster.components[component];
@@ -102,8 +110,8 @@ void DecodePlanner::planTile(const ReadRequest &request, std::uint32_t tile, Dec
         missingComponents.push_back(c);
         missing.push_back(std::move(rest));
     }
-    plan->tiles += isWanted ? 1 : 0;
-    plan->tilesCached += isWanted && missing.empty() ? 1 : 0;
+    plan->cacheTiles += isWanted ? 1 : 0;
+    plan->cacheTilesReady += isWanted && missing.empty() ? 1 : 0;
     if (!missing.empty())
         addJobs(request, tile, missing, missingComponents, plan);
 }

@@ -22,8 +22,11 @@ struct DecodePlan
 {
     std::vector<IntRect> wanted; ///< per requested component, component level coordinates
     std::vector<TileCache::PlanePtr> cached;
-    std::vector<DecodeJob> jobs; ///< by tile
-    std::uint64_t tiles = 0, tilesCached = 0;
+    std::vector<DecodeJob> jobs;                       ///< by tile
+    std::uint64_t cacheTiles = 0, cacheTilesReady = 0; ///< see ReadCost
+
+    /// Of all components, at the level.
+    double cellsToDecode() const;
 };
 
 /// Finds out what of a request is in the tile cache and which pieces of which tiles have to be decoded. Any thread.

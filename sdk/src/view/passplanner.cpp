@@ -48,7 +48,7 @@ std::vector<Pass> PassPlanner::plan()
 {
     // A view that is soon complete is best shown at once: a coarse pass before it would only flicker.
     const Pass last = pass(levels.front(), &costOfFinal);
-    const bool isCached = costOfFinal.blocksCached >= costOfFinal.blocks;
+    const bool isCached = costOfFinal.cacheTilesReady >= costOfFinal.cacheTiles;
     if (isCached || last.expected <= kSinglePass || levels.size() == 1)
         return {last};
     std::vector<Pass> passes; // coarse to fine

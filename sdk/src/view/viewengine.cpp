@@ -300,7 +300,7 @@ std::vector<Pass> ViewEngine::planPasses(const RequestPtr &request, int finalLev
     };
     PassPlanner planner(levels, costOf, [this](double estimated) { return rate.expected(estimated); });
     const std::vector<Pass> passes = planner.plan();
-    progress.setCacheTiles(planner.finalCost().blocks, planner.finalCost().blocksCached);
+    progress.setCacheTiles(planner.finalCost().cacheTiles, planner.finalCost().cacheTilesReady);
     return passes;
 }
 

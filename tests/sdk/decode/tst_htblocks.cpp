@@ -2,7 +2,7 @@
 #include "peerdecoder.h"
 
 #include "codestream/precinct.h"
-#include "decode/codeblock/htblockdecoder.h"
+#include "decode/codeblock/htcodeblockdecoder.h"
 #include "decode/rasterreader.h"
 #include "io/memorysource.h"
 
@@ -89,7 +89,7 @@ OneBlock makeBlock(int width, int height, unsigned seed)
     std::size_t headerLength = 0;
     std::uint64_t bodyLength = 0;
     precinct.parse(bytes.data() + packet, bytes.size() - packet, 0, &headerLength, &bodyLength);
-    const BlockState &block = precinct.bands()[0].blocks[0];
+    const CodeBlockState &block = precinct.bands()[0].codeBlocks[0];
     const auto begin = bytes.begin() + std::ptrdiff_t(packet + block.pieces[0].offset);
     return {{bytes.begin(), bytes.begin() + std::ptrdiff_t(packet)},
             block.zeroBitPlanes,
@@ -228,13 +228,13 @@ void TestHtBlocks::laterSets()
     const OneBlock coarse = makeBlock(32, 32, 5), fine = makeBlock(32, 32, 6);
     CodeBlock block;
     block.width = block.height = 32;
-    block.style = BlockStyle::kHighThroughput;
+    block.style = CodeBlockStyle::kHighThroughput;
     block.bitPlanes = 3;
     const auto add = [&block](const Bytes &bytes, int passes) {
         block.segments.push_back({block.data.size(), bytes.size(), passes});
         block.data.insert(block.data.end(), bytes.begin(), bytes.end());
     };
-    HtBlockDecoder decoder;
+    HtCodeBlockDecoder decoder;
     std::vector<std::int32_t> first(32 * 32), both(32 * 32), alone(32 * 32);
     add(coarse.cleanup, 1);
     add({1, 2, 3}, 2);
@@ -253,14 +253,14 @@ void TestHtBlocks::damage()
 {
     std::mt19937 random(11);
     const OneBlock block = makeBlock(64, 63, 9);
-    HtBlockDecoder decoder;
+    HtCodeBlockDecoder decoder;
     std::vector<std::int32_t> cells(64 * 63);
     int found = 0;
     for (int i = 0; i < 3000; ++i) {
         CodeBlock damaged;
         damaged.width = 64;
         damaged.height = 63;
-        damaged.style = BlockStyle::kHighThroughput;
+        damaged.style = CodeBlockStyle::kHighThroughput;
         damaged.bitPlanes = 1 + int(random() % 31);
         damaged.data = block.cleanup;
         damaged.data.resize(random() % 4 ? damaged.data.size() : random() % damaged.data.size());
@@ -280,7 +280,7 @@ void TestHtBlocks::damage()
     const Bytes bytes = assemble(broken, 0, 0, 1, {});
     QVERIFY(decodeOwn(bytes).empty());
     QCOMPARE(decodeOwn(bytes, true), std::vector<std::int32_t>(64 * 63, 128));
-    broken.before[find(broken.before, 0x52) + 12] |= BlockStyle::kMixed;
+    broken.before[find(broken.before, 0x52) + 12] |= CodeBlockStyle::kMixed;
     const Bytes mixed = assemble(broken, 0, 0, 1, {});
     std::unique_ptr<RasterReader> reader;
     const PLK::CError error = RasterReader::open(std::make_shared<MemorySource>(mixed), {0, mixed.size()}, &reader);

@@ -26,7 +26,7 @@ std::size_t TileCache::KeyHash::operator()(const Key &key) const
 {
     std::uint64_t h = key.file * 0x9E3779B97F4A7C15ull;
     h ^= (std::uint64_t(key.tile) << 32 | std::uint64_t(key.component) << 16 | key.layers) * 0xC2B2AE3D27D4EB4Full;
-    h ^= (key.level + key.block * 64) * 0x165667B19E3779F9ull;
+    h ^= (key.level + key.codeBlock * 64) * 0x165667B19E3779F9ull;
     return static_cast<std::size_t>(h ^ h >> 29);
 }
 

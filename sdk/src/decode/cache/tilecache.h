@@ -25,11 +25,11 @@ public:
         std::uint16_t layers = 0;
         std::uint16_t component = 0;
         std::uint8_t level = 0;
-        std::uint64_t block = 0; ///< 0: samples; otherwise the coefficients of this code-block
+        std::uint64_t codeBlock = 0; ///< 0: samples; otherwise the coefficients of this code-block
         bool operator==(const Key &k) const
         {
             return file == k.file && tile == k.tile && layers == k.layers && component == k.component &&
-                   level == k.level && block == k.block;
+                   level == k.level && codeBlock == k.codeBlock;
         }
     };
     using PlanePtr = std::shared_ptr<const Plane>;

@@ -36,10 +36,4 @@ BandQuantization bandQuantization(const Bytes &parameters, bool isReversible, in
     return result;
 }
 
-int regionOfInterestShift(const Bytes &parameters)
-{
-    // Srgn 0 is the implicit (maximum shift) method, the only one of this part of the standard.
-    return parameters.size() >= 2 && parameters[0] == 0 ? parameters[1] : 0;
-}
-
 } // namespace xrv

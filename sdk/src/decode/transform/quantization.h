@@ -16,7 +16,4 @@ struct BandQuantization
 BandQuantization bandQuantization(const Bytes &parameters, bool isReversible, int depth, int resolution,
                                   int orientation);
 
-/// Bits by which the region of interest was scaled up (A.6.3), from Srgn and SPrgn; 0 without.
-int regionOfInterestShift(const Bytes &parameters);
-
 } // namespace xrv

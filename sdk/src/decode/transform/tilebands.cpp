@@ -6,8 +6,8 @@
 
 namespace xrv {
 
-void appendBlocks(const IntRect &tileComponent, const ComponentStyle &style, int component, int resolution,
-                  int orientation, const IntRect &band, std::vector<BlockPlace> *blocks)
+void appendCodeBlocks(const IntRect &tileComponent, const ComponentStyle &style, int component, int resolution,
+                      int orientation, const IntRect &band, std::vector<CodeBlockPlace> *codeBlocks)
 {
     if (band.isEmpty())
         return;
@@ -18,40 +18,40 @@ void appendBlocks(const IntRect &tileComponent, const ComponentStyle &style, int
     for (std::int64_t py = band.y0 >> heightExponent; py < ceilShift(band.y1, heightExponent); ++py) {
         for (std::int64_t px = band.x0 >> widthExponent; px < ceilShift(band.x1, widthExponent); ++px) {
             const std::int64_t precinct = (py - grid.firstY) * grid.across + (px - grid.firstX);
-            const BandGrid blockGrid = bandGrids(tileComponent, style, grid, resolution, precinct)[bandNumber];
-            const IntRect common = blockGrid.bandRect.intersected(band);
+            const BandGrid bandGrid = bandGrids(tileComponent, style, grid, resolution, precinct)[bandNumber];
+            const IntRect common = bandGrid.bandRect.intersected(band);
             if (common.isEmpty())
                 continue;
-            for (std::int64_t y = common.y0 >> blockGrid.heightExponent;
-                 y < ceilShift(common.y1, blockGrid.heightExponent); ++y) {
-                for (std::int64_t x = common.x0 >> blockGrid.widthExponent;
-                     x < ceilShift(common.x1, blockGrid.widthExponent); ++x) {
-                    const auto block =
-                        static_cast<std::uint32_t>((y - blockGrid.firstY) * blockGrid.across + (x - blockGrid.firstX));
-                    blocks->push_back({{component, resolution, precinct, bandNumber, block},
-                                       orientation,
-                                       blockGrid.blockRect(block)});
+            for (std::int64_t y = common.y0 >> bandGrid.heightExponent;
+                 y < ceilShift(common.y1, bandGrid.heightExponent); ++y) {
+                for (std::int64_t x = common.x0 >> bandGrid.widthExponent;
+                     x < ceilShift(common.x1, bandGrid.widthExponent); ++x) {
+                    const auto number =
+                        static_cast<std::uint32_t>((y - bandGrid.firstY) * bandGrid.across + (x - bandGrid.firstX));
+                    codeBlocks->push_back({{component, resolution, precinct, bandNumber, number},
+                                           orientation,
+                                           bandGrid.codeBlockRect(number)});
                 }
             }
         }
     }
 }
 
-std::vector<BlockPlace> blocksFor(const IntRect &tileComponent, const ComponentStyle &style, int component,
-                                  int discarded, const IntRect &region)
+std::vector<CodeBlockPlace> codeBlocksFor(const IntRect &tileComponent, const ComponentStyle &style, int component,
+                                          int discarded, const IntRect &region)
 {
-    std::vector<BlockPlace> blocks;
+    std::vector<CodeBlockPlace> codeBlocks;
     IntRect wanted = region;
     for (int level = discarded; level < style.decompositionLevels; ++level) {
         const IntRect resolutionRect = levelRect(tileComponent, level);
         const int resolution = style.decompositionLevels - level;
         for (int orientation = 1; orientation <= 3; ++orientation)
-            appendBlocks(tileComponent, style, component, resolution, orientation,
-                         neededBandRect(resolutionRect, wanted, orientation), &blocks);
+            appendCodeBlocks(tileComponent, style, component, resolution, orientation,
+                             neededBandRect(resolutionRect, wanted, orientation), &codeBlocks);
         wanted = neededBandRect(resolutionRect, wanted, 0);
     }
-    appendBlocks(tileComponent, style, component, 0, 0, wanted, &blocks);
-    return blocks;
+    appendCodeBlocks(tileComponent, style, component, 0, 0, wanted, &codeBlocks);
+    return codeBlocks;
 }
 
 } // namespace xrv

@@ -88,7 +88,7 @@ std::uint64_t StripReader::cacheTilesInView()
     if (!isCounted) {
         isCounted = true;
         const ReadRequest whole = readRequest(source, *request, key.level, 0, request->height);
-        countedTiles = whole.datasetRect.isEmpty() ? 0 : source.reader->cost(whole).blocks;
+        countedTiles = whole.datasetRect.isEmpty() ? 0 : source.reader->cost(whole).cacheTiles;
     }
     return countedTiles;
 }

@@ -11,7 +11,7 @@ namespace xrv {
 
 namespace {
 
-/// Reversible coefficients lose the half that the block decoder added, towards 0; others are scaled by their step.
+/// Reversible coefficients lose the half that the code-block decoder added, towards 0; others are scaled by their step.
 inline std::int32_t dequantized(std::int32_t doubled, float, std::int32_t)
 {
     return doubled / 2;
@@ -22,10 +22,10 @@ inline float dequantized(std::int32_t doubled, float halfStep, float)
 }
 
 template <typename T, typename Stored>
-void copyBlock(const Plane &block, const IntRect &common, float halfStep, Grid<T> *band)
+void copyCodeBlock(const Plane &codeBlock, const IntRect &common, float halfStep, Grid<T> *band)
 {
     for (std::int64_t y = common.y0; y < common.y1; ++y) {
-        const Stored *from = block.row<Stored>(y) + (common.x0 - block.rect.x0);
+        const Stored *from = codeBlock.row<Stored>(y) + (common.x0 - codeBlock.rect.x0);
         T *to = band->row(y) + (common.x0 - band->rect.x0);
         for (std::int64_t i = 0; i < common.width(); ++i)
             to[i] = dequantized(from[i], halfStep, T());
@@ -116,8 +116,8 @@ bool TileSynthesis::usesTransform(const std::vector<int> &components) const
 }
 
 template <typename T>
-void TileSynthesis::synthesizeComponent(const BlockSet &blocks, int component, int discarded, const IntRect &region,
-                                        Component<T> *result) const
+void TileSynthesis::synthesizeComponent(const CodeBlockSet &codeBlocks, int component, int discarded,
+                                        const IntRect &region, Component<T> *result) const
 {
     const ComponentStyle &style = tile.index->style().components[component];
     const IntRect tileComponent = componentRect(tile.index->rect(), header.components[component]);
@@ -129,17 +129,17 @@ void TileSynthesis::synthesizeComponent(const BlockSet &blocks, int component, i
         const float halfStep = 0.5f * bandQuantization(parameters, style.isReversible,
                                                        header.components[component].bits, resolution, orientation)
                                           .stepSize;
-        std::vector<BlockPlace> places;
-        appendBlocks(tileComponent, style, component, resolution, orientation, rect, &places);
-        for (const BlockPlace &place : places) {
-            const Plane *block = blocks.find(component, place.name.number());
+        std::vector<CodeBlockPlace> places;
+        appendCodeBlocks(tileComponent, style, component, resolution, orientation, rect, &places);
+        for (const CodeBlockPlace &place : places) {
+            const Plane *codeBlock = codeBlocks.find(component, place.name.number());
             const IntRect common = place.rect.intersected(rect);
-            if (!block || common.isEmpty())
+            if (!codeBlock || common.isEmpty())
                 continue;
-            if (block->type == SampleType::Int16)
-                copyBlock<T, std::int16_t>(*block, common, halfStep, band);
+            if (codeBlock->type == SampleType::Int16)
+                copyCodeBlock<T, std::int16_t>(*codeBlock, common, halfStep, band);
             else
-                copyBlock<T, std::int32_t>(*block, common, halfStep, band);
+                copyCodeBlock<T, std::int32_t>(*codeBlock, common, halfStep, band);
         }
     };
 
@@ -199,24 +199,25 @@ template <typename T> Plane TileSynthesis::toPlane(int component, const IntRect 
 }
 
 template <typename T>
-Plane TileSynthesis::single(const BlockSet &blocks, int component, int discarded, const IntRect &region) const
+Plane TileSynthesis::single(const CodeBlockSet &codeBlocks, int component, int discarded, const IntRect &region) const
 {
     const IntRect rect = componentRect(region, header.components[component]);
     if (rect.isEmpty())
         return toPlane<T>(component, rect, *std::make_unique<Component<T>>());
     Component<T> cells;
-    synthesizeComponent(blocks, component, discarded, rect, &cells);
+    synthesizeComponent(codeBlocks, component, discarded, rect, &cells);
     return toPlane(component, rect, cells);
 }
 
 template <typename T>
-std::vector<Plane> TileSynthesis::transformed(const BlockSet &blocks, int discarded, const IntRect &region) const
+std::vector<Plane> TileSynthesis::transformed(const CodeBlockSet &codeBlocks, int discarded,
+                                              const IntRect &region) const
 {
     const IntRect rect = componentRect(region, header.components[0]);
     Component<T> cells[3];
     std::vector<Plane> result;
     for (int c = 0; c < 3 && !rect.isEmpty(); ++c)
-        synthesizeComponent(blocks, c, discarded, rect, &cells[c]);
+        synthesizeComponent(codeBlocks, c, discarded, rect, &cells[c]);
     for (std::int64_t y = rect.y0; y < rect.y1; ++y)
         inverseTransform(cells[0].grid.row(y) + (rect.x0 - cells[0].grid.rect.x0),
                          cells[1].grid.row(y) + (rect.x0 - cells[1].grid.rect.x0),
@@ -226,21 +227,21 @@ std::vector<Plane> TileSynthesis::transformed(const BlockSet &blocks, int discar
     return result;
 }
 
-std::vector<Plane> TileSynthesis::planes(const BlockSet &blocks, const std::vector<int> &components, int discarded,
-                                         const IntRect &region) const
+std::vector<Plane> TileSynthesis::planes(const CodeBlockSet &codeBlocks, const std::vector<int> &components,
+                                         int discarded, const IntRect &region) const
 {
     const TileStyle &style = tile.index->style();
     std::vector<Plane> result;
     std::size_t next = 0;
     if (usesTransform(components)) {
-        result = style.components[0].isReversible ? transformed<std::int32_t>(blocks, discarded, region)
-                                                  : transformed<float>(blocks, discarded, region);
+        result = style.components[0].isReversible ? transformed<std::int32_t>(codeBlocks, discarded, region)
+                                                  : transformed<float>(codeBlocks, discarded, region);
         next = 3;
     }
     for (; next < components.size(); ++next)
         result.push_back(style.components[components[next]].isReversible
-                             ? single<std::int32_t>(blocks, components[next], discarded, region)
-                             : single<float>(blocks, components[next], discarded, region));
+                             ? single<std::int32_t>(codeBlocks, components[next], discarded, region)
+                             : single<float>(codeBlocks, components[next], discarded, region));
     return result;
 }
 

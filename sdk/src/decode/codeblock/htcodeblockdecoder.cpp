@@ -1,4 +1,4 @@
-#include "htblockdecoder.h"
+#include "htcodeblockdecoder.h"
 
 #include "htbits.h"
 #include "htcodewords.h"
@@ -79,13 +79,13 @@ std::array<std::uint8_t, 2> readTwoOffsets(BackwardBits &bits, MelEvents *events
 } // namespace
 
 /// Passes that belong together: where their bytes are, and how many there are.
-struct HtBlockDecoder::Set
+struct HtCodeBlockDecoder::Set
 {
     CodewordSegment cleanup, refinement;
     int number = 0;
 };
 
-bool HtBlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients)
+bool HtCodeBlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients)
 {
     width = block.width;
     height = block.height;
@@ -117,13 +117,13 @@ bool HtBlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients)
     markSignificance();
     if (last.refinement.passes > 1)
         refineMagnitudes(BackwardBits(begin, end));
-    propagateSignificance(ForwardBits(begin, end, 0), block.style & BlockStyle::kVerticallyCausal);
+    propagateSignificance(ForwardBits(begin, end, 0), block.style & CodeBlockStyle::kVerticallyCausal);
     return true;
 }
 
 /// Clause 7.1: the bytes hold magnitudes and signs, then the run-length code from the front and the codewords from the
 /// back; twelve bits at the end say how long the latter two are.
-bool HtBlockDecoder::decodeCleanup(const std::uint8_t *data, std::size_t length)
+bool HtCodeBlockDecoder::decodeCleanup(const std::uint8_t *data, std::size_t length)
 {
     if (length < 2)
         return false;
@@ -134,7 +134,7 @@ bool HtBlockDecoder::decodeCleanup(const std::uint8_t *data, std::size_t length)
     return readMagnitudes(data, length - suffix);
 }
 
-void HtBlockDecoder::readQuads(const std::uint8_t *data, std::size_t length, std::size_t suffixLength)
+void HtCodeBlockDecoder::readQuads(const std::uint8_t *data, std::size_t length, std::size_t suffixLength)
 {
     const std::uint8_t *begin = data + length - suffixLength, *end = data + length;
     MelEvents events(begin, end - 1);
@@ -183,7 +183,7 @@ void HtBlockDecoder::readQuads(const std::uint8_t *data, std::size_t length, std
     }
 }
 
-bool HtBlockDecoder::readMagnitudes(const std::uint8_t *data, std::size_t length)
+bool HtCodeBlockDecoder::readMagnitudes(const std::uint8_t *data, std::size_t length)
 {
     ForwardBits bits(data, data + length, 0xFF);
     const std::size_t columns = static_cast<std::size_t>(quadsAcross) * 2 + 3; // one more on the left, two on the right
@@ -211,7 +211,7 @@ bool HtBlockDecoder::readMagnitudes(const std::uint8_t *data, std::size_t length
 }
 
 /// The magnitude bits and signs of a quad whose largest exponent is \a exponent at most.
-bool HtBlockDecoder::readQuad(const Quad &quad, int x, int y, unsigned exponent, ForwardBits &bits)
+bool HtCodeBlockDecoder::readQuad(const Quad &quad, int x, int y, unsigned exponent, ForwardBits &bits)
 {
     const bool reachesOut =
         (x + 1 == width && (quad.significance & 0xC)) || (y + 1 == height && (quad.significance & 0xA));
@@ -238,7 +238,7 @@ bool HtBlockDecoder::readQuad(const Quad &quad, int x, int y, unsigned exponent,
     return true;
 }
 
-void HtBlockDecoder::markSignificance()
+void HtCodeBlockDecoder::markSignificance()
 {
     const std::size_t pitch = static_cast<std::size_t>(width) + 2;
     significance.assign(pitch * (static_cast<std::size_t>(height) + 2), 0);
@@ -251,7 +251,7 @@ void HtBlockDecoder::markSignificance()
 }
 
 /// Clause 7.5: another bit for every cell that the cleanup pass has found, column by column in stripes of four rows.
-void HtBlockDecoder::refineMagnitudes(BackwardBits bits)
+void HtCodeBlockDecoder::refineMagnitudes(BackwardBits bits)
 {
     const std::int32_t middle = 1 << (bitPlane - 1), half = middle >> 1;
     for (int top = 0; top < height; top += kStripe)
@@ -265,7 +265,7 @@ void HtBlockDecoder::refineMagnitudes(BackwardBits bits)
             }
 }
 
-bool HtBlockDecoder::hasSignificantNeighbour(std::size_t mark, bool isLastRowOfStripe) const
+bool HtCodeBlockDecoder::hasSignificantNeighbour(std::size_t mark, bool isLastRowOfStripe) const
 {
     const std::size_t pitch = static_cast<std::size_t>(width) + 2;
     const std::uint8_t *above = significance.data() + mark - pitch, *at = above + pitch, *below = at + pitch;
@@ -275,7 +275,7 @@ bool HtBlockDecoder::hasSignificantNeighbour(std::size_t mark, bool isLastRowOfS
 
 /// Clause 7.4: cells beside significant ones may become significant in the next bit-plane. Of four columns the
 /// decisions come first, then the signs.
-void HtBlockDecoder::propagateSignificance(ForwardBits bits, bool isCausal)
+void HtCodeBlockDecoder::propagateSignificance(ForwardBits bits, bool isCausal)
 {
     const std::int32_t value = 3 << (bitPlane - 2);
     const std::size_t pitch = static_cast<std::size_t>(width) + 2;

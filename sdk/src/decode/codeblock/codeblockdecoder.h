@@ -26,7 +26,7 @@ struct CodeBlock
 };
 
 /// Decodes the bit-planes of code-blocks (annexes C and D). Holds scratch memory; one per thread.
-class BlockDecoder
+class CodeBlockDecoder
 {
 public:
     /// Gives width x height quantized coefficients, rows packed, doubled: the lowest bit is the half by which the value

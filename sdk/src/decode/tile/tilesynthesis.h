@@ -1,6 +1,6 @@
 #pragma once
 
-#include "blockstore.h"
+#include "codeblockset.h"
 
 #include <vector>
 
@@ -17,24 +17,24 @@ public:
     {
     }
 
-    /// The tile can be decoded block by block: its packets' places are known, and its coding is what the block decoder
-    /// and the synthesis do.
+    /// The tile can be decoded by code-blocks: its packets' places are known, and its coding is what the code-block
+    /// decoder and the synthesis do.
     static bool supports(const MainHeader &header, const TileIndex &index);
 
     /// Makes planes of \a components (ascending; with a component transformation the first three together or not at
     /// all). \a region: cells on the canvas of the level that is left when \a discarded resolutions are left out.
-    std::vector<Plane> planes(const BlockSet &blocks, const std::vector<int> &components, int discarded,
+    std::vector<Plane> planes(const CodeBlockSet &codeBlocks, const std::vector<int> &components, int discarded,
                               const IntRect &region) const;
 
 private:
     template <typename T> struct Component;
     template <typename T>
-    void synthesizeComponent(const BlockSet &blocks, int component, int discarded, const IntRect &region,
+    void synthesizeComponent(const CodeBlockSet &codeBlocks, int component, int discarded, const IntRect &region,
                              Component<T> *result) const;
     template <typename T>
-    std::vector<Plane> transformed(const BlockSet &blocks, int discarded, const IntRect &region) const;
+    std::vector<Plane> transformed(const CodeBlockSet &codeBlocks, int discarded, const IntRect &region) const;
     template <typename T>
-    Plane single(const BlockSet &blocks, int component, int discarded, const IntRect &region) const;
+    Plane single(const CodeBlockSet &codeBlocks, int component, int discarded, const IntRect &region) const;
     template <typename T> Plane toPlane(int component, const IntRect &rect, Component<T> &cells) const;
     bool usesTransform(const std::vector<int> &components) const;
 

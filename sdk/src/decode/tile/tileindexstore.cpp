@@ -1,6 +1,6 @@
 #include "tileindexstore.h"
 
-#include "parallel.h"
+#include "decode/threads/parallel.h"
 
 #include <algorithm>
 

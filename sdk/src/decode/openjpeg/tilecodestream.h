@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tileindex.h"
+#include "codestream/tileindex.h"
 
 namespace xrv {
 

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "tilecodestream.h"
+
 #include "base/plane.h"
-#include "codestream/tilecodestream.h"
 
 #include <cstdint>
 #include <string>

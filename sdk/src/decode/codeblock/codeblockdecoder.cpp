@@ -1,4 +1,4 @@
-#include "blockdecoder.h"
+#include "codeblockdecoder.h"
 
 #include "mqdecoder.h"
 
@@ -102,7 +102,7 @@ const Tables &tables()
 } // namespace
 
 /// The three coding passes over one code-block.
-struct BlockDecoder::Passes
+struct CodeBlockDecoder::Passes
 {
     const int width, height;
     const bool isCausal; ///< vertically causal contexts: a stripe does not look at the next one (D.7)
@@ -116,7 +116,7 @@ struct BlockDecoder::Passes
     Passes(const CodeBlock &block, std::vector<std::uint32_t> &storage, std::int32_t *coefficients)
         : width(block.width)
         , height(block.height)
-        , isCausal(block.style & BlockStyle::kVerticallyCausal)
+        , isCausal(block.style & CodeBlockStyle::kVerticallyCausal)
         , pitch(std::size_t(block.width) + 2)
         , flags(storage.data() + pitch + 1)
         , cells(coefficients)
@@ -407,7 +407,7 @@ struct BlockDecoder::Passes
     }
 };
 
-bool BlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients)
+bool CodeBlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients)
 {
     std::memset(coefficients, 0, sizeof(std::int32_t) * std::size_t(block.width) * block.height);
     if (block.bitPlanes > 30)
@@ -421,7 +421,7 @@ bool BlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients)
         segmentBytes.assign(block.data.begin() + segment.offset, block.data.begin() + segment.offset + segment.length);
         segmentBytes.insert(segmentBytes.end(), {0xFF, 0xFF, 0xFF});
         // D.6: with bypass, significance and refinement passes are raw from the fifth bit-plane on.
-        const bool isRaw = (block.style & BlockStyle::kBypass) && number >= 10 && kind != 2;
+        const bool isRaw = (block.style & CodeBlockStyle::kBypass) && number >= 10 && kind != 2;
         MqDecoder mq;
         RawBits bits;
         if (isRaw)
@@ -437,9 +437,9 @@ bool BlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients)
                 isRaw ? passes.rawMagnitudeRefinement(bits, half) : passes.magnitudeRefinement(mq, half);
             else
                 passes.cleanup(mq, weight | half);
-            if (kind == 2 && (block.style & BlockStyle::kSegmentationSymbols))
+            if (kind == 2 && (block.style & CodeBlockStyle::kSegmentationSymbols))
                 passes.segmentationSymbol(mq);
-            if (block.style & BlockStyle::kReset)
+            if (block.style & CodeBlockStyle::kReset)
                 passes.resetContexts();
             if (++kind == 3) {
                 kind = 0;

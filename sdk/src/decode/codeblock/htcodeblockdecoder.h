@@ -1,6 +1,6 @@
 #pragma once
 
-#include "blockdecoder.h"
+#include "codeblockdecoder.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,11 +12,11 @@ namespace xrv {
 ///
 /// A set of passes is a cleanup pass, which codes all magnitude bits down to one bit-plane, and up to two passes that
 /// refine by one bit-plane more. Where there are several sets, the last one whose cleanup pass is there has it all.
-class HtBlockDecoder
+class HtCodeBlockDecoder
 {
 public:
-    /// As BlockDecoder::decode(), with bitPlanes counting the planes from the top to that of the first cleanup pass,
-    /// 1 to 30. False for damaged blocks too; all coefficients are 0 then.
+    /// As CodeBlockDecoder::decode(), with bitPlanes counting the planes from the top to that of the first cleanup
+    /// pass, 1 to 30. False for damaged blocks too; all coefficients are 0 then.
     bool decode(const CodeBlock &block, std::int32_t *coefficients);
 
 private:

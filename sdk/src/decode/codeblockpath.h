@@ -1,0 +1,38 @@
+#pragma once
+
+#include "rasterread.h"
+
+#include "decode/tile/codeblockstore.h"
+
+#include <deque>
+
+namespace xrv {
+
+/// Decodes the jobs of reads by code-blocks: just those on which the wanted cells depend, which the tile cache keeps.
+/// Memory stays bounded: what a read needs is decoded batch by batch.
+class CodeBlockPath
+{
+public:
+    CodeBlockPath(std::shared_ptr<ByteSource> source, const MainHeader &header, const RasterInfo &raster,
+                  std::uint64_t fileNumber);
+
+    /// Whether tiles like this one can be decoded so.
+    bool supports(const TileIndex &index) const;
+    /// Decodes the jobs of \a read whose tiles it supports and which have their indexes.
+    PLK::CError decode(RasterRead *read);
+    /// Has a distant source fetch what the first batch of all \a reads needs.
+    PLK::CError prefetch(std::deque<RasterRead> *reads, const CancelFlag &cancel);
+
+private:
+    /// Jobs of one read whose code-blocks are decoded before they are put together.
+    struct Batch;
+    bool isFor(const RasterRead &read, std::size_t job) const;
+    PLK::CError add(RasterRead *read, std::size_t job, Batch *batch) const;
+    PLK::CError decodeBatch(RasterRead *read, const Batch &batch);
+
+    const MainHeader &header;
+    const RasterInfo &raster;
+    CodeBlockStore codeBlocks;
+};
+
+} // namespace xrv

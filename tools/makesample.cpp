@@ -4,8 +4,9 @@
 //
 // With --sensor: four bands of 16 bits, the last one near infrared, instead of three colours of 8 bits.
 
-#include "jp2writer.h"
-#include "terrain.h"
+#include "terrainsource.h"
+
+#include "encode/imagewriter.h"
 
 #include <cstdio>
 #include <cstring>
@@ -21,11 +22,13 @@ int main(int argc, char *argv[])
         std::fputs("usage: makesample FILE [WIDTHxHEIGHT] [--sensor]\n", stderr);
         return 2;
     }
-    constexpr MapPlace kPlace{560000.0, 5180000.0, 10.0, 32632};
-    const std::string problem =
-        writeGeoJp2(argv[1], paintTerrain(width, height), kPlace, isSensor ? Bands::Sensor : Bands::Colours);
-    if (!problem.empty()) {
-        std::fprintf(stderr, "makesample: %s\n", problem.c_str());
+    TerrainSource source(width, height, isSensor ? Bands::Sensor : Bands::Colours);
+    xrv::WriteOptions options;
+    options.kind = xrv::FileKind::GeoJp2;
+    options.isLossless = false;
+    options.rate = 12.0;
+    if (const PLK::CError error = writeImage(source, options, argv[1])) {
+        std::fprintf(stderr, "makesample: %s\n", error.GetErrorMessage());
         return 1;
     }
     std::printf("%s: %d x %d cells, 10 m each, EPSG 32632\n", argv[1], width, height);

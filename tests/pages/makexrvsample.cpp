@@ -38,7 +38,7 @@ int main(int argc, char **argv)
     xrv::WriteOptions options;
     options.isLossless = false;
     options.rate = XrvSample::kRate;
-    options.blockSize = XrvSample::kBlockSize;
+    options.tileSize = XrvSample::kBlockSize;
     options.compressionDate = XrvSample::kDate;
     const PLK::CError error = xrv::writeImage(image, options, argv[1]);
     if (error)

@@ -79,7 +79,7 @@ private:
         withValue["--block-size"] = [this](const std::string &value) {
             int size = 0;
             const bool isGood = parseWhole(value, 64, 16384, &size) && (size & (size - 1)) == 0;
-            result.options.blockSize = static_cast<std::uint32_t>(size);
+            result.options.tileSize = static_cast<std::uint32_t>(size);
             return isGood;
         };
         withValue["--layers"] = [this](const std::string &value) {

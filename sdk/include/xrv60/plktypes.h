@@ -158,7 +158,7 @@ struct PLKSetViewInfo
     double fBottomRightY;
     std::uint32_t nBands;           ///< number of bands set
     std::uint64_t nGeneration;      ///< number of the view, growing with every SetView
-    std::uint64_t nBlocksInView;    ///< blocks that the finished view is made of
+    std::uint64_t nBlocksInView;    ///< see CView::GetAllBlocksInView()
     std::uint64_t nBlocksAvailable; ///< of these, decoded so far
 };
 

@@ -98,6 +98,8 @@ public:
     /// Decoding progress of the view that is set, 0 to 100; 100 before the first view is set. A blocking view ends at
     /// 100 with its last line, or at once where a decoded picture is at hand.
     signed char GetPercentComplete() const;
+    /// Blocks of the view that is set which are decoded, and all of them. A block is a tile of the codestream at the
+    /// resolution of the view.
     std::uint64_t GetAllBlocksAvailable() const;
     std::uint64_t GetAllBlocksInView() const;
 

@@ -60,7 +60,8 @@ private:
 class PLK_EXPORT ViewMetadataXRV
 {
 public:
-    /// Width and height of the blocks in cells; (0, 0) for a file that is not XRV.
+    /// Width and height in cells of the blocks, which are the tiles of the codestream; (0, 0) for a file that is not
+    /// XRV.
     std::pair<std::uint32_t, std::uint32_t> Blocksize() const { return blockSize; }
     void Assign(std::pair<std::uint32_t, std::uint32_t> newBlockSize) { blockSize = newBlockSize; }
 

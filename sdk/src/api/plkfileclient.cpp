@@ -55,7 +55,7 @@ CError CFileClient::OpenFileNamed(const CString &name, const COpenControl &contr
     metadataJp2.Assign(
         ViewMetadata::ViewMetadataJp2::Values::of(file->reader().mainHeader(), file->structure().hasGmlBox));
     if (const xrv::XrvStructure *xrv = file->xrv())
-        metadataXRV.Assign({xrv->info.blockWidth, xrv->info.blockHeight});
+        metadataXRV.Assign({xrv->info.tileWidth, xrv->info.tileHeight});
     return {};
 }
 

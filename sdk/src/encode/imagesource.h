@@ -31,7 +31,7 @@ struct ImageDescription
     XrvTexts texts;
 };
 
-/// An image that is read block by block.
+/// An image that is read rectangle by rectangle.
 class ImageSource
 {
 public:
@@ -39,10 +39,10 @@ public:
 
     virtual const ImageDescription &description() const = 0;
     /// Puts the cells of \a rect (within the image) into \a planes, one for each band, rows packed. Asked for from left
-    /// to right, then from top to bottom, in blocks of one height, between which rows may be left out; never from two
-    /// threads at once.
+    /// to right, then from top to bottom, in rectangles of one height, between which rows may be left out; never from
+    /// two threads at once.
     virtual PLK::CError read(const IntRect &rect, const std::vector<std::int32_t *> &planes) = 0;
-    /// Starts again at the top; the blocks may have another height then.
+    /// Starts again at the top; they may have another height then.
     virtual PLK::CError rewind() = 0;
 };
 

@@ -22,7 +22,7 @@ using PLK::CError;
 
 namespace {
 
-constexpr std::uint32_t kUsualBlockSize = 1024;
+constexpr std::uint32_t kUsualTileSize = 1024;
 constexpr int kUsualLevels = 5;
 constexpr std::uint32_t kSmallestOverview = 512; ///< cells across that the lowest resolution should have at most
 constexpr std::size_t kMaxTiles = 65535;         ///< ISO/IEC 15444-1 A.4.2
@@ -99,7 +99,7 @@ private:
     CError check()
     {
         const std::size_t bands = image.bands.size();
-        blockSize = options.blockSize != 0 ? options.blockSize : kUsualBlockSize;
+        tileSize = options.tileSize != 0 ? options.tileSize : kUsualTileSize;
         if (image.width == 0 || image.height == 0 || bands == 0)
             return unsupported("The image has no cells.");
         if (bands > kMaxBands)
@@ -107,7 +107,7 @@ private:
         for (const XrvBand &band : image.bands)
             if (band.bits < 1 || band.bits > kMaxBits)
                 return unsupported("Cells of more than 16 bits cannot be written.");
-        if (!isPowerOfTwo(blockSize) || blockSize < 64 || blockSize > 16384)
+        if (!isPowerOfTwo(tileSize) || tileSize < 64 || tileSize > 16384)
             return {PLK_ERR_INVALID_ARGUMENT, "The block size must be a power of two from 64 to 16384."};
         if (options.layers < 1 || options.layers > 32)
             return {PLK_ERR_INVALID_ARGUMENT, "The number of quality layers must be 1 to 32."};
@@ -127,7 +127,7 @@ private:
 
     CodestreamAssembler::Layout makeLayout() const
     {
-        return {image.width, image.height, blockSize, blockSize, image.bands};
+        return {image.width, image.height, tileSize, tileSize, image.bands};
     }
 
     void makeCoding()
@@ -143,16 +143,16 @@ private:
         coding.isHighThroughput = options.isHighThroughput;
         coding.hasColourTransform = image.colourSpace == PLK_COLORSPACE_SRGB && image.bands.size() >= 3 &&
                                     std::all_of(image.bands.begin(), image.bands.begin() + 3, isAlike);
-        coding.tileSize = blockSize;
+        coding.tileSize = tileSize;
         coding.levels = kUsualLevels;
         while (std::max(image.width, image.height) >> coding.levels > kSmallestOverview)
             ++coding.levels;
-        // Lower resolutions of a block than a few cells gain nothing.
-        while (coding.levels > 0 && blockSize >> coding.levels < 16)
+        // Lower resolutions of a tile than a few cells gain nothing.
+        while (coding.levels > 0 && tileSize >> coding.levels < 16)
             --coding.levels;
     }
 
-    /// High-throughput blocks are coded by step; which one gives the wanted rate, a sample of the image tells.
+    /// High-throughput code-blocks are coded by step; which one gives the wanted rate, a sample of the image tells.
     CError chooseStep()
     {
         ImageSample sample(image, coding);
@@ -179,7 +179,7 @@ private:
     {
         constexpr std::uint64_t kPartBytes = 12 + 5 + 2 + 6; // SOT, PLT and SOD, entry in the TLM
         const auto precincts = [this](std::uint32_t side, int level) {
-            const std::uint32_t tiles = (side + blockSize - 1) / blockSize;
+            const std::uint32_t tiles = (side + tileSize - 1) / tileSize;
             return std::max(tiles, ((side >> level) + kPrecinctSize - 1) / kPrecinctSize);
         };
         std::uint64_t packets = 0;
@@ -196,9 +196,9 @@ private:
 
     IntRect rectOf(std::uint32_t tile) const
     {
-        const std::uint32_t across = (image.width + blockSize - 1) / blockSize;
-        const std::int64_t x = std::int64_t(tile % across) * blockSize, y = std::int64_t(tile / across) * blockSize;
-        return IntRect{x, y, x + blockSize, y + blockSize}.intersected({0, 0, image.width, image.height});
+        const std::uint32_t across = (image.width + tileSize - 1) / tileSize;
+        const std::int64_t x = std::int64_t(tile % across) * tileSize, y = std::int64_t(tile / across) * tileSize;
+        return IntRect{x, y, x + tileSize, y + tileSize}.intersected({0, 0, image.width, image.height});
     }
 
     CError encodeNext(CodestreamAssembler *assembler, bool *goesOn)
@@ -262,7 +262,7 @@ private:
         XrvFileInfo info;
         info.isLossless = options.isLossless;
         info.targetRate = options.isLossless ? 1 : static_cast<std::uint16_t>(std::lround(options.rate));
-        info.blockWidth = info.blockHeight = blockSize;
+        info.tileWidth = info.tileHeight = tileSize;
         info.compressionDate = options.compressionDate.empty() ? now() : options.compressionDate;
         return makeXrvFileStart(image, info, *statistics, index, assembler.length());
     }
@@ -270,7 +270,7 @@ private:
     ImageSource &source;
     const WriteOptions &options;
     const ImageDescription &image;
-    std::uint32_t blockSize = kUsualBlockSize;
+    std::uint32_t tileSize = kUsualTileSize;
     std::uint32_t tileCount = 0;
     TileCoding coding;
     double shareDone = 0.0; ///< of the time, before the tiles are coded

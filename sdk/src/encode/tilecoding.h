@@ -21,7 +21,7 @@ struct TileCoding
     std::uint32_t tileSize = 1024; ///< sides of the tiles that are not clipped, cells
     int levels = 5;                ///< decomposition levels
     bool hasColourTransform = false; ///< the first three bands are red, green and blue of the same type
-    bool isHighThroughput = false;   ///< block coding of ISO/IEC 15444-15: by step in place of rate, in one layer
+    bool isHighThroughput = false;   ///< code-blocks of ISO/IEC 15444-15: by step in place of rate, in one layer
     double step = 1.0 / 256.0;       ///< quantization step where it is not lossless, as share of the range of a band
 };
 

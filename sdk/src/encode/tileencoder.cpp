@@ -1,7 +1,7 @@
 #include "tileencoder.h"
 
-#include "httileencoder.h"
-#include "part1tileencoder.h"
+#include "openjpegtileencoder.h"
+#include "openjphtileencoder.h"
 #include "tilesplitter.h"
 
 namespace xrv {
@@ -11,8 +11,8 @@ using PLK::CError;
 std::unique_ptr<TileEncoder> TileEncoder::make(const TileCoding &coding, const IntRect &rect)
 {
     if (coding.isHighThroughput)
-        return std::make_unique<HtTileEncoder>(coding, rect);
-    return std::make_unique<Part1TileEncoder>(coding, rect);
+        return std::make_unique<OpenJphTileEncoder>(coding, rect);
+    return std::make_unique<OpenJpegTileEncoder>(coding, rect);
 }
 
 CError TileEncoder::encode(EncodedTile *tile)

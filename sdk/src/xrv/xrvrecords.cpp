@@ -175,8 +175,8 @@ Bytes makeFileInfo(const XrvFileInfo &info)
     out.u16(info.bands);
     out.u16(info.targetRate);
     putFloat(&out, info.actualRate);
-    out.u32(info.blockWidth);
-    out.u32(info.blockHeight);
+    out.u32(info.tileWidth);
+    out.u32(info.tileHeight);
     for (const double number : info.transform)
         putDouble(&out, number);
     out.u32(static_cast<std::uint32_t>(info.epsg));
@@ -199,8 +199,8 @@ std::optional<XrvFileInfo> parseFileInfo(const Bytes &content)
     info.bands = in.u16();
     info.targetRate = in.u16();
     info.actualRate = takeFloat(&in);
-    info.blockWidth = in.u32();
-    info.blockHeight = in.u32();
+    info.tileWidth = in.u32();
+    info.tileHeight = in.u32();
     for (double &number : info.transform)
         number = takeDouble(&in);
     info.epsg = static_cast<std::int32_t>(in.u32());

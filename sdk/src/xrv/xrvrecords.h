@@ -24,11 +24,11 @@ struct XrvFileInfo
     PLKColorSpace colourSpace = PLK_COLORSPACE_NONE;
     PLKCellSizeUnits units = PLK_UNITS_INVALID;
     bool isLossless = false;
-    bool hasPlace = false;                         ///< transform is a place in the world
-    std::uint16_t bands = 0;                       ///< number of bands
-    std::uint16_t targetRate = 0;                  ///< n of n:1, 1 for lossless, 0 unknown
-    float actualRate = 0.0f;                       ///< bytes of all cells against bytes of the file, 0 where unknown
-    std::uint32_t blockWidth = 0, blockHeight = 0; ///< cells: of the tiles, which callers know as blocks
+    bool hasPlace = false;                       ///< transform is a place in the world
+    std::uint16_t bands = 0;                     ///< number of bands
+    std::uint16_t targetRate = 0;                ///< n of n:1, 1 for lossless, 0 unknown
+    float actualRate = 0.0f;                     ///< bytes of all cells against bytes of the file, 0 where unknown
+    std::uint32_t tileWidth = 0, tileHeight = 0; ///< cells; callers know the tiles as blocks
     std::array<double, 6> transform{0.0, 1.0, 0.0, 0.0, 0.0, -1.0}; ///< see GeoReference::transform
     std::int32_t epsg = 0;                                          ///< 0: none
     std::string datum = "RAW", projection = "RAW";                  ///< UTF-8

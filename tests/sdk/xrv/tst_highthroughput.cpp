@@ -98,7 +98,7 @@ void TestHighThroughput::losslessIsIdentical_data()
     QTest::addColumn<int>("bands");
     QTest::addColumn<int>("bits");
     QTest::addColumn<bool>("isSigned");
-    QTest::addColumn<int>("blockSize");
+    QTest::addColumn<int>("tileSize");
     QTest::newRow("8 bits, one block") << 300 << 200 << 1 << 8 << false << 0;
     QTest::newRow("8 bits, colours, odd size") << 533 << 411 << 3 << 8 << false << 128;
     QTest::newRow("16 bits, four bands") << 257 << 301 << 4 << 16 << false << 256;
@@ -121,12 +121,12 @@ void TestHighThroughput::losslessIsIdentical()
     QFETCH(int, bands);
     QFETCH(int, bits);
     QFETCH(bool, isSigned);
-    QFETCH(int, blockSize);
+    QFETCH(int, tileSize);
     SyntheticImage image(width, height, bands, bits, isSigned);
     if (bands == 3)
         image.image.colourSpace = PLK_COLORSPACE_SRGB;
     WriteOptions options;
-    options.blockSize = std::uint32_t(blockSize);
+    options.tileSize = std::uint32_t(tileSize);
     write(&image, options, "lossless.xrv");
 
     PLK::CView view;
@@ -149,7 +149,7 @@ void TestHighThroughput::mixedDepths()
         return band == 0 ? cell : band == 1 ? cell >> 11 : (cell >> 4) - 2048;
     };
     WriteOptions options;
-    options.blockSize = 128;
+    options.tileSize = 128;
     write(&image, options, "mixed.xrv");
     PLK::CView view;
     QVERIFY(view.Open(path("mixed.xrv").c_str(), false, false).IsSuccess());
@@ -180,7 +180,7 @@ void TestHighThroughput::windowsThroughTheIndex()
     SyntheticImage image(1500, 1300, 3, 8);
     image.image.colourSpace = PLK_COLORSPACE_SRGB;
     WriteOptions options;
-    options.blockSize = 512;
+    options.tileSize = 512;
     write(&image, options, "indexed.xrv");
     QByteArray file = readFile("indexed.xrv");
     const int index = file.indexOf("pidx", file.indexOf("stat")); // behind the table of contents
@@ -206,7 +206,7 @@ void TestHighThroughput::headersSayWhatItIs()
     SyntheticImage image(300, 300, 1, 8);
     WriteOptions options;
     options.kind = FileKind::GeoJp2;
-    options.blockSize = 128;
+    options.tileSize = 128;
     write(&image, options, "a.jph");
     const QByteArray file = readFile("a.jph");
     QCOMPARE(file.mid(12, 20), QByteArray("\0\0\0\x14"
@@ -261,7 +261,7 @@ void TestHighThroughput::lossyKeepsItsRate()
     WriteOptions options;
     options.isLossless = false;
     options.rate = rate;
-    options.blockSize = 256;
+    options.tileSize = 256;
     double last = 0.0;
     bool isRising = true;
     options.progress = [&](double share) {
@@ -391,7 +391,7 @@ void TestHighThroughput::failuresWhileSampling()
     WriteOptions options;
     options.isHighThroughput = true;
     options.isLossless = false;
-    options.blockSize = 128;
+    options.tileSize = 128;
     FailingImage failing(600, 600, 1, 8);
     const std::string target = inside.filePath(QStringLiteral("no.xrv")).toStdString();
     QCOMPARE(writeImage(failing, options, target).GetErrorNumber(), int(PLK_ERR_TRUNCATED));

@@ -88,7 +88,7 @@ void TestTextureDither::initTestCase()
         options.kind = one.kind;
         options.isLossless = one.isLossless;
         options.rate = 6;
-        options.blockSize = 128;
+        options.tileSize = 128;
         QVERIFY(writeImage(image, options, path(QString::fromLatin1(one.name))).IsSuccess());
     }
 }

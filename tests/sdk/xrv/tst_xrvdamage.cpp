@@ -56,7 +56,7 @@ void TestXrvDamage::initTestCase()
     image.image.rpc = PLKRPCData{};
     image.image.xmls = {"<a/>"};
     WriteOptions options;
-    options.blockSize = 128;
+    options.tileSize = 128;
     const std::string path = save(QStringLiteral("good.xrv"), {});
     QVERIFY(writeImage(image, options, path).IsSuccess());
     QFile file(QString::fromStdString(path));

@@ -46,7 +46,7 @@ void TestXrvDistant::initTestCase()
     image.image.colourSpace = PLK_COLORSPACE_SRGB;
     image.image.xmls = {std::string(200000, ' '), std::string(50000, ' ')};
     WriteOptions options;
-    options.blockSize = 256;
+    options.tileSize = 256;
     QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("distant.xrv"));
     QVERIFY(writeImage(image, options, path.toStdString()).IsSuccess());

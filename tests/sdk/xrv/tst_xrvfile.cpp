@@ -106,7 +106,7 @@ void TestXrvFile::losslessIsIdentical_data()
     QTest::addColumn<int>("bands");
     QTest::addColumn<int>("bits");
     QTest::addColumn<bool>("isSigned");
-    QTest::addColumn<int>("blockSize");
+    QTest::addColumn<int>("tileSize");
     QTest::addColumn<int>("layers");
     QTest::newRow("8 bits, one block") << 300 << 200 << 1 << 8 << false << 0 << 1;
     QTest::newRow("8 bits, three bands, odd size") << 533 << 411 << 3 << 8 << false << 128 << 1;
@@ -128,13 +128,13 @@ void TestXrvFile::losslessIsIdentical()
     QFETCH(int, bands);
     QFETCH(int, bits);
     QFETCH(bool, isSigned);
-    QFETCH(int, blockSize);
+    QFETCH(int, tileSize);
     QFETCH(int, layers);
     SyntheticImage image(width, height, bands, bits, isSigned);
     if (bands == 3)
         image.image.colourSpace = PLK_COLORSPACE_SRGB;
     WriteOptions options;
-    options.blockSize = std::uint32_t(blockSize);
+    options.tileSize = std::uint32_t(tileSize);
     options.layers = layers;
     write(&image, options, QStringLiteral("lossless.xrv"));
 
@@ -183,7 +183,7 @@ void TestXrvFile::lossyStaysWithinItsBounds()
     WriteOptions options;
     options.isLossless = false;
     options.rate = rate;
-    options.blockSize = 256;
+    options.tileSize = 256;
     write(&image, options, QStringLiteral("lossy.xrv"));
 
     PLK::CView view;
@@ -219,7 +219,7 @@ void TestXrvFile::windowsAndLevelsThroughTheIndex()
     SyntheticImage image(1500, 1300, 3, 8);
     image.image.colourSpace = PLK_COLORSPACE_SRGB;
     WriteOptions options;
-    options.blockSize = 512;
+    options.tileSize = 512;
     write(&image, options, QStringLiteral("indexed.xrv"));
     QByteArray file = readFile(path(QStringLiteral("indexed.xrv")));
     const qint64 index = findBox(file, "pidx").start;
@@ -269,7 +269,7 @@ void TestXrvFile::fileInformation()
     WriteOptions options;
     options.isLossless = false;
     options.rate = 12;
-    options.blockSize = 128;
+    options.tileSize = 128;
     options.compressionDate = "2024-06-01T12:00:00Z";
     write(&image, options, QStringLiteral("Ünïcode 情報.xrv"));
 
@@ -399,7 +399,7 @@ void TestXrvFile::overviewIsOneRangeAtTheStart()
 {
     SyntheticImage image(700, 500, 1, 8);
     WriteOptions options;
-    options.blockSize = 256;
+    options.tileSize = 256;
     write(&image, options, QStringLiteral("ordered.xrv"));
     const QByteArray file = readFile(path(QStringLiteral("ordered.xrv")));
     const FoundBox box = findBox(file, "jp2c");
@@ -466,7 +466,7 @@ void TestXrvFile::geoJp2CarriesTheSame()
     image.image.rpc = rpc;
     WriteOptions options;
     options.kind = FileKind::GeoJp2;
-    options.blockSize = 128;
+    options.tileSize = 128;
     write(&image, options, QStringLiteral("file.jp2"));
     PLK::CView view;
     QVERIFY(view.Open(path(QStringLiteral("file.jp2")).c_str(), false, false).IsSuccess());
@@ -492,7 +492,7 @@ void TestXrvFile::whatCannotBeWritten()
     SyntheticImage huge(1 << 25, 1 << 25, 1, 8);
     QCOMPARE(writeImage(huge, options, path(QStringLiteral("no.xrv"))).GetErrorNumber(), int(PLK_ERR_UNSUPPORTED));
     SyntheticImage small(10, 10, 1, 8);
-    options.blockSize = 100;
+    options.tileSize = 100;
     QCOMPARE(writeImage(small, options, path(QStringLiteral("no.xrv"))).GetErrorNumber(),
              int(PLK_ERR_INVALID_ARGUMENT));
     QCOMPARE(writeImage(small, {}, path(QStringLiteral("missing/no.xrv"))).GetErrorNumber(), int(PLK_ERR_NO_ACCESS));
@@ -509,7 +509,7 @@ void TestXrvFile::nothingIsLeftBehind()
 
     SyntheticImage image(600, 600, 1, 8);
     WriteOptions options;
-    options.blockSize = 64;
+    options.tileSize = 64;
     const auto cell = image.cell;
     image.cell = [&](int band, int x, int y) {
         if (y == 300)

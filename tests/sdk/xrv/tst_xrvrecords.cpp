@@ -151,7 +151,7 @@ void TestXrvRecords::fileInfoByTheByte()
     QCOMPARE(info->bands, std::uint16_t(4));
     QCOMPARE(info->targetRate, std::uint16_t(15));
     QCOMPARE(info->actualRate, 15.0f);
-    QCOMPARE(info->blockWidth, 512u);
+    QCOMPARE(info->tileWidth, 512u);
     QCOMPARE(info->transform[3], 5000000.0);
     QCOMPARE(info->epsg, 32633);
     QCOMPARE(info->projection, std::string("UTM zone 33N"));

@@ -2,34 +2,16 @@
 
 #include "base/planerow.h"
 #include "decode/transform/planeops.h"
-
-#include <openjpeg.h>
+#include "openjpeg/openjpegpointers.h"
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 
 using PLK::CError;
 
 namespace xrv {
 
 namespace {
-
-struct CodecDeleter
-{
-    void operator()(opj_codec_t *codec) const { opj_destroy_codec(codec); }
-};
-struct StreamDeleter
-{
-    void operator()(opj_stream_t *stream) const { opj_stream_destroy(stream); }
-};
-struct ImageDeleter
-{
-    void operator()(opj_image_t *image) const { opj_image_destroy(image); }
-};
-using CodecPtr = std::unique_ptr<opj_codec_t, CodecDeleter>;
-using StreamPtr = std::unique_ptr<opj_stream_t, StreamDeleter>;
-using ImagePtr = std::unique_ptr<opj_image_t, ImageDeleter>;
 
 /// The bytes that OpenJPEG reads, with its reading position.
 struct MemoryReader
@@ -166,9 +148,9 @@ private:
     const OpenJpegRequest &request;
     MemoryReader reader;
     std::string errorText; ///< what the codec said first
-    StreamPtr stream;
-    CodecPtr codec;
-    ImagePtr image;
+    OpenJpegStreamPtr stream;
+    OpenJpegCodecPtr codec;
+    OpenJpegImagePtr image;
 };
 
 } // namespace

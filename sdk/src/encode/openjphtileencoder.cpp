@@ -1,4 +1,4 @@
-#include "httileencoder.h"
+#include "openjphtileencoder.h"
 
 #include <openjph/ojph_arch.h>
 // What follows needs the types of the former.
@@ -97,13 +97,13 @@ void setSize(const TileCoding &coding, const IntRect &rect, ojph::param_siz siz)
 
 } // namespace
 
-HtTileEncoder::HtTileEncoder(const TileCoding &coding, const IntRect &rect)
+OpenJphTileEncoder::OpenJphTileEncoder(const TileCoding &coding, const IntRect &rect)
     : TileEncoder(coding, rect)
     , cells(coding.bands.size(), std::vector<std::int32_t>(static_cast<std::size_t>(rect.width() * rect.height())))
 {
 }
 
-std::vector<std::int32_t *> HtTileEncoder::planes()
+std::vector<std::int32_t *> OpenJphTileEncoder::planes()
 {
     std::vector<std::int32_t *> result;
     for (std::vector<std::int32_t> &plane : cells)
@@ -112,7 +112,7 @@ std::vector<std::int32_t *> HtTileEncoder::planes()
 }
 
 /// Rows of all bands by turns.
-void HtTileEncoder::pushRows(ojph::codestream *encoder) const
+void OpenJphTileEncoder::pushRows(ojph::codestream *encoder) const
 {
     const auto width = static_cast<std::size_t>(rect.width());
     ojph::ui32 band = 0;
@@ -125,7 +125,7 @@ void HtTileEncoder::pushRows(ojph::codestream *encoder) const
     }
 }
 
-CError HtTileEncoder::runEncoder(Bytes *codestream)
+CError OpenJphTileEncoder::runEncoder(Bytes *codestream)
 {
     prepareLibrary();
     MemoryFile file;

@@ -8,12 +8,12 @@ class codestream;
 
 namespace xrv {
 
-/// Encodes with the high-throughput block coding of ISO/IEC 15444-15, by OpenJPH: with one quantization step, in one
+/// Encodes with the high-throughput code-blocks of ISO/IEC 15444-15, by OpenJPH: with one quantization step, in one
 /// quality layer.
-class HtTileEncoder : public TileEncoder
+class OpenJphTileEncoder : public TileEncoder
 {
 public:
-    HtTileEncoder(const TileCoding &coding, const IntRect &rect);
+    OpenJphTileEncoder(const TileCoding &coding, const IntRect &rect);
 
     std::vector<std::int32_t *> planes() override;
 

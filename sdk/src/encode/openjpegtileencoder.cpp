@@ -1,6 +1,4 @@
-#include "part1tileencoder.h"
-
-#include <openjpeg.h>
+#include "openjpegtileencoder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,15 +10,6 @@ namespace xrv {
 using PLK::CError;
 
 namespace {
-
-struct CodecDeleter
-{
-    void operator()(opj_codec_t *codec) const { opj_destroy_codec(codec); }
-};
-struct StreamDeleter
-{
-    void operator()(opj_stream_t *stream) const { opj_stream_destroy(stream); }
-};
 
 /// What the encoder writes to. It goes back to fill in lengths.
 struct MemoryFile
@@ -109,7 +98,7 @@ opj_cparameters_t makeParameters(const TileCoding &coding, const IntRect &rect)
     return parameters;
 }
 
-opj_image_t *makeImage(const TileCoding &coding, const IntRect &rect)
+OpenJpegImagePtr makeImage(const TileCoding &coding, const IntRect &rect)
 {
     std::vector<opj_image_cmptparm_t> components;
     for (const XrvBand &band : coding.bands) {
@@ -123,8 +112,8 @@ opj_image_t *makeImage(const TileCoding &coding, const IntRect &rect)
         component.sgnd = band.isSigned ? 1 : 0;
         components.push_back(component);
     }
-    opj_image_t *image = opj_image_create(static_cast<OPJ_UINT32>(components.size()), components.data(),
-                                          coding.hasColourTransform ? OPJ_CLRSPC_SRGB : OPJ_CLRSPC_UNSPECIFIED);
+    OpenJpegImagePtr image(opj_image_create(static_cast<OPJ_UINT32>(components.size()), components.data(),
+                                            coding.hasColourTransform ? OPJ_CLRSPC_SRGB : OPJ_CLRSPC_UNSPECIFIED));
     if (!image)
         throw std::bad_alloc();
     image->x0 = static_cast<OPJ_UINT32>(rect.x0);
@@ -136,18 +125,13 @@ opj_image_t *makeImage(const TileCoding &coding, const IntRect &rect)
 
 } // namespace
 
-Part1TileEncoder::Part1TileEncoder(const TileCoding &coding, const IntRect &rect)
+OpenJpegTileEncoder::OpenJpegTileEncoder(const TileCoding &coding, const IntRect &rect)
     : TileEncoder(coding, rect)
     , image(makeImage(coding, rect))
 {
 }
 
-Part1TileEncoder::~Part1TileEncoder()
-{
-    opj_image_destroy(image);
-}
-
-std::vector<std::int32_t *> Part1TileEncoder::planes()
+std::vector<std::int32_t *> OpenJpegTileEncoder::planes()
 {
     std::vector<std::int32_t *> result;
     for (OPJ_UINT32 c = 0; c < image->numcomps; ++c)
@@ -155,11 +139,11 @@ std::vector<std::int32_t *> Part1TileEncoder::planes()
     return result;
 }
 
-CError Part1TileEncoder::runEncoder(Bytes *codestream)
+CError OpenJpegTileEncoder::runEncoder(Bytes *codestream)
 {
     opj_cparameters_t parameters = makeParameters(coding, rect);
-    const std::unique_ptr<opj_codec_t, CodecDeleter> codec(opj_create_compress(OPJ_CODEC_J2K));
-    const std::unique_ptr<opj_stream_t, StreamDeleter> stream(opj_stream_create(1 << 20, OPJ_FALSE));
+    const OpenJpegCodecPtr codec(opj_create_compress(OPJ_CODEC_J2K));
+    const OpenJpegStreamPtr stream(opj_stream_create(1 << 20, OPJ_FALSE));
     if (!codec || !stream)
         throw std::bad_alloc();
     MemoryFile file;
@@ -170,9 +154,9 @@ CError Part1TileEncoder::runEncoder(Bytes *codestream)
     std::string message;
     opj_set_error_handler(codec.get(), keepFirstMessage, &message);
     const char *const options[] = {"PLT=YES", nullptr};
-    const bool isEncoded = opj_setup_encoder(codec.get(), &parameters, image) &&
+    const bool isEncoded = opj_setup_encoder(codec.get(), &parameters, image.get()) &&
                            opj_encoder_set_extra_options(codec.get(), options) &&
-                           opj_start_compress(codec.get(), image, stream.get()) &&
+                           opj_start_compress(codec.get(), image.get(), stream.get()) &&
                            opj_encode(codec.get(), stream.get()) && opj_end_compress(codec.get(), stream.get());
     if (!isEncoded)
         return {PLK_ERR_DECODE, "A tile cannot be encoded: " + (message.empty() ? "no reason given." : message)};

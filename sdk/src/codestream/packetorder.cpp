@@ -7,7 +7,9 @@ namespace xrv {
 
 namespace {
 
-/// A precinct with its place on the canvas, by which the position progressions go (B.12.1.3 to B.12.1.5).
+/// A precinct with its place on the canvas, by which the position progressions go (B.12.1.3 to B.12.1.5). The standard
+/// has them go over every cell of the tile and asks at each which precincts begin there. It comes to the same, and is
+/// quick, to sort the precincts by the cell where they begin.
 struct PlacedPrecinct
 {
     std::int64_t y, x;
@@ -36,7 +38,7 @@ public:
         // Without changes, and after them for what they leave out.
         if (order.size() < numbering.count()) {
             ProgressionChange rest;
-            rest.resolutionEnd = 33;
+            rest.resolutionEnd = 33; // there are at most 32 decomposition levels
             rest.componentEnd = static_cast<std::uint16_t>(style.components.size());
             rest.layerEnd = style.layers;
             rest.order = style.progression;
@@ -46,6 +48,7 @@ public:
     }
 
 private:
+    /// Volumes of progression changes may overlap: a packet stands where it comes first (B.12.2).
     void emit(int component, int resolution, std::int64_t precinct, int layer)
     {
         const std::uint32_t number = numbering.number(component, resolution, precinct, layer);
@@ -66,27 +69,27 @@ private:
     {
         clip(change);
         switch (change.order) {
-        case 0:
+        case 0: // LRCP, B.12.1.1
             for (int l = 0; l < layerEnd; ++l)
                 for (int r = resolutions.first; r < resolutions.second; ++r)
                     addLayerOfResolution(r, l);
             break;
-        case 1:
+        case 1: // RLCP, B.12.1.2
             for (int r = resolutions.first; r < resolutions.second; ++r)
                 for (int l = 0; l < layerEnd; ++l)
                     addLayerOfResolution(r, l);
             break;
-        case 2:
+        case 2: // RPCL, B.12.1.3
             addPlaced([](const PlacedPrecinct &p) {
                 return std::make_tuple(std::int64_t(p.resolution), p.y, p.x, std::int64_t(p.component), p.precinct);
             });
             break;
-        case 3:
+        case 3: // PCRL, B.12.1.4
             addPlaced([](const PlacedPrecinct &p) {
                 return std::make_tuple(p.y, p.x, std::int64_t(p.component), std::int64_t(p.resolution), p.precinct);
             });
             break;
-        default:
+        default: // CPRL, B.12.1.5
             addPlaced([](const PlacedPrecinct &p) {
                 return std::make_tuple(std::int64_t(p.component), p.y, p.x, std::int64_t(p.resolution), p.precinct);
             });
@@ -118,6 +121,7 @@ private:
                 emit(p.component, p.resolution, p.precinct, l);
     }
 
+    /// A precinct that begins before the tile does, as the first of a row or column may, is met at the tile's edge.
     void place(int c, int r, std::vector<PlacedPrecinct> *placed) const
     {
         const PrecinctGrid &grid = numbering.grid(c, r);

@@ -122,7 +122,9 @@ private:
     std::vector<std::unique_ptr<Precinct>> precincts;
 };
 
-/// Parses one packet's header at the walker's position.
+/// Parses one packet's header at the walker's position. How long it is shows only when it is parsed, and a parse that
+/// runs out of bytes has spoilt the precinct's state: where that may happen, it works on what can be taken back. Copies
+/// are dear, so they are made only close to the end of what has been read or for headers of unusual length.
 CError parseHere(Walker &walker, std::unique_ptr<Precinct> &precinct, int layer, std::uint64_t *length, bool *isSound)
 {
     const std::size_t ample = precinct->ampleHeader();
@@ -163,7 +165,7 @@ CError stepOver(Walker &walker, PrecinctTable &precincts, std::uint32_t packet, 
     *place = {walker.position, static_cast<std::uint32_t>(std::min<std::uint64_t>(there, 0xFFFFFFFFu))};
     *isSound = there == length;
     walker.position += there;
-    if (layer == layers - 1)
+    if (layer == layers - 1) // its last packet: a large tile has more precincts than memory should hold at a time
         precinct.reset();
     return {};
 }

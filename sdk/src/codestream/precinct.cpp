@@ -6,7 +6,7 @@ namespace xrv {
 
 namespace {
 
-/// Number of passes by their code words (table B.4).
+/// Number of passes by their codewords (table B.4).
 int readPasses(PacketBits &bits)
 {
     if (!bits.bit())
@@ -41,7 +41,8 @@ int passesInSegment(std::uint8_t style, int firstPass)
         return 1;
     if (!(style & CodeBlockStyle::kBypass))
         return kMaxPasses;
-    // Arithmetic coding for the first ten passes, then two raw passes and one arithmetically coded one in turn.
+    // Table D.9: arithmetic coding for the first ten passes (the top bit-plane has a cleanup pass only), then two raw
+    // passes and one arithmetically coded one in turn.
     if (firstPass < 10)
         return 10 - firstPass;
     return (firstPass - 10) % 3 == 0 ? 2 : 1;
@@ -67,6 +68,8 @@ IntRect bandRect(const IntRect &rect, int orientation, int level)
 std::vector<BandGrid> bandGrids(const IntRect &tileComponentRect, const ComponentStyle &style, const PrecinctGrid &grid,
                                 int resolution, std::int64_t precinct)
 {
+    // LL has the cells of the lowest resolution. All other subbands have half of their resolution's to either side, and
+    // so have the parts of its precincts and the largest code-blocks that fit there (B.6, B.7).
     const bool isLowest = resolution == 0;
     const int level = isLowest ? style.decompositionLevels : style.decompositionLevels - resolution + 1;
     const int widthExponent = grid.widthExponent - (isLowest ? 0 : 1);
@@ -87,6 +90,7 @@ std::vector<BandGrid> bandGrids(const IntRect &tileComponentRect, const Componen
             band.across = static_cast<std::uint32_t>(ceilShift(band.bandRect.x1, band.widthExponent) - band.firstX);
             band.down = static_cast<std::uint32_t>(ceilShift(band.bandRect.y1, band.heightExponent) - band.firstY);
         }
+        // An empty subband stays in the list: the others are found by their number.
         bands.push_back(band);
     }
     return bands;
@@ -112,11 +116,12 @@ Precinct::Outcome Precinct::parse(const std::uint8_t *data, std::size_t size, in
     if (size <= sop)
         return Outcome::NeedsMore;
     if (!(data[sop] & 0x80)) {
-        // An empty packet, the common case in files of many layers.
+        // B.10.3: an empty packet, the common case in files of many layers.
         *headerLength = sop + 1;
     } else {
         PacketBits bits(data + sop, size - sop);
         bits.bit();
+        // B.10.8: subband by subband, each with its code-blocks row by row.
         bool sound = true;
         for (BandState &band : bandStates)
             for (std::uint32_t i = 0; sound && i < band.codeBlocks.size(); ++i)
@@ -132,6 +137,7 @@ Precinct::Outcome Precinct::parse(const std::uint8_t *data, std::size_t size, in
         if (data[*headerLength] == 0xFF && data[*headerLength + 1] == 0x92)
             *headerLength += 2;
     }
+    // B.9: the bytes follow in the order in which the header has spoken of them.
     std::uint64_t offset = *headerLength;
     for (auto &[codeBlock, piece] : lastPieces) {
         codeBlock->pieces[piece].offset = offset;
@@ -146,7 +152,8 @@ void Precinct::placeLast(std::uint64_t offset)
         codeBlock->pieces[piece].offset += offset;
 }
 
-/// B.10.3 to B.10.6.
+/// B.10.4 to B.10.6. In which layer a code-block is first included stands in a tag tree, and so does its number of zero
+/// bit-planes, which is told then; from there on one bit a packet says whether there is more of it.
 bool Precinct::parseCodeBlock(PacketBits &bits, BandState &band, std::uint32_t number, int layer,
                               std::uint64_t *bodyLength)
 {
@@ -164,6 +171,7 @@ bool Precinct::parseCodeBlock(PacketBits &bits, BandState &band, std::uint32_t n
         codeBlock.isIncluded = true;
     }
     const int passes = readPasses(bits);
+    // B.10.7.1: Lblock only grows, also from packet to packet.
     while (bits.bit()) {
         if (++codeBlock.lengthBits > 32)
             return false;
@@ -185,7 +193,8 @@ bool Precinct::skipPlaceholders(CodeBlockState &codeBlock, int *passes, int *pla
     return codeBlock.zeroBitPlanes < kMaxZeroBitPlanes;
 }
 
-/// B.10.7: one length for each codeword segment that the packet adds to.
+/// B.10.7: one length for each codeword segment that the packet adds to, in Lblock bits and as many more as the passes
+/// are worth (B.10.7.1). The passes may go on in a segment that an earlier packet has begun.
 bool Precinct::parseLengths(PacketBits &bits, CodeBlockState &codeBlock, int passes, int layer,
                             std::uint64_t *bodyLength)
 {
@@ -206,6 +215,7 @@ bool Precinct::parseLengths(PacketBits &bits, CodeBlockState &codeBlock, int pas
         piece.passes = static_cast<std::uint8_t>(std::min(passes, inSegment));
         piece.endsSegment = piece.passes == inSegment;
         piece.layer = static_cast<std::uint16_t>(layer);
+        // Placeholder passes have no length of their own, but widen that of the segment after them.
         const int count = codeBlock.lengthBits + floorLog2(static_cast<unsigned>(piece.passes + placeholders));
         if (count > 32)
             return false;

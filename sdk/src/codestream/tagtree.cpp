@@ -4,6 +4,7 @@
 
 namespace xrv {
 
+/// The leaves come first, row by row, then each coarser level; the root is last.
 TagTree::TagTree(std::uint32_t width, std::uint32_t height)
 {
     std::size_t first = 0;
@@ -28,12 +29,14 @@ bool TagTree::isBelow(PacketBits &bits, std::uint32_t leaf, int threshold)
     int depth = 0;
     for (std::int32_t node = static_cast<std::int32_t>(leaf); node >= 0; node = nodes[node].parent)
         path[depth++] = node;
+    // From the root to the leaf. A node is the least of those below it, so what is known to be its least value is that
+    // of its children too: they need no bits for it.
     std::int16_t low = 0;
     while (depth > 0) {
         Node &node = nodes[path[--depth]];
         low = node.low = std::max(low, node.low);
         while (low < threshold && low < node.value) {
-            if (bits.bit())
+            if (bits.bit()) // a one: this is the value; a zero: it is larger
                 node.value = low;
             else
                 ++low;

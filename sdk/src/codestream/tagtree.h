@@ -63,7 +63,8 @@ private:
     bool good = true;
 };
 
-/// Tag tree (B.10.2): a quad tree of minima, told bit by bit.
+/// Tag tree (B.10.2): a quad tree of minima, told bit by bit. What one packet has told of it holds for all later
+/// packets of the precinct, so the order of the questions is part of the format.
 class TagTree
 {
 public:
@@ -78,8 +79,8 @@ private:
     struct Node
     {
         std::int32_t parent = -1;
-        std::int16_t value = 0x7FFF;
-        std::int16_t low = 0;
+        std::int16_t value = 0x7FFF; ///< until it has been told
+        std::int16_t low = 0;        ///< the value is no less, as far as has been told
     };
     std::vector<Node> nodes;
 };

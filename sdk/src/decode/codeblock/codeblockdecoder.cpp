@@ -126,7 +126,8 @@ struct CodeBlockDecoder::Passes
         resetContexts();
     }
 
-    /// Table D.7.
+    /// Table D.7. Contexts start in states of their own: the one of cells without significant neighbours, run length
+    /// and uniform; all others in state 0.
     void resetContexts()
     {
         contexts.fill(kMqStates);
@@ -149,7 +150,8 @@ struct CodeBlockDecoder::Passes
                north << 6 | south << 7;
     }
 
-    /// Tells the neighbours that a cell has become significant.
+    /// Tells the neighbours that a cell has become significant. With causal contexts (D.7) the stripe above is not
+    /// told, so it never sees what lies below it.
     template <int kRow> XRV_INLINE void spread(std::uint32_t &f, std::uint32_t *word, std::uint32_t negative) const
     {
         word[-1] |= 1u << (3 * kRow + 5);
@@ -211,7 +213,8 @@ struct CodeBlockDecoder::Passes
         }
     }
 
-    /// D.3.1.
+    /// D.3.1: cells that are not significant but have significant neighbours. They count as visited whatever came out,
+    /// so that the cleanup pass leaves them alone.
     struct SignificancePropagation
     {
         Passes &passes;
@@ -280,7 +283,7 @@ struct CodeBlockDecoder::Passes
         return (f & (kSignificant | kVisited)) == kSignificant;
     }
 
-    /// D.3.3.
+    /// D.3.3. Context by table D.4: a cell's first refinement looks at its neighbours, later ones do not.
     struct MagnitudeRefinement
     {
         Passes &passes;
@@ -329,7 +332,8 @@ struct CodeBlockDecoder::Passes
         forAll(pass);
     }
 
-    /// D.3.4.
+    /// D.3.4: all that the other two passes have left. It ends the bit-plane and takes the visits back. Runs of four
+    /// are coded only in whole stripes, so the rows of the last one, if they are fewer, go one by one.
     void cleanup(MqDecoder &decoder, std::int32_t value)
     {
         MqDecoder mq = decoder;
@@ -415,6 +419,7 @@ bool CodeBlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients
     const std::size_t stripes = std::size_t(block.height + 3) / 4;
     flags.assign((stripes + 2) * (std::size_t(block.width) + 2), 0);
     Passes passes(block, flags, coefficients);
+    // The top bit-plane has a cleanup pass only (D.3), as nothing is significant before it.
     int plane = block.bitPlanes - 1, kind = 2, number = 0;
     for (const CodewordSegment &segment : block.segments) {
         // Two bytes of 0xFF end what the arithmetic decoder reads.

@@ -9,7 +9,7 @@ namespace xrv {
 /// One codeword segment of a code-block (ISO/IEC 15444-1 D.4).
 struct CodewordSegment
 {
-    std::size_t offset = 0; ///< in the block's data
+    std::size_t offset = 0; ///< in the code-block's data
     std::size_t length = 0;
     int passes = 0;
 };
@@ -31,7 +31,7 @@ class CodeBlockDecoder
 public:
     /// Gives width x height quantized coefficients, rows packed, doubled: the lowest bit is the half by which the value
     /// of an unfinished coefficient lies in the middle of its interval (E.1.1.2 with r = 1/2). What the segments do not
-    /// hold stays 0. False for blocks of more than 30 bit-planes.
+    /// hold stays 0. False for code-blocks of more than 30 bit-planes.
     bool decode(const CodeBlock &block, std::int32_t *coefficients);
 
 private:

@@ -63,6 +63,7 @@ private:
         if (end - next >= 4 && !isStuffed) {
             const std::uint32_t word = std::uint32_t(next[0]) | std::uint32_t(next[1]) << 8 |
                                        std::uint32_t(next[2]) << 16 | std::uint32_t(next[3]) << 24;
+            // The usual test for a byte of zeros, on the complement.
             const bool hasFullByte = (~word - 0x01010101u) & word & 0x80808080u;
             if (!hasFullByte) {
                 append(word, 32);
@@ -144,7 +145,9 @@ public:
     }
 
 private:
-    /// Zeros and perhaps a one after them; at least one event.
+    /// Zeros and perhaps a one after them; at least one event. A one stands for a full run of 2^exponent zeros and
+    /// lengthens the next runs; a zero, with the length in as many bits as the exponent says, for a run cut short by a
+    /// one.
     void readRun()
     {
         static constexpr std::uint8_t kExponents[13] = {0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 4, 5};

@@ -40,7 +40,10 @@ inline unsigned bitWidth(std::uint32_t value)
 #endif
 }
 
-/// How much the exponent of a quad is larger than predicted: prefix and suffix are read at different places.
+/// How much the exponent of a quad is larger than predicted: 1 as "1", 2 as "01", 3 and 4 as "001" and a bit, more as
+/// "000" and five bits. The standard lengthens the largest of these suffixes (28 to 31) by four more bits; no
+/// coefficient of 32 bits can have such an offset, and readQuad() refuses it. Of two quads side by side both prefixes
+/// come before the suffixes.
 struct OffsetCode
 {
     std::uint8_t length, suffixLength, value;
@@ -63,7 +66,8 @@ std::uint8_t readSuffix(BackwardBits &bits, const OffsetCode &code)
 /// The offsets of two quads side by side of which both have one.
 std::array<std::uint8_t, 2> readTwoOffsets(BackwardBits &bits, MelEvents *events)
 {
-    // Only in the first row an event tells that both are large.
+    // Only in the first row an event tells that both are more than 2, which is taken off them then. Where they are not
+    // and the first one is, the second must be 1 or 2, and one bit says which.
     const bool areLarge = events && events->event();
     const OffsetCode first = readPrefix(bits);
     if (events && !areLarge && first.length > 2) {
@@ -113,6 +117,8 @@ bool HtCodeBlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficien
     }
     if (last.refinement.length == 0 || bitPlane < 2)
         return true;
+    // Both passes read the same bytes, one from the back and one from the front, so they can go in either order. The
+    // refinement comes first, while the cells that are not 0 are those of the cleanup pass and no others.
     const std::uint8_t *begin = block.data.data() + last.refinement.offset, *end = begin + last.refinement.length;
     markSignificance();
     if (last.refinement.passes > 1)
@@ -137,6 +143,8 @@ bool HtCodeBlockDecoder::decodeCleanup(const std::uint8_t *data, std::size_t len
 void HtCodeBlockDecoder::readQuads(const std::uint8_t *data, std::size_t length, std::size_t suffixLength)
 {
     const std::uint8_t *begin = data + length - suffixLength, *end = data + length;
+    // The run-length code and the codewords grow towards each other and may meet in one byte. The twelve bits of the
+    // lengths take up the last byte and the lower half of the one before it.
     MelEvents events(begin, end - 1);
     BackwardBits bits(begin, end - 2, end[-2]);
     quadsAcross = (width + 1) / 2;
@@ -144,6 +152,7 @@ void HtCodeBlockDecoder::readQuads(const std::uint8_t *data, std::size_t length,
     quadPitch = static_cast<std::size_t>(quadsAcross) + 2;
     quads.assign(quadPitch * (static_cast<std::size_t>(quadsDown) + 1), {});
 
+    // Nothing around is significant: an event tells, without a codeword, whether the quad is.
     const auto readCodeword = [&](const HtCodewords &codewords, unsigned context, Quad *quad) {
         if (context == 0 && !events.event())
             return false;
@@ -199,7 +208,7 @@ bool HtCodeBlockDecoder::readMagnitudes(const std::uint8_t *data, std::size_t le
             // Equations 3 to 6: quads with several cells that are not 0 are predicted from the row above.
             unsigned exponent = 1;
             if (quad->significance & (quad->significance - 1)) {
-                const std::uint8_t *above = exponentsAbove.data() + x;
+                const std::uint8_t *above = exponentsAbove.data() + x; // from the cell left of the quad on
                 const unsigned largest = std::max(std::max(above[0], above[1]), std::max(above[2], above[3]));
                 exponent = largest > 2 ? largest - 1 : 1;
             }
@@ -232,7 +241,7 @@ bool HtCodeBlockDecoder::readQuad(const Quad &quad, int x, int y, unsigned expon
             return false;
         const auto positive = static_cast<std::int32_t>(magnitude);
         upperLeft[(cell & 1) * std::ptrdiff_t(width) + (cell >> 1)] = next & 1 ? -positive : positive;
-        if (cell & 1)
+        if (cell & 1) // the row below looks at the lower cells only
             exponents[static_cast<std::size_t>(x) + 1 + (cell >> 1)] = static_cast<std::uint8_t>(bitWidth(value));
     }
     return true;
@@ -274,7 +283,7 @@ bool HtCodeBlockDecoder::hasSignificantNeighbour(std::size_t mark, bool isLastRo
 }
 
 /// Clause 7.4: cells beside significant ones may become significant in the next bit-plane. Of four columns the
-/// decisions come first, then the signs.
+/// decisions come first, then the signs. A cell that has become significant counts as a neighbour at once.
 void HtCodeBlockDecoder::propagateSignificance(ForwardBits bits, bool isCausal)
 {
     const std::int32_t value = 3 << (bitPlane - 2);

@@ -16,7 +16,7 @@ class HtCodeBlockDecoder
 {
 public:
     /// As CodeBlockDecoder::decode(), with bitPlanes counting the planes from the top to that of the first cleanup
-    /// pass, 1 to 30. False for damaged blocks too; all coefficients are 0 then.
+    /// pass, 1 to 30. False for damaged code-blocks too; all coefficients are 0 then.
     bool decode(const CodeBlock &block, std::int32_t *coefficients);
 
 private:

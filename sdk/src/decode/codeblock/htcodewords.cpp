@@ -4,7 +4,9 @@ namespace xrv {
 
 namespace {
 
-/// A row of the tables of annex C. Their numbers are copied from OpenJPEG: docs/third-party.md has its notice.
+/// A row of the tables of annex C, in the order of their columns: context c, significance rho, u_off, e_k, e_1,
+/// codeword w (its first bit lowest) and its length. Their numbers are copied from OpenJPEG: docs/third-party.md has
+/// its notice.
 struct Row
 {
     std::uint8_t context, significance, hasExponentOffset, knownExponents, topBits, codeword, length;

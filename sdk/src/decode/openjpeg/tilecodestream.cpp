@@ -35,6 +35,9 @@ public:
         layers = selection.layers > 0 ? std::min<int>(selection.layers, index.style().layers) : index.style().layers;
     }
 
+    /// The tile as it stands, with the main header's segments that the decoder needs. What is said relative to the
+    /// whole codestream has to be said anew: packed headers of the main header (PPM, A.7.4) count its tile-parts, so
+    /// they become those of the tile (PPT, A.7.5).
     CError buildWhole()
     {
         result->levelsToDiscard = selection.discardedLevels;
@@ -44,6 +47,7 @@ public:
         for (std::size_t c = 0; c < all.size(); ++c)
             all[c] = static_cast<int>(c);
         writeSize(index.rect(), all);
+        // A.6.6: progression changes of the tile take the place of those of the main header.
         for (const MarkerSegment &segment : header.segments)
             if (segment.marker != Marker::kPOC || !tileHasPoc())
                 writeSegment(segment.marker, segment.payload);
@@ -60,6 +64,8 @@ public:
         return {};
     }
 
+    /// Packets may be left out one precinct at a time: nothing in a packet header hangs on other precincts (B.10). Of
+    /// one precinct all lower layers have to be there, since each packet goes on from the ones before it.
     CError buildSelected()
     {
         const int discarded = selection.discardedLevels;
@@ -92,12 +98,14 @@ private:
     }
 
     /// The canvas holds the one tile only, at its own place, so that nothing in it moves against the grids of precincts
-    /// and code-blocks and against the even and odd cells of the transformation.
+    /// and code-blocks and against the even and odd cells of the transformation. Resolutions that are left out make the
+    /// canvas smaller (B-14): all lower ones stay where they were.
     void writeSize(const IntRect &canvas, const std::vector<int> &components)
     {
         out.u16(Marker::kSOC);
         out.u16(Marker::kSIZ);
         out.u16(static_cast<std::uint32_t>(38 + 3 * components.size()));
+        // A profile (Rsiz, A.5.1) may promise what does not hold for the part; high throughput has to be announced.
         out.u16(header.isHighThroughput ? header.capabilities : 0);
         out.u32(static_cast<std::uint32_t>(canvas.x1));
         out.u32(static_cast<std::uint32_t>(canvas.y1));
@@ -176,6 +184,9 @@ private:
         return index.style().multipleComponentTransform && c.size() >= 3 && c[0] == 0 && c[1] == 1 && c[2] == 2;
     }
 
+    /// The parameters begin with those of the lowest resolution (A.6.4), so those of left-out ones are too many at the
+    /// end, which does no harm. Derived exponents hang on how far a subband lies above the lowest one (E-5), which
+    /// stays.
     void writeQuantization()
     {
         const auto &all = index.quantization();
@@ -198,6 +209,7 @@ private:
         }
     }
 
+    /// Tile 0, the only tile-part; its length (Psot, A.4.2) is filled in at its end.
     std::size_t beginTilePart()
     {
         const std::size_t sot = out.position();
@@ -227,6 +239,8 @@ private:
             writeSegment(Marker::kPOC, merged);
     }
 
+    /// In as many segments as they need, numbered by Zppt (A.7.5); one even where they are empty, which says that there
+    /// are no headers among the data.
     void writePackedHeaders()
     {
         if (!index.hasPackedHeaders())
@@ -259,7 +273,8 @@ private:
         return {};
     }
 
-    /// Cells of \a resolution (of those kept, 0 the lowest) that the region depends on, in one component.
+    /// Cells of \a resolution (of those kept, 0 the lowest) that the region depends on, in one component. Every level
+    /// of synthesis reaches a little further out, so the margin is added on the way down, before each halving.
     IntRect neededAt(int component, int resolution) const
     {
         const ComponentStyle &style = index.style().components[component];
@@ -272,7 +287,8 @@ private:
         }
     }
 
-    /// Numbers of the wanted packets in the order in which they will stand; kEmpty for unwanted ones.
+    /// Numbers of the wanted packets in the order in which they will stand, RLCP (B.12.1.2) as the COD segment says;
+    /// kEmpty for unwanted ones.
     std::vector<std::uint32_t> selectPackets() const
     {
         const PacketNumbering &numbering = index.packets();

@@ -32,7 +32,7 @@ void copyCodeBlock(const Plane &codeBlock, const IntRect &common, float halfStep
     }
 }
 
-/// G.2.2, G.3.2.
+/// Reversible (G.2.2), with sums that go around: damaged data must not overflow. The irreversible one is G.3.2.
 void inverseTransform(std::int32_t *a, std::int32_t *b, std::int32_t *c, std::int64_t count)
 {
     for (std::int64_t i = 0; i < count; ++i) {
@@ -55,7 +55,8 @@ void inverseTransform(float *a, float *b, float *c, std::int64_t count)
     }
 }
 
-/// What a sample of a component may be, and what is added to the coefficients to get there.
+/// What a sample of a component may be, and what is added to the coefficients to get there (G.1). Lossy coding
+/// overshoots the range, so samples are clipped to it.
 struct SampleRange
 {
     std::int32_t shift, low, high;
@@ -92,6 +93,8 @@ template <typename T> struct TileSynthesis::Component
 
 bool TileSynthesis::supports(const MainHeader &header, const TileIndex &index)
 {
+    // Coefficients are kept doubled in 32 bits and need a few bits beyond those of the samples. The component
+    // transformation is made cell by cell, so its components have to be alike (G.2, G.3).
     const TileStyle &style = index.style();
     if (!index.hasPacketPlaces())
         return false;
@@ -143,7 +146,9 @@ void TileSynthesis::synthesizeComponent(const CodeBlockSet &codeBlocks, int comp
         }
     };
 
-    // What every resolution has to give, from the highest kept one down.
+    // What every resolution has to give, from the highest kept one down: the filters reach further out on each level.
+    // Then up again from LL. Code-blocks that are missing stay 0, which blurs or blanks the place but spoils nothing
+    // else.
     std::vector<IntRect> regions{region};
     for (int level = discarded; level < levels; ++level)
         regions.push_back(neededBandRect(levelRect(tileComponent, level), regions.back(), 0));

@@ -11,7 +11,9 @@ namespace xrv {
 
 namespace {
 
-/// Cells to either side that the longer (9-7) filter reaches.
+/// Cells to either side that the longer (9-7) filter reaches. Where a region ends within the resolution, the line is
+/// mirrored there though it goes on, which is wrong; each of the up to four lifting steps carries the fault one cell
+/// further in, beginning with the last cell, so that with four cells around it the region has none of it.
 constexpr std::int64_t kReach = 4;
 
 // Lifting parameters of the 9-7 filter (ISO/IEC 15444-1 table F.4).
@@ -49,8 +51,9 @@ void scale(float *to, float factor, std::int64_t count)
         to[i] *= factor;
 }
 
-/// The cells of one line at even places (\a even, from index evenFirst on) and at odd places. A neighbour beyond the
-/// end is the one on the other side: mirroring about the last cell comes to clamping the index.
+/// The cells of one line at even places (\a even, from index evenFirst on) and at odd places: which is which goes by
+/// the place on the canvas, not in the line (F.3.3). A neighbour beyond the end is the one on the other side (F.3.7):
+/// mirroring about the last cell comes to clamping the index.
 template <typename T> struct Line
 {
     T *even, *odd;

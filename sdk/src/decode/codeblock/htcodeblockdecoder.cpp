@@ -140,6 +140,30 @@ bool HtCodeBlockDecoder::decodeCleanup(const std::uint8_t *data, std::size_t len
     return readMagnitudes(data, length - suffix);
 }
 
+/// Equations 1 and 2: the context of a quad's codeword comes from the cells around it that are known already.
+inline unsigned HtCodeBlockDecoder::context(const Quad *quad, bool isInFirstRow) const
+{
+    const unsigned left = quad[-1].significance;
+    if (isInFirstRow)
+        return left >> 1 | (left & 1);
+    const Quad *above = quad - quadPitch;
+    return ((above[-1].significance >> 3 | above[0].significance >> 1) & 1) | ((left >> 2 | left >> 3) & 1) << 1 |
+           ((above[0].significance >> 3 | above[1].significance >> 1) & 1) << 2;
+}
+
+/// The offsets of two quads side by side, as far as they have them. \a events: in the first row only.
+inline void HtCodeBlockDecoder::readOffsets(BackwardBits &bits, MelEvents *events, bool hasFirst, bool hasSecond,
+                                            Quad *quad)
+{
+    if (hasFirst && hasSecond) {
+        const std::array<std::uint8_t, 2> offsets = readTwoOffsets(bits, events);
+        quad[0].exponentOffset = offsets[0];
+        quad[1].exponentOffset = offsets[1];
+    } else if (hasFirst || hasSecond) {
+        quad[hasFirst ? 0 : 1].exponentOffset = readSuffix(bits, readPrefix(bits));
+    }
+}
+
 void HtCodeBlockDecoder::readQuads(const std::uint8_t *data, std::size_t length, std::size_t suffixLength)
 {
     const std::uint8_t *begin = data + length - suffixLength, *end = data + length;
@@ -152,7 +176,7 @@ void HtCodeBlockDecoder::readQuads(const std::uint8_t *data, std::size_t length,
     quadPitch = static_cast<std::size_t>(quadsAcross) + 2;
     quads.assign(quadPitch * (static_cast<std::size_t>(quadsDown) + 1), {});
 
-    // Nothing around is significant: an event tells, without a codeword, whether the quad is.
+    // In context 0 nothing around is significant, and an event tells whether the quad has a codeword at all.
     const auto readCodeword = [&](const HtCodewords &codewords, unsigned context, Quad *quad) {
         if (context == 0 && !events.event())
             return false;
@@ -161,33 +185,14 @@ void HtCodeBlockDecoder::readQuads(const std::uint8_t *data, std::size_t length,
         *quad = {codeword.significance, codeword.knownExponents, codeword.topBits, 0};
         return codeword.hasExponentOffset;
     };
-    const auto readOffsets = [&](bool isFirstRow, bool hasFirst, bool hasSecond, Quad *quad) {
-        if (hasFirst && hasSecond) {
-            const std::array<std::uint8_t, 2> offsets = readTwoOffsets(bits, isFirstRow ? &events : nullptr);
-            quad[0].exponentOffset = offsets[0];
-            quad[1].exponentOffset = offsets[1];
-        } else if (hasFirst || hasSecond) {
-            quad[hasFirst ? 0 : 1].exponentOffset = readSuffix(bits, readPrefix(bits));
-        }
-    };
 
     for (int y = 0; y < quadsDown; ++y) {
         const HtCodewords &codewords = y == 0 ? HtCodewords::firstRow() : HtCodewords::otherRows();
         Quad *quad = quads.data() + quadPitch * (static_cast<std::size_t>(y) + 1) + 1;
-        // Equations 1 and 2: the context comes from the cells around the quad that are known already.
-        const auto context = [&](const Quad *at) -> unsigned {
-            const unsigned left = at[-1].significance;
-            if (y == 0)
-                return left >> 1 | (left & 1);
-            const Quad *above = at - quadPitch;
-            return ((above[-1].significance >> 3 | above[0].significance >> 1) & 1) |
-                   ((left >> 2 | left >> 3) & 1) << 1 |
-                   ((above[0].significance >> 3 | above[1].significance >> 1) & 1) << 2;
-        };
         for (int x = 0; x < quadsAcross; x += 2, quad += 2) {
-            const bool hasFirst = readCodeword(codewords, context(quad), quad);
-            const bool hasSecond = x + 1 < quadsAcross && readCodeword(codewords, context(quad + 1), quad + 1);
-            readOffsets(y == 0, hasFirst, hasSecond, quad);
+            const bool hasFirst = readCodeword(codewords, context(quad, y == 0), quad);
+            const bool hasSecond = x + 1 < quadsAcross && readCodeword(codewords, context(quad + 1, y == 0), quad + 1);
+            readOffsets(bits, y == 0 ? &events : nullptr, hasFirst, hasSecond, quad);
         }
     }
 }

@@ -29,6 +29,9 @@ private:
     struct Set;
 
     bool decodeCleanup(const std::uint8_t *data, std::size_t length);
+    unsigned context(const Quad *quad, bool isInFirstRow) const;
+    static void readOffsets(class BackwardBits &bits, class MelEvents *events, bool hasFirst, bool hasSecond,
+                            Quad *quad);
     void readQuads(const std::uint8_t *data, std::size_t length, std::size_t suffixLength);
     bool readMagnitudes(const std::uint8_t *data, std::size_t length);
     bool readQuad(const Quad &quad, int x, int y, unsigned exponent, class ForwardBits &bits);

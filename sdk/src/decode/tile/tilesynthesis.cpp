@@ -2,7 +2,6 @@
 
 #include "decode/transform/planeops.h"
 #include "decode/transform/quantization.h"
-#include "decode/transform/wavelet.h"
 #include "decode/transform/wrappingsum.h"
 
 #include <algorithm>
@@ -84,13 +83,6 @@ template <typename Sample> void storeRow(const float *from, std::int64_t count, 
 
 } // namespace
 
-/// A component on its way: the grid covers the region, perhaps with rows around it.
-template <typename T> struct TileSynthesis::Component
-{
-    IntRect region;
-    Grid<T> grid;
-};
-
 bool TileSynthesis::supports(const MainHeader &header, const TileIndex &index)
 {
     // Coefficients are kept doubled in 32 bits and need a few bits beyond those of the samples. The component
@@ -118,59 +110,63 @@ bool TileSynthesis::usesTransform(const std::vector<int> &components) const
     return tile.index->style().multipleComponentTransform && components.size() >= 3 && components[0] == 0;
 }
 
+/// Dequantized coefficients of a subband. Code-blocks that are missing stay 0, which blurs or blanks the place but
+/// spoils nothing else.
 template <typename T>
-void TileSynthesis::synthesizeComponent(const CodeBlockSet &codeBlocks, int component, int discarded,
-                                        const IntRect &region, Component<T> *result) const
+void TileSynthesis::loadBand(const CodeBlockSet &codeBlocks, int component, int resolution, int orientation,
+                             const IntRect &rect, Grid<T> *band) const
 {
     const ComponentStyle &style = tile.index->style().components[component];
-    const IntRect tileComponent = componentRect(tile.index->rect(), header.components[component]);
-    const Bytes &parameters = tile.index->quantization()[component].parameters;
-    const int levels = style.decompositionLevels;
+    const BandQuantization quantization =
+        bandQuantization(tile.index->quantization()[component].parameters, style.isReversible,
+                         header.components[component].bits, resolution, orientation);
+    const float halfStep = 0.5f * quantization.stepSize; // coefficients are doubled
+    band->reset(rect);
+    std::vector<CodeBlockPlace> places;
+    appendCodeBlocks(componentRect(tile.index->rect(), header.components[component]), style, component, resolution,
+                     orientation, rect, &places);
+    for (const CodeBlockPlace &place : places) {
+        const Plane *codeBlock = codeBlocks.find(component, place.name.number());
+        const IntRect common = place.rect.intersected(rect);
+        if (!codeBlock || common.isEmpty())
+            continue;
+        if (codeBlock->type == SampleType::Int16)
+            copyCodeBlock<T, std::int16_t>(*codeBlock, common, halfStep, band);
+        else
+            copyCodeBlock<T, std::int32_t>(*codeBlock, common, halfStep, band);
+    }
+}
 
-    const auto loadBand = [&](int resolution, int orientation, const IntRect &rect, Grid<T> *band) {
-        band->reset(rect);
-        const float halfStep = 0.5f * bandQuantization(parameters, style.isReversible,
-                                                       header.components[component].bits, resolution, orientation)
-                                          .stepSize;
-        std::vector<CodeBlockPlace> places;
-        appendCodeBlocks(tileComponent, style, component, resolution, orientation, rect, &places);
-        for (const CodeBlockPlace &place : places) {
-            const Plane *codeBlock = codeBlocks.find(component, place.name.number());
-            const IntRect common = place.rect.intersected(rect);
-            if (!codeBlock || common.isEmpty())
-                continue;
-            if (codeBlock->type == SampleType::Int16)
-                copyCodeBlock<T, std::int16_t>(*codeBlock, common, halfStep, band);
-            else
-                copyCodeBlock<T, std::int32_t>(*codeBlock, common, halfStep, band);
-        }
-    };
+template <typename T>
+void TileSynthesis::synthesizeComponent(const CodeBlockSet &codeBlocks, int component, int discarded,
+                                        const IntRect &region, Grid<T> *cells) const
+{
+    const int levels = tile.index->style().components[component].decompositionLevels;
+    const IntRect tileComponent = componentRect(tile.index->rect(), header.components[component]);
 
     // What every resolution has to give, from the highest kept one down: the filters reach further out on each level.
-    // Then up again from LL. Code-blocks that are missing stay 0, which blurs or blanks the place but spoils nothing
-    // else.
+    // Then up again from LL.
     std::vector<IntRect> regions{region};
     for (int level = discarded; level < levels; ++level)
         regions.push_back(neededBandRect(levelRect(tileComponent, level), regions.back(), 0));
-    result->region = region;
     Grid<T> low;
-    loadBand(0, 0, regions.back(), &low);
+    loadBand(codeBlocks, component, 0, 0, regions.back(), &low);
     for (int level = levels - 1; level >= discarded; --level) {
         const IntRect resolutionRect = levelRect(tileComponent, level);
         const IntRect &wanted = regions[level - discarded];
         Grid<T> high[3];
         for (int orientation = 1; orientation <= 3; ++orientation)
-            loadBand(levels - level, orientation, neededBandRect(resolutionRect, wanted, orientation),
-                     &high[orientation - 1]);
+            loadBand(codeBlocks, component, levels - level, orientation,
+                     neededBandRect(resolutionRect, wanted, orientation), &high[orientation - 1]);
         const Grid<T> *const bands[4] = {&low, &high[0], &high[1], &high[2]};
         Grid<T> next;
         synthesize(resolutionRect, wanted, bands, &next);
         low = std::move(next);
     }
-    result->grid = std::move(low);
+    *cells = std::move(low);
 }
 
-template <typename T> Plane TileSynthesis::toPlane(int component, const IntRect &rect, Component<T> &cells) const
+template <typename T> Plane TileSynthesis::toPlane(int component, const IntRect &rect, const Grid<T> &cells) const
 {
     const MainHeader::Component &info = header.components[component];
     Plane plane = makePlane(component, rect, sampleTypeFor(info.bits, info.isSigned));
@@ -179,7 +175,7 @@ template <typename T> Plane TileSynthesis::toPlane(int component, const IntRect 
                             static_cast<std::int32_t>(info.isSigned ? -half : 0),
                             static_cast<std::int32_t>(info.isSigned ? half - 1 : 2 * half - 1)};
     for (std::int64_t y = rect.y0; y < rect.y1; ++y) {
-        const T *from = cells.grid.row(y) + (rect.x0 - cells.grid.rect.x0);
+        const T *from = cells.row(y) + (rect.x0 - cells.rect.x0);
         std::uint8_t *to =
             plane.bytes.data() + static_cast<std::size_t>((y - rect.y0) * rect.width()) * sampleSize(plane.type);
         switch (plane.type) {
@@ -207,10 +203,9 @@ template <typename T>
 Plane TileSynthesis::single(const CodeBlockSet &codeBlocks, int component, int discarded, const IntRect &region) const
 {
     const IntRect rect = componentRect(region, header.components[component]);
-    if (rect.isEmpty())
-        return toPlane<T>(component, rect, *std::make_unique<Component<T>>());
-    Component<T> cells;
-    synthesizeComponent(codeBlocks, component, discarded, rect, &cells);
+    Grid<T> cells;
+    if (!rect.isEmpty())
+        synthesizeComponent(codeBlocks, component, discarded, rect, &cells);
     return toPlane(component, rect, cells);
 }
 
@@ -219,14 +214,13 @@ std::vector<Plane> TileSynthesis::transformed(const CodeBlockSet &codeBlocks, in
                                               const IntRect &region) const
 {
     const IntRect rect = componentRect(region, header.components[0]);
-    Component<T> cells[3];
+    Grid<T> cells[3];
     std::vector<Plane> result;
     for (int c = 0; c < 3 && !rect.isEmpty(); ++c)
         synthesizeComponent(codeBlocks, c, discarded, rect, &cells[c]);
     for (std::int64_t y = rect.y0; y < rect.y1; ++y)
-        inverseTransform(cells[0].grid.row(y) + (rect.x0 - cells[0].grid.rect.x0),
-                         cells[1].grid.row(y) + (rect.x0 - cells[1].grid.rect.x0),
-                         cells[2].grid.row(y) + (rect.x0 - cells[2].grid.rect.x0), rect.width());
+        inverseTransform(cells[0].row(y) + (rect.x0 - cells[0].rect.x0), cells[1].row(y) + (rect.x0 - cells[1].rect.x0),
+                         cells[2].row(y) + (rect.x0 - cells[2].rect.x0), rect.width());
     for (int c = 0; c < 3; ++c)
         result.push_back(toPlane(c, rect, cells[c]));
     return result;

@@ -2,6 +2,8 @@
 
 #include "codeblockset.h"
 
+#include "decode/transform/wavelet.h"
+
 #include <vector>
 
 namespace xrv {
@@ -27,15 +29,18 @@ public:
                               const IntRect &region) const;
 
 private:
-    template <typename T> struct Component;
+    template <typename T>
+    void loadBand(const CodeBlockSet &codeBlocks, int component, int resolution, int orientation, const IntRect &rect,
+                  Grid<T> *band) const;
+    /// \a cells then covers \a region, perhaps with rows around it.
     template <typename T>
     void synthesizeComponent(const CodeBlockSet &codeBlocks, int component, int discarded, const IntRect &region,
-                             Component<T> *result) const;
+                             Grid<T> *cells) const;
     template <typename T>
     std::vector<Plane> transformed(const CodeBlockSet &codeBlocks, int discarded, const IntRect &region) const;
     template <typename T>
     Plane single(const CodeBlockSet &codeBlocks, int component, int discarded, const IntRect &region) const;
-    template <typename T> Plane toPlane(int component, const IntRect &rect, Component<T> &cells) const;
+    template <typename T> Plane toPlane(int component, const IntRect &rect, const Grid<T> &cells) const;
     bool usesTransform(const std::vector<int> &components) const;
 
     const MainHeader &header;

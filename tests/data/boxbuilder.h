@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -198,6 +200,41 @@ inline Bytes jp2(const std::vector<Bytes> &headerBoxes, const Bytes &codestream,
                  const std::vector<Bytes> &after = {})
 {
     return join({signature(), fileType(), jp2h(headerBoxes), join(before), box("jp2c", codestream), join(after)});
+}
+
+/// Where a box lies in a file, its header included.
+struct BoxAt
+{
+    std::string type;
+    std::size_t start, length;
+};
+
+/// Four bytes as a number.
+template <typename File> std::uint32_t numberAt(const File &file, std::size_t place)
+{
+    const auto *bytes = reinterpret_cast<const std::uint8_t *>(file.data()) + place;
+    return std::uint32_t(bytes[0]) << 24 | std::uint32_t(bytes[1]) << 16 | std::uint32_t(bytes[2]) << 8 | bytes[3];
+}
+
+/// The boxes of a sound file with 32-bit lengths, and those in its jp2h box.
+template <typename File> std::vector<BoxAt> boxesOf(const File &file)
+{
+    std::vector<BoxAt> boxes;
+    for (std::size_t at = 0; at + 8 <= static_cast<std::size_t>(file.size());) {
+        const auto *type = reinterpret_cast<const char *>(file.data()) + at + 4;
+        boxes.push_back({std::string(type, 4), at, numberAt(file, at)});
+        at += boxes.back().type == "jp2h" ? 8 : std::max<std::size_t>(boxes.back().length, 8);
+    }
+    return boxes;
+}
+
+/// Throws where there is none.
+template <typename File> BoxAt findBox(const File &file, const std::string &type)
+{
+    for (const BoxAt &box : boxesOf(file))
+        if (box.type == type)
+            return box;
+    throw std::out_of_range("no box " + type);
 }
 
 } // namespace boxbuilder

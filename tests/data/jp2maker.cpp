@@ -1,5 +1,7 @@
 #include "jp2maker.h"
 
+#include "boxbuilder.h"
+
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -206,14 +208,6 @@ StreamPtr makeStream(Output *output)
     return stream;
 }
 
-std::size_t bigEndian(const FileBytes &bytes, std::size_t position)
-{
-    std::size_t value = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-        value = value << 8 | bytes.at(position + i);
-    return value;
-}
-
 } // namespace
 
 CellFunction gradient(const Options &options)
@@ -251,16 +245,10 @@ FileBytes make(const Options &options)
 
 FileBytes withBox(const FileBytes &file, const std::string &type, const FileBytes &content)
 {
-    std::size_t position = 0;
-    while (std::memcmp(&file.at(position + 4), "jp2c", 4) != 0)
-        position += bigEndian(file, position);
-    const std::size_t length = content.size() + 8;
-    FileBytes box{static_cast<std::uint8_t>(length >> 24), static_cast<std::uint8_t>(length >> 16),
-                  static_cast<std::uint8_t>(length >> 8), static_cast<std::uint8_t>(length)};
-    box.insert(box.end(), type.begin(), type.end());
-    box.insert(box.end(), content.begin(), content.end());
+    const FileBytes box = boxbuilder::box(type, content);
     FileBytes result = file;
-    result.insert(result.begin() + static_cast<std::ptrdiff_t>(position), box.begin(), box.end());
+    result.insert(result.begin() + static_cast<std::ptrdiff_t>(boxbuilder::findBox(file, "jp2c").start), box.begin(),
+                  box.end());
     return result;
 }
 

@@ -51,26 +51,3 @@ std::vector<std::int32_t> SyntheticImage::cells(int band) const
             result.push_back(cell(band, x, y));
     return result;
 }
-
-std::vector<std::int32_t> readCells(PLK::CView *view, int band, int x0, int y0, int x1, int y1)
-{
-    double left = 0, top = 0, right = 0, bottom = 0;
-    view->ConvertDatasetToWorld(x0, y0, &left, &top);
-    view->ConvertDatasetToWorld(x1, y1, &right, &bottom);
-    const int width = x1 - x0, height = y1 - y0;
-    if (view->SetView(1, &band, width, height, left, top, right, bottom))
-        return {};
-    std::vector<std::int32_t> cells(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    for (int y = 0; y < height; ++y) {
-        void *const line = cells.data() + std::ptrdiff_t(y) * width;
-        if (view->ReadLineBIL(PLKCT_INT32, &line) != PLK_READ_SUCCESS)
-            return {};
-    }
-    return cells;
-}
-
-std::vector<std::int32_t> readCells(PLK::CView *view, int band)
-{
-    const PLKFileInfo &info = *view->GetFileInfo();
-    return readCells(view, band, 0, 0, static_cast<int>(info.nSizeX), static_cast<int>(info.nSizeY));
-}

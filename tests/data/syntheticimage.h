@@ -2,8 +2,6 @@
 
 #include "encode/imagewriter.h"
 
-#include <xrv60/plkview.h>
-
 #include <functional>
 #include <string>
 #include <vector>
@@ -26,7 +24,3 @@ public:
     xrv::ImageDescription image; ///< to be changed before it is written
     CellFunction cell; ///< at first a smooth landscape with a little noise that reaches both ends of the range
 };
-
-/// Cells [x0, x1) x [y0, y1) of one band at full resolution, as the view gives them; empty on failure.
-std::vector<std::int32_t> readCells(PLK::CView *view, int band, int x0, int y0, int x1, int y1);
-std::vector<std::int32_t> readCells(PLK::CView *view, int band);

@@ -91,7 +91,6 @@ class TestJp2Damage : public QObject
 private slots:
     void wrongLengths_data();
     void wrongLengths();
-    void cutFile();
     void hostile_data();
     void hostile();
     void hugeFileIsNotRead();
@@ -142,26 +141,6 @@ void TestJp2Damage::wrongLengths()
     QCOMPARE(structure.imageWidth, 2u);
     QVERIFY(structure.colour);
     QCOMPARE(!warnings.empty(), warned);
-}
-
-void TestJp2Damage::cutFile()
-{
-    const Bytes whole =
-        join({start(), header(), uuid(Bytes(16, 3), Bytes(100, 4)), gml("<a/>"), box("jp2c", Bytes(200, 5))});
-    QSet<int> codes;
-    for (std::size_t part = 0; part < 16; ++part) {
-        const Bytes file(whole.begin(), whole.begin() + int(whole.size() * part / 16));
-        xrv::MemorySource source(file, "cut.jp2");
-        Jp2Structure structure;
-        std::vector<std::string> warnings;
-        const PLK::CError error = xrv::readJp2Structure(source, &structure, &warnings);
-        codes << error.GetErrorNumber();
-        if (error.IsSuccess()) {
-            QCOMPARE(structure.codestream.end(), std::uint64_t(file.size()));
-            QVERIFY(!warnings.empty());
-        }
-    }
-    QCOMPARE(codes, (QSet<int>{PLK_SUCCESS, PLK_ERR_UNKNOWN_FORMAT, PLK_ERR_TRUNCATED}));
 }
 
 void TestJp2Damage::hostile_data()

@@ -1,1 +1,1 @@
-xrv_add_sdk_test(tst_hostile ${stage_dir}/attempt.cpp SERIAL)
+xrv_add_writer_test(tst_hostile ${stage_dir}/attempt.cpp SERIAL)

@@ -3,15 +3,16 @@
 
 #include "attempt.h"
 
+#include "data/boxbuilder.h"
+#include "data/files.h"
 #include "data/jp2maker.h"
+#include "data/syntheticimage.h"
+#include "data/views.h"
 
-#include <QFile>
+#include <QDateTime>
 #include <QSet>
-#include <QTemporaryDir>
 #include <QTest>
 
-#include <algorithm>
-#include <atomic>
 #include <functional>
 #include <random>
 
@@ -44,12 +45,6 @@ void put(FileBytes *file, std::size_t offset, std::uint64_t value, int count)
         file->at(offset + static_cast<std::size_t>(i)) = static_cast<std::uint8_t>(value);
 }
 
-std::uint32_t number(const FileBytes &file, std::size_t offset)
-{
-    return static_cast<std::uint32_t>(file.at(offset)) << 24 | static_cast<std::uint32_t>(file.at(offset + 1)) << 16 |
-           static_cast<std::uint32_t>(file.at(offset + 2)) << 8 | file.at(offset + 3);
-}
-
 /// Place of the first \a marker (two bytes) behind the SIZ segment.
 std::size_t markerPlace(const FileBytes &file, std::uint8_t low)
 {
@@ -59,29 +54,30 @@ std::size_t markerPlace(const FileBytes &file, std::uint8_t low)
     return file.size();
 }
 
-jp2maker::Options options(int side = 256)
+// Noise does not compress: every part of the file then carries part of the picture.
+std::int32_t noise(int component, int x, int y)
+{
+    return static_cast<std::int32_t>((static_cast<std::uint32_t>(x * 7919 + y * 104729 + component) * 2654435761u) >>
+                                     24);
+}
+
+jp2maker::Options options(int tile)
 {
     jp2maker::Options result;
-    result.width = result.height = side;
-    // Noise does not compress: every part of the file then carries part of the picture.
-    result.cell = [](int component, int x, int y) {
-        return static_cast<std::int32_t>(
-            (static_cast<std::uint32_t>(x * 7919 + y * 104729 + component) * 2654435761u) >> 24);
-    };
+    result.width = result.height = kPictureSide;
+    result.tileWidth = result.tileHeight = tile;
+    result.cell = noise;
     return result;
 }
 
 FileBytes tiledFile()
 {
-    jp2maker::Options tiled = options();
-    tiled.tileWidth = tiled.tileHeight = 64;
-    return jp2maker::make(tiled);
+    return jp2maker::make(options(64));
 }
 
 FileBytes tilePartFile()
 {
-    jp2maker::Options parts = options();
-    parts.tileWidth = parts.tileHeight = 128;
+    jp2maker::Options parts = options(128);
     parts.progression = "RLCP";
     parts.tilePartsPer = 'R';
     parts.tlm = parts.plt = true;
@@ -90,7 +86,7 @@ FileBytes tilePartFile()
 
 FileBytes precinctFile()
 {
-    jp2maker::Options precincts = options();
+    jp2maker::Options precincts = options(0);
     precincts.progression = "RPCL";
     precincts.precincts = {{64, 64}};
     precincts.layerRates = {8, 2, 0};
@@ -98,12 +94,37 @@ FileBytes precinctFile()
     return jp2maker::make(precincts);
 }
 
+FileBytes colourFile()
+{
+    jp2maker::Options colours = options(128);
+    colours.components.resize(3);
+    colours.componentTransform = true;
+    colours.reversible = false;
+    colours.codeBlockStyle = 13;
+    return jp2maker::make(colours);
+}
+
 FileBytes bareFile(int tile = 0)
 {
-    jp2maker::Options bare = options();
+    jp2maker::Options bare = options(tile);
     bare.bareCodestream = true;
-    bare.tileWidth = bare.tileHeight = tile;
     return jp2maker::make(bare);
+}
+
+/// An XRV file, or a JP2 file with a packet index.
+FileBytes writtenFile(xrv::FileKind kind, bool isHighThroughput)
+{
+    SyntheticImage image(kPictureSide, kPictureSide, 1, 8);
+    image.cell = noise;
+    xrv::WriteOptions written;
+    written.kind = kind;
+    written.isHighThroughput = isHighThroughput;
+    written.tileSize = 128;
+    const FileFolder folder;
+    if (const PLK::CError error = writeImage(image, written, folder.path("made")))
+        qFatal("%s", error.GetErrorMessage());
+    const QByteArray file = folder.read("made");
+    return {file.begin(), file.end()};
 }
 
 struct Sample
@@ -112,31 +133,22 @@ struct Sample
     FileBytes bytes;
 };
 
-std::vector<Sample> samples()
+const std::vector<Sample> &samples()
 {
-    return {{"tiles", tiledFile()},
-            {"tile-parts", tilePartFile()},
-            {"precincts", precinctFile()},
-            {"bare codestream", bareFile()}};
+    static const std::vector<Sample> all{{"tiles", tiledFile()},
+                                         {"tile-parts", tilePartFile()},
+                                         {"precincts", precinctFile()},
+                                         {"colours", colourFile()},
+                                         {"bare codestream", bareFile()},
+                                         {"XRV", writtenFile(xrv::FileKind::Xrv, false)},
+                                         {"high throughput", writtenFile(xrv::FileKind::GeoJp2, true)}};
+    return all;
 }
 
-/// Counts the passes of a progressive view.
-class CountingView : public PLK::CView
+FileBytes cutAtSixteenth(const FileBytes &whole, std::size_t sixteenth)
 {
-public:
-    ~CountingView() override { Close(true); }
-    PLKReadStatus RefreshPass(PLKSetViewInfo *info) override
-    {
-        Q_UNUSED(info)
-        std::vector<std::uint8_t> line(std::size_t{kPictureSide} * 4);
-        for (int y = 0; y < kPictureSide; ++y)
-            if (ReadLineBGRA(line.data()) != PLK_READ_SUCCESS)
-                break;
-        ++passes;
-        return PLK_READ_SUCCESS;
-    }
-    std::atomic<int> passes{0};
-};
+    return {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * sixteenth / 16)};
+}
 
 } // namespace
 
@@ -162,25 +174,16 @@ private slots:
     void changedWhileOpen();
 
 private:
-    std::string write(const FileBytes &bytes, const QString &name = QStringLiteral("file.jp2"));
+    std::string write(const FileBytes &bytes) const { return folder.write("file", bytes); }
     /// Attempts to show \a bytes in both ways; fails the test when either is not as it should be.
     void mustBehave(const FileBytes &bytes, const QByteArray &what);
     void mustGoOn();
 
-    QTemporaryDir folder;
+    FileFolder folder;
     PLK::CView view; ///< one for all: what an earlier file did must not trouble a later one
     std::string goodPath;
     Attempt good;
 };
-
-std::string TestHostile::write(const FileBytes &bytes, const QString &name)
-{
-    QFile file(folder.filePath(name));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return {};
-    file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<qint64>(bytes.size()));
-    return file.fileName().toStdString();
-}
 
 void TestHostile::mustBehave(const FileBytes &bytes, const QByteArray &what)
 {
@@ -201,8 +204,7 @@ void TestHostile::mustGoOn()
 
 void TestHostile::initTestCase()
 {
-    QVERIFY(folder.isValid());
-    goodPath = write(tiledFile(), QStringLiteral("good.jp2"));
+    goodPath = folder.write("good.jp2", tiledFile());
     good = attempt(&view, goodPath, Damage::Strict);
     QVERIFY2(good.isShown(), good.error.GetErrorMessage());
     QSet<int> values;
@@ -214,22 +216,21 @@ void TestHostile::initTestCase()
 void TestHostile::cut_data()
 {
     QTest::addColumn<int>("sample");
-    const std::vector<Sample> all = samples();
-    for (std::size_t i = 0; i < all.size(); ++i)
-        QTest::newRow(all[i].name) << static_cast<int>(i);
+    for (std::size_t i = 0; i < samples().size(); ++i)
+        QTest::newRow(samples()[i].name) << static_cast<int>(i);
 }
 
 /// Every sixteenth: an error or a picture, and a strict view never takes a part for the whole.
 void TestHostile::cut()
 {
     QFETCH(int, sample);
-    const FileBytes whole = samples()[static_cast<std::size_t>(sample)].bytes;
+    const FileBytes &whole = samples()[static_cast<std::size_t>(sample)].bytes;
     const Attempt complete = attempt(&view, write(whole), Damage::Strict);
     QVERIFY2(complete.isShown(), complete.error.GetErrorMessage());
 
     int noticed = 0, saved = 0;
     for (std::size_t sixteenth = 0; sixteenth < 16; ++sixteenth) {
-        const FileBytes part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * sixteenth / 16));
+        const FileBytes part = cutAtSixteenth(whole, sixteenth);
         mustBehave(part, "cut at sixteenth " + QByteArray::number(static_cast<int>(sixteenth)));
         const Attempt strict = attempt(&view, write(part), Damage::Strict);
         QVERIFY(!strict.isShown() || strict.picture == complete.picture);
@@ -244,9 +245,7 @@ void TestHostile::cut()
 /// What is there is shown as it is, and what is not there is not made up.
 void TestHostile::cutKeepsFirstTile()
 {
-    const FileBytes whole = tiledFile();
-    const FileBytes half(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2));
-    const Attempt part = attempt(&view, write(half), Damage::Resilient);
+    const Attempt part = attempt(&view, write(cutAtSixteenth(tiledFile(), 8)), Damage::Resilient);
     QVERIFY2(part.isShown(), part.error.GetErrorMessage());
     constexpr std::size_t kTile = 64, kLineBytes = std::size_t{kPictureSide} * 4;
     for (std::size_t y = 0; y < kTile; ++y)
@@ -260,18 +259,14 @@ void TestHostile::cutKeepsFirstTile()
 /// A progressive view of a damaged file ends too: with all its blocks or with an error.
 void TestHostile::cutProgressive()
 {
-    const FileBytes whole = tiledFile();
+    PLK::SDK::CFileBase::sFilesHelper().Get()->Config().SetResilientDecodingEnabled(true);
     for (const std::size_t sixteenth : {6, 12}) {
-        const FileBytes part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * sixteenth / 16));
-        const std::string path = write(part);
-        PLK::SDK::CFileBase::sFilesHelper().Get()->Config().SetResilientDecodingEnabled(true);
-        CountingView progressive;
+        const std::string path = write(cutAtSixteenth(tiledFile(), sixteenth));
+        ProgressiveView progressive;
         QVERIFY(progressive.Open(PLK::CString(path.c_str()), true, false).IsSuccess());
-        const int bands[] = {0};
-        QVERIFY(
-            progressive.SetView(1, bands, kPictureSide, kPictureSide, 0, 0, kPictureSide, -kPictureSide).IsSuccess());
+        QVERIFY(!setView(progressive, wholeOf(progressive)));
         QTRY_VERIFY_WITH_TIMEOUT(progressive.GetPercentComplete() == 100 || progressive.GetLastError(), 2000);
-        QTRY_VERIFY_WITH_TIMEOUT(progressive.passes > 0, 2000);
+        QTRY_VERIFY_WITH_TIMEOUT(progressive.passes() > 0, 2000);
     }
 }
 
@@ -283,9 +278,9 @@ void TestHostile::flippedBytes_data()
 void TestHostile::flippedBytes()
 {
     QFETCH(int, sample);
-    const FileBytes whole = samples()[static_cast<std::size_t>(sample)].bytes;
+    const FileBytes &whole = samples()[static_cast<std::size_t>(sample)].bytes;
     std::mt19937 random(static_cast<unsigned>(sample) + 1);
-    constexpr int kFlips = 60;
+    constexpr int kFlips = 40;
     for (int i = 0; i < kFlips; ++i) {
         // Two thirds fall into the headers, where they do the most harm.
         const std::size_t range = i % 3 ? std::min<std::size_t>(whole.size(), 320) : whole.size();
@@ -302,20 +297,14 @@ void TestHostile::flippedBytes()
 void TestHostile::boxLengths()
 {
     const FileBytes whole = tiledFile();
-    std::vector<std::size_t> boxes;
-    for (std::size_t offset = 0; offset + 8 <= whole.size();) {
-        boxes.push_back(offset);
-        const bool isSuperbox = std::equal(&whole[offset + 4], &whole[offset + 8], "jp2h");
-        offset += isSuperbox ? 8 : std::max<std::size_t>(number(whole, offset), 8);
-    }
+    const auto boxes = boxbuilder::boxesOf(whole);
     QVERIFY(boxes.size() >= 6); // signature, ftyp, jp2h, ihdr, colr, jp2c
-    for (const std::size_t box : boxes) {
-        const std::uint32_t length = number(whole, box);
+    for (const boxbuilder::BoxAt &box : boxes) {
+        const auto length = static_cast<std::uint32_t>(box.length);
         for (const std::uint32_t wrong : {0u, 1u, 2u, 7u, 8u, length - 1, length + 1, 0x7fffffffu, 0xffffffffu}) {
             FileBytes damaged = whole;
-            put(&damaged, box, wrong, 4);
-            mustBehave(damaged, "box at " + QByteArray::number(static_cast<int>(box)) + " of length " +
-                                    QByteArray::number(wrong));
+            put(&damaged, box.start, wrong, 4);
+            mustBehave(damaged, box.type.c_str() + QByteArray(" of length ") + QByteArray::number(wrong));
             if (QTest::currentTestFailed())
                 return;
         }
@@ -412,27 +401,26 @@ void TestHostile::noImage_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QSet<int>>("codes");
-    const auto row = [this](const char *name, const QString &file, const QSet<int> &codes) {
-        QTest::newRow(name) << (file.startsWith(QLatin1Char('/')) ? file : folder.filePath(file)) << codes;
+    const auto row = [this](const char *name, const std::string &file, const QSet<int> &codes) {
+        QTest::newRow(name) << QString::fromStdString(file[0] == '/' ? file : folder.path(file)) << codes;
     };
-    const std::string text = "There is no picture in this text, only words, though it is long enough to look at.\n";
-    write(FileBytes(text.begin(), text.end()), QStringLiteral("text.jp2"));
-    write({}, QStringLiteral("empty.jp2"));
+    folder.write("text.jp2", QByteArray(100, 'a'));
+    folder.write("empty.jp2", QByteArray());
     FileBytes otherFamily = tiledFile();
     std::copy_n("qt  ", 4, otherFamily.begin() + 4);
-    write(otherFamily, QStringLiteral("other.jp2"));
-    row("missing", QStringLiteral("nothing.jp2"), {PLK_ERR_NOT_FOUND});
-    row("missing folder", QStringLiteral("nowhere/nothing.jp2"), {PLK_ERR_NOT_FOUND});
-    row("file as a folder", QStringLiteral("good.jp2/picture.jp2"), {PLK_ERR_NOT_FOUND, PLK_ERR_NO_ACCESS});
+    folder.write("other.jp2", otherFamily);
+    row("missing", "nothing.jp2", {PLK_ERR_NOT_FOUND});
+    row("missing folder", "nowhere/nothing.jp2", {PLK_ERR_NOT_FOUND});
+    row("file as a folder", "good.jp2/picture.jp2", {PLK_ERR_NOT_FOUND});
     row("folder", folder.path(), {PLK_ERR_NO_ACCESS});
-    row("text", QStringLiteral("text.jp2"), {PLK_ERR_UNKNOWN_FORMAT});
-    row("empty", QStringLiteral("empty.jp2"), {PLK_ERR_UNKNOWN_FORMAT, PLK_ERR_TRUNCATED});
-    row("another box format", QStringLiteral("other.jp2"), {PLK_ERR_UNKNOWN_FORMAT});
-    row("name longer than any", QString(5000, QLatin1Char('x')), {PLK_ERR_NOT_FOUND, PLK_ERR_NO_ACCESS, PLK_ERR_READ});
+    row("text", "text.jp2", {PLK_ERR_UNKNOWN_FORMAT});
+    row("empty", "empty.jp2", {PLK_ERR_UNKNOWN_FORMAT});
+    row("another box format", "other.jp2", {PLK_ERR_UNKNOWN_FORMAT});
+    row("name longer than any", std::string(5000, 'x'), {PLK_ERR_NOT_FOUND, PLK_ERR_NO_ACCESS, PLK_ERR_READ});
 #if defined(Q_OS_UNIX)
-    QCOMPARE(::mkfifo(folder.filePath(QStringLiteral("pipe.jp2")).toUtf8().constData(), 0600), 0);
-    row("pipe that nobody writes to", QStringLiteral("pipe.jp2"), {PLK_ERR_NO_ACCESS});
-    row("device", QStringLiteral("/dev/zero"), {PLK_ERR_NO_ACCESS});
+    QCOMPARE(::mkfifo(folder.path("pipe.jp2").c_str(), 0600), 0);
+    row("pipe that nobody writes to", "pipe.jp2", {PLK_ERR_NO_ACCESS});
+    row("device", "/dev/zero", {PLK_ERR_NO_ACCESS});
 #endif
 }
 
@@ -450,7 +438,7 @@ void TestHostile::noImage()
 void TestHostile::unreadable()
 {
 #if defined(Q_OS_UNIX)
-    const std::string path = write(tiledFile(), QStringLiteral("secret.jp2"));
+    const std::string path = folder.write("secret.jp2", tiledFile());
     QCOMPARE(::chmod(path.c_str(), 0), 0);
     // The superuser may read everything, so somebody else has to try.
     constexpr uid_t kNobody = 65534;
@@ -473,30 +461,25 @@ void TestHostile::changedWhileOpen_data()
 {
     QTest::addColumn<Change>("change");
     QTest::addColumn<bool>("mustFail");
-    const auto row = [](const char *name, const Change &change, bool mustFail) {
+    const auto row = [](const char *name, bool mustFail, const Change &change) {
         QTest::newRow(name) << change << mustFail;
     };
-    const auto overwrite = [](const QString &path, const FileBytes &bytes) {
+    row("cut short", true, [](const QString &path) { QVERIFY(QFile::resize(path, 2000)); });
+    row("emptied", true, [](const QString &path) { QVERIFY(QFile::resize(path, 0)); });
+    row("grown", true, [](const QString &path) { QVERIFY(QFile::resize(path, QFileInfo(path).size() + 10)); });
+    row("overwritten", true, [](const QString &path) { writeFile(path, asByteArray(tilePartFile())); });
+    row("overwritten in place", true, [](const QString &path) {
         QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<qint64>(bytes.size()));
-    };
-    row(
-        "cut short", [](const QString &path) { QVERIFY(QFile::resize(path, 2000)); }, true);
-    row(
-        "emptied", [](const QString &path) { QVERIFY(QFile::resize(path, 0)); }, true);
-    row(
-        "overwritten", [=](const QString &path) { overwrite(path, tilePartFile()); }, true);
+        QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(5000) && file.write("x") == 1);
+        // Another second than that of the first version, whatever the file system's resolution.
+        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(5), QFileDevice::FileModificationTime));
+    });
     // The bytes that were there are still there for those who have the file open.
-    row(
-        "removed", [](const QString &path) { QVERIFY(QFile::remove(path)); }, false);
-    row(
-        "replaced",
-        [=](const QString &path) {
-            overwrite(path + QStringLiteral(".new"), tilePartFile());
-            QVERIFY(QFile::remove(path) && QFile::rename(path + QStringLiteral(".new"), path));
-        },
-        false);
+    row("removed", false, [](const QString &path) { QVERIFY(QFile::remove(path)); });
+    row("replaced", false, [](const QString &path) {
+        writeFile(path + QStringLiteral(".new"), asByteArray(tilePartFile()));
+        QVERIFY(QFile::remove(path) && QFile::rename(path + QStringLiteral(".new"), path));
+    });
 }
 
 /// Either the picture of the file as it was, or an error: never a mixture.
@@ -504,17 +487,16 @@ void TestHostile::changedWhileOpen()
 {
     QFETCH(Change, change);
     QFETCH(bool, mustFail);
-    const std::string path = write(tiledFile(), QStringLiteral("changing.jp2"));
+    const std::string path = folder.write("changing.jp2", tiledFile());
     PLK::SDK::CFileBase::sFilesHelper().Get()->Config().SetResilientDecodingEnabled(true);
     QVERIFY(view.Open(PLK::CString(path.c_str()), false, false).IsSuccess());
     change(QString::fromStdString(path));
     const Attempt result = attemptView(&view);
     QVERIFY2(result.complaint().isEmpty(), result.complaint().constData());
     QCOMPARE(result.isShown(), !mustFail);
-    if (mustFail)
-        QCOMPARE(result.error.GetErrorNumber(), int(PLK_ERR_FILE_CHANGED));
-    else
-        QVERIFY(result.picture == good.picture);
+    QCOMPARE(result.error.GetErrorNumber(), mustFail ? int(PLK_ERR_FILE_CHANGED) : 0);
+    QVERIFY(mustFail || result.picture == good.picture);
+    QVERIFY(!mustFail || QByteArray(result.error.GetErrorMessage()).contains("changing.jp2"));
     mustGoOn();
 }
 

@@ -1,0 +1,2 @@
+xrv_add_writer_test(tst_imagewriter OPTIMIZED)
+target_link_libraries(tst_imagewriter PRIVATE test_peerdecoder)

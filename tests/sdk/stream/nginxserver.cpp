@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QThread>
 
 #include <unistd.h>
 
@@ -70,7 +69,8 @@ bool NginxServer::start(const QString &folder)
     while (timer.elapsed() < kStartTimeout) {
         if (acceptsConnections(listeningPort))
             return true;
-        QThread::msleep(10);
+        if (process.waitForFinished(10))
+            break; // it does not work here
     }
     return false;
 }
@@ -110,7 +110,7 @@ QStringList NginxServer::takeLog()
     QElapsedTimer timer;
     timer.start();
     do {
-        QThread::msleep(20);
+        process.waitForFinished(20); // unless it was stopped
         QFile file(filePath(QStringLiteral("asked")));
         if (file.open(QIODevice::ReadOnly))
             lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);

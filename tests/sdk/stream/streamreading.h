@@ -4,6 +4,8 @@
 #include "stream/values/sourcename.h"
 #include "webfile.h"
 
+#include <QtGlobal>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -38,4 +40,29 @@ inline std::vector<xrv::Bytes> expectedBytes(const WebFile &file, const std::vec
         expected.emplace_back(begin, begin + static_cast<std::ptrdiff_t>(range.length));
     }
     return expected;
+}
+
+/// Opens \a address; the test ends where that fails.
+inline std::shared_ptr<xrv::ByteSource> opened(const std::string &address,
+                                               const xrv::StreamOptions &options = quickOptions())
+{
+    std::shared_ptr<xrv::ByteSource> source;
+    if (const PLK::CError error = openStream(address, options, &source))
+        qFatal("%s", error.GetErrorMessage());
+    return source;
+}
+
+/// The bytes of \a ranges are read, and are those of \a file.
+inline bool readsRight(xrv::ByteSource &source, const WebFile &file, const std::vector<xrv::ByteRange> &ranges)
+{
+    std::vector<xrv::Bytes> out;
+    return !source.read(ranges, {}, &out) && out == expectedBytes(file, ranges);
+}
+
+/// What reading \a ranges fails with; 0 where it does not.
+inline int readError(xrv::ByteSource &source, const std::vector<xrv::ByteRange> &ranges,
+                     const xrv::CancelFlag &cancel = {})
+{
+    std::vector<xrv::Bytes> out;
+    return source.read(ranges, cancel, &out).GetErrorNumber();
 }

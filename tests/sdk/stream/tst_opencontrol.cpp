@@ -7,12 +7,6 @@
 #include <QElapsedTimer>
 #include <QtTest>
 
-#include <atomic>
-#include <chrono>
-#include <memory>
-#include <thread>
-#include <vector>
-
 using Handler = FaultServer::Handler;
 using Request = FaultServer::Request;
 using Connection = FaultServer::Connection;
@@ -29,13 +23,22 @@ private slots:
     void cancelledBeforehand();
     void tellsHowMuchCame();
     void saysNothingOfRanges();
+
+private:
+    /// Calls \a reached before \a next.
+    Handler telling(const Handler &next) const
+    {
+        return [=](const Request &request, const Connection &connection) {
+            reached();
+            return next(request, connection);
+        };
+    }
+    std::function<void()> reached; ///< called on the server's thread: the opening waits
 };
 
 namespace {
 
 constexpr std::size_t kPiece = 100000;
-constexpr int kPieceMs = 20;
-constexpr int kSilenceMs = 20000;
 
 /// 16 bits, which an opening renderer stretches, of noise, which does not shrink.
 const WebFile &image()
@@ -53,31 +56,19 @@ const WebFile &image()
     return file;
 }
 
-bool keepSilent(const Request &, const Connection &connection)
+/// Gives the whole file whatever is asked for, a piece at a time, and calls \a sent after each.
+Handler givingWholeSlowly(const std::function<void()> &sent)
 {
-    connection.linger(kSilenceMs);
-    return false;
-}
-
-Handler silentAfter(int answers)
-{
-    const auto count = std::make_shared<std::atomic<int>>(0);
-    return [=](const Request &request, const Connection &connection) {
-        return count->fetch_add(1) < answers ? connection.send(image().answer(request))
-                                             : keepSilent(request, connection);
+    return [sent](const Request &, const Connection &connection) {
+        const std::string answer = image().whole();
+        for (std::size_t done = 0; done < answer.size(); done += kPiece) {
+            if (!connection.send(answer.substr(done, kPiece)))
+                return false;
+            connection.linger(20);
+            sent();
+        }
+        return true;
     };
-}
-
-/// Gives the whole file whatever is asked for, a piece at a time.
-bool giveWholeSlowly(const Request &, const Connection &connection)
-{
-    const std::string answer = image().whole();
-    for (std::size_t done = 0; done < answer.size(); done += kPiece) {
-        if (!connection.send(answer.substr(done, kPiece)))
-            return false;
-        connection.linger(kPieceMs);
-    }
-    return true;
 }
 
 /// Opens as the layer does: what a stretch of the cells needs belongs to it.
@@ -95,46 +86,32 @@ PLK::CError openAndStretch(PLK::CView &view, const std::string &address)
 void TestOpenControl::cancelEndsTheWait_data()
 {
     QTest::addColumn<Handler>("handler");
-    QTest::addColumn<int>("requests"); // when these have come, the thread waits
-    QTest::newRow("silent server") << Handler(keepSilent) << 1;
-    QTest::newRow("falls silent after the header") << silentAfter(1) << 2;
-    QTest::newRow("out of service, to be asked again") << Handler([](const Request &, const Connection &connection) {
-        return connection.send(httpAnswer("503 Service Unavailable", "Retry-After: 4\r\n"));
-    }) << 1;
-    QTest::newRow("slow download of the whole") << Handler(giveWholeSlowly) << 1;
+    QTest::newRow("silent server") << telling(silence());
+    QTest::newRow("falls silent after the header") << afterOpening(image(), telling(silence()));
+    QTest::newRow("out of service, to be asked again")
+        << Handler([this](const Request &, const Connection &connection) {
+               const bool goesOn = connection.send(httpAnswer("503 Service Unavailable", "Retry-After: 4\r\n"));
+               reached();
+               return goesOn;
+           });
+    QTest::newRow("slow download of the whole") << givingWholeSlowly([this] { reached(); });
 }
 
 void TestOpenControl::cancelEndsTheWait()
 {
     QFETCH(Handler, handler);
-    QFETCH(int, requests);
-    std::atomic<int> asked{0};
-    FaultServer server([&](const Request &request, const Connection &connection) {
-        ++asked;
-        return handler(request, connection);
-    });
     PLK::CView view;
     PLK::COpenControl control;
     view.SetOpenControl(control);
-    PLK::CError error;
-    std::atomic<bool> isDone{false};
-    std::thread opener([&] {
-        error = openAndStretch(view, server.address("/a.jp2"));
-        isDone = true;
-    });
     QElapsedTimer timer;
-    timer.start();
-    while (asked < requests && timer.elapsed() < 5000)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    const bool waited = !isDone;
-    timer.start();
-    PLK::COpenControl(control).Cancel();
-    opener.join();
-    const qint64 elapsed = timer.elapsed();
-    QVERIFY(waited);
-    QCOMPARE(asked.load(), requests);
-    QVERIFY2(elapsed < 200, qPrintable(QString::number(elapsed)));
+    reached = [&] {
+        if (!timer.isValid())
+            timer.start();
+        PLK::COpenControl(control).Cancel();
+    };
+    FaultServer server(handler);
+    const PLK::CError error = openAndStretch(view, server.address("/a.jp2"));
+    QVERIFY2(timer.elapsed() < 200, qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_CANCELLED));
 }
 
@@ -156,26 +133,19 @@ void TestOpenControl::cancelledBeforehand()
 
 void TestOpenControl::tellsHowMuchCame()
 {
-    FaultServer server(giveWholeSlowly);
-    PLK::CView view;
     const PLK::COpenControl control;
-    view.SetOpenControl(control);
-    PLK::CError error;
-    std::atomic<bool> isDone{false};
-    std::thread opener([&] {
-        error = openAndStretch(view, server.address("/whole.jp2"));
-        isDone = true;
-    });
     std::vector<std::uint64_t> seen;
     bool isExpectedRight = true;
-    while (!isDone) {
+    FaultServer server(givingWholeSlowly([&] {
         const std::uint64_t received = control.GetBytesReceived();
         isExpectedRight = isExpectedRight && (received == 0 || control.GetBytesExpected() == image().bytes.size());
         if (seen.empty() || seen.back() != received)
             seen.push_back(received);
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    opener.join();
+    }));
+    PLK::CView view;
+    view.SetOpenControl(control);
+    const PLK::CError error = openAndStretch(view, server.address("/whole.jp2"));
+    server.stop();
     QVERIFY2(!error, error.GetErrorMessage());
     QVERIFY(isExpectedRight);
     QVERIFY(std::is_sorted(seen.begin(), seen.end()));

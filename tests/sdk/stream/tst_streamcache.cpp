@@ -1,5 +1,7 @@
 #include "streamreading.h"
 
+#include "data/files.h"
+
 #include "stream/http/servertraits.h"
 #include "stream/segmentstore.h"
 
@@ -10,6 +12,7 @@
 #include <QtTest>
 
 #include <filesystem>
+#include <numeric>
 #include <random>
 
 #include <csignal>
@@ -74,9 +77,7 @@ int readPieces(const std::string &address, const std::string &folder, unsigned s
             return 1;
         for (int k = 0; k < 20; ++k) {
             const std::uint64_t offset = random() % (kSize - 5000);
-            const std::vector<ByteRange> ranges{{offset, random() % 5000}};
-            std::vector<xrv::Bytes> out;
-            if (source->read(ranges, {}, &out) || out != expectedBytes(file, ranges))
+            if (!readsRight(*source, file, {{offset, random() % 5000}}))
                 return 2;
             source->remember("numbers", xrv::Bytes(100, std::uint8_t(seed)));
         }
@@ -112,8 +113,14 @@ private slots:
 
 private:
     std::shared_ptr<xrv::ByteSource> visit(FaultServer &server, const std::string &path = "/a.jp2");
+    void startReader(QProcess *process, const FaultServer &server, int seed, int rounds) const;
     QStringList files(const char *ending) const;
-    QString path(const QString &name) const { return folder->filePath(name); }
+    qint64 bytesOnDisk() const
+    {
+        const QStringList names = files("*");
+        return std::accumulate(names.begin(), names.end(), qint64(0),
+                               [](qint64 sum, const QString &name) { return sum + QFileInfo(name).size(); });
+    }
 
     std::unique_ptr<QTemporaryDir> folder;
     xrv::StreamOptions options;
@@ -143,11 +150,7 @@ QStringList TestStreamCache::files(const char *ending) const
 std::shared_ptr<xrv::ByteSource> TestStreamCache::visit(FaultServer &server, const std::string &path)
 {
     std::shared_ptr<xrv::ByteSource> source;
-    std::vector<xrv::Bytes> out;
-    if (openCold(server.address(path), options, &source) || source->read(kRanges, {}, &out) ||
-        out != expectedBytes(file, kRanges))
-        return nullptr;
-    return source;
+    return !openCold(server.address(path), options, &source) && readsRight(*source, file, kRanges) ? source : nullptr;
 }
 
 void TestStreamCache::secondVisitAsksOnceOnly()
@@ -176,14 +179,12 @@ void TestStreamCache::changedFileReplacesTheOld()
     server.setHandler(other.handler());
     std::shared_ptr<xrv::ByteSource> source;
     QVERIFY(!openCold(server.address("/a.jp2"), options, &source));
-    std::vector<xrv::Bytes> out;
-    QVERIFY(!source->read(kRanges, {}, &out));
-    QVERIFY(out == expectedBytes(other, kRanges));
+    QVERIFY(readsRight(*source, other, kRanges));
     QCOMPARE(files("data").size(), 1);
     QVERIFY(files("data") != before);
     // Back to the first one, while the second is open.
     server.setHandler(file.handler());
-    QCOMPARE(source->read({{300000, 10}}, {}, &out).GetErrorNumber(), int(PLK_ERR_FILE_CHANGED));
+    QCOMPARE(readError(*source, {{300000, 10}}), int(PLK_ERR_FILE_CHANGED));
     QVERIFY(files("data").isEmpty());
     QVERIFY(visit(server));
 }
@@ -224,12 +225,9 @@ void TestStreamCache::holdsNoSecretsAndNoForeignNames()
         QVERIFY(QRegularExpression(QStringLiteral("/xrvp-[0-9a-f]{32}-[0-9a-f]{16}\\.(cache|data)$"))
                     .match(name)
                     .hasMatch());
-        QFile opened(name);
-        QVERIFY(opened.open(QIODevice::ReadOnly));
-        const QByteArray content = opened.readAll();
         for (const char *secret : {"secret", "bWU6c2VjcmV0", "geheim", "evil"})
-            QVERIFY(!content.contains(secret));
-        QCOMPARE(opened.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+            QVERIFY(!readFile(name).contains(secret));
+        QCOMPARE(QFile::permissions(name) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
     }
 }
 
@@ -240,14 +238,10 @@ using Damage =
 
 void flip(const QString &name, qint64 every)
 {
-    QFile file(name);
-    if (!file.open(QIODevice::ReadWrite))
-        return;
-    QByteArray content = file.readAll();
+    QByteArray content = readFile(name);
     for (qint64 i = every / 2; i < content.size(); i += every)
         content[int(i)] = char(content[int(i)] ^ 0x40);
-    file.seek(0);
-    file.write(content);
+    writeFile(name, content);
 }
 
 void swapFiles(const QString &a, const QString &b)
@@ -292,14 +286,12 @@ void TestStreamCache::wrongBytesAreNeverGivenOut()
 {
     QFETCH(Damage, damage);
     const WebFile other = WebFile::make(kSize, 9);
-    FaultServer server([this, other](const Request &request, const FaultServer::Connection &connection) {
-        return connection.send((request.target == "/a.jp2" ? file : other).answer(request));
-    });
+    FaultServer server(answering(
+        [this, other](const Request &request) { return (request.target == "/a.jp2" ? file : other).answer(request); }));
     QVERIFY(visit(server));
     const QString cache = files("cache").value(0), data = files("data").value(0);
     std::shared_ptr<xrv::ByteSource> source;
-    std::vector<xrv::Bytes> out;
-    QVERIFY(!openCold(server.address("/b.jp2"), options, &source) && !source->read(kRanges, {}, &out));
+    QVERIFY(!openCold(server.address("/b.jp2"), options, &source) && readsRight(*source, other, kRanges));
     QStringList caches = files("cache"), datas = files("data");
     caches.removeOne(cache);
     datas.removeOne(data);
@@ -307,9 +299,7 @@ void TestStreamCache::wrongBytesAreNeverGivenOut()
     server.takeRequests();
     QVERIFY(visit(server));
     QVERIFY(server.takeRequests().size() > 1); // the damage was noticed
-    QVERIFY(!openCold(server.address("/b.jp2"), options, &source));
-    QVERIFY(!source->read(kRanges, {}, &out));
-    QVERIFY(out == expectedBytes(other, kRanges));
+    QVERIFY(!openCold(server.address("/b.jp2"), options, &source) && readsRight(*source, other, kRanges));
     // And it was made good.
     server.takeRequests();
     QVERIFY(visit(server));
@@ -323,10 +313,8 @@ void TestStreamCache::filesRemovedWhileOpen()
     for (const QString &name : files("*"))
         QVERIFY(QFile::remove(name));
     xrv::SegmentStore::instance().drop(fileNumberOf(*source));
-    std::vector<xrv::Bytes> out;
-    QVERIFY(!source->read({{0, 100000}}, {}, &out));
-    QVERIFY(!source->read({{300000, 1000}}, {}, &out));
-    QVERIFY(out == expectedBytes(file, {{300000, 1000}}));
+    QVERIFY(readsRight(*source, file, {{0, 100000}}));
+    QVERIFY(readsRight(*source, file, {{300000, 1000}}));
     QCOMPARE(files("*").size(), 2);
     server.takeRequests();
     QVERIFY(visit(server));
@@ -335,8 +323,7 @@ void TestStreamCache::filesRemovedWhileOpen()
 
 void TestStreamCache::goesOnWithoutFolder()
 {
-    QFile blocker(path(QStringLiteral("made")));
-    QVERIFY(blocker.open(QIODevice::WriteOnly)); // a file where the folder should be
+    writeFile(folder->filePath(QStringLiteral("made")), {}); // a file where the folder should be
     FaultServer server(file.handler());
     QVERIFY(visit(server));
     QVERIFY(visit(server));
@@ -374,10 +361,7 @@ void TestStreamCache::leastRecentlyUsedGoesFirst()
     QCOMPARE(server.takeRequests().size(), std::size_t(2));
     QVERIFY(visit(server, "/2"));
     QVERIFY(server.takeRequests().size() > 1); // that one had to go
-    qint64 sum = 0;
-    for (const QString &name : files("*"))
-        sum += QFileInfo(name).size();
-    QVERIFY(sum <= qint64(options.cacheBytes));
+    QVERIFY(bytesOnDisk() <= qint64(options.cacheBytes));
 }
 
 void TestStreamCache::fileLargerThanTheCache()
@@ -386,10 +370,7 @@ void TestStreamCache::fileLargerThanTheCache()
     options.cacheBytes = 80000;
     QVERIFY(visit(server));
     QVERIFY(visit(server));
-    qint64 sum = 0;
-    for (const QString &name : files("*"))
-        sum += QFileInfo(name).size();
-    QVERIFY(sum <= 80000);
+    QVERIFY(bytesOnDisk() <= 80000);
 }
 
 void TestStreamCache::wholeDownloadIsKept_data()
@@ -410,9 +391,7 @@ void TestStreamCache::wholeDownloadIsKept()
     QVERIFY(visit(server));
     server.takeRequests();
     const std::shared_ptr<xrv::ByteSource> source = visit(server);
-    std::vector<xrv::Bytes> out;
-    QVERIFY(!source->read({{0, kSize}}, {}, &out));
-    QVERIFY(out == expectedBytes(file, {{0, kSize}}));
+    QVERIFY(readsRight(*source, file, {{0, kSize}}));
     QCOMPARE(server.takeRequests().size(), std::size_t(1));
     options.cacheBytes = kSize - 1;
     std::shared_ptr<xrv::ByteSource> tooLarge;
@@ -428,9 +407,15 @@ void TestStreamCache::wholeDownloadThatTheDiskDoesNotTake()
     const FileSizeLimit limit(200000);
     std::shared_ptr<xrv::ByteSource> source;
     QVERIFY(!openCold(server.address("/a.jp2"), options, &source));
-    std::vector<xrv::Bytes> out;
-    QCOMPARE(source->read(kRanges, {}, &out).GetErrorNumber(), int(PLK_ERR_TOO_LARGE));
+    QCOMPARE(readError(*source, kRanges), int(PLK_ERR_TOO_LARGE));
     QVERIFY(server.takeRequests().size() <= 3);
+}
+
+void TestStreamCache::startReader(QProcess *process, const FaultServer &server, int seed, int rounds) const
+{
+    process->start(QCoreApplication::applicationFilePath(),
+                   {QStringLiteral("--read"), QString::fromStdString(server.address("/a.jp2")),
+                    QString::fromStdString(options.cacheFolder), QString::number(seed), QString::number(rounds)});
 }
 
 void TestStreamCache::severalProcesses()
@@ -439,9 +424,7 @@ void TestStreamCache::severalProcesses()
     std::vector<std::unique_ptr<QProcess>> others;
     for (int i = 0; i < 3; ++i) {
         others.push_back(std::make_unique<QProcess>());
-        others.back()->start(QCoreApplication::applicationFilePath(),
-                             {QStringLiteral("--read"), QString::fromStdString(server.address("/a.jp2")),
-                              QString::fromStdString(options.cacheFolder), QString::number(i), QStringLiteral("8")});
+        startReader(others.back().get(), server, i, 8);
     }
     QCOMPARE(readPieces(server.address("/a.jp2"), options.cacheFolder, 77, 8), 0);
     for (const auto &other : others) {
@@ -463,9 +446,7 @@ void TestStreamCache::killedWhileWriting()
     std::mt19937 random(5);
     for (int i = 0; i < 15; ++i) {
         QProcess writer;
-        writer.start(QCoreApplication::applicationFilePath(),
-                     {QStringLiteral("--read"), QString::fromStdString(server.address("/a.jp2")),
-                      QString::fromStdString(options.cacheFolder), QString::number(i), QStringLiteral("0")});
+        startReader(&writer, server, i, 0);
         QVERIFY(writer.waitForStarted());
         writer.waitForFinished(20 + int(random() % 60));
         writer.kill();

@@ -1,75 +1,14 @@
-#include "data/jp2maker.h"
 #include "nginxserver.h"
 
-#include <xrv60/plkconfig.h>
-#include <xrv60/plkfile.h>
-#include <xrv60/plkview.h>
+#include "data/files.h"
+#include "data/jp2maker.h"
+#include "data/views.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QThread>
 #include <QtTest>
 
-#include <algorithm>
-#include <memory>
-#include <mutex>
-#include <vector>
-
 namespace {
-
-struct Window
-{
-    int width, height;
-    double x1, y1, x2, y2;
-};
-
-/// All lines of a blocking view; empty when it cannot be had.
-std::vector<std::uint32_t> picture(PLK::CView &view, const Window &window)
-{
-    const int bands[] = {0};
-    if (view.SetView(1, bands, window.width, window.height, window.x1, window.y1, window.x2, window.y2))
-        return {};
-    std::vector<std::uint32_t> pixels(std::size_t(window.width) * std::size_t(window.height));
-    for (int y = 0; y < window.height; ++y)
-        if (view.ReadLineBGRA(pixels.data() + std::size_t(y) * std::size_t(window.width)) != PLK_READ_SUCCESS)
-            return {};
-    return pixels;
-}
-
-/// Reads each pass and keeps the last that was whole.
-class ProgressiveView : public PLK::CView
-{
-public:
-    ~ProgressiveView() override { Close(true); }
-
-    PLKReadStatus RefreshPass(PLKSetViewInfo *info) override
-    {
-        std::vector<std::uint32_t> pixels(std::size_t(info->nSizeX) * info->nSizeY);
-        PLKReadStatus status = PLK_READ_SUCCESS;
-        for (std::size_t y = 0; y < info->nSizeY && status == PLK_READ_SUCCESS; ++y)
-            status = ReadLineBGRA(pixels.data() + y * info->nSizeX);
-        const std::lock_guard<std::mutex> lock(mutex);
-        hasFailed = hasFailed || status == PLK_READ_FAILED;
-        if (status == PLK_READ_SUCCESS)
-            lastPicture.swap(pixels);
-        return status == PLK_READ_CANCELLED ? status : PLK_READ_SUCCESS;
-    }
-    bool failed() const
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return hasFailed;
-    }
-    std::vector<std::uint32_t> picture() const
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return lastPicture;
-    }
-
-private:
-    mutable std::mutex mutex; ///< guards the members below
-    std::vector<std::uint32_t> lastPicture;
-    bool hasFailed = false;
-};
 
 PLK::SDK::CConfig &config()
 {
@@ -106,20 +45,15 @@ private slots:
 private:
     /// A copy of a file: a stream of which nothing is at hand yet.
     QString fresh(const QString &name) const;
-    bool write(const QString &name, const jp2maker::Options &options) const;
+    void write(const QString &name, const jp2maker::Options &options) const
+    {
+        writeFile(folder.filePath(name), asByteArray(jp2maker::make(options)));
+    }
     std::vector<std::uint32_t> localPicture(const QString &name, const Window &window) const;
 
     QTemporaryDir folder;
     NginxServer server;
 };
-
-bool TestStreamView::write(const QString &name, const jp2maker::Options &options) const
-{
-    const jp2maker::FileBytes bytes = jp2maker::make(options);
-    QFile file(folder.filePath(name));
-    return file.open(QIODevice::WriteOnly) &&
-           file.write(reinterpret_cast<const char *>(bytes.data()), qint64(bytes.size())) == qint64(bytes.size());
-}
 
 QString TestStreamView::fresh(const QString &name) const
 {
@@ -132,7 +66,7 @@ std::vector<std::uint32_t> TestStreamView::localPicture(const QString &name, con
 {
     PLK::CView local;
     return local.Open(utf8(folder.filePath(name).toStdString()), false, false) ? std::vector<std::uint32_t>()
-                                                                               : picture(local, window);
+                                                                               : readPicture(local, window);
 }
 
 void TestStreamView::initTestCase()
@@ -147,11 +81,11 @@ void TestStreamView::initTestCase()
     options.precincts = {{128, 128}};
     options.progression = "RPCL";
     options.cell = [](int, int x, int y) { return (x * x / 7 + (y * 37 ^ x * 3)) & 255; };
-    QVERIFY(write(kWalked, options));
+    write(kWalked, options);
     options.tlm = options.plt = true;
-    QVERIFY(write(QStringLiteral("Übersicht 東京 #1.jp2"), options));
+    write(QStringLiteral("Übersicht 東京 #1.jp2"), options);
     options.tileWidth = options.tileHeight = 0;
-    QVERIFY(write(kSingle, options));
+    write(kSingle, options);
     QVERIFY(server.start(folder.path()));
 }
 
@@ -173,9 +107,9 @@ void TestStreamView::showsTheSameCells()
     QVERIFY(remote.GetFile()->IsRemote());
     for (const Window &window : {Window{187, 187, 0, 0, 1500, -1500}, Window{300, 200, 333, -777, 633, -977},
                                  Window{1500, 1500, 0, 0, 1500, -1500}}) {
-        const std::vector<std::uint32_t> expected = picture(local, window);
+        const std::vector<std::uint32_t> expected = readPicture(local, window);
         QVERIFY(!expected.empty());
-        QVERIFY(picture(remote, window) == expected);
+        QVERIFY(readPicture(remote, window) == expected);
     }
 }
 
@@ -189,13 +123,13 @@ void TestStreamView::secondVisitAsksWhetherItChanged()
     {
         PLK::CView view;
         QVERIFY(!view.Open(utf8(server.address(name)), false, false));
-        QVERIFY(picture(view, kOverview) == expected);
+        QVERIFY(readPicture(view, kOverview) == expected);
         view.Close(true);
     }
     server.takeLog();
     PLK::CView view;
     QVERIFY(!view.Open(utf8(server.address(name)), false, false));
-    QVERIFY(picture(view, kOverview) == expected);
+    QVERIFY(readPicture(view, kOverview) == expected);
     const QStringList log = server.takeLog();
     QCOMPARE(log.size(), 1);
     QVERIFY2(log[0].startsWith(QLatin1String("304 0 ")), qPrintable(log[0]));
@@ -206,13 +140,12 @@ void TestStreamView::serverStopsDuringAView()
 {
     PLK::CView view;
     QVERIFY(!view.Open(utf8(server.address(fresh(kWalked))), false, false));
-    const std::vector<std::uint32_t> overview = picture(view, kOverview);
+    const std::vector<std::uint32_t> overview = readPicture(view, kOverview);
     QVERIFY(!overview.empty());
     server.stop();
-    QVERIFY(picture(view, {300, 300, 700, -700, 1000, -1000}).empty());
+    QVERIFY(readPicture(view, {300, 300, 700, -700, 1000, -1000}).empty());
     QCOMPARE(view.GetLastError().GetErrorNumber(), int(PLK_ERR_CONNECTION_LOST));
-    const int bands[] = {0};
-    PLK::CError error = view.SetView(1, bands, 300, 300, 700, -700, 1000, -1000);
+    const PLK::CError error = setView(view, {300, 300, 700, -700, 1000, -1000});
     QCOMPARE(error.GetErrorNumber(), 76);
     QVERIFY(QByteArray(error.GetErrorMessage()).contains("walked.jp2"));
     QVERIFY(server.start(folder.path()));
@@ -222,7 +155,7 @@ void TestStreamView::serverStopsDuringAView()
     for (std::size_t y = 0; y < 300; ++y)
         QCOMPARE(view.ReadLineBGRA(pixels.data() + y * 300), PLK_READ_SUCCESS);
     QVERIFY(pixels == localPicture(kWalked, {300, 300, 700, -700, 1000, -1000}));
-    QVERIFY(picture(view, kOverview) == overview);
+    QVERIFY(readPicture(view, kOverview) == overview);
 }
 
 void TestStreamView::serverStopsDuringAProgressiveView()
@@ -230,8 +163,7 @@ void TestStreamView::serverStopsDuringAProgressiveView()
     ProgressiveView view;
     QVERIFY(!view.Open(utf8(server.address(fresh(kSingle))), true, false));
     server.stop();
-    const int bands[] = {0};
-    QVERIFY(!view.SetView(1, bands, kAll.width, kAll.height, kAll.x1, kAll.y1, kAll.x2, kAll.y2));
+    QVERIFY(!setView(view, kAll));
     QTRY_VERIFY_WITH_TIMEOUT(view.failed(), 20000);
     QVERIFY(server.start(folder.path()));
     QVERIFY(!view.Reconnect());
@@ -245,20 +177,20 @@ void TestStreamView::fileChangesDuringAView()
     options.width = options.height = 700;
     options.tileWidth = options.tileHeight = 100;
     options.cell = [](int, int x, int y) { return (x * 5 ^ y * 3) & 255; };
-    QVERIFY(write(name, options));
+    write(name, options);
     PLK::CView view;
     QVERIFY(!view.Open(utf8(server.address(name)), false, false));
-    QVERIFY(!picture(view, {100, 100, 0, 0, 100, -100}).empty());
+    QVERIFY(!readPicture(view, {100, 100, 0, 0, 100, -100}).empty());
     options.cell = [](int, int x, int y) { return (x * 7 ^ y * 11) & 255; };
     options.height = 900;
-    QVERIFY(write(name, options));
-    QVERIFY(picture(view, {700, 700, 0, 0, 700, -700}).empty());
+    write(name, options);
+    QVERIFY(readPicture(view, {700, 700, 0, 0, 700, -700}).empty());
     QCOMPARE(view.GetLastError().GetErrorNumber(), int(PLK_ERR_FILE_CHANGED));
-    QVERIFY(picture(view, {100, 100, 0, 0, 100, -100}).empty());
+    QVERIFY(readPicture(view, {100, 100, 0, 0, 100, -100}).empty());
     QCOMPARE(view.Reconnect().GetErrorNumber(), int(PLK_ERR_FILE_CHANGED));
     QVERIFY(!view.Open(utf8(server.address(name)), false, false));
     QCOMPARE(view.GetFileInfo()->nSizeY, 900u);
-    QVERIFY(picture(view, {700, 900, 0, 0, 700, -900}) == localPicture(name, {700, 900, 0, 0, 700, -900}));
+    QVERIFY(readPicture(view, {700, 900, 0, 0, 700, -900}) == localPicture(name, {700, 900, 0, 0, 700, -900}));
 }
 
 void TestStreamView::secureServerMustBeTrusted()
@@ -272,7 +204,7 @@ void TestStreamView::secureServerMustBeTrusted()
     QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_UNTRUSTED));
     config().SetXrvpClientCaFile(secure.certificateFile().toLocal8Bit().constData());
     QVERIFY(!view.Open(utf8(address), false, false));
-    QVERIFY(picture(view, kOverview) == localPicture(kSingle, kOverview));
+    QVERIFY(readPicture(view, kOverview) == localPicture(kSingle, kOverview));
     for (const QString &line : secure.takeLog())
         QVERIFY2(line.endsWith(QLatin1String("HTTP/2.0")), qPrintable(line));
     error = view.Open(utf8(secure.address(QStringLiteral("away/a"))), false, false);
@@ -296,26 +228,23 @@ void TestStreamView::manyViewsOfManyStreams()
         views.push_back(std::make_unique<ProgressiveView>());
         QVERIFY(!views.back()->Open(utf8(server.address(names[i % kStreams])), true, false));
     }
-    const int bands[] = {0};
     QElapsedTimer timer;
     timer.start();
     for (int step = 0; timer.elapsed() < seconds * 1000; ++step) {
         ProgressiveView &view = *views[std::size_t(step % kViews)];
         const double x = step * 37 % 1200, y = step * 53 % 1200;
-        QVERIFY(!view.SetView(1, bands, 120, 120, x, -y, x + 300, -y - 300));
-        QThread::msleep(1);
+        QVERIFY(!setView(view, {120, 120, x, -y, x + 300, -y - 300}));
+        QThread::yieldCurrentThread();
     }
     for (const auto &view : views)
-        QVERIFY(!view->SetView(1, bands, last.width, last.height, last.x1, last.y1, last.x2, last.y2));
+        QVERIFY(!setView(*view, last));
     for (int i = 0; i < kViews; ++i)
         QTRY_VERIFY_WITH_TIMEOUT(views[std::size_t(i)]->picture() == expected[i % kStreams % 2], 60000);
 }
 
 void TestStreamView::pagesAreNoImages()
 {
-    QFile page(folder.filePath(QStringLiteral("login.jp2")));
-    QVERIFY(page.open(QIODevice::WriteOnly) && page.write("\r\n<!DOCTYPE html><title>Log in</title>") > 0);
-    page.close();
+    writeFile(folder.filePath(QStringLiteral("login.jp2")), "\r\n<!DOCTYPE html><title>Log in</title>");
     PLK::CView view;
     const PLK::CError error = view.Open(utf8(server.address(QStringLiteral("login.jp2"))), false, false);
     QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_UNKNOWN_FORMAT));

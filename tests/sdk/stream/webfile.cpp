@@ -1,6 +1,8 @@
 #include "webfile.h"
 
 #include <algorithm>
+#include <atomic>
+#include <memory>
 #include <random>
 
 std::string httpAnswer(const std::string &status, const std::string &headers, const std::string &body)
@@ -71,7 +73,33 @@ std::string WebFile::answer(const FaultServer::Request &request) const
 
 FaultServer::Handler WebFile::handler() const
 {
-    return [file = *this](const FaultServer::Request &request, const FaultServer::Connection &connection) {
-        return connection.send(file.answer(request));
+    return answering([file = *this](const FaultServer::Request &request) { return file.answer(request); });
+}
+
+FaultServer::Handler answering(const std::function<std::string(const FaultServer::Request &)> &make)
+{
+    return [make](const FaultServer::Request &request, const FaultServer::Connection &connection) {
+        return connection.send(make(request));
+    };
+}
+
+FaultServer::Handler always(const std::string &answer)
+{
+    return answering([answer](const FaultServer::Request &) { return answer; });
+}
+
+FaultServer::Handler silence()
+{
+    return [](const FaultServer::Request &, const FaultServer::Connection &connection) {
+        connection.linger(20000);
+        return false;
+    };
+}
+
+FaultServer::Handler afterOpening(const WebFile &file, const FaultServer::Handler &next)
+{
+    const auto count = std::make_shared<std::atomic<int>>(0);
+    return [=](const FaultServer::Request &request, const FaultServer::Connection &connection) {
+        return count->fetch_add(1) == 0 ? connection.send(file.answer(request)) : next(request, connection);
     };
 }

@@ -32,3 +32,12 @@ struct WebFile
 
 /// A head with \a status ("404 Not Found") and further header lines, each ended, and \a body.
 std::string httpAnswer(const std::string &status, const std::string &headers = {}, const std::string &body = {});
+
+/// Answers with what \a make makes of the request.
+FaultServer::Handler answering(const std::function<std::string(const FaultServer::Request &)> &make);
+/// The same answer to every request.
+FaultServer::Handler always(const std::string &answer);
+/// Never answers.
+FaultServer::Handler silence();
+/// As \a file would be served to the first request, which opens it, and by \a next from then on.
+FaultServer::Handler afterOpening(const WebFile &file, const FaultServer::Handler &next);

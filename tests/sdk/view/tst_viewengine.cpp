@@ -1,10 +1,11 @@
 #include "viewsupport.h"
 
+#include "data/latch.h"
+
 #include <QElapsedTimer>
 #include <QtTest>
 
-#include <condition_variable>
-#include <thread>
+using namespace std::chrono_literals;
 
 /// What views promise of threads, passes, progress and memory.
 class TestViewEngine : public QObject
@@ -12,7 +13,7 @@ class TestViewEngine : public QObject
     Q_OBJECT
 
 private slots:
-    void quickViewsAreOnePass();
+    void slowViewsBeginCoarse_data();
     void slowViewsBeginCoarse();
     void passesFollowCosts_data();
     void passesFollowCosts();
@@ -37,30 +38,6 @@ private slots:
 
 namespace {
 
-using namespace std::chrono_literals;
-
-/// Raised by one thread, waited for by another.
-class Latch
-{
-public:
-    void open()
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        isOpen = true;
-        changed.notify_all();
-    }
-    bool wait()
-    {
-        std::unique_lock<std::mutex> lock(mutex);
-        return changed.wait_for(lock, 20s, [this] { return isOpen; });
-    }
-
-private:
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool isOpen = false;
-};
-
 /// What a pass brought.
 struct SeenPass
 {
@@ -79,19 +56,10 @@ public:
     {
         if (before)
             before(*info);
-        Lines<std::uint32_t> lines;
-        std::vector<std::uint32_t> line(info->nSizeX);
-        PLKReadStatus status = PLK_READ_SUCCESS;
-        std::uint32_t first = 0;
-        for (std::uint32_t y = 0; y < info->nSizeY && status == PLK_READ_SUCCESS; ++y) {
-            xrv::LineTarget target;
-            target.bgra = line.data();
-            status = engine->readLine(target);
-            first = y == 0 ? line[0] : first;
-        }
+        const auto lines = readBgra(*engine);
         const std::lock_guard<std::mutex> lock(mutex);
-        passes.push_back({info->nGeneration, status, first, engine->percent(), engine->cacheTiles().available,
-                          engine->cacheTiles().inView});
+        passes.push_back({info->nGeneration, lines.status, lines.at(0, 0), engine->percent(),
+                          engine->cacheTiles().available, engine->cacheTiles().inView});
         changed.notify_all();
         return answer;
     }
@@ -156,46 +124,37 @@ struct Stage
     std::unique_ptr<xrv::ViewEngine> engine;
 };
 
-QByteArray grey(int level)
-{
-    return bgra(level, level, level, 255);
-}
-
 } // namespace
 
-void TestViewEngine::quickViewsAreOnePass()
+void TestViewEngine::slowViewsBeginCoarse_data()
 {
+    QTest::addColumn<std::vector<double>>("costs");
+    QTest::addColumn<std::vector<int>>("levels"); // of the passes
+    QTest::newRow("quick") << std::vector<double>{1} << std::vector<int>{0};
+    QTest::newRow("slow") << std::vector<double>{100, 25, 7, 2} << std::vector<int>{2, 0};
+}
+
+void TestViewEngine::slowViewsBeginCoarse()
+{
+    QFETCH(std::vector<double>, costs);
+    QFETCH(std::vector<int>, levels);
     Stage stage;
-    stage.setCosts({1.0});
+    stage.setCosts(costs);
     QCOMPARE(stage.engine->percent(), 100);
     QCOMPARE(stage.engine->viewInfo().nSizeX, 0u);
     stage.show(10, 10);
     QVERIFY(stage.recorder.waitForGeneration(1));
     stage.engine->stop();
     const std::vector<SeenPass> seen = stage.recorder.seen();
-    QCOMPARE(seen.size(), std::size_t(1));
-    QCOMPARE(seen[0].status, PLK_READ_SUCCESS);
-    QCOMPARE(bytesOf(seen[0].firstPixel), grey(0));
-    QCOMPARE(seen[0].percent, 100);
-    QCOMPARE(seen[0].blocks, std::uint64_t(40));
-    QCOMPARE(seen[0].blocksInView, std::uint64_t(40));
-}
-
-void TestViewEngine::slowViewsBeginCoarse()
-{
-    Stage stage;
-    stage.setCosts({100, 25, 7, 2});
-    stage.show(10, 10);
-    QVERIFY(stage.recorder.waitForGeneration(1));
-    stage.engine->stop();
-    const std::vector<SeenPass> seen = stage.recorder.seen();
-    QCOMPARE(seen.size(), std::size_t(2));
-    QCOMPARE(bytesOf(seen[0].firstPixel), grey(2));
-    QCOMPARE(bytesOf(seen[1].firstPixel), grey(0));
-    QVERIFY(seen[0].percent < 100);
-    QCOMPARE(seen[0].blocks, std::uint64_t(8));
-    QCOMPARE(seen[1].percent, 100);
-    QCOMPARE(seen[1].blocks, std::uint64_t(40));
+    QCOMPARE(seen.size(), levels.size());
+    for (std::size_t i = 0; i < seen.size(); ++i) {
+        const bool isLast = i + 1 == seen.size();
+        QCOMPARE(seen[i].status, PLK_READ_SUCCESS);
+        QCOMPARE(bytesOf(seen[i].firstPixel), grey(levels[i]));
+        QCOMPARE(seen[i].percent == 100, isLast);
+        QCOMPARE(seen[i].blocks, std::uint64_t(isLast ? 40 : 8));
+        QCOMPARE(seen[i].blocksInView, std::uint64_t(40));
+    }
 }
 
 void TestViewEngine::passesFollowCosts_data()
@@ -247,10 +206,7 @@ void TestViewEngine::linesBelongToThePass()
     stage.reader.cell = [](int, int level, std::int64_t, std::int64_t v) { return (v << level) < 32 ? 9 : level; };
     // A caller that reads some line of each pass beforehand and so does not end at the last one.
     stage.recorder.before = [&](const PLKSetViewInfo &info) {
-        std::vector<std::uint32_t> line(info.nSizeX);
-        xrv::LineTarget target;
-        target.bgra = line.data();
-        stage.engine->readLine(target);
+        readLine(*stage.engine, std::vector<std::uint32_t>(info.nSizeX).data());
     };
     Latch coarseIsOver, goOn;
     stage.reader.onRead = [&](const xrv::ReadRequest &request) {
@@ -317,9 +273,7 @@ void TestViewEngine::decodingIsCancelledByANewerView()
         if (request.datasetRect.x0 != 0)
             return PLK::CError();
         decoding.open();
-        for (int i = 0; i < 20000 && !request.cancel.isRaised(); ++i)
-            std::this_thread::sleep_for(1ms);
-        wasCancelled = request.cancel.isRaised();
+        wasCancelled = waitUntil([&] { return request.cancel.isRaised(); });
         return PLK::CError(PLK_ERR_CANCELLED, "Reading was cancelled.");
     };
     stage.show(0, 0);
@@ -335,27 +289,18 @@ void TestViewEngine::stopWaitsForTheCallback()
 {
     Stage stage;
     stage.setCosts({1.0});
-    Latch callbackRuns, goOn;
-    std::atomic<bool> cancelSeen{false};
+    Latch callbackRuns;
+    std::atomic<bool> cancelSeen{false}, callbackEnds{false};
     stage.recorder.before = [&](const PLKSetViewInfo &) {
         callbackRuns.open();
-        goOn.wait();
-        cancelSeen = stage.engine->isCancelPending();
+        cancelSeen = waitUntil([&] { return stage.engine->isCancelPending(); });
+        letOthersRun();
+        callbackEnds = true;
     };
     stage.show(0, 0);
     QVERIFY(callbackRuns.wait());
-    std::atomic<bool> stopped{false};
-    std::thread closer([&] {
-        stage.engine->stop();
-        stopped = true;
-    });
-    while (!stage.engine->isCancelPending())
-        std::this_thread::sleep_for(1ms);
-    std::this_thread::sleep_for(20ms);
-    const bool stoppedEarly = stopped;
-    goOn.open();
-    closer.join();
-    QVERIFY(!stoppedEarly);
+    stage.engine->stop();
+    QVERIFY(callbackEnds);
     QVERIFY(cancelSeen);
     QCOMPARE(stage.recorder.seen().size(), std::size_t(1));
     QCOMPARE(stage.recorder.seen()[0].status, PLK_READ_CANCELLED);
@@ -389,7 +334,7 @@ void TestViewEngine::listenerMayEndTheView()
     stage.recorder.answer = PLK_READ_CANCELLED;
     stage.show(0, 0);
     QVERIFY(stage.recorder.waitFor(1));
-    std::this_thread::sleep_for(50ms);
+    letOthersRun();
     QCOMPARE(stage.reader.reads.load(), 1);
     stage.show(100, 100);
     QVERIFY(stage.recorder.waitFor(2));
@@ -458,17 +403,16 @@ void TestViewEngine::failureIsToldWithTheFinalPass()
 void TestViewEngine::failureIsKeptWithABlockingView()
 {
     FakeReader reader(256, 256);
-    Image image(reader);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
+    BlockingView image(reader);
+    xrv::ViewEngine &engine = image.engine;
     reader.onRead = [](const xrv::ReadRequest &) { return PLK::CError(PLK_ERR_TRUNCATED, "The file ends too early."); };
-    engine.setView(image.view({0}, 32, 32, {0, 0, 32, 32}));
+    image.show({0}, 32, 32, {0, 0, 32, 32});
     for (int paint = 0; paint < 3; ++paint)
         QCOMPARE(readBgra(engine).status, PLK_READ_FAILED);
     QCOMPARE(reader.reads.load(), 1);
     QCOMPARE(engine.lastError().GetErrorNumber(), int(PLK_ERR_TRUNCATED));
     reader.onRead = nullptr;
-    engine.setView(image.view({0}, 32, 32, {0, 0, 32, 32}));
+    image.show({0}, 32, 32, {0, 0, 32, 32});
     QCOMPARE(readBgra(engine).status, PLK_READ_SUCCESS);
 }
 
@@ -476,9 +420,8 @@ void TestViewEngine::blockingViewIsReadAgainWithoutDecoding()
 {
     FakeReader reader(256, 256);
     reader.cell = [](int, int, std::int64_t, std::int64_t v) { return v; };
-    Image image(reader);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
+    BlockingView image(reader);
+    xrv::ViewEngine &engine = image.engine;
     const xrv::ViewRequest request = image.view({0}, 32, 32, {0, 0, 32, 32});
     engine.setView(request);
     for (int round = 0; round < 3; ++round) {
@@ -487,17 +430,15 @@ void TestViewEngine::blockingViewIsReadAgainWithoutDecoding()
         QCOMPARE(bytesOf(lines.at(31, 31)), grey(31));
     }
     // A read that ends half-way, then the same view.
-    xrv::LineTarget target;
     std::vector<std::uint32_t> line(32);
-    target.bgra = line.data();
-    QCOMPARE(engine.readLine(target), PLK_READ_SUCCESS);
+    QCOMPARE(readLine(engine, line.data()), PLK_READ_SUCCESS);
     engine.cancelReads();
-    QCOMPARE(engine.readLine(target), PLK_READ_CANCELLED);
+    QCOMPARE(readLine(engine, line.data()), PLK_READ_CANCELLED);
     engine.setView(request);
     QCOMPARE(engine.percent(), 100);
     QCOMPARE(bytesOf(readBgra(engine).at(0, 0)), grey(0));
     QCOMPARE(reader.reads.load(), 1);
-    engine.setView(image.view({0}, 32, 32, {1, 0, 33, 32}));
+    image.show({0}, 32, 32, {1, 0, 33, 32});
     QCOMPARE(engine.percent(), 0);
     readBgra(engine);
     QCOMPARE(reader.reads.load(), 2);
@@ -506,42 +447,37 @@ void TestViewEngine::blockingViewIsReadAgainWithoutDecoding()
 void TestViewEngine::blockingProgressEndsWithTheLastLine()
 {
     FakeReader reader(256, 256);
-    Image image(reader);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
+    BlockingView image(reader);
+    xrv::ViewEngine &engine = image.engine;
     std::vector<std::uint32_t> line(64);
-    xrv::LineTarget target;
-    target.bgra = line.data();
-    QCOMPARE(engine.readLine(target), PLK_READ_FAILED);
+    QCOMPARE(readLine(engine, line.data()), PLK_READ_FAILED);
     QCOMPARE(engine.lastError().GetErrorNumber(), int(PLK_ERR_NO_VIEW));
-    engine.setView(image.view({0}, 64, 200, {0, 0, 64, 200}));
+    image.show({0}, 64, 200, {0, 0, 64, 200});
     int last = engine.percent();
     QCOMPARE(last, 0);
     for (int y = 0; y < 200; ++y) {
-        QCOMPARE(engine.readLine(target), PLK_READ_SUCCESS);
+        QCOMPARE(readLine(engine, line.data()), PLK_READ_SUCCESS);
         QVERIFY(engine.percent() >= last);
         last = engine.percent();
         QCOMPARE(last == 100, y == 199);
     }
     QCOMPARE(engine.cacheTiles().available, engine.cacheTiles().inView);
-    QCOMPARE(engine.readLine(target), PLK_READ_SUCCESS); // the picture once more
+    QCOMPARE(readLine(engine, line.data()), PLK_READ_SUCCESS); // the picture once more
     QCOMPARE(engine.percent(), 100);
 }
 
 void TestViewEngine::blockingReadIsCancelledFromElsewhere()
 {
     FakeReader reader(256, 256);
-    Image image(reader);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
+    BlockingView image(reader);
+    xrv::ViewEngine &engine = image.engine;
     Latch decoding;
     reader.onRead = [&](const xrv::ReadRequest &request) {
         decoding.open();
-        for (int i = 0; i < 20000 && !request.cancel.isRaised(); ++i)
-            std::this_thread::sleep_for(1ms);
+        waitUntil([&] { return request.cancel.isRaised(); });
         return PLK::CError(PLK_ERR_CANCELLED, "Reading was cancelled.");
     };
-    engine.setView(image.view({0}, 64, 64, {0, 0, 64, 64}));
+    image.show({0}, 64, 64, {0, 0, 64, 64});
     std::thread canceller([&] {
         decoding.wait();
         engine.cancelReads();
@@ -549,16 +485,15 @@ void TestViewEngine::blockingReadIsCancelledFromElsewhere()
     QCOMPARE(readBgra(engine).status, PLK_READ_CANCELLED);
     canceller.join();
     reader.onRead = nullptr;
-    engine.setView(image.view({0}, 64, 64, {0, 0, 64, 64}));
+    image.show({0}, 64, 64, {0, 0, 64, 64});
     QCOMPARE(readBgra(engine).status, PLK_READ_SUCCESS);
 }
 
 void TestViewEngine::blockingTimeIsWaitedForFirstLines()
 {
     FakeReader reader(256, 256);
-    Image image(reader);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
+    BlockingView image(reader);
+    xrv::ViewEngine &engine = image.engine;
     xrv::ViewRequest request = image.view({0}, 64, 64, {0, 0, 64, 64});
     request.blockingTimeMs = 20000;
     engine.setView(request);
@@ -587,23 +522,20 @@ void TestViewEngine::hugeViewIsReadInStrips()
     FakeReader reader(80000, 80000, 3, 16);
     reader.raster.levels = 10;
     reader.cell = [](int component, int, std::int64_t u, std::int64_t v) { return (u + 7 * v + component) * 256; };
-    Image image(reader);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
-    engine.setView(image.view({0, 1, 2}, 65535, 65535, {0, 0, 65535, 65535}));
+    BlockingView image(reader);
+    xrv::ViewEngine &engine = image.engine;
+    image.show({0, 1, 2}, 65535, 65535, {0, 0, 65535, 65535});
     std::vector<std::uint32_t> line(65535);
-    xrv::LineTarget target;
-    target.bgra = line.data();
     for (int y = 0; y < 120; ++y) {
-        QCOMPARE(engine.readLine(target), PLK_READ_SUCCESS);
+        QCOMPARE(readLine(engine, line.data()), PLK_READ_SUCCESS);
         const int blue = (65534 + 7 * y + 2) & 255;
         QCOMPARE(bytesOf(line[65534]), bgra(blue, (blue - 1) & 255, (blue - 2) & 255, 255));
     }
     QVERIFY(reader.reads > 1);
     QVERIFY2(reader.largestAnswer <= std::size_t(32) << 20, qPrintable(QString::number(reader.largestAnswer)));
     // From the bottom up the first strip is the last part of the image.
-    engine.setView(image.view({0, 1, 2}, 65535, 65535, {0, 65535, 65535, 0}));
-    QCOMPARE(engine.readLine(target), PLK_READ_SUCCESS);
+    image.show({0, 1, 2}, 65535, 65535, {0, 65535, 65535, 0});
+    QCOMPARE(readLine(engine, line.data()), PLK_READ_SUCCESS);
     QCOMPARE(int(bytesOf(line[0])[2] & 255), (7 * 65534) & 255);
 }
 
@@ -611,10 +543,9 @@ void TestViewEngine::manyComponentsCostNothing()
 {
     FakeReader reader(600, 600, 16384);
     reader.cell = [](int component, int, std::int64_t, std::int64_t) { return component & 255; };
-    Image image(reader);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
-    engine.setView(image.view({16383, 300, 5}, 600, 600, {0, 0, 600, 600}));
+    BlockingView image(reader);
+    xrv::ViewEngine &engine = image.engine;
+    image.show({16383, 300, 5}, 600, 600, {0, 0, 600, 600});
     const auto lines = readBgra(engine);
     QCOMPARE(bytesOf(lines.at(599, 599)), bgra(5, 300 & 255, 255, 255));
     QVERIFY(reader.largestAnswer <= 3u * 600 * 600);
@@ -628,25 +559,23 @@ void TestViewEngine::storm()
         stage.setCosts({100, 25, 6, 2});
         stage.reader.onRead = [](const xrv::ReadRequest &request) {
             for (int i = 0; i < 10 && !request.cancel.isRaised(); ++i)
-                std::this_thread::sleep_for(100us);
+                std::this_thread::yield();
             return request.cancel.isRaised() ? PLK::CError(PLK_ERR_CANCELLED, "Reading was cancelled.") : PLK::CError();
         };
         std::atomic<bool> done{false};
         std::thread onlooker([&] {
             while (!done) {
-                std::vector<std::uint32_t> line(64);
-                xrv::LineTarget target;
-                target.bgra = line.data();
-                stage.engine->readLine(target);
+                readLine(*stage.engine, std::vector<std::uint32_t>(64).data());
                 stage.engine->viewInfo();
                 stage.engine->percent();
                 stage.engine->isCancelPending();
+                std::this_thread::yield();
             }
         });
         for (int view = 0; view < 30; ++view) {
             stage.show(view * 7 % 100, view * 13 % 100);
             if (view % 5 == 0)
-                std::this_thread::sleep_for(std::chrono::milliseconds(view % 4));
+                QVERIFY(stage.recorder.waitForGeneration(std::uint64_t(view) + 1));
             if (view % 11 == 0)
                 stage.engine->cancelReads();
         }

@@ -147,13 +147,12 @@ void TestViewGeometry::nearest()
     QFETCH(Look, look);
     const std::unique_ptr<FakeReader> reader = makeReader(shape);
     reader->cell = [](int, int level, std::int64_t u, std::int64_t v) { return level << 24 | v << 12 | u; };
-    Image image(*reader);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
+    BlockingView image(*reader);
+    xrv::ViewEngine &engine = image.engine;
     std::vector<int> bands;
     for (int band = 0; band < static_cast<int>(shape.steps.size()); ++band)
         bands.push_back(band);
-    engine.setView(image.view(bands, look.width, look.height, look.rect));
+    image.show(bands, look.width, look.height, look.rect);
     const Lines<std::int32_t> lines = readBil<std::int32_t>(engine, PLKCT_INT32, bands.size());
     QCOMPARE(lines.status, PLK_READ_SUCCESS);
     for (int band : bands) {
@@ -191,13 +190,10 @@ void TestViewGeometry::bilinear()
         const double y = samplePosition(stepY, raster.minStepY, raster.canvasY0, level, raster.codedLevels, v);
         return std::llround(slope(x, y));
     };
-    Image image(*reader);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
+    BlockingView image(*reader);
+    xrv::ViewEngine &engine = image.engine;
     const int band = static_cast<int>(shape.steps.size()) - 1;
-    xrv::ViewRequest request = image.view({band}, look.width, look.height, look.rect);
-    request.resampleMethod = PLK_RESAMPLE_BILINEAR;
-    engine.setView(request);
+    image.showSmoothly({band}, look.width, look.height, look.rect);
     const Lines<std::int32_t> lines = readBil<std::int32_t>(engine, PLKCT_INT32, 1);
     QCOMPARE(lines.status, PLK_READ_SUCCESS);
     const Axis x(raster, band, look.level, true), y(raster, band, look.level, false);
@@ -234,14 +230,10 @@ void TestViewGeometry::matchingScaleIsUntouched()
     QFETCH(double, noise);
     FakeReader reader(160, 160, 1, 16);
     reader.cell = [](int, int, std::int64_t u, std::int64_t v) { return u * 7919 % 251 * 256 + v * 104729 % 251; };
-    Image image(reader);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
+    BlockingView image(reader);
+    xrv::ViewEngine &engine = image.engine;
     const double span = 1 << level;
-    xrv::ViewRequest request =
-        image.view({0}, 10, 10, {5 * span + noise, 4 * span - noise, 15 * span - noise, 14 * span + noise});
-    request.resampleMethod = PLK_RESAMPLE_BILINEAR;
-    engine.setView(request);
+    image.showSmoothly({0}, 10, 10, {5 * span + noise, 4 * span - noise, 15 * span - noise, 14 * span + noise});
     const auto lines = readBil<std::uint16_t>(engine, PLKCT_UINT16, 1);
     for (int y = 0; y < 10; ++y)
         for (int x = 0; x < 10; ++x)

@@ -10,10 +10,8 @@ class TestViewOutput : public QObject
     Q_OBJECT
 
 private slots:
-    void depth_data();
-    void depth();
-    void transform_data();
-    void transform();
+    void bytes_data();
+    void bytes();
     void bandLists_data();
     void bandLists();
     void opacityIsScaledOnRequest_data();
@@ -53,81 +51,60 @@ xrv::Jp2Structure boxesWithPalette()
 }
 
 /// First pixel of a view of one cell.
-QByteArray firstPixel(Image &image, const std::vector<int> &bands, bool autoscale = false)
+QByteArray firstPixel(BlockingView &image, const std::vector<int> &bands, bool autoscale = false)
 {
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
-    engine.setView(image.view(bands, 1, 1, {0, 0, 1, 1}));
-    return bytesOf(readBgra(engine, autoscale).bands[0][0]);
+    image.show(bands, 1, 1, {0, 0, 1, 1});
+    return bytesOf(readBgra(image.engine, autoscale).bands[0][0]);
 }
 
 } // namespace
 
-void TestViewOutput::depth_data()
+void TestViewOutput::bytes_data()
 {
     QTest::addColumn<int>("bits");
     QTest::addColumn<bool>("isSigned");
+    QTest::addColumn<QVector<double>>("range"); // of a transform; empty: none
     QTest::addColumn<int>("cell");
     QTest::addColumn<int>("expected");
-    QTest::newRow("8 bits") << 8 << false << 201 << 201;
-    QTest::newRow("1 bit set is white") << 1 << false << 1 << 255;
-    QTest::newRow("1 bit clear is black") << 1 << false << 0 << 0;
-    QTest::newRow("4 bits") << 4 << false << 7 << 119;
-    QTest::newRow("12 bits") << 12 << false << 0xabc << 0xab;
-    QTest::newRow("16 bits") << 16 << false << 0xfedc << 0xfe;
-    QTest::newRow("8 bits signed, middle") << 8 << true << 0 << 128;
-    QTest::newRow("8 bits signed, lowest") << 8 << true << -128 << 0;
-    QTest::newRow("16 bits signed, highest") << 16 << true << 32767 << 255;
-    QTest::newRow("12 bits signed, below the middle") << 12 << true << -1 << 127;
-    QTest::newRow("24 bits") << 24 << false << 0x7f1234 << 0x7f;
-    QTest::newRow("20 bits signed") << 20 << true << -524288 << 0;
+    const auto row = [](const char *name, int bits, bool isSigned, const QVector<double> &range, int cell,
+                        int expected) { QTest::newRow(name) << bits << isSigned << range << cell << expected; };
+    row("8 bits", 8, false, {}, 201, 201);
+    row("1 bit set is white", 1, false, {}, 1, 255);
+    row("1 bit clear is black", 1, false, {}, 0, 0);
+    row("4 bits", 4, false, {}, 7, 119);
+    row("12 bits", 12, false, {}, 0xabc, 0xab);
+    row("16 bits", 16, false, {}, 0xfedc, 0xfe);
+    row("8 bits signed, middle", 8, true, {}, 0, 128);
+    row("8 bits signed, lowest", 8, true, {}, -128, 0);
+    row("16 bits signed, highest", 16, true, {}, 32767, 255);
+    row("12 bits signed, below the middle", 12, true, {}, -1, 127);
+    row("24 bits", 24, false, {}, 0x7f1234, 0x7f);
+    row("20 bits signed", 20, true, {}, -524288, 0);
+    row("at the minimum", 16, false, {1000, 3000}, 1000, 0);
+    row("at the maximum", 16, false, {1000, 3000}, 3000, 255);
+    row("between", 16, false, {1000, 3000}, 1800, 102);
+    row("below", 16, false, {1000, 3000}, 7, 0);
+    row("above", 16, false, {1000, 3000}, 65535, 255);
+    row("signed, between", 16, true, {-100, 155}, -50, 50);
+    row("8 bits, between", 8, false, {100, 110}, 105, 128);
+    row("deep, between", 28, false, {0, 255e6}, 77000000, 77);
+    row("no range, above", 16, false, {500, 500}, 501, 255);
+    row("no range, on it", 16, false, {500, 500}, 500, 0);
 }
 
-void TestViewOutput::depth()
+void TestViewOutput::bytes()
 {
     QFETCH(int, bits);
     QFETCH(bool, isSigned);
+    QFETCH(QVector<double>, range);
     QFETCH(int, cell);
     QFETCH(int, expected);
     FakeReader reader(1, 1, 1, static_cast<std::uint8_t>(bits), isSigned);
     reader.cell = [=](int, int, std::int64_t, std::int64_t) { return cell; };
-    Image image(reader);
-    QCOMPARE(firstPixel(image, {0}), bgra(expected, expected, expected, 255));
-}
-
-void TestViewOutput::transform_data()
-{
-    QTest::addColumn<int>("bits");
-    QTest::addColumn<bool>("isSigned");
-    QTest::addColumn<double>("minimum");
-    QTest::addColumn<double>("maximum");
-    QTest::addColumn<int>("cell");
-    QTest::addColumn<int>("expected");
-    QTest::newRow("at the minimum") << 16 << false << 1000.0 << 3000.0 << 1000 << 0;
-    QTest::newRow("at the maximum") << 16 << false << 1000.0 << 3000.0 << 3000 << 255;
-    QTest::newRow("between") << 16 << false << 1000.0 << 3000.0 << 1800 << 102;
-    QTest::newRow("below") << 16 << false << 1000.0 << 3000.0 << 7 << 0;
-    QTest::newRow("above") << 16 << false << 1000.0 << 3000.0 << 65535 << 255;
-    QTest::newRow("signed") << 16 << true << -100.0 << 155.0 << -50 << 50;
-    QTest::newRow("8 bits") << 8 << false << 100.0 << 110.0 << 105 << 128;
-    QTest::newRow("deep") << 28 << false << 0.0 << 255e6 << 77000000 << 77;
-    QTest::newRow("no range, above") << 16 << false << 500.0 << 500.0 << 501 << 255;
-    QTest::newRow("no range, on it") << 16 << false << 500.0 << 500.0 << 500 << 0;
-}
-
-void TestViewOutput::transform()
-{
-    QFETCH(int, bits);
-    QFETCH(bool, isSigned);
-    QFETCH(double, minimum);
-    QFETCH(double, maximum);
-    QFETCH(int, cell);
-    QFETCH(int, expected);
-    FakeReader reader(1, 1, 1, static_cast<std::uint8_t>(bits), isSigned);
-    reader.cell = [=](int, int, std::int64_t, std::int64_t) { return cell; };
-    Image image(reader);
-    image.tables.setRange(0, minimum, maximum);
-    QCOMPARE(firstPixel(image, {0}), bgra(expected, expected, expected, 255));
+    BlockingView image(reader);
+    if (!range.isEmpty())
+        image.tables.setRange(0, range[0], range[1]);
+    QCOMPARE(firstPixel(image, {0}), grey(expected));
 }
 
 void TestViewOutput::bandLists_data()
@@ -149,12 +126,11 @@ void TestViewOutput::bandLists()
     QFETCH(std::vector<int>, bands);
     FakeReader reader(4, 4, 4);
     reader.cell = [](int component, int, std::int64_t, std::int64_t) { return 10 * (component + 1); };
-    Image image(reader, boxesWithOpacity(3, 1));
+    BlockingView image(reader, boxesWithOpacity(3, 1));
     QTEST(firstPixel(image, bands), "expected");
     // The pixels beside the image, before and behind it in a line, and above it.
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
-    engine.setView(image.view(bands, 6, 6, {-1, -1, 5, 5}));
+    xrv::ViewEngine &engine = image.engine;
+    image.show(bands, 6, 6, {-1, -1, 5, 5});
     const auto lines = readBgra(engine);
     for (int x = 0; x < 6; ++x)
         QCOMPARE(bytesOf(lines.at(x, 0)), bgra(0, 0, 0, 0));
@@ -162,7 +138,7 @@ void TestViewOutput::bandLists()
     QCOMPARE(bytesOf(lines.at(5, 3)), bgra(0, 0, 0, 0));
     QTEST(bytesOf(lines.at(4, 4)), "expected");
     // Band by band they are what they are in the pixels.
-    engine.setView(image.view(bands, 1, 1, {0, 0, 1, 1}));
+    image.show(bands, 1, 1, {0, 0, 1, 1});
     const auto planar = readBil<std::uint8_t>(engine, PLKCT_UINT8, bands.size());
     for (std::size_t i = 0; i < bands.size(); ++i)
         QCOMPARE(int(planar.at(0, 0, i)), 10 * (bands[i] + 1));
@@ -191,7 +167,7 @@ void TestViewOutput::opacityIsScaledOnRequest()
     reader.raster.components[1].bits = static_cast<std::uint8_t>(bits);
     reader.raster.components[1].sampleType = bits > 8 ? xrv::SampleType::UInt16 : xrv::SampleType::UInt8;
     reader.cell = [=](int component, int, std::int64_t, std::int64_t) { return component == 1 ? cell : 77; };
-    Image image(reader, boxesWithOpacity(1, 1));
+    BlockingView image(reader, boxesWithOpacity(1, 1));
     QVERIFY(image.map.bands()[1].isOpacity);
     QCOMPARE(firstPixel(image, {0, 0, 0, 1}, autoscale), bgra(77, 77, 77, expected));
 }
@@ -202,11 +178,10 @@ void TestViewOutput::premultipliedOpacityIsDividedOut()
     // Columns: half, nothing, more colour than there can be.
     const int cells[3][4] = {{60, 30, 10, 128}, {90, 90, 90, 0}, {200, 100, 50, 100}};
     reader.cell = [&](int component, int, std::int64_t u, std::int64_t) { return cells[u][component]; };
-    Image image(reader, boxesWithOpacity(3, 2));
+    BlockingView image(reader, boxesWithOpacity(3, 2));
     QVERIFY(image.map.bands()[3].isPremultiplied);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
-    engine.setView(image.view({0, 1, 2, 3}, 3, 1, {0, 0, 3, 1}));
+    xrv::ViewEngine &engine = image.engine;
+    image.show({0, 1, 2, 3}, 3, 1, {0, 0, 3, 1});
     const auto lines = readBgra(engine);
     QCOMPARE(bytesOf(lines.at(0, 0)), bgra(20, 60, 120, 128)); // 10, 30, 60 of 255 / 128
     QCOMPARE(bytesOf(lines.at(1, 0)), bgra(0, 0, 0, 0));
@@ -217,17 +192,14 @@ void TestViewOutput::paletteIsInterpolatedAsColour()
 {
     FakeReader reader(2, 1);
     reader.cell = [](int, int, std::int64_t u, std::int64_t) { return u == 0 ? 0 : 2; };
-    Image image(reader, boxesWithPalette());
+    BlockingView image(reader, boxesWithPalette());
     QVERIFY(image.map.hasPalette());
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
-    xrv::ViewRequest request = image.view({0, 1, 2}, 8, 1, {0, 0, 2, 1});
-    engine.setView(request);
+    xrv::ViewEngine &engine = image.engine;
+    image.show({0, 1, 2}, 8, 1, {0, 0, 2, 1});
     const auto near = readBgra(engine);
     QCOMPARE(bytesOf(near.at(3, 0)), bgra(0, 0, 100, 255));
     QCOMPARE(bytesOf(near.at(4, 0)), bgra(0, 0, 200, 255));
-    request.resampleMethod = PLK_RESAMPLE_BILINEAR;
-    engine.setView(request);
+    image.showSmoothly({0, 1, 2}, 8, 1, {0, 0, 2, 1});
     const auto smooth = readBgra(engine);
     // Centres of pixels at 1/8, 3/8 ... cells, of cells at 1/2 and 3/2.
     const int reds[8] = {100, 100, 113, 138, 163, 188, 200, 200};
@@ -240,10 +212,9 @@ void TestViewOutput::paletteIsShownFromFullResolution()
 {
     FakeReader reader(640, 640);
     reader.cell = [](int, int level, std::int64_t, std::int64_t) { return level == 0 ? 2 : 1; };
-    Image image(reader, boxesWithPalette());
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
-    engine.setView(image.view({0, 1, 2}, 40, 40, {0, 0, 640, 640}));
+    BlockingView image(reader, boxesWithPalette());
+    xrv::ViewEngine &engine = image.engine;
+    image.show({0, 1, 2}, 40, 40, {0, 0, 640, 640});
     QCOMPARE(bytesOf(readBgra(engine).at(20, 20)), bgra(0, 0, 200, 255));
 }
 
@@ -254,12 +225,9 @@ void TestViewOutput::hiddenColoursDoNotShineThrough()
     reader.cell = [](int component, int, std::int64_t u, std::int64_t) {
         return u == 0 ? (component == 0 ? 240 : 200) : 0;
     };
-    Image image(reader, boxesWithOpacity(1, 1));
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
-    xrv::ViewRequest request = image.view({0, 0, 0, 1}, 4, 1, {0, 0, 2, 1});
-    request.resampleMethod = PLK_RESAMPLE_BILINEAR;
-    engine.setView(request);
+    BlockingView image(reader, boxesWithOpacity(1, 1));
+    xrv::ViewEngine &engine = image.engine;
+    image.showSmoothly({0, 0, 0, 1}, 4, 1, {0, 0, 2, 1});
     const auto lines = readBgra(engine);
     QCOMPARE(bytesOf(lines.at(0, 0)), bgra(240, 240, 240, 200));
     QCOMPARE(bytesOf(lines.at(1, 0)), bgra(240, 240, 240, 150));
@@ -271,11 +239,10 @@ void TestViewOutput::cellsOfOtherTypesAreClamped()
 {
     FakeReader reader(3, 1, 1, 16, true);
     reader.cell = [](int, int, std::int64_t u, std::int64_t) { return u == 0 ? -30000 : u == 1 ? 5 : 30000; };
-    Image image(reader);
+    BlockingView image(reader);
     image.tables.setRange(0, 0.0, 10.0); // which only bytes go through
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
-    engine.setView(image.view({0}, 5, 1, {-1, 0, 4, 1}));
+    xrv::ViewEngine &engine = image.engine;
+    image.show({0}, 5, 1, {-1, 0, 4, 1});
     const auto expect = [&](auto cell, PLKCellType type, double low, double middle, double high) {
         const auto lines = readBil<decltype(cell)>(engine, type, 1);
         const double expected[5] = {0, low, middle, high, 0};
@@ -299,12 +266,9 @@ void TestViewOutput::bilinearByHand()
     FakeReader reader(2, 2);
     const int cells[2][2] = {{0, 80}, {160, 240}};
     reader.cell = [&](int, int, std::int64_t u, std::int64_t v) { return cells[v][u]; };
-    Image image(reader);
-    SilentListener listener;
-    xrv::ViewEngine engine(image.source(), false, listener);
-    xrv::ViewRequest request = image.view({0}, 4, 4, {0, 0, 2, 2});
-    request.resampleMethod = PLK_RESAMPLE_BILINEAR;
-    engine.setView(request);
+    BlockingView image(reader);
+    xrv::ViewEngine &engine = image.engine;
+    image.showSmoothly({0}, 4, 4, {0, 0, 2, 2});
     const auto lines = readBgra(engine);
     const int expected[4][4] = {{0, 20, 60, 80}, {40, 60, 100, 120}, {120, 140, 180, 200}, {160, 180, 220, 240}};
     for (int y = 0; y < 4; ++y)

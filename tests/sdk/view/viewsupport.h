@@ -47,6 +47,38 @@ struct Image
     xrv::BandTables tables;
 };
 
+/// An image with a blocking view.
+struct BlockingView : Image
+{
+    explicit BlockingView(FakeReader &fakeReader, const xrv::Jp2Structure &boxes = {})
+        : Image(fakeReader, boxes)
+        , engine(source(), false, listener)
+    {
+    }
+    void show(const std::vector<int> &bands, int width, int height, const xrv::EdgeRect &datasetRect)
+    {
+        engine.setView(view(bands, width, height, datasetRect));
+    }
+    void showSmoothly(const std::vector<int> &bands, int width, int height, const xrv::EdgeRect &datasetRect)
+    {
+        xrv::ViewRequest request = view(bands, width, height, datasetRect);
+        request.resampleMethod = PLK_RESAMPLE_BILINEAR;
+        engine.setView(request);
+    }
+
+    SilentListener listener;
+    xrv::ViewEngine engine;
+};
+
+/// A line of a view, four bytes per pixel.
+inline PLKReadStatus readLine(xrv::ViewEngine &engine, std::uint32_t *line, bool autoscale = false)
+{
+    xrv::LineTarget target;
+    target.bgra = line;
+    target.autoscaleOpacity = autoscale;
+    return engine.readLine(target);
+}
+
 /// A whole view read line by line.
 template <typename Cell> struct Lines
 {
@@ -83,12 +115,8 @@ inline Lines<std::uint32_t> readBgra(xrv::ViewEngine &engine, bool autoscale = f
     Lines<std::uint32_t> read;
     read.width = static_cast<int>(info.nSizeX);
     read.bands.assign(1, std::vector<std::uint32_t>(std::size_t(info.nSizeX) * info.nSizeY));
-    for (std::size_t y = 0; y < info.nSizeY && read.status == PLK_READ_SUCCESS; ++y) {
-        xrv::LineTarget target;
-        target.bgra = read.bands[0].data() + y * info.nSizeX;
-        target.autoscaleOpacity = autoscale;
-        read.status = engine.readLine(target);
-    }
+    for (std::size_t y = 0; y < info.nSizeY && read.status == PLK_READ_SUCCESS; ++y)
+        read.status = readLine(engine, read.bands[0].data() + y * info.nSizeX, autoscale);
     return read;
 }
 
@@ -102,4 +130,8 @@ inline QByteArray bgra(int blue, int green, int red, int alpha)
     const char bytes[] = {static_cast<char>(blue), static_cast<char>(green), static_cast<char>(red),
                           static_cast<char>(alpha)};
     return QByteArray(bytes, 4);
+}
+inline QByteArray grey(int level)
+{
+    return bgra(level, level, level, 255);
 }

@@ -1,14 +1,14 @@
 #include "testfolder.h"
 
+#include "files.h"
+
 #include <QDGui/application.h>
 #include <QDGui/geopainter.h>
 
-#include <QFile>
 #include <QSettings>
 
 #include <memory>
 #include <random>
-#include <stdexcept>
 
 using Korvane::Application;
 
@@ -29,15 +29,13 @@ TestFolder::~TestFolder()
 
 QString TestFolder::write(const QString &name, const jp2maker::FileBytes &bytes) const
 {
-    return writeText(name, QByteArray(reinterpret_cast<const char *>(bytes.data()), static_cast<int>(bytes.size())));
+    return writeText(name, asByteArray(bytes));
 }
 
 QString TestFolder::writeText(const QString &name, const QByteArray &text) const
 {
-    QFile file(path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-        throw std::runtime_error("cannot write a test file");
-    return file.fileName();
+    writeFile(path(name), text);
+    return path(name);
 }
 
 QString TestFolder::makeImage(const QString &name, const jp2maker::Options &options) const
@@ -47,8 +45,7 @@ QString TestFolder::makeImage(const QString &name, const jp2maker::Options &opti
 
 QByteArray TestFolder::read(const QString &name) const
 {
-    QFile file(path(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return readFile(path(name));
 }
 
 void TestFolder::setSetting(const char *key, const QVariant &value)

@@ -2,10 +2,8 @@
 
 #include <QJsonObject>
 #include <QString>
-#include <QStringList>
 
-#include <cstdint>
-#include <vector>
+#include <string>
 
 /// How a program ended.
 struct ToolRun
@@ -14,11 +12,20 @@ struct ToolRun
     QString output, errors;
 };
 
+/// Arguments from a line of them, blanks between.
+QStringList words(const std::string &line);
+
 /// Runs xrvcompress or xrvinfo.
-ToolRun runTool(const QString &tool, const QStringList &arguments);
+ToolRun runTool(const char *tool, const std::string &line);
 
-/// What xrvinfo says of \a path; empty where it fails.
-QJsonObject infoOf(const QString &path, const QStringList &options = {});
+/// What xrvinfo says of a file; empty where it fails.
+struct Info
+{
+    explicit Info(const std::string &path, const std::string &options = {});
+    /// "compression/lossless"
+    QJsonValue at(const char *keys) const;
+    QString text(const char *keys) const { return at(keys).toString(); }
+    double number(const char *keys) const { return at(keys).toDouble(); }
 
-/// All cells of a band of an XRV or JPEG 2000 file; empty on failure.
-std::vector<std::int32_t> cellsOf(const QString &path, int band);
+    QJsonObject object;
+};

@@ -1,10 +1,9 @@
 #include "tiffmaker.h"
 
+#include "data/files.h"
+
 #include "xrvcompress/sourceparts.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <png.h>
@@ -25,8 +24,7 @@ private slots:
     void startAgain();
 
 private:
-    QString path(const QString &name) const { return QDir(folder.path()).filePath(name); }
-    QTemporaryDir folder;
+    FileFolder folder;
 };
 
 namespace {
@@ -48,11 +46,10 @@ QByteArray pixels(int bands)
     return bytes;
 }
 
-bool savePnm(const QString &path)
+void savePnm(const QString &path)
 {
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write("P6\n# with a comment\n" + QByteArray::number(kWidth) + ' ' +
-                                                         QByteArray::number(kHeight) + "\n255\n" + pixels(3)) > 0;
+    writeFile(path, "P6\n# with a comment\n" + QByteArray::number(kWidth) + ' ' + QByteArray::number(kHeight) +
+                        "\n255\n" + pixels(3));
 }
 
 bool savePng(const QString &path, bool isInterlaced)
@@ -128,10 +125,12 @@ void TestImageSources::startAgain()
     QFETCH(QString, kind);
     QFETCH(Recipe, recipe);
     recipe.cell = cellAt;
-    const QString name = path(kind);
-    QVERIFY(kind == QStringLiteral("pnm")    ? savePnm(name)
-            : kind == QStringLiteral("tiff") ? makeTiff(name, recipe)
-                                             : savePng(name, kind == QStringLiteral("interlaced")));
+    const QString name = QString::fromStdString(folder.path("image"));
+    if (kind == QLatin1String("pnm"))
+        savePnm(name);
+    else
+        QVERIFY(kind == QLatin1String("tiff") ? makeTiff(name, recipe)
+                                              : savePng(name, kind == QLatin1String("interlaced")));
     std::unique_ptr<xrv::ImageSource> source;
     std::vector<std::string> warnings;
     QVERIFY(openImageSource(name.toStdString(), &source, &warnings).IsSuccess());

@@ -1,13 +1,12 @@
 #include "tiffmaker.h"
 #include "toolsupport.h"
 
-#include <QDir>
-#include <QElapsedTimer>
-#include <QFile>
+#include "data/files.h"
+#include "data/views.h"
+
 #include <QImage>
 #include <QJsonArray>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <tiff.h>
@@ -15,6 +14,9 @@
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
 #endif
+
+using Recipe = TiffRecipe;
+Q_DECLARE_METATYPE(Recipe)
 
 /// xrvcompress and xrvinfo from the shell.
 class TestXrvCompress : public QObject
@@ -41,27 +43,19 @@ private slots:
     void infoOfWhatIsNone();
 
 private:
-    QString path(const QString &name) const { return QDir(folder.path()).filePath(name); }
-    void save(const QString &name, const QByteArray &bytes) const
+    QString path(const std::string &name) const { return QString::fromStdString(folder.path(name)); }
+    /// Compresses a file of the folder, without loss if nothing else is said; the result's path, or nothing.
+    std::string compress(const std::string &input, const std::string &options = {}) const
     {
-        QFile file(path(name));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-    }
-    /// Compresses without loss; the result's path, or nothing.
-    QString compress(const QString &input, const QStringList &options = {})
-    {
-        const QString output = path(QStringLiteral("out.xrv"));
-        QFile::remove(output);
-        const ToolRun run = runTool(QStringLiteral("xrvcompress"), options + QStringList({input, output}));
+        QFile::remove(path("out.xrv"));
+        const std::string output = folder.path("out.xrv");
+        const ToolRun run = runTool("xrvcompress", options + ' ' + folder.path(input) + ' ' + output);
         if (run.status != 0)
             qWarning("%s", qPrintable(run.errors));
-        return run.status == 0 ? output : QString();
+        return run.status == 0 ? output : std::string();
     }
-    QTemporaryDir folder;
+    FileFolder folder;
 };
-
-using Recipe = TiffRecipe;
-Q_DECLARE_METATYPE(Recipe)
 
 namespace {
 
@@ -69,6 +63,13 @@ namespace {
 int paletteCell(int colour, int index)
 {
     return colour == 0 ? index : colour == 1 ? 255 - index : index / 2;
+}
+
+/// All cells of a band of an XRV or JPEG 2000 file; empty on failure.
+std::vector<std::int32_t> cellsOf(const std::string &path, int band)
+{
+    PLK::CView view;
+    return view.Open(path.c_str(), false, false) ? std::vector<std::int32_t>() : readCells(view, band);
 }
 
 } // namespace
@@ -113,10 +114,9 @@ void TestXrvCompress::tiffFiles()
     recipe.cell = [&recipe](int sample, int x, int y) {
         return x < recipe.firstColumn ? 0 : slopeCell(recipe, sample, x, y);
     };
-    const QString input = path(QStringLiteral("in.tif"));
-    QVERIFY(makeTiff(input, recipe));
-    const QString output = compress(input, {QStringLiteral("--block-size"), QStringLiteral("128")});
-    QVERIFY(!output.isEmpty());
+    QVERIFY(makeTiff(path("in.tif"), recipe));
+    const std::string output = compress("in.tif", "--block-size 128");
+    QVERIFY(!output.empty());
 
     const bool isPalette = recipe.photometric == PHOTOMETRIC_PALETTE;
     const bool isInverted = recipe.photometric == PHOTOMETRIC_MINISWHITE;
@@ -129,17 +129,15 @@ void TestXrvCompress::tiffFiles()
                                                 : recipe.cell(band, x, y));
         QVERIFY(cellsOf(output, band) == expected);
     }
-    const QJsonObject info = infoOf(output);
+    const Info info(output);
     const bool isRgb = isPalette || recipe.photometric == PHOTOMETRIC_RGB;
-    QCOMPARE(info[QStringLiteral("colour space")].toString(), isRgb                 ? QStringLiteral("sRGB")
-                                                              : recipe.samples == 1 ? QStringLiteral("greyscale")
-                                                                                    : QStringLiteral("multiband"));
-    const QJsonArray bands = info[QStringLiteral("bands")].toArray();
-    QCOMPARE(bands.last()[QStringLiteral("description")].toString() == QStringLiteral("AllOpacity"),
-             recipe.alphaSamples > 0);
-    const QJsonObject place = info[QStringLiteral("place")].toObject();
-    QCOMPARE(place[QStringLiteral("epsg")].toInt(), recipe.isPlaced ? 32633 : 0);
-    QCOMPARE(place[QStringLiteral("origin")].toArray().first().toDouble(), recipe.isPlaced ? 500000.0 : 0.0);
+    QCOMPARE(info.text("colour space"), QLatin1String(isRgb                 ? "sRGB"
+                                                      : recipe.samples == 1 ? "greyscale"
+                                                                            : "multiband"));
+    const QString lastBand = info.at("bands").toArray().last()[QStringLiteral("description")].toString();
+    QCOMPARE(lastBand == QLatin1String("AllOpacity"), recipe.alphaSamples > 0);
+    QCOMPARE(int(info.number("place/epsg")), recipe.isPlaced ? 32633 : 0);
+    QCOMPARE(info.at("place/origin").toArray().first().toDouble(), recipe.isPlaced ? 500000.0 : 0.0);
 }
 
 void TestXrvCompress::pnmFiles_data()
@@ -170,10 +168,10 @@ void TestXrvCompress::pnmFiles()
     QFETCH(int, bands);
     QFETCH(int, bits);
     QFETCH(int, cell);
-    save(QStringLiteral("in.pnm"), file);
-    const QString output = compress(path(QStringLiteral("in.pnm")));
-    QVERIFY(!output.isEmpty());
-    const QJsonArray described = infoOf(output)[QStringLiteral("bands")].toArray();
+    folder.write("in.pnm", file);
+    const std::string output = compress("in.pnm");
+    QVERIFY(!output.empty());
+    const QJsonArray described = Info(output).at("bands").toArray();
     QCOMPARE(described.size(), bands);
     QCOMPARE(described.last()[QStringLiteral("bits")].toInt(), bits);
     QCOMPARE(cellsOf(output, bands - 1).back(), cell);
@@ -199,10 +197,9 @@ void TestXrvCompress::pngFiles()
         for (int x = 0; x < image.width(); ++x)
             image.setPixelColor(x, y, QColor(x * 2, y * 3, (x + y) & 255, 100 + x));
     image = image.convertToFormat(QImage::Format(format), Qt::ThresholdDither);
-    QVERIFY(image.save(path(QStringLiteral("in.png"))));
-    const QString output = compress(path(QStringLiteral("in.png")));
-    QVERIFY(!output.isEmpty());
-    QCOMPARE(infoOf(output)[QStringLiteral("bands")].toArray().size(), bands);
+    QVERIFY(image.save(path("in.png")));
+    const std::string output = compress("in.png");
+    QCOMPARE(Info(output).at("bands").toArray().size(), bands);
     for (int band = 0; band < bands; ++band) {
         const std::vector<std::int32_t> cells = cellsOf(output, band);
         QCOMPARE(int(cells.size()), 101 * 67);
@@ -221,91 +218,76 @@ void TestXrvCompress::throughJpeg2000AndBack()
     recipe.photometric = PHOTOMETRIC_RGB;
     recipe.isPlaced = true;
     recipe.cell = [&recipe](int sample, int x, int y) { return slopeCell(recipe, sample, x, y); };
-    QVERIFY(makeTiff(path(QStringLiteral("in.tif")), recipe));
-    const QString xrv = path(QStringLiteral("a.xrv")), jp2 = path(QStringLiteral("a.jp2"));
-    const QString again = path(QStringLiteral("b.jp2"));
-    const QString tool = QStringLiteral("xrvcompress"), toJp2 = QStringLiteral("--jp2");
-    QCOMPARE(runTool(tool, {toJp2, path(QStringLiteral("in.tif")), jp2}).status, 0);
-    QCOMPARE(runTool(tool, {jp2, xrv}).status, 0);
-    QCOMPARE(runTool(tool, {toJp2, xrv, again}).status, 0);
-    QFile first(jp2), second(again);
-    QVERIFY(first.open(QIODevice::ReadOnly) && second.open(QIODevice::ReadOnly));
-    QVERIFY(first.readAll() == second.readAll());
-    const QJsonObject info = infoOf(jp2);
-    QCOMPARE(info[QStringLiteral("format")].toString(), QStringLiteral("JPEG 2000"));
-    QCOMPARE(info[QStringLiteral("place")][QStringLiteral("epsg")].toInt(), 32633);
-    QCOMPARE(info[QStringLiteral("codestream")][QStringLiteral("progression order")].toString(),
-             QStringLiteral("RPCL"));
+    QVERIFY(makeTiff(path("in.tif"), recipe));
+    const std::string input = folder.path("in.tif"), xrv = folder.path("a.xrv"), jp2 = folder.path("a.jp2");
+    for (const std::string &line :
+         {"--jp2 " + input + ' ' + jp2, jp2 + ' ' + xrv, "--jp2 " + xrv + ' ' + folder.path("b.jp2")})
+        QCOMPARE(runTool("xrvcompress", line).status, 0);
+    QVERIFY(folder.read("a.jp2") == folder.read("b.jp2"));
+    const Info info(jp2);
+    QCOMPARE(info.text("format"), QLatin1String("JPEG 2000"));
+    QCOMPARE(int(info.number("place/epsg")), 32633);
+    QCOMPARE(info.text("codestream/progression order"), QLatin1String("RPCL"));
 }
+
+namespace {
+
+/// Colours that do not compress to nothing.
+QImage busyImage(int width, int height)
+{
+    QImage image(width, height, QImage::Format_RGB888);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            image.setPixelColor(x, y, QColor((x * x / 50 + y) & 255, (x * y / 100) & 255, (x ^ y) & 255));
+    return image;
+}
+
+} // namespace
 
 void TestXrvCompress::optionsGoIntoTheFile()
 {
-    QImage image(500, 400, QImage::Format_RGB888);
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            image.setPixelColor(x, y, QColor((x * x + y) & 255, (x * y) & 255, (x ^ y) & 255));
-    QVERIFY(image.save(path(QStringLiteral("noise.png"))));
-    save(QStringLiteral("a.xml"), "<a/>");
-    save(QStringLiteral("b.xml"), "<b/>");
-    const QString output =
-        compress(path(QStringLiteral("noise.png")),
-                 {QStringLiteral("--rate"), QStringLiteral("8:1"), QStringLiteral("--block-size=256"),
-                  QStringLiteral("--layers"), QStringLiteral("3"), QStringLiteral("--author"),
-                  QStringLiteral("山田太郎"), QStringLiteral("--company"), QStringLiteral("شركة الخرائط"),
-                  QStringLiteral("--xml"), path(QStringLiteral("a.xml")), QStringLiteral("--xml"),
-                  path(QStringLiteral("b.xml")), QStringLiteral("--telephone=+81")});
-    QVERIFY(!output.isEmpty());
-    const QJsonObject info = infoOf(output);
-    const QJsonObject compression = info[QStringLiteral("compression")].toObject();
-    QCOMPARE(compression[QStringLiteral("lossless")].toBool(), false);
-    QCOMPARE(compression[QStringLiteral("target rate")].toInt(), 8);
-    QVERIFY(qAbs(compression[QStringLiteral("actual rate")].toDouble() - 600000.0 / double(QFileInfo(output).size())) <
-            0.001);
-    QCOMPARE(compression[QStringLiteral("block size")].toArray(), QJsonArray({256, 256}));
-    QCOMPARE(info[QStringLiteral("codestream")][QStringLiteral("quality layers")].toInt(), 3);
-    const QJsonObject texts = info[QStringLiteral("texts")].toObject();
-    QCOMPARE(texts[QStringLiteral("author")].toString(), QStringLiteral("山田太郎"));
-    QCOMPARE(texts[QStringLiteral("company")].toString(), QStringLiteral("شركة الخرائط"));
-    QCOMPARE(texts[QStringLiteral("telephone")].toString(), QStringLiteral("+81"));
-    QVERIFY(texts[QStringLiteral("compression software")].toString().startsWith(QStringLiteral("xrvcompress ")));
-    QCOMPARE(info[QStringLiteral("xml boxes")].toArray().size(), 2);
-
-    // Statistics with the counts of the cells.
-    const QJsonArray statistics =
-        infoOf(output, {QStringLiteral("--histograms")})[QStringLiteral("statistics")].toArray();
+    QVERIFY(busyImage(500, 400).save(path("in.png")));
+    const std::string first = folder.write("a.xml", QByteArray("<a/>")), second = folder.write("b.xml", QByteArray());
+    const std::string output =
+        compress("in.png", "--rate 8:1 --block-size=256 --layers 3 --author 山田太郎 --company شركة --xml " + first +
+                               " --xml " + second + " --telephone=+81");
+    QVERIFY(!output.empty());
+    const Info info(output, "--histograms");
+    QCOMPARE(info.at("compression/lossless").toBool(), false);
+    QCOMPARE(info.number("compression/target rate"), 8.0);
+    QVERIFY(qAbs(info.number("compression/actual rate") - 600000.0 / folder.read("out.xrv").size()) < 0.001);
+    QCOMPARE(info.at("compression/block size").toArray(), QJsonArray({256, 256}));
+    QCOMPARE(int(info.number("codestream/quality layers")), 3);
+    QCOMPARE(info.text("texts/author"), QStringLiteral("山田太郎"));
+    QCOMPARE(info.text("texts/company"), QStringLiteral("شركة"));
+    QCOMPARE(info.text("texts/telephone"), QStringLiteral("+81"));
+    QVERIFY(info.text("texts/compression software").startsWith(QLatin1String("xrvcompress ")));
+    QCOMPARE(info.at("xml boxes").toArray().size(), 2);
     double cells = 0.0;
-    for (const QJsonValue &count : statistics.first()[QStringLiteral("histogram")].toArray())
+    for (const QJsonValue &count : info.at("statistics").toArray().first()[QStringLiteral("histogram")].toArray())
         cells += count.toDouble();
     QCOMPARE(cells, 500.0 * 400.0);
     // As text, too.
-    QVERIFY(runTool(QStringLiteral("xrvinfo"), {output}).output.contains(QStringLiteral("  author: 山田太郎\n")));
+    QVERIFY(runTool("xrvinfo", output).output.contains(QStringLiteral("  author: 山田太郎\n")));
 }
 
 void TestXrvCompress::highThroughput()
 {
-    QImage image(700, 500, QImage::Format_RGB888);
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            image.setPixelColor(x, y, QColor((x * x / 50 + y) & 255, (x * y / 100) & 255, (x ^ y) & 255));
-    QVERIFY(image.save(path(QStringLiteral("busy.png"))));
-    const QString tool = QStringLiteral("xrvcompress"), input = path(QStringLiteral("busy.png"));
-    const QString fast = QStringLiteral("--high-throughput"), output = path(QStringLiteral("fast.jph"));
-
-    const ToolRun lossless = runTool(tool, {fast, QStringLiteral("--jp2"), input, output});
+    const QImage image = busyImage(700, 500);
+    QVERIFY(image.save(path("in.png")));
+    const std::string line = "--high-throughput --jp2 " + folder.path("in.png") + ' ' + folder.path("fast.jph");
+    const ToolRun lossless = runTool("xrvcompress", line);
     QCOMPARE(lossless.status, 0);
     QCOMPARE(lossless.output + lossless.errors, QString());
-    const QJsonObject info = infoOf(output);
-    QCOMPARE(info[QStringLiteral("codestream")][QStringLiteral("block coding")].toString(),
-             QStringLiteral("high-throughput"));
-    const std::vector<std::int32_t> cells = cellsOf(output, 1);
+    QCOMPARE(Info(folder.path("fast.jph")).text("codestream/block coding"), QLatin1String("high-throughput"));
+    const std::vector<std::int32_t> cells = cellsOf(folder.path("fast.jph"), 1);
     QCOMPARE(int(cells.size()), 700 * 500);
     for (int i = 0; i < int(cells.size()); ++i)
         QCOMPARE(cells[std::size_t(i)], image.pixelColor(i % 700, i / 700).green());
 
-    const ToolRun lossy = runTool(tool, {fast, QStringLiteral("--jp2"), QStringLiteral("--rate=6"), input, output});
-    QCOMPARE(lossy.status, 0);
+    const ToolRun lossy = runTool("xrvcompress", "--rate=6 " + line);
     QCOMPARE(lossy.output + lossy.errors, QString());
-    const double rate = 700.0 * 500.0 * 3.0 / double(QFileInfo(output).size());
+    const double rate = 700.0 * 500.0 * 3.0 / folder.read("fast.jph").size();
     QVERIFY2(qAbs(rate - 6.0) < 0.2, qPrintable(QString::number(rate)));
 }
 
@@ -313,31 +295,28 @@ void TestXrvCompress::sideFiles()
 {
     Recipe recipe;
     recipe.cell = [&recipe](int sample, int x, int y) { return slopeCell(recipe, sample, x, y); };
-    QVERIFY(makeTiff(path(QStringLiteral("side.tif")), recipe));
-    save(QStringLiteral("side.tfw"), "2\n0\n0\n-2\n1001\n1999\n");
+    QVERIFY(makeTiff(path("side.tif"), recipe));
+    folder.write("side.tfw", QByteArray("2\n0\n0\n-2\n1001\n1999\n"));
     QByteArray rpc("LINE_OFF: 100 pixels\nSAMP_OFF: 150 pixels\nLAT_OFF: 48 degrees\nLONG_OFF: 11 degrees\n"
                    "HEIGHT_OFF: 500 meters\nLINE_SCALE: 100\nSAMP_SCALE: 150\nLAT_SCALE: 0.1\nLONG_SCALE: 0.1\n"
                    "HEIGHT_SCALE: 500\n");
     for (const char *list : {"LINE_NUM", "LINE_DEN", "SAMP_NUM", "SAMP_DEN"})
         for (int i = 1; i <= 20; ++i)
             rpc += QByteArray(list) + "_COEFF_" + QByteArray::number(i) + ": " + QByteArray::number(i * 0.5) + "\n";
-    save(QStringLiteral("coefficients.txt"), rpc);
-    const QString output =
-        compress(path(QStringLiteral("side.tif")), {QStringLiteral("--rpc"), path(QStringLiteral("coefficients.txt"))});
-    QVERIFY(!output.isEmpty());
-    const QJsonObject info = infoOf(output);
-    QCOMPARE(info[QStringLiteral("place")][QStringLiteral("origin")].toArray(), QJsonArray({1000, 2000}));
-    QCOMPARE(info[QStringLiteral("rpc")][QStringLiteral("sample denominator")].toArray().last().toDouble(), 10.0);
-    QCOMPARE(info[QStringLiteral("rpc")][QStringLiteral("height offset")].toDouble(), 500.0);
+    const std::string output = compress("side.tif", "--rpc " + folder.write("coefficients.txt", rpc));
+    QVERIFY(!output.empty());
+    const Info info(output);
+    QCOMPARE(info.at("place/origin").toArray(), QJsonArray({1000, 2000}));
+    QCOMPARE(info.at("rpc/sample denominator").toArray().last().toDouble(), 10.0);
+    QCOMPARE(info.number("rpc/height offset"), 500.0);
 }
 
 void TestXrvCompress::wrongUsage_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("words");
-    const auto row = [](const char *name, const char *line, const char *words) {
-        QTest::newRow(name) << QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts)
-                            << QString::fromUtf8(words);
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QString>("sentence");
+    const auto row = [](const char *name, const char *line, const char *sentence) {
+        QTest::newRow(name) << QByteArray(line) << QString::fromUtf8(sentence);
     };
     row("nothing", "", "An input and an output file are needed.");
     row("one file", "a", "An input and an output file are needed.");
@@ -355,18 +334,18 @@ void TestXrvCompress::wrongUsage_data()
 
 void TestXrvCompress::wrongUsage()
 {
-    QFETCH(QStringList, arguments);
-    QFETCH(QString, words);
-    const ToolRun run = runTool(QStringLiteral("xrvcompress"), arguments);
+    QFETCH(QByteArray, line);
+    QFETCH(QString, sentence);
+    const ToolRun run = runTool("xrvcompress", line.toStdString());
     QCOMPARE(run.status, 2);
-    QVERIFY2(run.errors.contains(words), qPrintable(run.errors));
-    QVERIFY(run.errors.contains(QStringLiteral("usage:")));
+    QVERIFY2(run.errors.contains(sentence), qPrintable(run.errors));
+    QVERIFY(run.errors.contains(QLatin1String("usage:")));
 }
 
 void TestXrvCompress::whatCannotBeRead_data()
 {
     QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("words");
+    QTest::addColumn<QString>("sentence");
     QTest::newRow("text") << QByteArray("hello") << QStringLiteral("is no JPEG 2000, XRV, TIFF, PNM or PNG file");
     QTest::newRow("empty") << QByteArray() << QStringLiteral("is no JPEG 2000");
     QTest::newRow("PNM of text") << QByteArray("P3 1 1 255 1 2 3") << QStringLiteral("only binary");
@@ -380,34 +359,27 @@ void TestXrvCompress::whatCannotBeRead_data()
 void TestXrvCompress::whatCannotBeRead()
 {
     QFETCH(QByteArray, file);
-    QFETCH(QString, words);
-    QTemporaryDir own;
-    const QString input = QDir(own.path()).filePath(QStringLiteral("in"));
-    QFile written(input);
-    QVERIFY(written.open(QIODevice::WriteOnly) && written.write(file) == file.size());
-    written.close();
-    const ToolRun run =
-        runTool(QStringLiteral("xrvcompress"), {input, QDir(own.path()).filePath(QStringLiteral("out.xrv"))});
+    QFETCH(QString, sentence);
+    const FileFolder own;
+    const ToolRun run = runTool("xrvcompress", own.write("in", file) + ' ' + own.path("out.xrv"));
     QCOMPARE(run.status, 1);
-    QVERIFY2(run.errors.startsWith(QStringLiteral("xrvcompress: ")) && run.errors.contains(words),
+    QVERIFY2(run.errors.startsWith(QLatin1String("xrvcompress: ")) && run.errors.contains(sentence),
              qPrintable(run.errors));
-    QCOMPARE(QDir(own.path()).entryList(QDir::Files | QDir::Hidden), QStringList({QStringLiteral("in")}));
+    QCOMPARE(own.entries(), QStringList({QStringLiteral("in")}));
 }
 
 void TestXrvCompress::namesOfTheOutput()
 {
-    save(QStringLiteral("in.pgm"), QByteArray("P5 2 1 255\nab"));
-    const QString input = path(QStringLiteral("in.pgm"));
-    const QString longest = path(QString(255, QLatin1Char('n')));
-    QCOMPARE(runTool(QStringLiteral("xrvcompress"), {input, longest}).status, 0);
-    QVERIFY(QFileInfo(longest).size() > 0);
+    const std::string input = folder.write("in.pgm", QByteArray("P5 2 1 255\nab")), longest(255, 'n');
+    QCOMPARE(runTool("xrvcompress", input + ' ' + folder.path(longest)).status, 0);
+    QVERIFY(!folder.read(longest).isEmpty());
 #ifdef Q_OS_UNIX
-    const QString pipe = path(QStringLiteral("pipe"));
-    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    const ToolRun run = runTool(QStringLiteral("xrvcompress"), {input, pipe});
+    const std::string pipe = folder.path("pipe");
+    QCOMPARE(mkfifo(pipe.c_str(), 0600), 0);
+    const ToolRun run = runTool("xrvcompress", input + ' ' + pipe);
     QVERIFY(run.status != 0);
-    QVERIFY2(run.errors.contains(QStringLiteral("not an ordinary file")), qPrintable(run.errors));
-    QVERIFY2(!QFileInfo(pipe).isFile(), "the pipe was replaced");
+    QVERIFY2(run.errors.contains(QLatin1String("not an ordinary file")), qPrintable(run.errors));
+    QVERIFY2(!QFileInfo(path("pipe")).isFile(), "the pipe was replaced");
 #endif
 }
 
@@ -417,32 +389,28 @@ void TestXrvCompress::interruptedLeavesNothing()
     QSKIP("QProcess::terminate() sends no signal here");
 #endif
     Recipe recipe;
-    recipe.width = 3000;
-    recipe.height = 3000;
+    recipe.width = recipe.height = 3000;
     recipe.samples = 3;
     recipe.photometric = PHOTOMETRIC_RGB;
     recipe.cell = [](int sample, int x, int y) { return (x * y + sample * x) >> 3 & 255; };
-    QTemporaryDir own;
-    const QDir inside(own.path());
-    QVERIFY(makeTiff(inside.filePath(QStringLiteral("in.tif")), recipe));
+    const FileFolder own;
+    QVERIFY(makeTiff(QString::fromStdString(own.path("in.tif")), recipe));
     QProcess process;
     process.start(QStringLiteral(XRV_TOOL_DIR "/xrvcompress"),
-                  {QStringLiteral("--block-size=128"), inside.filePath(QStringLiteral("in.tif")),
-                   inside.filePath(QStringLiteral("out.xrv"))});
-    QTRY_VERIFY_WITH_TIMEOUT(inside.entryList(QDir::Files | QDir::Hidden).size() > 1, 30000);
+                  words("--block-size=128 " + own.path("in.tif") + ' ' + own.path("out.xrv")));
+    QTRY_VERIFY_WITH_TIMEOUT(own.entries().size() > 1, 30000);
     process.terminate();
     QVERIFY(process.waitForFinished(30000));
     QCOMPARE(process.exitCode(), 130);
-    QCOMPARE(inside.entryList(QDir::Files | QDir::Hidden), QStringList({QStringLiteral("in.tif")}));
+    QCOMPARE(own.entries(), QStringList({QStringLiteral("in.tif")}));
 }
 
 void TestXrvCompress::infoOfWhatIsNone()
 {
-    save(QStringLiteral("none.xrv"), "nothing");
-    const ToolRun run = runTool(QStringLiteral("xrvinfo"), {path(QStringLiteral("none.xrv"))});
+    const ToolRun run = runTool("xrvinfo", folder.write("none.xrv", QByteArray("nothing")));
     QCOMPARE(run.status, 1);
     QCOMPARE(run.errors, QStringLiteral("xrvinfo: This file is not an XRV image that this library can read.\n"));
-    QCOMPARE(runTool(QStringLiteral("xrvinfo"), {}).status, 2);
+    QCOMPARE(runTool("xrvinfo", {}).status, 2);
 }
 
 QTEST_GUILESS_MAIN(TestXrvCompress)

@@ -32,7 +32,6 @@ private slots:
     void placeInTheWorld();
     void xmlBoxesInFileOrder();
     void streamIsTheFile();
-    void statisticsOfTheCells();
     void nothingOpen();
     void codestreamIsBelieved();
     void opensAndClosesAreLogged();
@@ -190,31 +189,6 @@ void TestFileClient::streamIsTheFile()
     QVERIFY(stream->Read(read.data(), 1));
 }
 
-void TestFileClient::statisticsOfTheCells()
-{
-    jp2maker::Options options;
-    options.width = 40;
-    options.height = 25;
-    options.components.assign(2, {});
-    options.opacityLast = true;
-    options.cell = [](int c, int x, int) { return c == 0 ? 2 * x : 255 * (x % 2); };
-    Client client;
-    QVERIFY(client.open(folder.write("statistics.jp2", jp2maker::make(options))).IsSuccess());
-    PLKFileStatistics *statistics = nullptr;
-    const PLK::CError error = client.GetClientStatistics(&statistics);
-    QVERIFY2(error.IsSuccess(), error.GetErrorMessage());
-    QCOMPARE(statistics->nBands, 2u);
-    const PLKBandStatistics &grey = statistics->pBandStats[0];
-    QCOMPARE(double(grey.fMin), 0.0);
-    QCOMPARE(double(grey.fMax), 78.0);
-    QCOMPARE(double(grey.fMean), 39.0);
-    QCOMPARE(grey.pHistogram[78], std::uint64_t(25));
-    QCOMPARE(double(statistics->pBandStats[1].fMean), 127.5);
-    client.close(); // the record is the caller's
-    QCOMPARE(statistics->pBandStats[1].pHistogram[255], std::uint64_t(500));
-    PLKFreeStatistics(statistics);
-}
-
 void TestFileClient::nothingOpen()
 {
     Client client;
@@ -267,20 +241,23 @@ void TestFileClient::queriesFromManyThreads()
     options.tileWidth = options.tileHeight = 100;
     Client client;
     QVERIFY(client.open(folder.write("threads.jp2", jp2maker::make(options))).IsSuccess());
+    PLKFileStatistics *records[4] = {};
     std::atomic<int> good{0};
     std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
+    for (PLKFileStatistics *&record : records)
         threads.emplace_back([&] {
-            PLKFileStatistics *statistics = nullptr;
-            const bool isRight = client.GetClientStatistics(&statistics).IsSuccess() &&
-                                 statistics->pBandStats[0].fMax > 250 && client.GetFileInfo()->nSizeX == 300 &&
-                                 client.MetadataJp2().NumberOfTiles().first == 3;
+            const bool isRight = client.GetClientStatistics(&record).IsSuccess() &&
+                                 client.GetFileInfo()->nSizeX == 300 && client.MetadataJp2().NumberOfTiles().first == 3;
             good += isRight ? 1 : 0;
-            PLKFreeStatistics(statistics);
         });
     for (std::thread &thread : threads)
         thread.join();
     QCOMPARE(good.load(), 4);
+    client.close(); // the records are the callers'
+    for (PLKFileStatistics *record : records) {
+        QCOMPARE(double(record->pBandStats[0].fMax), 255.0);
+        PLKFreeStatistics(record);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestFileClient)

@@ -1,4 +1,4 @@
-#include "colour/bandmap.h"
+#include "bandcells.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -12,15 +12,6 @@ Q_DECLARE_METATYPE(xrv::RasterInfo)
 Q_DECLARE_METATYPE(xrv::Jp2Structure)
 
 namespace {
-
-ComponentInfo component(int bits, bool isSigned = false, std::uint32_t step = 1)
-{
-    ComponentInfo info;
-    info.bits = static_cast<std::uint8_t>(bits);
-    info.isSigned = isSigned;
-    info.stepX = info.stepY = step;
-    return info;
-}
 
 RasterInfo raster(const std::vector<ComponentInfo> &components)
 {
@@ -73,22 +64,6 @@ QString describe(const BandMap &map)
     return bands.join(QLatin1Char(' '));
 }
 
-using Rows = std::vector<std::vector<std::int32_t>>;
-
-Rows convert(const BandMap &map, const std::vector<int> &bands, const Rows &components)
-{
-    const int width = static_cast<int>(components.front().size());
-    Rows result(bands.size(), std::vector<std::int32_t>(static_cast<std::size_t>(width), -99));
-    std::vector<const std::int32_t *> in;
-    std::vector<std::int32_t *> out;
-    for (const int number : map.componentsFor(bands))
-        in.push_back(components[static_cast<std::size_t>(number)].data());
-    for (auto &row : result)
-        out.push_back(row.data());
-    map.convertRow(bands, in.data(), width, out.data());
-    return result;
-}
-
 } // namespace
 
 class TestBandMap : public QObject
@@ -98,7 +73,6 @@ class TestBandMap : public QObject
 private slots:
     void layout_data();
     void layout();
-    void opacity();
     void cellTypes_data();
     void cellTypes();
     void paletteCells();
@@ -194,16 +168,6 @@ void TestBandMap::layout()
     const bool goesThroughPalette =
         std::any_of(map.bands().begin(), map.bands().end(), [](const Band &band) { return band.paletteColumn >= 0; });
     QCOMPARE(map.hasPalette(), goesThroughPalette);
-}
-
-void TestBandMap::opacity()
-{
-    for (const std::uint16_t type : {std::uint16_t(1), std::uint16_t(2)}) {
-        const BandMap map = BandMap::make(
-            raster(4, 8), boxes(Kind::SRgb, 16, {{0, 0, 1}, {1, 0, 2}, {2, 0, 3}, {3, type, 0}}), nullptr);
-        QVERIFY(map.bands()[3].isOpacity && !map.bands()[2].isOpacity);
-        QCOMPARE(map.bands()[3].isPremultiplied, type == 2);
-    }
 }
 
 void TestBandMap::cellTypes_data()

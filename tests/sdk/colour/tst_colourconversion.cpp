@@ -1,10 +1,11 @@
-#include "colour/bandmap.h"
+#include "bandcells.h"
 
 #include <lcms2.h>
 
 #include <QtTest>
 
 #include <cmath>
+#include <numeric>
 #include <thread>
 
 using namespace xrv;
@@ -58,14 +59,6 @@ struct Input
     ColourSpecification colour;
 };
 
-ComponentInfo component(int bits, bool isSigned = false)
-{
-    ComponentInfo info;
-    info.bits = static_cast<std::uint8_t>(bits);
-    info.isSigned = isSigned;
-    return info;
-}
-
 BandMap mapOf(const Input &input, std::vector<std::string> *warnings = nullptr)
 {
     RasterInfo raster;
@@ -83,18 +76,15 @@ Input equal(int count, int bits, Kind kind, std::uint32_t space, const Bytes &pr
 /// All bands of one cell.
 Cells convert(const BandMap &map, const Cells &cell)
 {
-    std::vector<int> bands;
-    std::vector<const std::int32_t *> in;
-    std::vector<std::int32_t> made(map.bands().size(), -99);
-    std::vector<std::int32_t *> out;
-    for (int band = 0; band < static_cast<int>(made.size()); ++band) {
-        bands.push_back(band);
-        out.push_back(&made[static_cast<std::size_t>(band)]);
-    }
-    for (const int number : map.componentsFor(bands))
-        in.push_back(&cell[number]);
-    map.convertRow(bands, in.data(), 1, out.data());
-    return Cells(made.begin(), made.end());
+    std::vector<int> bands(map.bands().size());
+    std::iota(bands.begin(), bands.end(), 0);
+    Rows rows;
+    for (const int value : cell)
+        rows.push_back({value});
+    Cells made;
+    for (const auto &row : ::convert(map, bands, rows))
+        made.append(row[0]);
+    return made;
 }
 
 } // namespace

@@ -404,7 +404,7 @@ void TestImageWriter::whatCannotBeWritten_data()
     QTest::addColumn<int>("code");
     QTest::newRow("17 bits") << 10 << 17 << 64 << 1 << int(PLK_ERR_UNSUPPORTED);
     QTest::newRow("2^25 x 2^25 cells") << (1 << 25) << 8 << 64 << 1 << int(PLK_ERR_UNSUPPORTED);
-    QTest::newRow("odd block size") << 10 << 8 << 100 << 1 << int(PLK_ERR_INVALID_ARGUMENT);
+    QTest::newRow("odd tile size") << 10 << 8 << 100 << 1 << int(PLK_ERR_INVALID_ARGUMENT);
     QTest::newRow("two layers") << 10 << 8 << 64 << 2 << int(PLK_ERR_INVALID_ARGUMENT);
 }
 

@@ -1,10 +1,10 @@
+#include "data/files.h"
+#include "geotiffbuilder.h"
+
 #include "geo/crsnames.h"
 #include "geo/geojp2.h"
 #include "geo/georeference.h"
-#include "geotiffbuilder.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <thread>
@@ -104,19 +104,16 @@ void TestGeoReference::order()
     QFETCH(QString, gmlName);
     QFETCH(QString, gmlOrigin);
     QFETCH(QByteArray, world);
-    const QTemporaryDir folder;
+    const FileFolder folder;
     Jp2Structure structure;
     if (hasBox)
         structure.uuidBoxes.push_back(geoBox(plainGeoTiff()));
     if (!gmlName.isEmpty())
         structure.gml.push_back(grid(gmlName.toStdString(), gmlOrigin.toStdString()));
-    if (!world.isEmpty()) {
-        QFile file(folder.filePath(QStringLiteral("a.j2w")));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(world) > 0);
-    }
+    if (!world.isEmpty())
+        folder.write("a.j2w", world);
     std::vector<std::string> warnings;
-    const GeoReference geo =
-        readGeoReference(structure, 64, 48, folder.filePath(QStringLiteral("a.jp2")).toStdString(), &warnings);
+    const GeoReference geo = readGeoReference(structure, 64, 48, folder.path("a.jp2"), &warnings);
     QTEST(static_cast<int>(geo.origin), "origin");
     QTEST(geo.epsg, "epsg");
     QFETCH(double, x);
@@ -128,15 +125,12 @@ void TestGeoReference::order()
 
 void TestGeoReference::worldFileKeepsTheSystemOfABox()
 {
-    const QTemporaryDir folder;
-    QFile file(folder.filePath(QStringLiteral("a.wld")));
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("0.5\n0\n0\n-0.5\n10.25\n49.75\n") > 0);
-    file.close();
+    const FileFolder folder;
+    folder.write("a.wld", QByteArray("0.5\n0\n0\n-0.5\n10.25\n49.75\n"));
     Jp2Structure structure;
     structure.uuidBoxes.push_back(geoBox(GeoTiffBuilder().keys({{1024, 2}, {2048, 4326}}).bytes()));
     std::vector<std::string> warnings;
-    const GeoReference placed =
-        readGeoReference(structure, 8, 8, folder.filePath(QStringLiteral("a.jp2")).toStdString(), &warnings);
+    const GeoReference placed = readGeoReference(structure, 8, 8, folder.path("a.jp2"), &warnings);
     QVERIFY(placed.origin == GeoReference::Origin::WorldFile);
     QCOMPARE(placed.epsg, 4326);
     QCOMPARE(placed.units, PLK_UNITS_DEGREES);
@@ -233,13 +227,11 @@ void TestGeoReference::systems()
 
 void TestGeoReference::dataPath()
 {
-    const QTemporaryDir folder;
-    setGeodeticDataPath(folder.path().toStdString()); // has no proj.db
+    const FileFolder folder;
+    setGeodeticDataPath(folder.path()); // has no proj.db
     QCOMPARE(crsOfEpsg(27700).projection, std::string("British National Grid"));
-    QFile file(folder.filePath(QStringLiteral("proj.db")));
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("no database") > 0);
-    file.close();
-    setGeodeticDataPath(folder.path().toStdString());
+    folder.write("proj.db", QByteArray("no database"));
+    setGeodeticDataPath(folder.path());
     QCOMPARE(crsOfEpsg(2154).projection, std::string("Lambert-93"));
     setGeodeticDataPath("C:\\nowhere\\..\\..");
     setGeodeticDataPath({});

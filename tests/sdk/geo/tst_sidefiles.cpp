@@ -1,10 +1,9 @@
+#include "data/files.h"
+
 #include "geo/georeference.h"
 #include "geo/rpc.h"
 #include "geo/worldfile.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace xrv;
@@ -57,14 +56,6 @@ bool isCounting(const PLKRPCData &data)
             return false;
     }
     return true;
-}
-
-std::string write(const QString &name, const QByteArray &content)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write");
-    return name.toStdString();
 }
 
 } // namespace
@@ -148,11 +139,11 @@ void TestSideFiles::worldFileNames()
 {
     QFETCH(QString, image);
     QFETCH(QString, world);
-    const QTemporaryDir folder;
-    write(folder.filePath(world), "\xEF\xBB\xBF"
-                                  "10\n0\n0\n-20\n300005\n4999990\n");
+    const FileFolder folder;
+    folder.write(world.toStdString(), QByteArray("\xEF\xBB\xBF"
+                                                 "10\n0\n0\n-20\n300005\n4999990\n"));
     std::vector<std::string> warnings;
-    const auto transform = readWorldFile(folder.filePath(image).toStdString(), &warnings);
+    const auto transform = readWorldFile(folder.path(image.toStdString()), &warnings);
     QTEST(transform.has_value(), "isFound");
     QVERIFY(warnings.empty());
 }
@@ -231,11 +222,11 @@ void TestSideFiles::rpcNames_data()
 void TestSideFiles::rpcNames()
 {
     QFETCH(QString, side);
-    const QTemporaryDir folder;
-    const std::string image = folder.filePath(QStringLiteral("img.jp2")).toStdString();
+    const FileFolder folder;
+    const std::string image = folder.path("img.jp2");
     std::vector<std::string> warnings;
     QVERIFY(!readRpc({}, image, &warnings));
-    write(folder.filePath(side), side.endsWith(QStringLiteral("b"), Qt::CaseInsensitive) ? rpbText() : rpcText());
+    folder.write(side.toStdString(), side.endsWith(QStringLiteral("b"), Qt::CaseInsensitive) ? rpbText() : rpcText());
     const auto data = readRpc({}, image, &warnings);
     QVERIFY(data && isCounting(*data));
     QVERIFY(warnings.empty());
@@ -243,10 +234,10 @@ void TestSideFiles::rpcNames()
 
 void TestSideFiles::rpcBoxBeforeFile()
 {
-    const QTemporaryDir folder;
-    const std::string image = folder.filePath(QStringLiteral("img.jp2")).toStdString();
-    write(folder.filePath(QStringLiteral("img_RPC.TXT")), "damaged");
-    write(folder.filePath(QStringLiteral("img.RPB")), rpbText());
+    const FileFolder folder;
+    const std::string image = folder.path("img.jp2");
+    folder.write("img_RPC.TXT", QByteArray("damaged"));
+    folder.write("img.RPB", rpbText());
     std::vector<std::string> warnings;
     const auto data = readRpc({}, image, &warnings);
     QVERIFY(data && isCounting(*data)); // the damaged one is passed over
@@ -267,10 +258,10 @@ void TestSideFiles::manyRepeatedKeys()
 
 void TestSideFiles::hugeAndOddFiles()
 {
-    const QTemporaryDir folder;
-    const std::string image = folder.filePath(QStringLiteral("img.jp2")).toStdString();
-    QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("img.jp2w")));
-    QFile large(folder.filePath(QStringLiteral("img_RPC.TXT")));
+    const FileFolder folder;
+    const std::string image = folder.path("img.jp2");
+    QVERIFY(QDir(QString::fromStdString(folder.path())).mkdir(QStringLiteral("img.jp2w")));
+    QFile large(QString::fromStdString(folder.path("img_RPC.TXT")));
     QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(3000000000LL));
     std::vector<std::string> warnings;
     QVERIFY(!readRpc({}, image, &warnings));

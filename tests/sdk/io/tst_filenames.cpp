@@ -1,10 +1,10 @@
+#include "data/files.h"
+
 #include "base/utf8.h"
 #include "io/filenames.h"
 
 #include <xrv60/plkstring.h>
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
@@ -13,13 +13,6 @@ namespace {
 std::wstring widened(const std::string &bytes)
 {
     return QString::fromLatin1(bytes.c_str()).toStdWString();
-}
-
-void touch(const QString &name)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::WriteOnly))
-        qFatal("cannot make the test file");
 }
 
 } // namespace
@@ -53,22 +46,20 @@ void TestFileNames::namesSurviveTheirBytes_data()
 void TestFileNames::namesSurviveTheirBytes()
 {
     QFETCH(QString, name);
-    QTemporaryDir folder;
-    const QString path = folder.filePath(name);
-    touch(path.section(QLatin1Char('|'), 0, 0));
-    const std::string utf8 = path.toStdString();
+    const FileFolder folder;
+    folder.write(name.section(QLatin1Char('|'), 0, 0).toStdString(), QByteArray());
+    const std::string utf8 = folder.path(name.toStdString());
+    const QString path = QString::fromStdString(utf8);
     QCOMPARE(xrv::resolveName(path.toStdWString().c_str()), utf8);
     QCOMPARE(xrv::resolveName(widened(utf8).c_str()), utf8);
 }
 
 void TestFileNames::plainReadingGoesFirst()
 {
-    QTemporaryDir folder;
+    const FileFolder folder;
     // The second one is called what the bytes of the first one's name look like.
-    const QString real = folder.filePath(QString::fromUtf8("é.jp2"));
-    const QString garbled = folder.filePath(QString::fromUtf8("Ã©.jp2"));
-    touch(real);
-    touch(garbled);
+    const QString real = QString::fromStdString(folder.write("é.jp2", QByteArray()));
+    const QString garbled = QString::fromStdString(folder.write("Ã©.jp2", QByteArray()));
     QCOMPARE(xrv::resolveName(garbled.toStdWString().c_str()), garbled.toStdString());
     QVERIFY(QFile::remove(garbled));
     QCOMPARE(xrv::resolveName(garbled.toStdWString().c_str()), real.toStdString());
@@ -88,12 +79,12 @@ void TestFileNames::addresses()
 
 void TestFileNames::barEndsTheName()
 {
-    QTemporaryDir folder;
-    const std::string plain = folder.filePath(QStringLiteral("a.jp2")).toStdString();
+    const FileFolder folder;
+    const std::string plain = folder.path("a.jp2");
     QCOMPARE(xrv::localPath(plain + "|extra"), plain);
     QCOMPARE(xrv::localPath("|extra"), std::string("|extra"));
 #ifndef Q_OS_WIN
-    touch(QString::fromStdString(plain + "|extra"));
+    folder.write("a.jp2|extra", QByteArray());
     QCOMPARE(xrv::localPath(plain + "|extra"), plain + "|extra");
 #endif
 }

@@ -23,10 +23,8 @@ public:
         raster.height = raster.canvasY1 = raster.tileHeight = height;
         raster.tilesAcross = raster.tilesDown = 1;
         raster.levels = raster.codedLevels = 6;
-        const auto type = bits <= 8    ? (isSigned ? xrv::SampleType::Int8 : xrv::SampleType::UInt8)
-                          : bits <= 16 ? (isSigned ? xrv::SampleType::Int16 : xrv::SampleType::UInt16)
-                                       : xrv::SampleType::Int32;
-        raster.components.assign(static_cast<std::size_t>(components), {bits, isSigned, 1, 1, type});
+        raster.components.assign(static_cast<std::size_t>(components),
+                                 {bits, isSigned, 1, 1, xrv::sampleTypeFor(bits, isSigned)});
     }
 
     /// Sets offsets and steps: the image covers the canvas from (x0, y0) to (x1, y1); the finest step of the components

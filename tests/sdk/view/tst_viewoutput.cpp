@@ -21,7 +21,6 @@ private slots:
     void paletteIsShownFromFullResolution();
     void hiddenColoursDoNotShineThrough();
     void cellsOfOtherTypesAreClamped();
-    void bilinearByHand();
 };
 
 namespace {
@@ -259,21 +258,6 @@ void TestViewOutput::cellsOfOtherTypesAreClamped()
     expect(std::int64_t(), PLKCT_INT64, -30000, 5, 30000);
     expect(float(), PLKCT_FLOAT, -30000, 5, 30000);
     expect(double(), PLKCT_DOUBLE, -30000, 5, 30000);
-}
-
-void TestViewOutput::bilinearByHand()
-{
-    FakeReader reader(2, 2);
-    const int cells[2][2] = {{0, 80}, {160, 240}};
-    reader.cell = [&](int, int, std::int64_t u, std::int64_t v) { return cells[v][u]; };
-    BlockingView image(reader);
-    xrv::ViewEngine &engine = image.engine;
-    image.showSmoothly({0}, 4, 4, {0, 0, 2, 2});
-    const auto lines = readBgra(engine);
-    const int expected[4][4] = {{0, 20, 60, 80}, {40, 60, 100, 120}, {120, 140, 180, 200}, {160, 180, 220, 240}};
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 4; ++x)
-            QCOMPARE(bytesOf(lines.at(x, y)), bgra(expected[y][x], expected[y][x], expected[y][x], 255));
 }
 
 QTEST_APPLESS_MAIN(TestViewOutput)

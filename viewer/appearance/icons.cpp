@@ -7,8 +7,7 @@
 #include <QPalette>
 #include <QPixmap>
 
-namespace Viewer {
-namespace Icons {
+namespace Viewer::Icons {
 
 namespace {
 
@@ -177,5 +176,4 @@ QIcon icon(Shape shape)
     return QIcon(new LineIconEngine(shape));
 }
 
-} // namespace Icons
-} // namespace Viewer
+} // namespace Viewer::Icons

@@ -5,13 +5,11 @@
 #include <QJsonValue>
 #include <QVariant>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 class IRasterLayerHistogram;
 class Layer;
 class RasterLayer;
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map
 
 namespace Viewer {
 

@@ -6,12 +6,10 @@ class QAction;
 class QToolBar;
 class QTreeView;
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 class Layer;
 class MapView;
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map
 
 namespace Viewer {
 

@@ -4,12 +4,10 @@
 
 class QFormLayout;
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 class Layer;
 class RasterLayer;
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map
 
 namespace Viewer {
 

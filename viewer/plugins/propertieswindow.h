@@ -6,11 +6,9 @@
 
 class QTabWidget;
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 class Layer;
-}
-} // namespace Korvane
+} // namespace Korvane::Map
 
 namespace Viewer {
 

@@ -6,11 +6,9 @@
 class QDropEvent;
 class QWidget;
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 class MapView;
-}
-} // namespace Korvane
+} // namespace Korvane::Map
 
 namespace Viewer {
 

@@ -11,8 +11,7 @@
 #include <QRegularExpression>
 #include <QUrl>
 
-namespace Viewer {
-namespace Sources {
+namespace Viewer::Sources {
 
 namespace {
 
@@ -126,5 +125,4 @@ QString checkReadable(const QString &source)
     return file.size() > 0 ? QString() : Texts::tr("%1 is empty.").arg(name);
 }
 
-} // namespace Sources
-} // namespace Viewer
+} // namespace Viewer::Sources

@@ -5,11 +5,9 @@
 
 class QMimeData;
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 class Layer;
-}
-} // namespace Korvane
+} // namespace Korvane::Map
 
 namespace Viewer {
 

@@ -6,12 +6,10 @@
 #include <QMdiArea>
 #include <QVector>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 class Layer;
 class MapView;
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map
 
 namespace Viewer {
 

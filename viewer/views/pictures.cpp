@@ -8,8 +8,7 @@
 #include <QImageWriter>
 #include <QSaveFile>
 
-namespace Viewer {
-namespace Pictures {
+namespace Viewer::Pictures {
 
 namespace {
 
@@ -42,5 +41,4 @@ QString writePng(const QImage &image, const QString &fileName)
     return writeAll(&file, png.data()) && file.commit() ? QString() : failed(fileName, file.errorString());
 }
 
-} // namespace Pictures
-} // namespace Viewer
+} // namespace Viewer::Pictures

@@ -8,11 +8,9 @@ class QLabel;
 class QProgressBar;
 class QStatusBar;
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 class MapView;
-}
-} // namespace Korvane
+} // namespace Korvane::Map
 
 namespace Viewer {
 

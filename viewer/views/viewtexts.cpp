@@ -5,8 +5,7 @@
 
 #include <cmath>
 
-namespace Viewer {
-namespace ViewTexts {
+namespace Viewer::ViewTexts {
 
 namespace {
 
@@ -69,5 +68,4 @@ QString unitsPerPixel(double units)
     return isPositive(units) ? Texts::tr("%1 units per pixel").arg(significant(units)) : QString();
 }
 
-} // namespace ViewTexts
-} // namespace Viewer
+} // namespace Viewer::ViewTexts

@@ -6,11 +6,9 @@
 
 class QAction;
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 class MapView;
-}
-} // namespace Korvane
+} // namespace Korvane::Map
 
 namespace Viewer {
 

@@ -4,9 +4,7 @@
 
 #include <QString>
 
-namespace Korvane {
-namespace Util {
-namespace Address {
+namespace Korvane::Util::Address {
 
 /// Whether \a source begins with a scheme and "://", as a stream address does; anything else names a local file. A
 /// "file:" address is none in this sense.
@@ -23,6 +21,4 @@ QDGUI_EXPORT QString shown(const QString &source);
 /// nothing else, otherwise \a source.
 QDGUI_EXPORT QString narrowed(const QString &source);
 
-} // namespace Address
-} // namespace Util
-} // namespace Korvane
+} // namespace Korvane::Util::Address

@@ -5,8 +5,7 @@
 
 #include <limits>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 /// Histogram of one band with the band's statistics. \a T is the type of the bucket counts and of the band's extreme
 /// values. A value type: copies share the counts until one of them is changed.
@@ -41,5 +40,4 @@ template <typename T> struct HistogramT
     }
 };
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

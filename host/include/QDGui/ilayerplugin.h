@@ -2,11 +2,9 @@
 
 #include <QObject>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 class Layer;
-}
-} // namespace Korvane
+} // namespace Korvane::Map
 
 /// Makes layers.
 class ILayerPlugin

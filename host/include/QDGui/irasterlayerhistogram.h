@@ -5,8 +5,7 @@
 #include <QSize>
 #include <QVector>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 /// Implemented by raster layers that can give histograms of their bands.
 class IRasterLayerHistogram
@@ -22,5 +21,4 @@ protected:
     ~IRasterLayerHistogram() = default;
 };
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

@@ -2,8 +2,7 @@
 
 class QRectF;
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 class RasterLayer;
 
@@ -19,5 +18,4 @@ protected:
     ~IRendererClient() = default;
 };
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

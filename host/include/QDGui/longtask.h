@@ -6,8 +6,7 @@
 
 #include <functional>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// A piece of work that a caller cannot go on without and that may keep a person waiting, such as the opening of a file
 /// on a server. Done on a thread of its own while the windows stay alive: they are painted, timers fire and layers
@@ -51,5 +50,4 @@ public:
     static bool isRunning();
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -10,8 +10,7 @@
 
 #include <memory>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 /// Shows layers on top of each other on one map. One world unit is as long across as it is down; x grows to the right
 /// and y upward. World rectangles are QRectF from the top-left corner, with a negative height.
@@ -123,5 +122,4 @@ private:
     std::unique_ptr<Private> d;
 };
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

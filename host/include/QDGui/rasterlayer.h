@@ -5,8 +5,7 @@
 #include <QSize>
 #include <QVector>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 class IRendererClient;
 
@@ -56,5 +55,4 @@ private:
     int epsgCode = 0;
 };
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

@@ -2,11 +2,9 @@
 
 #include <QDGui/qdguiglobal.h>
 
-namespace Korvane {
-namespace System {
+namespace Korvane::System {
 
 /// Physical memory of the machine in megabytes (of 2^20 bytes); 0 when the system does not tell.
 QDGUI_EXPORT quint64 getTotalRAM();
 
-} // namespace System
-} // namespace Korvane
+} // namespace Korvane::System

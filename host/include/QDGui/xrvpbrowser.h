@@ -6,8 +6,7 @@
 
 #include <memory>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// Dialog in which a person enters or picks the address of an image stream. Addresses used before are offered again,
 /// and servers that list their folders can be browsed. User names and passwords in addresses are never stored or shown
@@ -61,5 +60,4 @@ private:
     std::unique_ptr<Private> d;
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -5,9 +5,7 @@
 
 #include <algorithm>
 
-namespace Korvane {
-namespace Util {
-namespace Address {
+namespace Korvane::Util::Address {
 
 bool isAddress(const QString &source)
 {
@@ -44,6 +42,4 @@ QString narrowed(const QString &source)
     return text.contains(QChar::ReplacementCharacter) ? source : text;
 }
 
-} // namespace Address
-} // namespace Util
-} // namespace Korvane
+} // namespace Korvane::Util::Address

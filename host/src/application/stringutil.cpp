@@ -2,9 +2,7 @@
 
 #include <QRegularExpression>
 
-namespace Korvane {
-namespace Util {
-namespace String {
+namespace Korvane::Util::String {
 
 namespace {
 
@@ -32,6 +30,4 @@ QString formatFileSize(quint64 bytes, const char *format)
     return QString::asprintf(isUsable ? format : "%.2f", size) + QLatin1Char(' ') + QLatin1String(kUnits[unit]);
 }
 
-} // namespace String
-} // namespace Util
-} // namespace Korvane
+} // namespace Korvane::Util::String

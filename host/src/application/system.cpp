@@ -6,8 +6,7 @@
 #include <unistd.h>
 #endif
 
-namespace Korvane {
-namespace System {
+namespace Korvane::System {
 
 namespace {
 
@@ -31,5 +30,4 @@ quint64 getTotalRAM()
     return totalBytes() >> 20;
 }
 
-} // namespace System
-} // namespace Korvane
+} // namespace Korvane::System

@@ -8,8 +8,7 @@
 #include <QLineEdit>
 #include <QSignalBlocker>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 AddressBox::AddressBox(QWidget *parent)
     : QComboBox(parent)
@@ -70,5 +69,4 @@ bool AddressBox::eventFilter(QObject *watched, QEvent *event)
     return QComboBox::eventFilter(watched, event);
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

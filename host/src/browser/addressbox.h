@@ -2,8 +2,7 @@
 
 #include <QComboBox>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// An address to be typed, or picked from those used last. Delete removes the marked one of the open list.
 class AddressBox : public QComboBox
@@ -21,5 +20,4 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

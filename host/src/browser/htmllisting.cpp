@@ -2,8 +2,7 @@
 
 #include <QHash>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 namespace {
 
@@ -206,5 +205,4 @@ void HtmlListing::endEntry()
     beside.clear();
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

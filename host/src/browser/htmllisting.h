@@ -2,8 +2,7 @@
 
 #include "listingentry.h"
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// Reads the links of an HTML page and what stands beside each: one pass over \a page, whatever is in it. Keeps folders
 /// and images, in the order of the page, at most ServerListing::kMaxEntries.
@@ -31,5 +30,4 @@ private:
     bool isInLink = false;
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

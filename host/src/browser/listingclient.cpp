@@ -7,8 +7,7 @@
 #include <QSslCertificate>
 #include <QSslConfiguration>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 namespace {
 
@@ -270,5 +269,4 @@ QString ListingClient::networkError() const
     }
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -13,8 +13,7 @@
 
 class QNetworkReply;
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// Asks a web server what is in a folder. One request at a time; never blocks. Follows redirects within http and https,
 /// never from https to http; credentials go to no other server than the one they were given for. GUI thread.
@@ -74,5 +73,4 @@ private:
     QThreadPool parser; ///< long lists would hold up the GUI; the last member, so that it ends first, by waiting
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

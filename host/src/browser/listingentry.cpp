@@ -6,8 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 namespace {
 
@@ -109,5 +108,4 @@ qint64 sizeIn(const QString &text)
     return bytes < 9e18 ? static_cast<qint64>(std::llround(bytes)) : -1;
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -4,8 +4,7 @@
 
 #include <optional>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// The entry that a link leads to; nothing when it leads out of \a folder, deeper than one step, to another server or
 /// scheme, or bears a name that no honest file has.
@@ -26,5 +25,4 @@ QDateTime dateIn(const QString &text);
 /// there is none.
 qint64 sizeIn(const QString &text);
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -5,8 +5,7 @@
 
 #include <QSettings>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 namespace {
 
@@ -52,5 +51,4 @@ void RecentAddresses::clear()
     store(QStringList());
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -2,8 +2,7 @@
 
 #include <QStringList>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// Addresses of streams used last, newest first, in the host's settings. Without user names and passwords. GUI thread.
 class RecentAddresses
@@ -17,5 +16,4 @@ public:
     static constexpr int kMaxAddresses = 15;
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 namespace {
 
@@ -116,5 +115,4 @@ QByteArray encodedPath(const QString &path)
     return result;
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

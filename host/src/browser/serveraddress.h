@@ -4,8 +4,7 @@
 #include <QString>
 #include <QUrl>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// An "xrvp://" or "xrvps://" address, taken apart: scheme://[user[:password]@]host[:port][/path][?query]. A "#"
 /// belongs to the path.
@@ -51,5 +50,4 @@ private:
 /// \a path percent-encoded as it goes over the wire; what is encoded already stays.
 QByteArray encodedPath(const QString &path);
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -2,8 +2,7 @@
 
 #include <QHash>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 namespace {
 
@@ -32,5 +31,4 @@ QString ServerCredentials::of(const QUrl &url)
     return byServer().value(serverOf(url));
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -2,8 +2,7 @@
 
 #include "serveraddress.h"
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// Credentials with which servers listed folders in this process: addresses picked from a list are shown without them
 /// and get them back when they are handed out. In memory only. GUI thread.
@@ -15,5 +14,4 @@ public:
     static QString of(const QUrl &url);
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

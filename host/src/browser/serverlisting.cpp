@@ -11,8 +11,7 @@
 
 #include <algorithm>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 namespace {
 
@@ -131,5 +130,4 @@ bool isImageName(const QString &name)
     });
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

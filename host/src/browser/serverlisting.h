@@ -6,8 +6,7 @@
 #include <QUrl>
 #include <QVector>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// What a web server says is in a folder.
 struct ServerListing
@@ -37,5 +36,4 @@ ServerListing parseServerListing(const QByteArray &body, const QUrl &folder);
 /// Whether \a name ends like an image that can be streamed.
 bool isImageName(const QString &name);
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -10,8 +10,7 @@
 
 #include <vector>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 struct ServerModel::Node
 {
@@ -245,5 +244,4 @@ Qt::ItemFlags ServerModel::flags(const QModelIndex &index) const
     return flags;
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -7,8 +7,7 @@
 
 #include <memory>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// The folders and images below one folder of a web server, as far as they were asked for. A folder that was not read
 /// yet looks as if it had something in it; when a view opens it, folderWanted() asks for its list.
@@ -64,5 +63,4 @@ private:
     QIcon folderIcon, imageIcon;
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -13,8 +13,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 namespace {
 
@@ -315,5 +314,4 @@ void ServerPanel::updateBar()
     stopButton->setEnabled(client.isBusy());
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -12,8 +12,7 @@ class QModelIndex;
 class QSortFilterProxyModel;
 class QToolButton;
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 class ServerModel;
 class ServerTree;
@@ -80,5 +79,4 @@ private:
     std::deque<QPersistentModelIndex> wanted; ///< folders of the model to be read, the first one being asked for
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -2,8 +2,7 @@
 
 #include <QPainter>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 ServerTree::ServerTree(QWidget *parent)
     : QTreeView(parent)
@@ -28,5 +27,4 @@ void ServerTree::paintEvent(QPaintEvent *event)
                      placeholder);
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

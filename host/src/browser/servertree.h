@@ -2,8 +2,7 @@
 
 #include <QTreeView>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// A tree that says something where it has nothing to show.
 class ServerTree : public QTreeView
@@ -21,5 +20,4 @@ private:
     QString placeholder;
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -24,8 +24,7 @@
 
 #include <algorithm>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 namespace {
 
@@ -364,5 +363,4 @@ void XRVPBrowser::changeEvent(QEvent *event)
     QDialog::changeEvent(event);
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

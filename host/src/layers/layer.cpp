@@ -9,8 +9,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 namespace {
 
@@ -177,5 +176,4 @@ bool Layer::event(QEvent *event)
     return true;
 }
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

@@ -6,8 +6,7 @@
 #include <mutex>
 #include <optional>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 /// What refresh() calls have asked for since the last delivery.
 struct PendingRefresh
@@ -37,5 +36,4 @@ struct Layer::Private
     quint64 refreshCount = 0;
 };
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

@@ -11,8 +11,7 @@
 #include <QFileInfo>
 #include <QMap>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 namespace {
 
@@ -172,5 +171,4 @@ void Layer::makeSourceRelative(const QDomNode &layerNode, const QDir &projectFol
         element.setAttribute(kRelative, relative);
 }
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

@@ -2,8 +2,7 @@
 
 #include <QDGui/irendererclient.h>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 RasterLayer::RasterLayer(IRendererClient *client)
     : client(client)
@@ -31,5 +30,4 @@ IRendererClient *RasterLayer::getRendererClient() const
     return client;
 }
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

@@ -7,8 +7,7 @@
 
 #include <algorithm>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 namespace {
 
@@ -176,5 +175,4 @@ bool LayerPicture::isSettled(const MapGeometry &geometry)
     return static_cast<double>(sinceDecoded.elapsed()) >= settleMs;
 }
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

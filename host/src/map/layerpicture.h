@@ -8,8 +8,7 @@
 
 class QPainter;
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 class Layer;
 
@@ -61,5 +60,4 @@ private:
     quint64 refreshCountAtDecoded = 0;
 };
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

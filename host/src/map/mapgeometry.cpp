@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 namespace {
 
@@ -86,5 +85,4 @@ void MapGeometry::alignTo(const QPointF &world)
     panBy(QPointF(std::round(place.x()) - place.x(), std::round(place.y()) - place.y()));
 }
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

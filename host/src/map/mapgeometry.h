@@ -5,8 +5,7 @@
 #include <QRectF>
 #include <QSize>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 /// Which part of the world a map of some device pixels shows. World rectangles have a negative height.
 struct MapGeometry
@@ -32,5 +31,4 @@ struct MapGeometry
     void alignTo(const QPointF &world);
 };
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

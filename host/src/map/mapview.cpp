@@ -13,8 +13,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 namespace {
 
@@ -301,5 +300,4 @@ QSize MapView::sizeHint() const
     return QSize(640, 480);
 }
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

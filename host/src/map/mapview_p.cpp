@@ -8,8 +8,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 namespace {
 
@@ -269,5 +268,4 @@ void MapView::Private::dragTo(const QPointF &widgetPoint)
     setGeometry(changed);
 }
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

@@ -11,8 +11,7 @@
 #include <optional>
 #include <vector>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 class MapView::Private
 {
@@ -72,5 +71,4 @@ public:
     int lastPercent = 100;
 };
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

@@ -10,8 +10,7 @@
 
 #include <cmath>
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 namespace {
 
@@ -131,5 +130,4 @@ void MapView::leaveEvent(QEvent *event)
     QWidget::leaveEvent(event);
 }
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

@@ -17,8 +17,7 @@
 #include <optional>
 #include <system_error>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 namespace {
 
@@ -229,5 +228,4 @@ LongTask::Outcome LongTask::run() const
     return outcome;
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -2,8 +2,7 @@
 
 #include <chrono>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 TaskThread::TaskThread(const std::function<void()> &work)
     : thread([this, work] { carryOut(work); })
@@ -47,5 +46,4 @@ void TaskThread::finish()
         std::rethrow_exception(failure);
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -6,8 +6,7 @@
 #include <mutex>
 #include <thread>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// A function on a thread of its own, whose end can be waited for and looked for.
 class TaskThread
@@ -36,5 +35,4 @@ private:
     std::thread thread; ///< last: works with what is above
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

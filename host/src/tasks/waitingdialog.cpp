@@ -6,8 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 namespace {
 
@@ -55,5 +54,4 @@ void WaitingDialog::setProgress(const LongTask::Progress &progress)
     details->setText(progress.text);
 }
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

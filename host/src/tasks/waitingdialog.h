@@ -7,8 +7,7 @@
 class QLabel;
 class QProgressBar;
 
-namespace Korvane {
-namespace Gui {
+namespace Korvane::Gui {
 
 /// Says what an application is waiting for and how far that is. Its button, Escape and the closing of it reject it.
 class WaitingDialog : public QDialog
@@ -28,5 +27,4 @@ private:
     QLabel *details;
 };
 
-} // namespace Gui
-} // namespace Korvane
+} // namespace Korvane::Gui

@@ -2,6 +2,8 @@
 
 #include <QHash>
 
+#include <utility>
+
 namespace Korvane::Gui {
 
 namespace {
@@ -63,8 +65,8 @@ bool looksLikeListing(const QByteArray &page)
 
 } // namespace
 
-HtmlListing::HtmlListing(const QByteArray &html, const QUrl &folder)
-    : page(html)
+HtmlListing::HtmlListing(QByteArray html, const QUrl &folder)
+    : page(std::move(html))
     , links(folder)
 {
     listing.isListing = looksLikeListing(page);
@@ -127,31 +129,41 @@ void HtmlListing::readAttributes(const QByteArray &tag)
             continue;
         }
         const QByteArray name = page.mid(start, qMin(position - start, kMaxNameLength)).toLower();
-        while (position < page.size() && isBlank(page[position]))
-            ++position;
+        skipBlanks();
         if (position >= page.size() || page[position] != '=')
             continue;
         ++position;
-        while (position < page.size() && isBlank(page[position]))
-            ++position;
-        const char quote = position < page.size() ? page[position] : '\0';
-        int valueStart = position;
-        int valueEnd = position;
-        if (quote == '"' || quote == '\'') {
-            ++valueStart;
-            valueEnd = page.indexOf(quote, valueStart);
-            if (valueEnd < 0)
-                valueEnd = page.size();
-            position = qMin(valueEnd + 1, page.size());
-        } else {
-            while (valueEnd < page.size() && !isBlank(page[valueEnd]) && page[valueEnd] != '>')
-                ++valueEnd;
-            position = valueEnd;
-        }
-        onAttribute(tag, name, page.mid(valueStart, valueEnd - valueStart));
+        skipBlanks();
+        onAttribute(tag, name, readValue());
     }
     if (position < page.size())
         ++position;
+}
+
+void HtmlListing::skipBlanks()
+{
+    while (position < page.size() && isBlank(page[position]))
+        ++position;
+}
+
+/// An attribute's value, in quotation marks or up to the next blank.
+QByteArray HtmlListing::readValue()
+{
+    const char quote = position < page.size() ? page[position] : '\0';
+    int start = position;
+    int end = position;
+    if (quote == '"' || quote == '\'') {
+        ++start;
+        end = page.indexOf(quote, start);
+        if (end < 0)
+            end = page.size();
+        position = qMin(end + 1, page.size());
+    } else {
+        while (end < page.size() && !isBlank(page[end]) && page[end] != '>')
+            ++end;
+        position = end;
+    }
+    return page.mid(start, end - start);
 }
 
 void HtmlListing::onAttribute(const QByteArray &tag, const QByteArray &name, const QByteArray &value)

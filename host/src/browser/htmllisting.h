@@ -9,12 +9,14 @@ namespace Korvane::Gui {
 class HtmlListing
 {
 public:
-    HtmlListing(const QByteArray &page, const QUrl &folder);
+    HtmlListing(QByteArray page, const QUrl &folder);
     ServerListing read();
 
 private:
     void readTag();
     void readAttributes(const QByteArray &tag);
+    void skipBlanks();
+    QByteArray readValue();
     void onAttribute(const QByteArray &tag, const QByteArray &name, const QByteArray &value);
     void skipElement(const QByteArray &tag);
     void readText();

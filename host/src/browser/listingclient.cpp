@@ -1,5 +1,7 @@
 #include "listingclient.h"
 
+#include "serveraddress.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QNetworkProxyFactory>
@@ -21,11 +23,6 @@ public:
 bool isSecure(const QUrl &url)
 {
     return url.scheme() == QLatin1String("https");
-}
-
-QString serverOf(const QUrl &url)
-{
-    return QStringLiteral("%1://%2:%3").arg(url.scheme(), url.host()).arg(url.port(isSecure(url) ? 443 : 80));
 }
 
 QByteArray basicAuthorization(const QString &credentials)
@@ -124,7 +121,7 @@ void ListingClient::release()
 
 void ListingClient::ask(const QUrl &url)
 {
-    constexpr qint64 kReadAhead = 256 * 1024;
+    constexpr qint64 kReadAhead = qint64(256) * 1024;
     QNetworkRequest request = requestOf(url);
     if (!authorization.isEmpty() && serverOf(url) == serverOf(firstUrl))
         request.setRawHeader("Authorization", authorization);

@@ -115,4 +115,10 @@ QByteArray encodedPath(const QString &path)
     return result;
 }
 
+QString serverOf(const QUrl &url)
+{
+    const int usualPort = url.scheme() == QLatin1String("https") ? 443 : 80;
+    return QStringLiteral("%1://%2:%3").arg(url.scheme(), url.host()).arg(url.port(usualPort));
+}
+
 } // namespace Korvane::Gui

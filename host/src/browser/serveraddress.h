@@ -50,4 +50,7 @@ private:
 /// \a path percent-encoded as it goes over the wire; what is encoded already stays.
 QByteArray encodedPath(const QString &path);
 
+/// Scheme, name and port of \a url (http or https): equal for all addresses of one server.
+QString serverOf(const QUrl &url);
+
 } // namespace Korvane::Gui

@@ -12,12 +12,6 @@ QHash<QString, QString> &byServer()
     return kByServer;
 }
 
-QString serverOf(const QUrl &url)
-{
-    const int usualPort = url.scheme() == QLatin1String("https") ? 443 : 80;
-    return QStringLiteral("%1://%2:%3").arg(url.scheme(), url.host()).arg(url.port(usualPort));
-}
-
 } // namespace
 
 void ServerCredentials::remember(const QUrl &url, const QString &credentials)

@@ -9,7 +9,7 @@
 namespace {
 
 /// In bytes. What is longer is not text for a person to read.
-constexpr quint64 kMaxBoxBytes = 256 * 1024 * 1024;
+constexpr quint64 kMaxBoxBytes = quint64(256) * 1024 * 1024;
 
 /// What \a stream holds from where it stands; nothing when it cannot be read.
 std::optional<QString> readText(PLK::CIOStream &stream, quint64 length)

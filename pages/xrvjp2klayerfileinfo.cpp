@@ -134,7 +134,7 @@ void XRVJP2kLayerFileInfo::addFileInfo(const PLKFileInfo &info, ClipboardText *t
     text->addLine(tr("Uncompressed Size = %1"), uncompressedSize(info));
     text->addLine(tr("Target Compression Rate = %1:1"), QString::number(info.nCompressionRate));
     // Unlike the field, this is what the file says of itself.
-    const double rate = double(info.fActualCompressionRate);
+    const auto rate = double(info.fActualCompressionRate);
     text->addLine(tr("Actual Compression Ratio = %1"),
                   rate > 0.0 ? QStringLiteral("%1:1").arg(FieldText::fixed(rate, 2)) : tr("Unknown"));
     text->addLine(tr("Compression Date = %1"), QString::fromUtf8(info.szCompressionDate));

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kDecimals = 4;
 /// Of the clipboard's text, in characters. A file of three bands of 16 bits takes a few millions.
-constexpr qint64 kMaxTextLength = 64 * 1024 * 1024;
+constexpr qint64 kMaxTextLength = qint64(64) * 1024 * 1024;
 /// Of the beginning of a histogram's line, in characters; about as much as it takes with many bands.
 constexpr qint64 kLineStart = 32;
 

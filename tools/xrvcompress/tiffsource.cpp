@@ -152,9 +152,10 @@ private:
 
     CError readTiles(const IntRect &rect, const std::vector<std::int32_t *> &planes)
     {
+        const std::uint16_t apart = isApart() ? samples : std::uint16_t(1);
         for (std::int64_t y = rect.y0 / tileHeight * tileHeight; y < rect.y1; y += tileHeight) {
             for (std::int64_t x = rect.x0 / tileWidth * tileWidth; x < rect.x1; x += tileWidth) {
-                for (std::uint16_t plane = 0; plane < (isApart() ? samples : 1); ++plane) {
+                for (std::uint16_t plane = 0; plane < apart; ++plane) {
                     if (!readTile(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), plane))
                         return failed();
                     spread({x, y, x + tileWidth, y + tileHeight}, rect, plane, buffer, planes);

@@ -226,7 +226,7 @@ void XRVJP2kLayer::setDrawOutline(bool on)
     refresh(0, 0, 0, 0);
 }
 
-void XRVJP2kLayer::setOutlineColor(QColor color)
+void XRVJP2kLayer::setOutlineColor(QColor color) // NOLINT(performance-unnecessary-value-param): as published
 {
     outlineColor = color;
     outlinePen = QPen(outlineColor);

@@ -64,7 +64,7 @@ ServerListing parseAny(const QByteArray &body, const QUrl &folder)
 {
     const QByteArray start = body.left(64).trimmed();
     if (start.startsWith('[')) {
-        QJsonParseError error;
+        QJsonParseError error{};
         const QJsonDocument document = QJsonDocument::fromJson(body, &error);
         return document.isArray() ? parseJson(document.array(), folder) : ServerListing();
     }

@@ -259,7 +259,7 @@ QString XRVPBrowser::getXrvpUrl(QWidget *parent, BrowserProtocol protocol)
     const QPointer<XRVPBrowser> browser(new XRVPBrowser(parent, protocol));
     browser->d->addButton->hide(); // One address is all that can be told.
     const bool isAccepted = browser->exec() == QDialog::Accepted;
-    const QString address = isAccepted && browser ? browser->getAddress() : QString();
+    QString address = isAccepted && browser ? browser->getAddress() : QString();
     delete browser;
     return address;
 }

@@ -66,11 +66,11 @@ QString resolvedSource(const QDomElement &element, const QDir &projectFolder)
 {
     const QString relative = element.attribute(kRelative);
     if (!relative.isEmpty()) {
-        const QString moved = QDir::cleanPath(projectFolder.absoluteFilePath(relative));
+        QString moved = QDir::cleanPath(projectFolder.absoluteFilePath(relative));
         if (QFileInfo::exists(moved))
             return moved;
     }
-    const QString source = element.text();
+    QString source = element.text();
     if (!isAddress(source) && !source.isEmpty() && QDir::isRelativePath(source))
         return QDir::cleanPath(projectFolder.absoluteFilePath(source));
     return source;

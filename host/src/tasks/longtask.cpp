@@ -76,7 +76,7 @@ bool turnOnce()
 /// Whether the application quits, or is about to: the first turn may handle an event that tells it to.
 bool isQuitting()
 {
-    return !turnOnce() || !turnOnce();
+    return !turnOnce() || !turnOnce(); // NOLINT(misc-redundant-expression): each call is another turn
 }
 
 /// One task under way.

@@ -11,8 +11,8 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint64_t kFirstRead = 16 * 1024;
-constexpr std::uint64_t kMaxMainHeader = 64 * 1024 * 1024;
+constexpr std::uint64_t kFirstRead = std::uint64_t(16) * 1024;
+constexpr std::uint64_t kMaxMainHeader = std::uint64_t(64) * 1024 * 1024;
 
 CError malformed(const std::string &what)
 {
@@ -52,7 +52,7 @@ CError readComponents(ByteCursor &in, MainHeader *header)
     const std::uint16_t count = in.u16();
     if (count < 1 || count > 16384)
         return malformed("it claims " + std::to_string(count) + " components");
-    if (in.remaining() < 3u * count)
+    if (in.remaining() < std::size_t(3) * count)
         return malformed("its SIZ marker segment is too short for its components");
     header->components.resize(count);
     for (MainHeader::Component &component : header->components) {

@@ -13,7 +13,7 @@ namespace xrv {
 namespace {
 
 /// Bytes read ahead at a time.
-constexpr std::uint64_t kWindow = 256 * 1024;
+constexpr std::uint64_t kWindow = std::uint64_t(256) * 1024;
 
 /// Goes through the bytes of the tile-parts; packets never reach from one into the next.
 class Walker

@@ -13,7 +13,7 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint64_t kMaxTileHeader = 64 * 1024 * 1024;
+constexpr std::uint64_t kMaxTileHeader = std::uint64_t(64) * 1024 * 1024;
 
 /// \a part begins as a tile-part of \a tile does (A.4.2). Tables of tile-parts can be wrong.
 bool isOwnPart(const Bytes &part, std::uint32_t tile)

@@ -13,7 +13,7 @@ namespace {
 /// Packet indexes are some bytes for each packet; far larger ones are none.
 constexpr std::uint64_t kMaxIndexBytes = 64u << 20;
 /// Bytes that a main header takes at most as a rule.
-constexpr std::uint64_t kUsualHeader = 16 * 1024;
+constexpr std::uint64_t kUsualHeader = std::uint64_t(16) * 1024;
 
 CError readPacketIndex(ByteSource &source, ByteRange codestream, ByteRange place, MainHeader *header)
 {

@@ -106,8 +106,10 @@ Bytes joinXrvBoxes(const std::vector<TypedBox> &boxes, std::uint64_t streamLengt
 double uncompressedBytes(const ImageDescription &image)
 {
     double bytes = 0.0;
-    for (const XrvBand &band : image.bands)
-        bytes += static_cast<double>(image.width) * image.height * ((band.bits + 7) / 8);
+    for (const XrvBand &band : image.bands) {
+        const int bytesPerCell = (band.bits + 7) / 8;
+        bytes += static_cast<double>(image.width) * image.height * bytesPerCell;
+    }
     return bytes;
 }
 

@@ -15,7 +15,7 @@ namespace xrv {
 
 namespace {
 
-constexpr std::size_t kMaxXmlBytes = 16 * 1024 * 1024;
+constexpr std::size_t kMaxXmlBytes = std::size_t(16) * 1024 * 1024;
 
 using Pair = std::array<double, 2>;
 

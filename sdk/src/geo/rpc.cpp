@@ -13,7 +13,7 @@ namespace xrv {
 
 namespace {
 
-constexpr std::size_t kMaxBytes = 1024 * 1024;
+constexpr std::size_t kMaxBytes = std::size_t(1024) * 1024;
 constexpr std::size_t kCoefficients = 20;
 using Coefficients = double[kCoefficients];
 

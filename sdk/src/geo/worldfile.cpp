@@ -11,7 +11,7 @@ namespace xrv {
 
 namespace {
 
-constexpr std::size_t kMaxBytes = 64 * 1024;
+constexpr std::size_t kMaxBytes = std::size_t(64) * 1024;
 
 std::vector<std::string_view> wordsOf(std::string_view text)
 {

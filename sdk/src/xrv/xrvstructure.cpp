@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint64_t kBoxHeader = 8;
 constexpr std::uint64_t kVersionEnd = kVersionStart + kBoxHeader + 4;
-constexpr std::uint64_t kMaxContents = 64 * 1024;
+constexpr std::uint64_t kMaxContents = std::uint64_t(64) * 1024;
 constexpr std::uint64_t kMaxContent = 64u << 20;
 
 CError readVersion(const Bytes &start, XrvStructure *structure)

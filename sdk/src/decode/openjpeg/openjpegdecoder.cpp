@@ -88,7 +88,7 @@ public:
 private:
     bool open()
     {
-        stream.reset(opj_stream_create(64 * 1024, OPJ_TRUE));
+        stream.reset(opj_stream_create(std::size_t(64) * 1024, OPJ_TRUE));
         codec.reset(opj_create_decompress(OPJ_CODEC_J2K));
         if (!stream || !codec)
             return false;

@@ -11,7 +11,7 @@ namespace {
 /// Indexes kept per file, in bytes.
 constexpr std::size_t kPrecinctBudget = 32u << 20;
 /// Packets up to this size are read whole; of longer ones first the header, then the code-blocks that are wanted.
-constexpr std::uint64_t kWholePacket = 256 * 1024;
+constexpr std::uint64_t kWholePacket = std::uint64_t(256) * 1024;
 // When fewer than one in so many of a precinct's code-blocks are wanted, packets are not fetched whole; their headers
 // take about so much to begin with.
 constexpr std::size_t kFewCodeBlocks = 4;

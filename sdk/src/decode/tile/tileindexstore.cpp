@@ -21,7 +21,7 @@ constexpr std::uint64_t kShortestHeader = 96, kMaxHeader = 64 * 1024;
 constexpr std::uint64_t kLowResolutionBits = 2;
 /// Discarded resolutions from which on the rest is little enough to be read along with the header.
 constexpr int kFewResolutions = 2;
-constexpr std::uint64_t kMaxReadAhead = 256 * 1024;
+constexpr std::uint64_t kMaxReadAhead = std::uint64_t(256) * 1024;
 
 /// Read at a time where all bytes of all tiles are needed.
 constexpr std::uint64_t kWholeTilesAhead = 1u << 20;

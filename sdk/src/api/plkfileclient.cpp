@@ -136,7 +136,7 @@ const PLKXMLBox *CFileClient::GetXMLBox(const PLKXMLBox *previous) const
     const PLKXMLBox *const end = boxes.data() + boxes.size();
     if (!previous)
         return boxes.empty() ? nullptr : boxes.data();
-    const std::less<const PLKXMLBox *> isBefore; // a total order even for pointers of other files
+    const std::less<> isBefore; // a total order even for pointers of other files
     if (isBefore(previous, boxes.data()) || !isBefore(previous, end))
         return nullptr;
     return previous + 1 == end ? nullptr : previous + 1;

@@ -91,10 +91,10 @@ CError CView::Open(const CString &name, bool progressive, bool update)
 {
     if (update)
         return xrv::invalidArgument("Files cannot be opened for update.");
-    if (const CError error = Close(false))
+    if (CError error = Close(false))
         return error;
     try {
-        if (const CError error = OpenFileNamed(name, openControl))
+        if (CError error = OpenFileNamed(name, openControl))
             return error;
         const std::shared_ptr<xrv::OpenFile> &file = SharedFile();
         const xrv::ViewSource source{
@@ -134,7 +134,7 @@ CError CView::Reconnect()
     if (!engine)
         return xrv::notOpen();
     xrv::ByteSource &source = SharedFile()->source();
-    const CError condition = source.condition();
+    CError condition = source.condition();
     if (condition.GetErrorNumber() != PLK_ERR_CONNECTION_LOST)
         return condition;
     source.reconnect(engine->isProgressive()); // lines of the others are waited for

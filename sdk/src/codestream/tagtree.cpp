@@ -27,7 +27,7 @@ bool TagTree::isBelow(PacketBits &bits, std::uint32_t leaf, int threshold)
 {
     std::int32_t path[32];
     int depth = 0;
-    for (std::int32_t node = static_cast<std::int32_t>(leaf); node >= 0; node = nodes[node].parent)
+    for (auto node = static_cast<std::int32_t>(leaf); node >= 0; node = nodes[node].parent)
         path[depth++] = node;
     // From the root to the leaf. A node is the least of those below it, so what is known to be its least value is that
     // of its children too: they need no bits for it.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace xrv {
 
@@ -57,8 +58,8 @@ template <typename Cell> const std::uint8_t *unpackCells(const std::uint8_t *in,
 
 } // namespace
 
-ImageSample::ImageSample(const ImageDescription &image, const TileCoding &imageCoding, std::uint64_t mostBytes)
-    : coding(imageCoding)
+ImageSample::ImageSample(const ImageDescription &image, TileCoding imageCoding, std::uint64_t mostBytes)
+    : coding(std::move(imageCoding))
 {
     const std::uint64_t mostCells = mostBytes / bytesPerColumn(image.bands);
     isWhole = std::uint64_t(image.width) * image.height <= mostCells;

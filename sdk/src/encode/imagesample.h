@@ -17,7 +17,7 @@ public:
     static constexpr std::uint64_t kUsualBytes = 64u << 20;
 
     /// \a mostBytes: what the pieces may take.
-    ImageSample(const ImageDescription &image, const TileCoding &coding, std::uint64_t mostBytes = kUsualBytes);
+    ImageSample(const ImageDescription &image, TileCoding coding, std::uint64_t mostBytes = kUsualBytes);
 
     /// Reads the pieces, of the rows in between nothing. \a source then has to start again. \a progress gets the share
     /// that is read, 0 to 1.

@@ -165,7 +165,7 @@ private:
         for (const XrvBand &band : image.bands)
             bits = std::max<int>(bits, band.bits);
         const double cells = static_cast<double>(image.width) * image.height;
-        const double headers = static_cast<double>(expectedHeaderBytes());
+        const auto headers = static_cast<double>(expectedHeaderBytes());
         const double bytes = std::max(uncompressedBytes(image) / options.rate - headers, headers);
         // An eighth of a cell's unit: what is finer is lost in rounding.
         if (CError error = chooser.run(bytes / cells, std::ldexp(1.0, -bits - 3), &coding.step))

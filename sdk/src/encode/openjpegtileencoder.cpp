@@ -47,7 +47,7 @@ struct MemoryFile
 
 void keepFirstMessage(const char *message, void *data)
 {
-    std::string *text = static_cast<std::string *>(data);
+    auto *text = static_cast<std::string *>(data);
     if (text->empty())
         *text = message;
 }
@@ -57,8 +57,9 @@ double ratePerBit(const TileCoding &coding)
 {
     double bits = 0.0, bytes = 0.0;
     for (const XrvBand &band : coding.bands) {
+        const int bytesPerCell = (band.bits + 7) / 8;
         bits += band.bits;
-        bytes += (band.bits + 7) / 8;
+        bytes += bytesPerCell;
     }
     return std::max(1.0, coding.rate * bits / (8.0 * bytes));
 }

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -61,7 +60,7 @@ CError OutputFile::failure(const char *what) const
 {
     const int code = errno;
     return {PLK_ERR_NO_ACCESS, "\"" + finalPath + "\" " + what +
-                                   (code != 0 ? std::string(": ") + std::strerror(code) : std::string()) + "."};
+                                   (code != 0 ? ": " + std::generic_category().message(code) : std::string()) + "."};
 }
 
 CError OutputFile::open(const std::string &path)

@@ -61,7 +61,7 @@ TagsPtr geoTags(const TiffFile &tiff)
 /// Without a callback libgeotiff writes to standard error. The user data is a text that takes the first message.
 void keepFirstMessage(GTIF *keys, int, const char *format, ...)
 {
-    std::string *first = static_cast<std::string *>(GTIFGetUserData(keys));
+    auto *first = static_cast<std::string *>(GTIFGetUserData(keys));
     char text[256];
     va_list arguments;
     va_start(arguments, format);

@@ -50,7 +50,7 @@ SrsName parseSrsName(const std::string &name)
     if (startsWith(lower, "urn:ogc:def:crs,"))
         lower = "urn:ogc:def:" + lower.substr(16, lower.find(',', 16) - 16);
     SrsName result;
-    const std::size_t dictionary = lower.find("#");
+    const std::size_t dictionary = lower.find('#');
     if (startsWith(lower, "gmljp2:") && dictionary != std::string::npos) {
         result.dictionaryEntry = std::string(trimmed(name)).substr(dictionary + 1);
         return result;

@@ -138,7 +138,7 @@ std::optional<CrsDescription> crsOf(const SrsName &name, const std::vector<pugi:
     if (name.epsg != 0)
         return crsOfEpsg(name.epsg);
     for (const pugi::xml_document &document : documents) {
-        if (const std::optional<CrsDescription> crs = dictionaryCrs(document, name.dictionaryEntry))
+        if (std::optional<CrsDescription> crs = dictionaryCrs(document, name.dictionaryEntry))
             return crs;
     }
     return std::nullopt;
@@ -147,6 +147,7 @@ std::optional<CrsDescription> crsOf(const SrsName &name, const std::vector<pugi:
 std::vector<pugi::xml_document> parse(const std::vector<LabelledXml> &texts, std::vector<std::string> *warnings)
 {
     std::vector<const LabelledXml *> ordered;
+    ordered.reserve(texts.size());
     for (const LabelledXml &text : texts)
         ordered.push_back(&text);
     std::stable_partition(ordered.begin(), ordered.end(),

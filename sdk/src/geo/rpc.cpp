@@ -225,7 +225,7 @@ std::string_view lastLine(std::string_view text)
 
 PLKRPCData rpcOfNumbers(const std::array<double, 92> &numbers)
 {
-    PLKRPCData data;
+    PLKRPCData data{};
     std::memcpy(&data, numbers.data(), sizeof data);
     return data;
 }

@@ -41,7 +41,7 @@ struct TiffFile::Callbacks
 
     static int keepError(TIFF *, void *client, const char *, const char *format, va_list arguments)
     {
-        TiffFile *file = static_cast<TiffFile *>(client);
+        auto *file = static_cast<TiffFile *>(client);
         char text[256];
         if (file->error.empty() && std::vsnprintf(text, sizeof text, format, arguments) > 0)
             file->error = text;
@@ -103,14 +103,14 @@ TiffFile::Values TiffFile::values(std::uint32_t tag, int type) const
 std::vector<double> TiffFile::doubles(std::uint32_t tag) const
 {
     const Values found = values(tag, TIFF_DOUBLE);
-    const double *first = static_cast<const double *>(found.data);
+    const auto *first = static_cast<const double *>(found.data);
     return {first, first + found.count};
 }
 
 std::vector<std::uint16_t> TiffFile::shorts(std::uint32_t tag) const
 {
     const Values found = values(tag, TIFF_SHORT);
-    const std::uint16_t *first = static_cast<const std::uint16_t *>(found.data);
+    const auto *first = static_cast<const std::uint16_t *>(found.data);
     return {first, first + found.count};
 }
 

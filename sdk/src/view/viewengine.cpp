@@ -33,8 +33,8 @@ int finalLevelOf(const ViewSource &source, const ViewRequest &request)
 
 } // namespace
 
-ViewEngine::ViewEngine(const ViewSource &source, bool progressive, PassListener &listener)
-    : source(source)
+ViewEngine::ViewEngine(ViewSource source, bool progressive, PassListener &listener)
+    : source(std::move(source))
     , progressive(progressive)
     , listener(listener)
     , worker([this](const RequestPtr &request) { decode(request); })
@@ -299,7 +299,7 @@ std::vector<Pass> ViewEngine::planPasses(const RequestPtr &request, int finalLev
         return source.reader->cost(read);
     };
     PassPlanner planner(levels, costOf, [this](double estimated) { return rate.expected(estimated); });
-    const std::vector<Pass> passes = planner.plan();
+    std::vector<Pass> passes = planner.plan();
     progress.setCacheTiles(planner.finalCost().cacheTiles, planner.finalCost().cacheTilesReady);
     return passes;
 }

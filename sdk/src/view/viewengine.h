@@ -37,7 +37,7 @@ public:
 class ViewEngine
 {
 public:
-    ViewEngine(const ViewSource &source, bool progressive, PassListener &listener);
+    ViewEngine(ViewSource source, bool progressive, PassListener &listener);
     ~ViewEngine();
 
     bool isProgressive() const { return progressive; }

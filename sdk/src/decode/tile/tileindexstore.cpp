@@ -3,6 +3,7 @@
 #include "decode/threads/parallel.h"
 
 #include <algorithm>
+#include <utility>
 
 using PLK::CError;
 
@@ -16,7 +17,7 @@ constexpr std::size_t kIndexBudget = 32u << 20;
 constexpr std::uint64_t kLocalReadAhead = 1024;
 // How much of a tile-part its header takes is not known before it is read; most of it are the packets' lengths.
 constexpr std::uint64_t kBytesPerPacketLength = 2;
-constexpr std::uint64_t kShortestHeader = 96, kMaxHeader = 64 * 1024;
+constexpr std::uint64_t kShortestHeader = 96, kMaxHeader = std::uint64_t(64) * 1024;
 /// The cells of low resolutions take more bits each than those of the others: times this.
 constexpr std::uint64_t kLowResolutionBits = 2;
 /// Discarded resolutions from which on the rest is little enough to be read along with the header.
@@ -75,10 +76,10 @@ struct TileIndexStore::Task
 };
 
 TileIndexStore::TileIndexStore(std::shared_ptr<ByteSource> source, ByteRange codestream, const MainHeader &header)
-    : source(source)
+    : source(std::move(source))
     , codestream(codestream)
     , header(header)
-    , table(source, codestream, header)
+    , table(this->source, codestream, header)
     , indexes(kIndexBudget)
 {
     const std::uint64_t packets = PacketNumbering(header, header.style, tileRect(header, 0)).count();

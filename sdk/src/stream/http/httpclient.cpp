@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace xrv {
 
@@ -30,8 +31,8 @@ void initialiseLibrary()
 /// A request with its answer, shared by the thread that waits and the one that works.
 struct HttpClient::Exchange
 {
-    explicit Exchange(const HttpRequest &asked)
-        : request(asked)
+    explicit Exchange(HttpRequest asked)
+        : request(std::move(asked))
     {
     }
     const HttpRequest request;

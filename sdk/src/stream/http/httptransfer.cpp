@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace xrv {
 
@@ -42,8 +43,8 @@ std::uint64_t HttpAnswer::contentLength() const
     return isNumber ? std::stoull(length) : 0;
 }
 
-HttpTransfer::HttpTransfer(const HttpRequest &request)
-    : request(request)
+HttpTransfer::HttpTransfer(HttpRequest request)
+    : request(std::move(request))
     , windowStart(Clock::now())
     , easy(curl_easy_init())
 {
@@ -57,8 +58,8 @@ HttpTransfer::~HttpTransfer() = default;
 void HttpTransfer::setUp()
 {
     std::vector<std::string> lines = request.headers;
-    lines.push_back("Accept: */*");
-    lines.push_back("Accept-Encoding: identity"); // a compressed piece of a file is of no use
+    lines.emplace_back("Accept: */*");
+    lines.emplace_back("Accept-Encoding: identity"); // a compressed piece of a file is of no use
     for (const std::string &line : lines) {
         curl_slist *longer = curl_slist_append(headerLines.get(), line.c_str());
         if (!longer)

@@ -15,7 +15,7 @@ class HttpTransfer
 public:
     using Clock = std::chrono::steady_clock;
 
-    explicit HttpTransfer(const HttpRequest &request);
+    explicit HttpTransfer(HttpRequest request);
     ~HttpTransfer();
     HttpTransfer(const HttpTransfer &) = delete;
     HttpTransfer &operator=(const HttpTransfer &) = delete;

@@ -129,7 +129,7 @@ CError RangeFetcher::open(const FileVersion &known, const CancelFlag &cancel, co
         if (answer.outcome == HttpOutcome::Cancelled)
             return cancelledError();
         Round round;
-        const CError error = takeOpening(answer, known, sink, version, &round);
+        CError error = takeOpening(answer, known, sink, version, &round);
         if (error || !round.trouble)
             return error;
         logRetry(round.trouble);
@@ -241,7 +241,7 @@ std::vector<HttpAnswer> RangeFetcher::askFor(const std::vector<RangeGroup> &grou
             requests.back().headers.push_back(condition);
     }
     logRequests(groups);
-    return link.ask(std::move(requests), cancel);
+    return link.ask(requests, cancel);
 }
 
 CError RangeFetcher::fetch(const std::vector<ByteRange> &ranges, const FileVersion &version, const CancelFlag &cancel,
@@ -298,8 +298,7 @@ CError RangeFetcher::takeAnswers(const std::vector<RangeGroup> &groups, const st
 CError RangeFetcher::takeAnswer(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
                                 const Sink &sink, Round *round)
 {
-    const CError changed{PLK_ERR_FILE_CHANGED,
-                         "The file " + quotedName() + " was changed on the server. Open it again."};
+    CError changed{PLK_ERR_FILE_CHANGED, "The file " + quotedName() + " was changed on the server. Open it again."};
     if (answer.outcome == HttpOutcome::Cancelled)
         return cancelledError();
     // The condition failed, or the file is shorter now than what is asked for (RFC 9110 15.5.13, 15.5.17).

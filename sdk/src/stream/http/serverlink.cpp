@@ -28,7 +28,7 @@ std::string part(CURLU *url, CURLUPart which, unsigned flags = 0)
     char *text = nullptr;
     if (curl_url_get(url, which, &text, flags) != CURLUE_OK || !text)
         return {};
-    const std::string result = text;
+    std::string result = text;
     curl_free(text);
     return result;
 }
@@ -121,7 +121,7 @@ std::string ServerLink::redirect(const HttpAnswer &answer, Target *to) const
     return {};
 }
 
-std::vector<HttpAnswer> ServerLink::ask(std::vector<HttpRequest> requests, const CancelFlag &cancel)
+std::vector<HttpAnswer> ServerLink::ask(const std::vector<HttpRequest> &requests, const CancelFlag &cancel)
 {
     const Target start = target();
     std::vector<HttpAnswer> answers = askFrom(start, requests, cancel);

@@ -22,7 +22,7 @@ public:
     HttpRequest request(const std::string &range, std::uint64_t limit) const;
     /// Carries out \a requests with their redirects. An answer with a redirect that must not be followed is Invalid and
     /// says why.
-    std::vector<HttpAnswer> ask(std::vector<HttpRequest> requests, const CancelFlag &cancel);
+    std::vector<HttpAnswer> ask(const std::vector<HttpRequest> &requests, const CancelFlag &cancel);
 
 private:
     struct Target

@@ -52,7 +52,7 @@ PLK::CError StripReader::read(int fromLine, int toLine)
     const auto start = Clock::now();
     if (read.datasetRect.isEmpty()) { // beside the image: lines without any pixel inside
         fresh->cells.planes.resize(key.components.size());
-    } else if (const PLK::CError error = source.reader->read(read, &fresh->cells)) {
+    } else if (PLK::CError error = source.reader->read(read, &fresh->cells)) {
         return error;
     }
     if (fresh->cells.planes.size() != key.components.size())

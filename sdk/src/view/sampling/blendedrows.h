@@ -23,7 +23,7 @@ public:
     {
         for (Entry &entry : entries) {
             if (entry.valid && entry.row == row) {
-                oldest = &entry == &entries[0] ? 1 : 0;
+                oldest = &entry == entries.data() ? 1 : 0;
                 return entry.numbers.data();
             }
         }

@@ -47,7 +47,7 @@ void ByteMap::makeTable()
 std::uint8_t ByteMap::calculate(std::int64_t cell) const
 {
     if (byTransform) {
-        const double value = static_cast<double>(cell);
+        const auto value = static_cast<double>(cell);
         if (!(maximum > minimum))
             return value > minimum ? 255 : 0;
         const double scaled = (value - minimum) / (maximum - minimum) * 255.0;

@@ -45,8 +45,8 @@ template <typename Cell> void blend(const Cell *row, const ColumnTaps &taps, dou
     const std::int32_t *offsets = taps.offsets();
     const double *weights = taps.weights();
     for (int i = 0; i < count; ++i) {
-        const double left = static_cast<double>(row[offsets[i]]);
-        const double right = static_cast<double>(row[offsets[i] + 1]);
+        const auto left = static_cast<double>(row[offsets[i]]);
+        const auto right = static_cast<double>(row[offsets[i] + 1]);
         cells[i] = left + (right - left) * weights[i];
     }
 }

@@ -98,7 +98,7 @@ public:
 
 protected:
     CError OpenFileNamed(const CString &name, const COpenControl &control = {});
-    /// Forgets the file; \a freeCache drops its decoded tiles.
+    /// Forgets the file; \a freeCache drops its decoded tiles, unless another object has it open.
     void CloseFile(bool freeCache);
     const std::shared_ptr<xrv::OpenFile> &SharedFile() const { return file; }
 

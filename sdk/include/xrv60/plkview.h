@@ -56,7 +56,8 @@ public:
     /// The control of every Open() from now on, by which other threads can end and watch it. Not while one is under
     /// way.
     void SetOpenControl(const COpenControl &control);
-    /// Cancels, waits for a callback in flight and closes. \a freeCache drops the file's decoded tiles.
+    /// Cancels, waits for a callback in flight and closes. \a freeCache drops the file's decoded tiles, unless another
+    /// view shows it.
     CError Close(bool freeCache);
     /// Reconnects a stream after error 76 and goes on where it stopped: the view that was set last begins again, from
     /// the bytes that are there. Waits for nothing; success where no connection was lost, and for local files. Lines of

@@ -20,6 +20,12 @@ CodestreamReader::CodestreamReader(std::shared_ptr<ByteSource> source, ByteRange
     , byCodeBlocks(source, *header, raster, fileNumber)
     , byOpenJpeg(source, *header, raster)
 {
+    TileCache::instance().addReader(fileNumber);
+}
+
+CodestreamReader::~CodestreamReader()
+{
+    TileCache::instance().removeReader(fileNumber);
 }
 
 ReadCost CodestreamReader::cost(const ReadRequest &request)

@@ -18,6 +18,7 @@ class CodestreamReader : public RasterReader
 {
 public:
     CodestreamReader(std::shared_ptr<ByteSource> source, ByteRange codestream, std::unique_ptr<MainHeader> header);
+    ~CodestreamReader() override;
 
     const RasterInfo &info() const override { return raster; }
     const MainHeader &mainHeader() const override { return *header; }

@@ -63,7 +63,7 @@ public:
     /// Says that all of \a requests will be read soon: has a distant source fetch what they need together. Costs
     /// nothing where the source is near. Errors are those of the source.
     virtual PLK::CError prefetch(const std::vector<ReadRequest> & /*requests*/) { return {}; }
-    /// Drops this file's entries from the tile cache.
+    /// Drops this file's entries from the tile cache, unless somebody else reads it too.
     virtual void dropCached() = 0;
 };
 

@@ -84,6 +84,11 @@ void TestTileCache::dropsOneFile()
     QCOMPARE(cache.fileNumber("a"), a);
     cache.insert(keyOf(a, 0), planeOf({0, 0, 10, 10}));
     cache.insert(keyOf(b, 0), planeOf({0, 0, 10, 10}));
+    cache.addReader(a);
+    cache.addReader(a);
+    cache.drop(a); // the other one still needs it
+    QVERIFY(cache.contains(keyOf(a, 0)));
+    cache.removeReader(a);
     cache.drop(a);
     QVERIFY(!cache.contains(keyOf(a, 0)));
     QVERIFY(cache.contains(keyOf(b, 0)));

@@ -72,9 +72,26 @@ void TileCache::insert(const Key &key, PlanePtr plane)
     used += size;
 }
 
+void TileCache::addReader(std::uint64_t file)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    ++readers[file];
+}
+
+void TileCache::removeReader(std::uint64_t file)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    const auto found = readers.find(file);
+    if (found != readers.end() && --found->second <= 0)
+        readers.erase(found);
+}
+
 void TileCache::drop(std::uint64_t file)
 {
     std::lock_guard<std::mutex> lock(mutex);
+    const auto found = readers.find(file);
+    if (found != readers.end() && found->second > 1)
+        return;
     for (auto entry = entries.begin(); entry != entries.end();) {
         const auto next = std::next(entry);
         if (entry->key.file == file)

@@ -46,7 +46,10 @@ public:
     bool contains(const Key &key) const;
     /// Keeps \a plane, unless it alone is larger than the budget. Planes of the same key that lie within it go.
     void insert(const Key &key, PlanePtr plane);
-    /// Drops all of a file.
+    /// Somebody reads this file by way of the cache from now on, or no longer.
+    void addReader(std::uint64_t file);
+    void removeReader(std::uint64_t file);
+    /// Drops all of a file, unless it has other readers than the one that asks.
     void drop(std::uint64_t file);
     void clear();
 
@@ -73,6 +76,7 @@ private:
     Entries entries;
     std::unordered_map<Key, std::vector<Entries::iterator>, KeyHash> byKey;
     std::unordered_map<std::string, std::uint64_t> fileNumbers;
+    std::unordered_map<std::uint64_t, int> readers; ///< by file
     std::uint64_t limit = std::uint64_t(512) << 20;
     std::uint64_t used = 0;
 };

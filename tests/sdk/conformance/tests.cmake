@@ -1,1 +1,1 @@
-xrv_add_sdk_test(tst_conformance ${stage_dir}/pgxreader.cpp ${stage_dir}/tiffpicture.cpp)
+xrv_add_sdk_test(tst_conformance ${stage_dir}/referencefiles.cpp)

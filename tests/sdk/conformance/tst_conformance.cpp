@@ -2,8 +2,7 @@
 // variable JP2K_CONFORMANCE_DIR names it. tolerances.tsv there gives the largest and the mean squared error of every
 // component.
 
-#include "pgxreader.h"
-#include "tiffpicture.h"
+#include "referencefiles.h"
 
 #include "data/views.h"
 #include "sdk/decode/planecells.h"

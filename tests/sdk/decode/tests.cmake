@@ -5,7 +5,6 @@ target_link_libraries(test_peerdecoder PRIVATE project_options OpenJPH::OpenJPH 
 xrv_add_sdk_test(tst_rasterreader)
 target_link_libraries(tst_rasterreader PRIVATE test_peerdecoder)
 xrv_add_sdk_test(tst_tilecache)
-xrv_add_sdk_test(tst_distantreads)
-target_link_libraries(tst_distantreads PRIVATE test_peerdecoder)
+xrv_add_writer_test(tst_distantreads OPTIMIZED LABELS threads)
 xrv_add_sdk_test(tst_htblocks)
 target_link_libraries(tst_htblocks PRIVATE test_peerdecoder)

@@ -1,7 +1,12 @@
-#include "data/jp2maker.h"
-#include "sdk/distantfile.h"
+#include "distantfile.h"
 
+#include "data/files.h"
+#include "data/jp2maker.h"
+#include "data/syntheticimage.h"
+
+#include "codestream/mainheader.h"
 #include "decode/rasterreader.h"
+#include "xrv/xrvstructure.h"
 
 #include <QtTest>
 
@@ -154,6 +159,58 @@ private Q_SLOTS:
         QVERIFY(Distant(file, &knowledge).readsRight(last, 0));
         known.assign(known.size(), 0xFF);
         QVERIFY(Distant(file, &knowledge).readsRight(last, 0));
+    }
+
+    void xrvFiles_data()
+    {
+        QTest::addColumn<IntRect>("rect");
+        QTest::addColumn<int>("level");
+        QTest::newRow("overview") << IntRect{0, 0, 2100, 1900} << 3;
+        QTest::newRow("window") << IntRect{900, 700, 1200, 1000} << 0;
+    }
+    /// Opening takes the start of the file and what its table of contents names, not what lies between; a view one more
+    /// request.
+    void xrvFiles()
+    {
+        QFETCH(IntRect, rect);
+        QFETCH(int, level);
+        constexpr std::uint64_t kPage = 4096;
+        static const QByteArray bytes = xrvFile();
+        const auto file = std::make_shared<DistantFile>(Bytes(bytes.begin(), bytes.end()), kPage);
+        XrvStructure structure;
+        QVERIFY(readXrvStructure(*file, &structure, nullptr).IsSuccess());
+        std::unique_ptr<RasterReader> reader;
+        QVERIFY(!RasterReader::open(file, structure.boxes.codestream, &reader, structure.packetIndex));
+        QCOMPARE(file->requests, 2);
+        const std::uint64_t opening = file->fetched;
+        QVERIFY2(opening < structure.packetIndex.length + 48 * 1024, qPrintable(QString::number(opening)));
+
+        ReadRequest request;
+        request.datasetRect = rect;
+        request.level = level;
+        request.components = {0, 1, 2};
+        ReadResult result;
+        QVERIFY(reader->read(request, &result).IsSuccess() && !result.damaged);
+        QCOMPARE(file->requests, 3);
+        // The packets of the two lowest of five resolutions; nine of 72 tiles at the finest resolutions.
+        const PacketIndex &index = *reader->mainHeader().packetIndex;
+        QCOMPARE(index.parts().size(), std::size_t(5 * 72));
+        const auto most = level == 0 ? file->size() / 5 : index.parts()[2 * 72].offset * 5 / 4 + 2 * kPage;
+        QVERIFY2(file->fetched - opening < most, qPrintable(QString::number(file->fetched - opening)));
+    }
+
+private:
+    static QByteArray xrvFile()
+    {
+        SyntheticImage image(2100, 1900, 3, 8);
+        image.image.colourSpace = PLK_COLORSPACE_SRGB;
+        image.image.xmls = {std::string(200000, ' '), std::string(50000, ' ')};
+        WriteOptions options;
+        options.tileSize = 256;
+        const FileFolder folder;
+        if (const PLK::CError error = writeImage(image, options, folder.path("distant.xrv")))
+            qFatal("%s", error.GetErrorMessage());
+        return folder.read("distant.xrv");
     }
 };
 

@@ -43,7 +43,6 @@ class TestGeoReference : public QObject
     Q_OBJECT
 
 private slots:
-    void nothing();
     void order_data();
     void order();
     void worldFileKeepsTheSystemOfABox();
@@ -55,22 +54,6 @@ private slots:
     void dataPath();
     void threads();
 };
-
-void TestGeoReference::nothing()
-{
-    std::vector<std::string> warnings;
-    const GeoReference geo = readGeoReference({}, 100, 100, {}, &warnings);
-    QVERIFY(geo.origin == GeoReference::Origin::None);
-    QCOMPARE(geo.transform, (std::array<double, 6>{0, 1, 0, 0, 0, -1}));
-    QCOMPARE(geo.incrementX(), 1.0);
-    QCOMPARE(geo.incrementY(), -1.0);
-    QCOMPARE(geo.clockwiseRotationDegrees(), 0.0);
-    QCOMPARE(geo.units, PLK_UNITS_INVALID);
-    QCOMPARE(geo.epsg, 0);
-    QCOMPARE(geo.datum, std::string("RAW"));
-    QCOMPARE(geo.projection, std::string("RAW"));
-    QVERIFY(warnings.empty());
-}
 
 void TestGeoReference::order_data()
 {
@@ -94,6 +77,7 @@ void TestGeoReference::order_data()
     row("GML in another system", true, "EPSG:32632", "300005 4999990", "", Origin::GeoJp2, 32633, 300000, 1);
     row("both, and another world file", true, "EPSG:32632", "7 4999990", other, Origin::GeoJp2, 32633, 300000, 3);
     row("GML before the world file", false, "EPSG:32632", "300005 4999990", other, Origin::Gml, 32632, 300000, 1);
+    row("nothing", false, "", "", "", Origin::None, 0, 0, 0);
     row("world file alone", false, "", "", other, Origin::WorldFile, 0, 300010, 0);
     row("GML without a place", false, "EPSG:32632", "nowhere", other, Origin::WorldFile, 32632, 300010, 1);
 }

@@ -32,8 +32,6 @@ private slots:
     void blockingReadIsCancelledFromElsewhere();
     void blockingTimeIsWaitedForFirstLines();
     void hugeViewIsReadInStrips();
-    void manyComponentsCostNothing();
-    void storm();
 };
 
 namespace {
@@ -537,56 +535,6 @@ void TestViewEngine::hugeViewIsReadInStrips()
     image.show({0, 1, 2}, 65535, 65535, {0, 65535, 65535, 0});
     QCOMPARE(readLine(engine, line.data()), PLK_READ_SUCCESS);
     QCOMPARE(int(bytesOf(line[0])[2] & 255), (7 * 65534) & 255);
-}
-
-void TestViewEngine::manyComponentsCostNothing()
-{
-    FakeReader reader(600, 600, 16384);
-    reader.cell = [](int component, int, std::int64_t, std::int64_t) { return component & 255; };
-    BlockingView image(reader);
-    xrv::ViewEngine &engine = image.engine;
-    image.show({16383, 300, 5}, 600, 600, {0, 0, 600, 600});
-    const auto lines = readBgra(engine);
-    QCOMPARE(bytesOf(lines.at(599, 599)), bgra(5, 300 & 255, 255, 255));
-    QVERIFY(reader.largestAnswer <= 3u * 600 * 600);
-}
-
-/// Views as fast as they can be set, with reads, cancels and closes between: for the thread sanitizer.
-void TestViewEngine::storm()
-{
-    for (int round = 0; round < 20; ++round) {
-        Stage stage(512);
-        stage.setCosts({100, 25, 6, 2});
-        stage.reader.onRead = [](const xrv::ReadRequest &request) {
-            for (int i = 0; i < 10 && !request.cancel.isRaised(); ++i)
-                std::this_thread::yield();
-            return request.cancel.isRaised() ? PLK::CError(PLK_ERR_CANCELLED, "Reading was cancelled.") : PLK::CError();
-        };
-        std::atomic<bool> done{false};
-        std::thread onlooker([&] {
-            while (!done) {
-                readLine(*stage.engine, std::vector<std::uint32_t>(64).data());
-                stage.engine->viewInfo();
-                stage.engine->percent();
-                stage.engine->isCancelPending();
-                std::this_thread::yield();
-            }
-        });
-        for (int view = 0; view < 30; ++view) {
-            stage.show(view * 7 % 100, view * 13 % 100);
-            if (view % 5 == 0)
-                QVERIFY(stage.recorder.waitForGeneration(std::uint64_t(view) + 1));
-            if (view % 11 == 0)
-                stage.engine->cancelReads();
-        }
-        if (round % 2 == 0)
-            QVERIFY(stage.recorder.waitForGeneration(30));
-        stage.engine->stop();
-        done = true;
-        onlooker.join();
-        for (const SeenPass &pass : stage.recorder.seen())
-            QVERIFY(pass.status != PLK_READ_FAILED);
-    }
 }
 
 QTEST_APPLESS_MAIN(TestViewEngine)

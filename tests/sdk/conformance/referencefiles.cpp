@@ -1,6 +1,9 @@
-#include "pgxreader.h"
+#include "referencefiles.h"
+
+#include <tiffio.h>
 
 #include <fstream>
+#include <memory>
 
 namespace {
 
@@ -20,6 +23,11 @@ std::int64_t signExtended(std::int64_t value, int bits)
     const std::int64_t sign = std::int64_t{1} << (bits - 1);
     return ((value & (2 * sign - 1)) ^ sign) - sign;
 }
+
+struct TiffDeleter
+{
+    void operator()(TIFF *tiff) const { TIFFClose(tiff); }
+};
 
 } // namespace
 
@@ -50,4 +58,24 @@ PgxImage readPgx(const std::string &path)
         image.cells[i] = image.isSigned ? signExtended(cell, image.bits) : cell;
     }
     return image;
+}
+
+TiffPicture readTiffPicture(const std::string &path)
+{
+    const std::unique_ptr<TIFF, TiffDeleter> tiff(TIFFOpen(path.c_str(), "r"));
+    std::uint32_t width = 0, height = 0;
+    if (!tiff || !TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width) ||
+        !TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height))
+        return {};
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) * height);
+    if (!TIFFReadRGBAImageOriented(tiff.get(), width, height, pixels.data(), ORIENTATION_TOPLEFT, 1))
+        return {};
+    TiffPicture picture{static_cast<int>(width), static_cast<int>(height), {}};
+    picture.rgb.reserve(pixels.size() * 3);
+    for (const std::uint32_t pixel : pixels) {
+        picture.rgb.push_back(static_cast<std::uint8_t>(TIFFGetR(pixel)));
+        picture.rgb.push_back(static_cast<std::uint8_t>(TIFFGetG(pixel)));
+        picture.rgb.push_back(static_cast<std::uint8_t>(TIFFGetB(pixel)));
+    }
+    return picture;
 }

@@ -50,7 +50,7 @@ public:
         return {};
     }
 
-    CError describe(const std::string &name, bool withHistograms, Node *report)
+    CError describe(const std::string &name, const DescribeOptions &options, Node *report)
     {
         report->add("file", name);
         addFormat(report);
@@ -68,7 +68,7 @@ public:
         if (view.GetRPCData(&rpc).IsSuccess())
             report->add("rpc", rpcNode(*rpc));
         PLKFreeRPCData(rpc);
-        return addStatistics(withHistograms, report);
+        return addStatistics(options, report);
     }
 
 private:
@@ -202,22 +202,29 @@ private:
         return node;
     }
 
-    CError addStatistics(bool withHistograms, Node *report)
+    CError addStatistics(const DescribeOptions &options, Node *report)
     {
+        if (options.countsAllCells) {
+            view.StartCountingStatistics();
+            if (CError error = view.WaitForStatistics())
+                return error;
+        }
         PLKFileStatistics *statistics = nullptr;
         if (CError error = view.GetClientStatistics(&statistics))
             return error;
         Node list = Node::list();
         for (std::uint32_t i = 0; i < statistics->nBands; ++i)
-            list.add(bandStatistics(statistics->pBandStats[i], withHistograms));
+            list.add(bandStatistics(statistics->pBandStats[i], options.withHistograms));
         PLKFreeStatistics(statistics);
         report->add("statistics", std::move(list));
         return {};
     }
 
-    static Node bandStatistics(const PLKBandStatistics &band, bool withHistogram)
+    Node bandStatistics(const PLKBandStatistics &band, bool withHistogram) const
     {
         Node node = Node::object();
+        if (view.GetStatisticsState() != PLK_STATISTICS_EXACT)
+            node.add("estimated", true);
         node.add("minimum", double(band.fMin));
         node.add("maximum", double(band.fMax));
         node.add("mean", double(band.fMean));
@@ -240,11 +247,11 @@ private:
 
 } // namespace
 
-CError describe(const std::string &name, bool withHistograms, Node *report)
+CError describe(const std::string &name, const DescribeOptions &options, Node *report)
 {
     *report = Node::object();
     Describer describer;
     if (CError error = describer.open(name))
         return error;
-    return describer.describe(name, withHistograms, report);
+    return describer.describe(name, options, report);
 }

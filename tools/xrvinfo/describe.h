@@ -6,5 +6,11 @@
 
 #include <string>
 
-/// What the XRV or JPEG 2000 file or address \a name (UTF-8) holds. \a withHistograms: the counts as well.
-PLK::CError describe(const std::string &name, bool withHistograms, Node *report);
+struct DescribeOptions
+{
+    bool withHistograms = false; ///< the counts as well
+    bool countsAllCells = false; ///< statistics are exact, however long that takes
+};
+
+/// What the XRV or JPEG 2000 file or address \a name (UTF-8) holds.
+PLK::CError describe(const std::string &name, const DescribeOptions &options, Node *report);

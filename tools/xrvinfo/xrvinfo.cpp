@@ -17,6 +17,8 @@ Prints what an XRV or JPEG 2000 file, local or at an xrvp:// address, holds.
 
   --json          as one JSON object
   --histograms    with the counts of the histograms
+  --count         with statistics of every cell; else those of large images
+                  without stored ones are estimated, and marked so
   --help, --version
 
 Exit status: 0 done, 1 the file cannot be read, 2 wrong usage.
@@ -31,7 +33,8 @@ int wrongUsage(const std::string &problem)
 int run(const std::vector<std::string> &words)
 {
     std::string name;
-    bool isJson = false, withHistograms = false;
+    bool isJson = false;
+    DescribeOptions options;
     for (const std::string &word : words) {
         if (word == "--help" || word == "-h" || word == "--version") {
             std::printf("%s", word == "--version" ? (std::string("xrvinfo ") + PLKGetLibraryVersion() + "\n").c_str()
@@ -41,7 +44,9 @@ int run(const std::vector<std::string> &words)
         if (word == "--json")
             isJson = true;
         else if (word == "--histograms")
-            withHistograms = true;
+            options.withHistograms = true;
+        else if (word == "--count")
+            options.countsAllCells = true;
         else if (word.size() > 1 && word[0] == '-')
             return wrongUsage("Unknown option: " + word);
         else if (!name.empty())
@@ -52,7 +57,7 @@ int run(const std::vector<std::string> &words)
     if (name.empty())
         return wrongUsage("A file is needed.");
     Node report;
-    if (const PLK::CError error = describe(name, withHistograms, &report)) {
+    if (const PLK::CError error = describe(name, options, &report)) {
         std::fprintf(stderr, "xrvinfo: %s\n", error.GetErrorMessage());
         return 1;
     }

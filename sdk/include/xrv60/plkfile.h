@@ -82,12 +82,24 @@ public:
     const PLKXMLBox *GetXMLBox(const PLKXMLBox *previous) const;
     /// The file's bytes. Owned by this object, null while nothing is open. Not for use from several threads at once.
     CIOStream *GetStream() const;
-    /// Statistics of every band, opacity included, with histograms. Those that an XRV file carries, of every cell of
-    /// the image that was compressed; else from the smallest resolution level with about a million cells: the whole
-    /// image where it has fewer, a smaller level where there are more than about 80 bands, windows spread over an image
-    /// that has no such level. Computed at the first call and kept with the file. \a statistics is set to a record to
+    /// Statistics of every band, opacity included, with histograms, kept with the file. Exact ones of every cell at
+    /// once where an XRV file carries them (those of the image that was compressed), where they have been counted and
+    /// where a local file has no more than four million cells of all bands; else an estimate from windows of full
+    /// resolution, up to a million cells of each band: GetStatisticsState() tells. \a statistics is set to a record to
     /// be freed with PLKFreeStatistics().
     CError GetClientStatistics(PLKFileStatistics **statistics);
+    /// Whether GetClientStatistics() gives exact figures; unknown before it was called.
+    PLKStatisticsState GetStatisticsState() const;
+    /// Counts every cell of the file in the background, on all cores and with little memory; a stream is transferred as
+    /// a whole for it. Does nothing where that is done or under way. Closing the file ends it.
+    CError StartCountingStatistics();
+    /// Share of the cells that has been counted, 0 to 100.
+    int GetStatisticsPercent() const;
+    /// Gives the count up; returns at once. What was counted is lost.
+    void CancelCountingStatistics();
+    /// Waits for the end of the count. Success where the statistics are exact; else how the last count ended:
+    /// PLK_ERR_CANCELLED when it was given up or never begun, else errors of decoding.
+    CError WaitForStatistics();
     /// Rational polynomial coefficients of the file or its side files; to be freed with PLKFreeRPCData().
     /// PLK_ERR_NOT_AVAILABLE without any.
     CError GetRPCData(PLKRPCData **rpcData) const;

@@ -125,6 +125,14 @@ struct PLKFileStatistics
     std::uint32_t nBands;
 };
 
+/// What is known of the statistics of an open file.
+enum PLKStatisticsState : int {
+    PLK_STATISTICS_UNKNOWN = 0,   ///< nobody has asked yet
+    PLK_STATISTICS_ESTIMATED = 1, ///< what was given is that of some of the cells
+    PLK_STATISTICS_COUNTING = 2,  ///< the same, and all cells are being counted
+    PLK_STATISTICS_EXACT = 3,     ///< of every cell
+};
+
 /// Rational polynomial coefficients: 92 doubles in the order of the RPC00B tagged record extension
 /// (STDI-0002 volume 1, appendix E). Released with PLKFreeRPCData().
 struct PLKRPCData

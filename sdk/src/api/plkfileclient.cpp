@@ -155,8 +155,8 @@ CError CFileClient::GetClientStatistics(PLKFileStatistics **statistics)
     const std::shared_ptr<xrv::OpenFile> used = file;
     if (!used)
         return xrv::notOpen();
-    const PLKFileStatistics *kept = nullptr;
-    if (CError error = used->statistics().full(&kept)) {
+    xrv::SharedStatistics kept;
+    if (CError error = used->statistics().atHand(&kept)) {
         used->faults()->failed(error);
         return error;
     }
@@ -166,6 +166,40 @@ CError CFileClient::GetClientStatistics(PLKFileStatistics **statistics)
         return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory for the statistics."};
     }
     return {};
+}
+
+PLKStatisticsState CFileClient::GetStatisticsState() const
+{
+    return file ? file->statistics().state() : PLK_STATISTICS_UNKNOWN;
+}
+
+CError CFileClient::StartCountingStatistics()
+{
+    if (!file)
+        return xrv::notOpen();
+    file->statistics().startCount();
+    return {};
+}
+
+int CFileClient::GetStatisticsPercent() const
+{
+    if (GetStatisticsState() == PLK_STATISTICS_EXACT)
+        return 100;
+    return file ? file->statistics().count().percent() : 0;
+}
+
+void CFileClient::CancelCountingStatistics()
+{
+    if (file)
+        file->statistics().count().cancel();
+}
+
+CError CFileClient::WaitForStatistics()
+{
+    const std::shared_ptr<xrv::OpenFile> used = file;
+    if (!used)
+        return xrv::notOpen();
+    return GetStatisticsState() == PLK_STATISTICS_EXACT ? CError() : used->statistics().count().wait();
 }
 
 CError CFileClient::GetRPCData(PLKRPCData **rpcData) const

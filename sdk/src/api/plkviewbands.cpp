@@ -44,7 +44,7 @@ CError CView::CalculateMinMaxTransforms(unsigned bandCount, const unsigned *band
     if (!(percent > 0.0 && percent <= 100.0) || sampling < 1 || sampling > 100)
         return xrv::invalidArgument("Transforms are calculated of 1 to 100 per cent of the cells.");
     try {
-        const PLKFileStatistics *statistics = nullptr;
+        xrv::SharedStatistics statistics;
         if (CError error = SharedFile()->statistics().display(&statistics))
             return error;
         std::vector<std::unique_ptr<API::CMinMaxTransform>> found;

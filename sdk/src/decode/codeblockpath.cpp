@@ -100,7 +100,8 @@ CError CodeBlockPath::add(RasterRead *read, std::size_t number, Batch *batch) co
     const int discarded = std::min(level, minLevels(*index, job.components));
     const int averagedLevels = level - discarded;
     const IntRect region = scaledUp(job.levelRect, averagedLevels).intersected(levelRect(index->rect(), discarded));
-    CodeBlockRequest request{{job.tile, index, std::min(read->layers(), index->packets().layers())}, {}};
+    CodeBlockRequest request{
+        {job.tile, index, std::min(read->layers(), index->packets().layers())}, {}, read->request().isKept};
     for (const int c : job.components) {
         const IntRect rect = raster.components[c].fromCanvas(region);
         if (rect.isEmpty())

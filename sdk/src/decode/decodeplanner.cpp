@@ -39,10 +39,10 @@ IntRect DecodePlanner::wantedRect(const ReadRequest &request, int component) con
         return {};
     const std::int64_t stepX = std::int64_t(info.stepX) << request.level, stepY = std::int64_t(info.stepY)
                                                                                   << request.level;
-    const IntRect cells{(dataset.x0 + originX) * raster.minStepX / stepX - 1,
-                        (dataset.y0 + originY) * raster.minStepY / stepY - 1,
-                        ceilDiv((dataset.x1 + originX) * raster.minStepX, stepX) + 1,
-                        ceilDiv((dataset.y1 + originY) * raster.minStepY, stepY) + 1};
+    const IntRect cells{(dataset.x0 + originX) * raster.minStepX / stepX - request.margin,
+                        (dataset.y0 + originY) * raster.minStepY / stepY - request.margin,
+                        ceilDiv((dataset.x1 + originX) * raster.minStepX, stepX) + request.margin,
+                        ceilDiv((dataset.y1 + originY) * raster.minStepY, stepY) + request.margin};
     return cells.intersected(raster.levelRect(component, request.level));
 }
 

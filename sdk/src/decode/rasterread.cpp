@@ -35,7 +35,8 @@ void RasterRead::keep(std::size_t job, Plane plane, int averagedLevels)
         std::lock_guard<std::mutex> lock(mutex);
         decoded[job].planes.push_back(shared);
     }
-    TileCache::instance().insert(planner.key(asked, plan.jobs[job].tile, component), std::move(shared));
+    if (asked.isKept)
+        TileCache::instance().insert(planner.key(asked, plan.jobs[job].tile, component), std::move(shared));
 }
 
 CError RasterRead::settle(std::size_t job, CError error)

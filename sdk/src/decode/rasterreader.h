@@ -23,6 +23,8 @@ struct ReadRequest
     int qualityLayers = 0; ///< 0 = all
     bool resilient = true;
     CancelFlag cancel;
+    int margin = 1;     ///< cells that are read around the rectangle as well, for who interpolates
+    bool isKept = true; ///< what is decoded goes to the tile cache: it may be asked for again
 };
 
 /// Answer to a ReadRequest: one plane per requested component, in the order asked for.

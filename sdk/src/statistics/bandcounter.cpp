@@ -33,6 +33,11 @@ std::size_t BandCounter::memoryFor(int bits)
     return sizeof(std::uint64_t) << std::clamp(bits, 8, kMaxCountedBits);
 }
 
+int BandCounter::passesFor(int bits)
+{
+    return bits > kMaxCountedBits ? 2 : 1;
+}
+
 bool BandCounter::beginNextPass()
 {
     if (!isScouting)

@@ -21,6 +21,8 @@ public:
 
     /// Memory that a counter for \a bits takes, in bytes.
     static std::size_t memoryFor(int bits);
+    /// How often its cells have to be added.
+    static int passesFor(int bits);
 
     template <typename Cell> void add(const Cell *cells, std::size_t count)
     {

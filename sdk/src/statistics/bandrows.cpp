@@ -91,28 +91,27 @@ IntRect BandRows::coreRect(const IntRect &window, int level, Steps steps) const
     return {placeX(window.x0), placeY(window.y0), placeX(window.x1), placeY(window.y1)};
 }
 
-ReadRequest BandRows::requestFor(const IntRect &window, int level, bool resilient) const
+ReadRequest BandRows::requestFor(const IntRect &window, int level) const
 {
-    ReadRequest request;
+    ReadRequest request = manner;
     request.datasetRect = window;
     request.level = level;
     request.components = componentsToRead;
-    request.resilient = resilient;
     return request;
 }
 
-CError BandRows::prefetch(const std::vector<IntRect> &windows, int level, bool resilient) const
+CError BandRows::prefetch(const std::vector<IntRect> &windows, int level) const
 {
     std::vector<ReadRequest> requests;
     for (const IntRect &window : windows)
-        requests.push_back(requestFor(window, level, resilient));
+        requests.push_back(requestFor(window, level));
     return reader.prefetch(requests);
 }
 
-CError BandRows::read(const IntRect &window, int level, bool resilient, std::vector<BandCounter> *counters) const
+CError BandRows::read(const IntRect &window, int level, std::vector<BandCounter> *counters) const
 {
     ReadResult result;
-    if (CError error = reader.read(requestFor(window, level, resilient), &result))
+    if (CError error = reader.read(requestFor(window, level), &result))
         return error;
     if (result.damaged && faults)
         faults->damaged(result.damage);

@@ -22,18 +22,20 @@ public:
     /// \a faults, which may be null, is told of damage.
     BandRows(RasterReader &reader, const BandMap &map, std::vector<int> bands, FaultLog *faults);
 
+    /// How all that follows is to be read; only flags and margin of \a request count.
+    void readLike(const ReadRequest &request) { manner = request; }
     /// Says that all of \a windows will be read at \a level.
-    PLK::CError prefetch(const std::vector<IntRect> &windows, int level, bool resilient) const;
+    PLK::CError prefetch(const std::vector<IntRect> &windows, int level) const;
     /// Adds the cells of \a window (dataset cells) at \a level to \a counters, one for each band. Windows that touch
     /// give no cell twice. Errors are those of the reader.
-    PLK::CError read(const IntRect &window, int level, bool resilient, std::vector<BandCounter> *counters) const;
+    PLK::CError read(const IntRect &window, int level, std::vector<BandCounter> *counters) const;
 
 private:
     struct Steps
     {
         std::uint32_t x = 1, y = 1;
     };
-    ReadRequest requestFor(const IntRect &window, int level, bool resilient) const;
+    ReadRequest requestFor(const IntRect &window, int level) const;
     Steps stepsOf(int component) const;
     Steps finestSteps(const std::vector<int> &components) const;
     IntRect coreRect(const IntRect &window, int level, Steps steps) const;
@@ -46,6 +48,7 @@ private:
     const std::vector<int> bands;
     const std::vector<int> componentsToRead; ///< for them
     FaultLog *const faults;
+    ReadRequest manner;
     std::vector<int> converted; ///< those of the bands that are no component's cells
     std::vector<int> convertedComponents;
 };

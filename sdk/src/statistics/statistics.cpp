@@ -16,6 +16,17 @@ namespace {
 
 constexpr std::int64_t kMaxCellsOfAllBands = 64'000'000; // what can be read in reasonable time
 constexpr std::int64_t kMinCells = 4096;
+constexpr std::int64_t kDisplayCells = 65536;
+// Of an estimate, of each band and of all of them: what takes some tenths of a second on two cores.
+constexpr std::int64_t kEstimatedCells = 1 << 20, kEstimatedCellsOfAllBands = 3 << 20;
+// Windows of full resolution begin between code-blocks of the usual size.
+constexpr std::int64_t kEstimateGrid = 64;
+// Of all bands that are decoded in one piece. A strip of a scene without tiles should be as high as many code-blocks,
+// as those at its edges are decoded twice.
+constexpr std::int64_t kMaxCellsPerPiece = 12 << 20;
+constexpr std::int64_t kMinPieceHeight = 256;
+// Of all bands: a day's work and more. What claims to have more is a damaged header as a rule.
+constexpr double kMostCellsToCount = 1e12;
 constexpr std::size_t kMaxBuckets = 65536;
 constexpr std::size_t kMaxBucketsOfAllBands = std::size_t(4) << 20; // 32 MiB
 constexpr std::size_t kMaxCounterBytes = std::size_t(64) << 20;
@@ -47,8 +58,8 @@ std::vector<IntRect> planStrips(const RasterInfo &info, int level, int bandCount
     return strips;
 }
 
-/// Squares spread evenly, \a maxCells together.
-std::vector<IntRect> planWindows(const RasterInfo &info, int level, std::int64_t maxCells)
+/// Squares spread evenly, \a maxCells together. They begin at multiples of \a grid.
+std::vector<IntRect> planWindows(const RasterInfo &info, int level, std::int64_t maxCells, std::int64_t grid = 1)
 {
     std::int64_t side = 256;
     while (side > 16 && side * side * 16 > maxCells)
@@ -63,11 +74,89 @@ std::vector<IntRect> planWindows(const RasterInfo &info, int level, std::int64_t
     std::vector<IntRect> windows;
     for (std::int64_t row = 0; row < down; ++row) {
         for (std::int64_t column = 0; column < across; ++column) {
-            const std::int64_t x = column * info.width / across, y = row * info.height / down;
+            const std::int64_t x = column * info.width / across / grid * grid,
+                               y = row * info.height / down / grid * grid;
             windows.push_back(IntRect{x, y, x + step, y + step}.intersected(datasetRect(info)));
         }
     }
     return windows;
+}
+
+/// Where an image of \a size cells from canvas place \a begin is cut that has cells of \a step and pieces of
+/// \a pieceSize, in dataset cells: 0, the cuts, \a size.
+std::vector<std::int64_t> cutsOf(std::int64_t size, std::int64_t begin, std::int64_t step, std::int64_t pieceSize)
+{
+    const std::int64_t firstCell = ceilDiv(begin, step);
+    std::vector<std::int64_t> cuts{0};
+    for (std::int64_t place = begin / pieceSize * pieceSize + pieceSize;; place += pieceSize) {
+        const std::int64_t cut = std::min(size, ceilDiv(place, step) - firstCell);
+        if (cut > cuts.back())
+            cuts.push_back(cut);
+        if (cut == size)
+            return cuts;
+    }
+}
+
+struct PieceSize
+{
+    std::int64_t width, height; ///< on the canvas
+};
+
+std::int64_t powerOfTwoUpTo(std::int64_t size)
+{
+    std::int64_t power = 1;
+    while (power * 2 <= size)
+        power *= 2;
+    return power;
+}
+
+/// Several tiles, or a part of one that is too large.
+PieceSize pieceSizeFor(const RasterInfo &info, std::int64_t maxCells)
+{
+    const auto tileSize = [](std::int64_t tile, std::int64_t end) { return tile > 0 ? std::min(tile, end) : end; };
+    const PieceSize tile{tileSize(info.tileWidth, info.canvasX1), tileSize(info.tileHeight, info.canvasY1)};
+    const std::int64_t most = maxCells * info.minStepX * info.minStepY;
+    if (tile.width > most / tile.height) {
+        const std::int64_t height =
+            std::min(tile.height, powerOfTwoUpTo(std::max(std::min(kMinPieceHeight, most), most / tile.width)));
+        return {std::min(tile.width, powerOfTwoUpTo(std::max<std::int64_t>(1, most / height))), height};
+    }
+    const std::int64_t tiles = most / (tile.width * tile.height);
+    const std::int64_t across = std::min(tiles, ceilDiv(info.canvasX1, tile.width));
+    return {across * tile.width, tiles / across * tile.height};
+}
+
+/// All of the image, tiles together where these can be held at once.
+std::vector<IntRect> planPieces(const RasterInfo &info, int bandCount)
+{
+    const PieceSize piece = pieceSizeFor(info, std::max<std::int64_t>(1, kMaxCellsPerPiece / bandCount));
+    const std::vector<std::int64_t> columns = cutsOf(info.width, info.canvasX0, info.minStepX, piece.width);
+    const std::vector<std::int64_t> rows = cutsOf(info.height, info.canvasY0, info.minStepY, piece.height);
+    std::vector<IntRect> pieces;
+    for (std::size_t row = 1; row < rows.size(); ++row)
+        for (std::size_t column = 1; column < columns.size(); ++column)
+            pieces.push_back({columns[column - 1], rows[row - 1], columns[column], rows[row]});
+    return pieces;
+}
+
+StatisticsPlan planEstimate(const RasterInfo &info, int bandCount)
+{
+    const std::int64_t cells = std::clamp(kEstimatedCellsOfAllBands / bandCount, kMinCells, kEstimatedCells);
+    return {0, cellsAtLevel(info, 0) <= cells ? planStrips(info, 0, bandCount)
+                                              : planWindows(info, 0, cells, kEstimateGrid)};
+}
+
+StatisticsPlan planDisplay(const RasterInfo &info, int bandCount, bool fullResolutionOnly)
+{
+    const std::int64_t share = kMaxCellsOfAllBands / bandCount;
+    const std::int64_t enough = std::clamp(share, kMinCells, kDisplayCells);
+    StatisticsPlan plan;
+    while (!fullResolutionOnly && plan.level + 1 < info.codedLevels && cellsAtLevel(info, plan.level + 1) >= enough)
+        ++plan.level;
+    const std::int64_t most = enough * 6; // a level has four times the cells of the next, and some for odd sizes
+    plan.windows = cellsAtLevel(info, plan.level) <= most ? planStrips(info, plan.level, bandCount)
+                                                          : planWindows(info, plan.level, most);
+    return plan;
 }
 
 std::size_t bucketLimit(std::size_t bandCount)
@@ -89,67 +178,114 @@ std::vector<int> nextGroup(const std::vector<Band> &bands, std::size_t begin)
     return group;
 }
 
-/// Goes through the image once for the bands of \a rows.
-CError countOnce(BandRows &rows, const StatisticsPlan &plan, bool resilient, std::vector<BandCounter> *counters)
+/// One computation: goes through the image for one group of bands after the other.
+class Computation
 {
-    if (CError error = rows.prefetch(plan.windows, plan.level, resilient))
-        return error;
-    for (const IntRect &window : plan.windows) {
-        if (CError error = rows.read(window, plan.level, resilient, counters))
-            return error;
+public:
+    Computation(RasterReader &reader, const BandMap &map, StatisticsKind kind, const StatisticsControl &control)
+        : reader(reader)
+        , map(map)
+        , control(control)
+        , isExact(kind == StatisticsKind::Exact)
+        , plan(planStatistics(reader.info(), static_cast<int>(map.bands().size()), kind, map.hasPalette()))
+    {
+        manner.resilient = control.resilient;
+        manner.cancel = control.cancel;
+        manner.isKept = !isExact;
+        manner.margin = isExact ? 0 : manner.margin;
     }
-    return {};
-}
 
-CError countGroup(RasterReader &reader, const BandMap &map, const std::vector<int> &group, StatisticsDetail detail,
-                  bool resilient, PLKBandStatistics *statistics, FaultLog *faults)
-{
-    const std::vector<Band> &bands = map.bands();
-    const StatisticsPlan plan = planStatistics(reader.info(), static_cast<int>(bands.size()), map.hasPalette(), detail);
-    std::vector<BandCounter> counters;
-    for (int band : group)
-        counters.emplace_back(bands[static_cast<std::size_t>(band)].bits,
-                              bands[static_cast<std::size_t>(band)].isSigned, bucketLimit(bands.size()));
-    BandRows rows(reader, map, group, faults);
-    bool again = true;
-    while (again) {
-        if (CError error = countOnce(rows, plan, resilient, &counters))
-            return error;
-        again = false;
-        for (BandCounter &counter : counters)
-            again = counter.beginNextPass() || again;
+    CError run(PLKBandStatistics *statistics)
+    {
+        std::vector<std::vector<int>> groups;
+        for (std::size_t begin = 0; begin < map.bands().size(); begin += groups.back().size()) {
+            groups.push_back(nextGroup(map.bands(), begin));
+            windowsToRead += plan.windows.size() * passesFor(groups.back());
+        }
+        for (const std::vector<int> &group : groups)
+            if (CError error = countGroup(group, statistics))
+                return error;
+        return {};
     }
-    for (std::size_t i = 0; i < group.size(); ++i)
-        counters[i].finish(&statistics[group[i]]);
-    return {};
-}
+
+private:
+    const Band &band(int number) const { return map.bands()[static_cast<std::size_t>(number)]; }
+
+    std::size_t passesFor(const std::vector<int> &group) const
+    {
+        return std::any_of(group.begin(), group.end(),
+                           [this](int number) { return BandCounter::passesFor(band(number).bits) > 1; })
+                   ? 2
+                   : 1;
+    }
+
+    CError countGroup(const std::vector<int> &group, PLKBandStatistics *statistics)
+    {
+        std::vector<BandCounter> counters;
+        for (int number : group)
+            counters.emplace_back(band(number).bits, band(number).isSigned, bucketLimit(map.bands().size()));
+        BandRows rows(reader, map, group, control.faults);
+        rows.readLike(manner);
+        bool again = true;
+        while (again) {
+            if (CError error = countOnce(rows, &counters))
+                return error;
+            again = false;
+            for (BandCounter &counter : counters)
+                again = counter.beginNextPass() || again;
+        }
+        for (std::size_t i = 0; i < group.size(); ++i)
+            counters[i].finish(&statistics[group[i]]);
+        return {};
+    }
+
+    /// Goes through the image once for the bands of \a rows.
+    CError countOnce(BandRows &rows, std::vector<BandCounter> *counters)
+    {
+        if (!isExact) // all at once would be the whole file
+            if (CError error = rows.prefetch(plan.windows, plan.level))
+                return error;
+        for (const IntRect &window : plan.windows) {
+            if (control.cancel.isRaised())
+                return {PLK_ERR_CANCELLED, "The counting of cells was cancelled."};
+            if (CError error = rows.read(window, plan.level, counters))
+                return error;
+            ++windowsRead;
+            if (control.progress)
+                control.progress(static_cast<int>(windowsRead * 100 / windowsToRead));
+        }
+        return {};
+    }
+
+    RasterReader &reader;
+    const BandMap &map;
+    const StatisticsControl &control;
+    const bool isExact;
+    const StatisticsPlan plan;
+    ReadRequest manner;
+    std::size_t windowsToRead = 0, windowsRead = 0;
+};
 
 } // namespace
 
-StatisticsPlan planStatistics(const RasterInfo &info, int bandCount, bool fullResolutionOnly, StatisticsDetail detail)
+StatisticsPlan planStatistics(const RasterInfo &info, int bandCount, StatisticsKind kind, bool fullResolutionOnly)
 {
-    const std::int64_t share = kMaxCellsOfAllBands / std::max(1, bandCount);
-    const std::int64_t enough = std::clamp(share, kMinCells, static_cast<std::int64_t>(detail));
-    StatisticsPlan plan;
-    while (!fullResolutionOnly && plan.level + 1 < info.codedLevels && cellsAtLevel(info, plan.level + 1) >= enough)
-        ++plan.level;
-    const std::int64_t most = enough * 6; // a level has four times the cells of the next, and some for odd sizes
-    plan.windows = cellsAtLevel(info, plan.level) <= most ? planStrips(info, plan.level, bandCount)
-                                                          : planWindows(info, plan.level, most);
-    return plan;
+    bandCount = std::max(1, bandCount);
+    if (kind == StatisticsKind::Exact)
+        return {0, planPieces(info, bandCount)};
+    return kind == StatisticsKind::Estimate ? planEstimate(info, bandCount)
+                                            : planDisplay(info, bandCount, fullResolutionOnly);
 }
 
-CError computeStatistics(RasterReader &reader, const BandMap &map, StatisticsDetail detail, bool resilient,
-                         StatisticsPtr *statistics, FaultLog *faults)
+CError computeStatistics(RasterReader &reader, const BandMap &map, StatisticsKind kind,
+                         const StatisticsControl &control, StatisticsPtr *statistics)
 {
-    const std::size_t bandCount = map.bands().size();
-    StatisticsPtr result = makeStatisticsRecord(bandCount);
-    for (std::size_t begin = 0; begin < bandCount;) {
-        const std::vector<int> group = nextGroup(map.bands(), begin);
-        if (CError error = countGroup(reader, map, group, detail, resilient, result->pBandStats, faults))
-            return error;
-        begin += group.size();
-    }
+    const double cells = static_cast<double>(cellsAtLevel(reader.info(), 0)) * static_cast<double>(map.bands().size());
+    if (kind == StatisticsKind::Exact && cells > kMostCellsToCount)
+        return {PLK_ERR_UNSUPPORTED, "The image has too many cells to count them all."};
+    StatisticsPtr result = makeStatisticsRecord(map.bands().size());
+    if (CError error = Computation(reader, map, kind, control).run(result->pBandStats))
+        return error;
     *statistics = std::move(result);
     return {};
 }

@@ -13,6 +13,8 @@ struct StatisticsDeleter
 };
 /// The public record with all it points to.
 using StatisticsPtr = std::unique_ptr<PLKFileStatistics, StatisticsDeleter>;
+/// One that several may read, and that stays as it is.
+using SharedStatistics = std::shared_ptr<const PLKFileStatistics>;
 
 /// A record of so many bands, with all figures 0 and without histograms.
 StatisticsPtr makeStatisticsRecord(std::size_t bands);

@@ -131,7 +131,8 @@ CError CodeBlockFetch::decode(const Group &group)
             error = noteDamage(precinct);
         if (error)
             return error;
-        TileCache::instance().insert(cacheKey(precinct.request->tile, place.name), plane);
+        if (precinct.request->isKept)
+            TileCache::instance().insert(cacheKey(precinct.request->tile, place.name), plane);
         std::lock_guard<std::mutex> lock(mutex);
         sets[precinct.requestNumber].insert(place.name.component, place.name.number(), std::move(plane));
     }

@@ -23,6 +23,7 @@ struct CodeBlockRequest
 {
     TileToDecode tile;
     std::vector<CodeBlockPlace> codeBlocks;
+    bool isKept = true; ///< in the tile cache, once decoded
 };
 
 /// Coefficients of code-blocks as planes in subband coordinates, doubled as CodeBlockDecoder gives them, by component

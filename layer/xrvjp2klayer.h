@@ -2,6 +2,7 @@
 
 #include "viewclipping.h"
 
+#include <QDGui/ilayerstatistics.h>
 #include <QDGui/irasterlayerhistogram.h>
 #include <QDGui/rasterlayer.h>
 #include <xrv60/plktypes.h>
@@ -30,7 +31,9 @@ class XRVJP2kRenderer;
 ///
 /// Most image settings live in the renderer that holds the open file. Without one (nothing opened yet, or the last open
 /// failed) their getters give fixed defaults and their setters do nothing. GUI thread only.
-class Q_DECL_EXPORT XRVJP2kLayer : public Map::RasterLayer, public Map::IRasterLayerHistogram
+class Q_DECL_EXPORT XRVJP2kLayer : public Map::RasterLayer,
+                                   public Map::IRasterLayerHistogram,
+                                   public Map::ILayerStatistics
 {
     Q_OBJECT
     Q_PROPERTY(QString SizeOnDisk READ getSizeOnDisk)
@@ -182,6 +185,12 @@ public:
     /// Causes no redraw.
     void setHillShade(bool on);
 
+    StatisticsState getStatisticsState() const override;
+    int getStatisticsPercent() const override;
+    void countStatistics() override;
+    void cancelStatistics() override;
+    bool areCellsLocal() const override;
+
     /// The open view; null without one. Owned by the layer.
     PLK::CView *getFile() const;
     /// The view of the backing store; null without one. Owned by the layer.
@@ -189,7 +198,8 @@ public:
     /// Owned by the view, and not to be changed; null without one.
     PLKFileInfo *getFileInfo() const;
     PLKFileType getFileType() const;
-    /// To be freed with PLKFreeStatistics(); null where there are none.
+    /// To be freed with PLKFreeStatistics(); null where there are none. Of large images an estimate until all cells are
+    /// counted: getStatisticsState() tells.
     PLKFileStatistics *getStatistics() const;
     /// To be freed with PLKFreeRPCData(); null where there are none.
     PLKRPCData *getRPCInfo() const;

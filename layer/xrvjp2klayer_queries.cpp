@@ -95,6 +95,43 @@ PLKFileStatistics *XRVJP2kLayer::getStatistics() const
     return renderer ? renderer->getClientStatistics() : nullptr;
 }
 
+Map::ILayerStatistics::StatisticsState XRVJP2kLayer::getStatisticsState() const
+{
+    switch (renderer ? renderer->GetStatisticsState() : PLK_STATISTICS_UNKNOWN) {
+    case PLK_STATISTICS_ESTIMATED:
+        return StatisticsState::Estimated;
+    case PLK_STATISTICS_COUNTING:
+        return StatisticsState::Counting;
+    case PLK_STATISTICS_EXACT:
+        return StatisticsState::Exact;
+    case PLK_STATISTICS_UNKNOWN:
+        break;
+    }
+    return StatisticsState::Unknown;
+}
+
+int XRVJP2kLayer::getStatisticsPercent() const
+{
+    return renderer ? renderer->GetStatisticsPercent() : 0;
+}
+
+void XRVJP2kLayer::countStatistics()
+{
+    if (renderer)
+        renderer->StartCountingStatistics();
+}
+
+void XRVJP2kLayer::cancelStatistics()
+{
+    if (renderer)
+        renderer->CancelCountingStatistics();
+}
+
+bool XRVJP2kLayer::areCellsLocal() const
+{
+    return renderer && renderer->GetFile() && !renderer->GetFile()->IsRemote();
+}
+
 PLKRPCData *XRVJP2kLayer::getRPCInfo() const
 {
     return renderer ? renderer->getRPCData() : nullptr;

@@ -2,6 +2,7 @@
 
 #include "sources/sources.h"
 
+#include <QDGui/ilayerstatistics.h>
 #include <QDGui/irasterlayerhistogram.h>
 #include <QDGui/rasterlayer.h>
 
@@ -10,6 +11,7 @@
 #include <QMetaEnum>
 #include <QMetaProperty>
 #include <QSize>
+#include <QThread>
 
 #include <cmath>
 #include <numeric>
@@ -17,6 +19,7 @@
 namespace Viewer {
 
 using Korvane::Map::HistogramT;
+using Korvane::Map::ILayerStatistics;
 using Korvane::Map::IRasterLayerHistogram;
 using Korvane::Map::Layer;
 using Korvane::Map::RasterLayer;
@@ -24,6 +27,9 @@ using Korvane::Map::RasterLayer;
 namespace {
 
 constexpr int kMaxEntries = 256;
+/// Of all bands; two cores take some minutes.
+constexpr double kMostCellsToCount = 2e9;
+constexpr unsigned long kPollMs = 5;
 
 QJsonValue number(double value)
 {
@@ -114,6 +120,7 @@ QJsonObject LayerDescriber::describe(Layer &layer)
     addLayerGetters(layer, &object);
     if (const auto *raster = qobject_cast<const RasterLayer *>(&layer))
         addRasterGetters(*raster, &object);
+    countCells(layer);
     if (auto *source = dynamic_cast<IRasterLayerHistogram *>(&layer))
         object[QStringLiteral("histograms")] = histograms(*source);
     object[QStringLiteral("properties")] = properties(layer);
@@ -153,12 +160,33 @@ void LayerDescriber::addRasterGetters(const RasterLayer &layer, QJsonObject *obj
     object->insert(QStringLiteral("epsgCode"), layer.getEpsgCode());
 }
 
+/// Nothing else goes on meanwhile: this is for programs that end when the layer is described.
+void LayerDescriber::countCells(Layer &layer)
+{
+    auto *source = dynamic_cast<ILayerStatistics *>(&layer);
+    const auto *raster = qobject_cast<const RasterLayer *>(&layer);
+    if (!source || !raster || !source->areCellsLocal())
+        return;
+    const QSize size = raster->getSize();
+    if (double(size.width()) * size.height() * raster->getNumberOfBands() > kMostCellsToCount)
+        return;
+    source->countStatistics();
+    while (source->getStatisticsState() == ILayerStatistics::StatisticsState::Counting)
+        QThread::msleep(kPollMs);
+}
+
 QJsonArray LayerDescriber::histograms(IRasterLayerHistogram &layer)
 {
     QJsonArray bands;
     const QVector<HistogramT<quint64>> found = layer.getHistograms(false, false, QSize(), 0, 0, 0, 0);
-    for (const HistogramT<quint64> &histogram : found)
-        bands.append(histogramObject(histogram));
+    const auto *statistics = dynamic_cast<const ILayerStatistics *>(&layer);
+    const bool isEstimated = statistics && statistics->getStatisticsState() != ILayerStatistics::StatisticsState::Exact;
+    for (const HistogramT<quint64> &histogram : found) {
+        QJsonObject band = histogramObject(histogram);
+        if (isEstimated)
+            band[QStringLiteral("estimated")] = true;
+        bands.append(band);
+    }
     return bands;
 }
 

@@ -3,11 +3,13 @@
 #include "layers/layersummarypage.h"
 #include "plugincontributions.h"
 #include "sources/sources.h"
+#include "statisticsbar.h"
 
 #include <QDGui/application.h>
 #include <QDGui/ilayerpropertieswidget.h>
 #include <QDGui/layer.h>
 
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QScreen>
 #include <QSettings>
@@ -31,14 +33,17 @@ PropertiesWindow::PropertiesWindow(const PluginContributions &contributions, QWi
     : QDialog(parent)
     , contributions(contributions)
     , tabs(new QTabWidget)
+    , statisticsBar(new StatisticsBar)
 {
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(tabs, &QTabWidget::currentChanged, this, &PropertiesWindow::loadCurrentPage);
+    connect(statisticsBar, &StatisticsBar::counted, this, &PropertiesWindow::reloadPages);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(tabs);
+    layout->addWidget(statisticsBar);
     layout->addWidget(buttons);
     resize(560, 560);
     hasOwnSize = restoreGeometry(Korvane::Application::instance()->settings()->value(kGeometryKey).toByteArray());
@@ -54,6 +59,7 @@ void PropertiesWindow::setLayer(Layer *newLayer)
         close();
         return;
     }
+    statisticsBar->setLayer(layer);
     // The pages keep the layer's bare address, so they go before it does.
     connect(layer, &QObject::destroyed, this, [this] { setLayer(nullptr); });
     setWindowTitle(tr("Properties of %1").arg(Sources::nameOfLayer(*layer)));
@@ -75,6 +81,7 @@ void PropertiesWindow::forgetLayer()
     if (layer)
         layer->disconnect(this);
     layer = nullptr;
+    statisticsBar->setLayer(nullptr);
     if (tabs->count() > 0)
         lastTab = tabs->currentIndex();
     const QSignalBlocker blocker(tabs);
@@ -110,6 +117,22 @@ void PropertiesWindow::loadCurrentPage()
         return;
     loadedPages.insert(page);
     properties->setLayer(layer);
+    statisticsBar->pageWasLoaded();
+}
+
+/// What a person has chosen on a page stays.
+void PropertiesWindow::reloadPages()
+{
+    for (QWidget *page : qAsConst(loadedPages)) {
+        QVector<int> chosen;
+        const QList<QComboBox *> boxes = page->findChildren<QComboBox *>();
+        for (const QComboBox *box : boxes)
+            chosen.append(box->currentIndex());
+        if (auto *properties = qobject_cast<ILayerPropertiesWidget *>(page))
+            properties->setLayer(layer);
+        for (int i = 0; i < boxes.size(); ++i)
+            boxes[i]->setCurrentIndex(chosen[i]);
+    }
 }
 
 void PropertiesWindow::accept()

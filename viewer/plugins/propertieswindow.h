@@ -13,9 +13,11 @@ class Layer;
 namespace Viewer {
 
 class PluginContributions;
+class StatisticsBar;
 
 /// The information pages of one layer, in tabs. Pages are made anew for every layer, so that none shows what belongs
-/// to another; a page reads its layer when its tab is first shown. The window keeps its size from one run to the next.
+/// to another; a page reads its layer when its tab is first shown, and again when
+/// estimated statistics have become exact. The window keeps its size from one run to the next.
 class PropertiesWindow : public QDialog
 {
     Q_OBJECT
@@ -35,9 +37,11 @@ private:
     void addPage(QWidget *page);
     void makeRoom();
     void loadCurrentPage();
+    void reloadPages();
 
     const PluginContributions &contributions;
     QTabWidget *tabs;
+    StatisticsBar *statisticsBar;
     QPointer<Korvane::Map::Layer> layer;
     QSet<QWidget *> loadedPages;
     int lastTab = 0;

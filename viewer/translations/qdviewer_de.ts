@@ -609,6 +609,25 @@
     </message>
 </context>
 <context>
+    <name>Viewer::StatisticsBar</name>
+    <message>
+        <source>The statistics are an estimate. All cells are being counted: %1 %</source>
+        <translation>Die Statistik ist eine Schätzung. Alle Zellen werden gezählt: %1 %</translation>
+    </message>
+    <message>
+        <source>The statistics are an estimate from a part of the cells.</source>
+        <translation>Die Statistik ist eine Schätzung aus einem Teil der Zellen.</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Count All Cells</source>
+        <translation>Alle Zellen zählen</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::ViewCommands</name>
     <message>
         <source>The view did not become complete in time; no picture was written.</source>

@@ -609,6 +609,25 @@
     </message>
 </context>
 <context>
+    <name>Viewer::StatisticsBar</name>
+    <message>
+        <source>The statistics are an estimate. All cells are being counted: %1 %</source>
+        <translation>Las estadísticas son una estimación. Se están contando todas las celdas: %1 %</translation>
+    </message>
+    <message>
+        <source>The statistics are an estimate from a part of the cells.</source>
+        <translation>Las estadísticas son una estimación a partir de una parte de las celdas.</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>Count All Cells</source>
+        <translation>Contar todas las celdas</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::ViewCommands</name>
     <message>
         <source>The view did not become complete in time; no picture was written.</source>

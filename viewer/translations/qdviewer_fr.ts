@@ -609,6 +609,25 @@
     </message>
 </context>
 <context>
+    <name>Viewer::StatisticsBar</name>
+    <message>
+        <source>The statistics are an estimate. All cells are being counted: %1 %</source>
+        <translation>Les statistiques sont une estimation. Toutes les cellules sont en cours de comptage : %1 %</translation>
+    </message>
+    <message>
+        <source>The statistics are an estimate from a part of the cells.</source>
+        <translation>Les statistiques sont une estimation faite sur une partie des cellules.</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>Count All Cells</source>
+        <translation>Compter toutes les cellules</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::ViewCommands</name>
     <message>
         <source>The view did not become complete in time; no picture was written.</source>

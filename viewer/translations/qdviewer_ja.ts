@@ -607,6 +607,25 @@
     </message>
 </context>
 <context>
+    <name>Viewer::StatisticsBar</name>
+    <message>
+        <source>The statistics are an estimate. All cells are being counted: %1 %</source>
+        <translation>統計は推定値です。すべてのセルを数えています: %1 %</translation>
+    </message>
+    <message>
+        <source>The statistics are an estimate from a part of the cells.</source>
+        <translation>統計は一部のセルからの推定値です。</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>Count All Cells</source>
+        <translation>すべてのセルを数える</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::ViewCommands</name>
     <message>
         <source>The view did not become complete in time; no picture was written.</source>

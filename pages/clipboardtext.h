@@ -6,6 +6,10 @@
 class ClipboardText
 {
 public:
+    ClipboardText() = default;
+    /// With room for that many characters. Throws std::bad_alloc where there is no memory for them, or where they are
+    /// more than a string can hold.
+    explicit ClipboardText(qint64 characters);
     /// A line of \a format with its "%1" replaced by \a value.
     void addLine(const QString &format, const QString &value) { addLine(format.arg(value)); }
     void addLine(const QString &line);

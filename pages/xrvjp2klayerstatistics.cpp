@@ -7,15 +7,17 @@
 
 #include <QSignalBlocker>
 
+#include <new>
+
 using Korvane::XRVJP2kLayer;
 
 namespace {
 
 constexpr int kDecimals = 4;
-/// Of the clipboard's text, in characters. A file of three bands of 16 bits takes a few millions.
-constexpr qint64 kMaxTextLength = qint64(64) * 1024 * 1024;
-/// Of the beginning of a histogram's line, in characters; about as much as it takes with many bands.
-constexpr qint64 kLineStart = 32;
+/// More than the lines of a band take beside its histograms, and than the beginning of a histogram's line, in any
+/// language; in characters.
+constexpr qint64 kBandTexts = 1024;
+constexpr qint64 kLineStart = 64;
 
 bool isOpacity(const QString &bandName)
 {
@@ -107,16 +109,25 @@ void XRVJP2kLayerStatistics::copyToClipboard()
     if (!statistics)
         return;
     QStringList counts;
-    qint64 characters = 0;
-    for (int band = 0; band < bandCount && statisticsOf(band); ++band) {
+    for (int band = 0; band < bandCount && statisticsOf(band); ++band)
         counts.append(bucketText(*statisticsOf(band)));
-        characters += kLineStart + counts.last().size();
+    try {
+        clipboardText(counts, statistics->nBands).copy();
+    } catch (const std::bad_alloc &) {
+        clipboardText(counts, 1).copy();
     }
-    const quint32 repetitions = characters * statistics->nBands <= kMaxTextLength ? statistics->nBands : 1;
-    ClipboardText text;
+}
+
+/// Made in one piece: with many bands of 16 bits it has hundreds of megabytes.
+ClipboardText XRVJP2kLayerStatistics::clipboardText(const QStringList &counts, quint32 repetitions) const
+{
+    qint64 characters = 0;
+    for (const QString &histogram : counts)
+        characters += kBandTexts + (kLineStart + histogram.size()) * repetitions;
+    ClipboardText text(characters);
     for (int band = 0; band < counts.size(); ++band)
         addBand(band, counts[band], repetitions, &text);
-    text.copy();
+    return text;
 }
 
 void XRVJP2kLayerStatistics::addBand(int band, const QString &counts, quint32 repetitions, ClipboardText *text) const
@@ -130,6 +141,8 @@ void XRVJP2kLayerStatistics::addBand(int band, const QString &counts, quint32 re
     text->addLine(tr("min = %1"), numberText(values.fMin));
     text->addLine(tr("max = %1"), numberText(values.fMax));
     // The numbers of these lines do not follow the band.
-    for (quint32 line = 0; line < repetitions; ++line)
-        text->addLine(tr("Histogram Band #%1 = ").arg(line) + counts);
+    for (quint32 line = 0; line < repetitions; ++line) {
+        text->addText(tr("Histogram Band #%1 = ").arg(line));
+        text->addLine(counts);
+    }
 }

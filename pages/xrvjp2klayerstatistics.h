@@ -32,7 +32,8 @@ public Q_SLOTS:
     /// Shows the band of that number: \a index counts bands as much as entries of the list.
     void onBandChange(int index);
     /// The statistics of all bands. In the block of a band its histogram is there once per band of the file, counted
-    /// from 0; only where that would make a text beyond what can be held in memory it is there just once.
+    /// from 0. Only where the text would be more than a string can hold (some 80 bands of 16 bits), or than there is
+    /// memory for, it is there just once.
     void copyToClipboard();
 
 private:
@@ -46,6 +47,7 @@ private:
     void listBands(const QStringList &names);
     const PLKBandStatistics *statisticsOf(int band) const;
     void showBand(int band);
+    ClipboardText clipboardText(const QStringList &counts, quint32 repetitions) const;
     void addBand(int band, const QString &counts, quint32 repetitions, ClipboardText *text) const;
 
     std::unique_ptr<Ui::XRVJP2kLayerStatistics> ui;

@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
 #include <new>
 #include <optional>
 
@@ -95,6 +96,21 @@ void logToolkitMessage(QtMsgType type, const QMessageLogContext &, const QString
     Application::logMessage(text, level, QDateTime::currentDateTime());
     if (level == Application::LogError)
         std::fprintf(stderr, "qdviewer: %s\n", qPrintable(text.simplified()));
+}
+
+/// The toolkit ends the program by a signal when it finds no window system; nothing is open yet that must be closed.
+void refuseWithoutWindows(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    static QString reason;
+    if (type == QtWarningMsg && reason.isEmpty())
+        reason = text.simplified();
+    if (type != QtFatalMsg) {
+        logToolkitMessage(type, context, text);
+        return;
+    }
+    std::fprintf(stderr, "qdviewer: No window can be shown (%s); --screenshot and --describe work without a display.\n",
+                 qPrintable(reason.isEmpty() ? text.simplified() : reason));
+    std::_Exit(kFailure);
 }
 
 void nameApplication()
@@ -177,11 +193,12 @@ int main(int argc, char *argv[])
 {
     ensureUtf8Locale();
     const bool hasWindows = ensurePlatform(needsWindow(argc, argv));
-    qInstallMessageHandler(logToolkitMessage);
+    qInstallMessageHandler(refuseWithoutWindows);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     nameApplication();
     QApplication application(argc, argv);
+    qInstallMessageHandler(logToolkitMessage);
 
     dressApplication();
     QTextStream out(stdout);

@@ -206,21 +206,27 @@ void TestViewerProgram::refusesInOneLine_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("status");
     QTest::addColumn<QByteArray>("reason");
+    QTest::addColumn<QStringList>("variables");
     const QString describe = QStringLiteral("--describe");
     const QString settings = QStringLiteral("--settings");
-    QTest::newRow("wrong option") << QStringList{QStringLiteral("--nonsense")} << 2 << QByteArray("nonsense");
-    QTest::newRow("no display") << QStringList{gradient} << 1 << QByteArray("display");
+    const QStringList none;
+    QTest::newRow("wrong option") << QStringList{QStringLiteral("--nonsense")} << 2 << QByteArray("nonsense") << none;
+    QTest::newRow("no display") << QStringList{gradient} << 1 << QByteArray("display") << none;
+    QTest::newRow("display out of reach")
+        << QStringList{QStringLiteral("--window"), folder.path(QStringLiteral("w.png")), gradient} << 1
+        << QByteArray("(could not connect to display :4321)") << QStringList{QStringLiteral("DISPLAY=:4321")};
     QTest::newRow("settings in a folder")
-        << QStringList{describe, gradient, settings, folder.path()} << 1 << QByteArray("settings");
-    QTest::newRow("folder as source") << QStringList{describe, folder.path()} << 1 << QByteArray("folder");
-    QTest::newRow("nothing as source") << QStringList{describe, QString()} << 2 << QByteArray("empty");
+        << QStringList{describe, gradient, settings, folder.path()} << 1 << QByteArray("settings") << none;
+    QTest::newRow("folder as source") << QStringList{describe, folder.path()} << 1 << QByteArray("folder") << none;
+    QTest::newRow("nothing as source") << QStringList{describe, QString()} << 2 << QByteArray("empty") << none;
 }
 
 void TestViewerProgram::refusesInOneLine()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, reason);
-    const ProgramRun outcome = run(arguments);
+    QFETCH(QStringList, variables);
+    const ProgramRun outcome = run(arguments, variables);
     QTEST(outcome.status, "status");
     QCOMPARE(int(outcome.err.count('\n')), 1);
     QVERIFY2(outcome.err.startsWith("qdviewer: ") && outcome.err.contains(reason), outcome.err.constData());

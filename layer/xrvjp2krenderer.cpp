@@ -310,11 +310,8 @@ void XRVJP2kRenderer::paint(QPainter &painter, const QRectF &worldRect, const QR
     if (!currentImage)
         return;
     std::unique_ptr<GeoImage> derivedImage;
-    const bool isToned = contrast != 1.0 || brightness != 1.0;
-    if (!isToned)
-        tonePixels = QImage();
     // A picture with a tone gets no veil.
-    if (isToned)
+    if (contrast != 1.0 || brightness != 1.0)
         derivedImage = toneMappedImage();
     else if (hillShade)
         derivedImage = hillShadeOverlay();
@@ -329,18 +326,17 @@ void XRVJP2kRenderer::paint(QPainter &painter, const QRectF &worldRect, const QR
     painter.restore();
 }
 
-std::unique_ptr<GeoImage> XRVJP2kRenderer::toneMappedImage()
+std::unique_ptr<GeoImage> XRVJP2kRenderer::toneMappedImage() const
 {
     const ToneTable table = makeToneTable(contrast, brightness);
     const GeoImage &source = *currentImage;
-    if (tonePixels.size() != source.size() || tonePixels.format() != source.format())
-        tonePixels = QImage(source.size(), source.format());
+    auto toned = std::make_unique<GeoImage>(source.width(), source.height(), source.getX1(), source.getY1(),
+                                            source.getX2(), source.getY2(), source.format(), nullptr);
     // Without memory for a copy the picture is an empty one.
-    for (int y = 0; y < tonePixels.height(); ++y)
+    for (int y = 0; y < toned->height(); ++y)
         applyToneTable(table, reinterpret_cast<const QRgb *>(source.constScanLine(y)),
-                       reinterpret_cast<QRgb *>(tonePixels.scanLine(y)), source.width());
-    // It shares the pixels, so it has to be gone before the next call: that would write to a copy of all of them.
-    return std::make_unique<GeoImage>(tonePixels, source.getX1(), source.getY1(), source.getX2(), source.getY2());
+                       reinterpret_cast<QRgb *>(toned->scanLine(y)), source.width());
+    return toned;
 }
 
 std::unique_ptr<GeoImage> XRVJP2kRenderer::hillShadeOverlay() const

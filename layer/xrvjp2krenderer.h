@@ -3,7 +3,6 @@
 #include <QDGui/geoimage.h>
 #include <xrv60/plkview.h>
 
-#include <QImage>
 #include <QRect>
 #include <QRectF>
 #include <QString>
@@ -116,15 +115,12 @@ private:
     void prepareLineBuffers(int width);
     void composeLine(QRgb *line, int width) const;
     void readBlockingView();
-    std::unique_ptr<GeoImage> toneMappedImage();
+    std::unique_ptr<GeoImage> toneMappedImage() const;
     std::unique_ptr<GeoImage> hillShadeOverlay() const;
 
     /// Guards currentImage. Not a QRecursiveMutex: thread checkers see through the standard one.
     std::recursive_mutex imageMutex;
     std::unique_ptr<GeoImage> currentImage;
-    // Memory for the tone-mapped copy, kept while there is a tone: fresh pages at every repaint cost more than the
-    // mapping.
-    QImage tonePixels;
     Map::Layer *ownerLayer;
     double transparency = 1.0;
     double contrast = 1.0;

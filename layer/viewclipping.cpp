@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace Korvane {
 
@@ -51,9 +52,28 @@ int toPixelCount(std::int64_t count)
     return static_cast<int>(std::min<std::int64_t>(count, std::numeric_limits<int>::max()));
 }
 
-} // namespace
+/// \a requested with the corners given: nothing where less than a pixel is left between them.
+std::optional<ClippedView> viewBetween(const ClippedView &requested, const QPointF &topLeft, const QPointF &bottomRight)
+{
+    const auto &[width, height, x1, y1, x2, y2] = requested;
+    // Pixels of the request, each edge rounded by itself: as many as the part takes up on the screen, at the scale of
+    // the whole. The edges may lie outside of it, by what the view has grown.
+    const std::int64_t clippedWidth =
+        pixelOfEdge(bottomRight.x(), x1, x2, width) - pixelOfEdge(topLeft.x(), x1, x2, width);
+    const std::int64_t clippedHeight =
+        pixelOfEdge(bottomRight.y(), y1, y2, height) - pixelOfEdge(topLeft.y(), y1, y2, height);
+    if (clippedWidth < 1 || clippedHeight < 1)
+        return std::nullopt;
+    return ClippedView{toPixelCount(clippedWidth),
+                       toPixelCount(clippedHeight),
+                       topLeft.x(),
+                       topLeft.y(),
+                       bottomRight.x(),
+                       bottomRight.y()};
+}
 
-std::optional<ClippedView> clipView(const ImageGrid &grid, const ClippedView &requested)
+/// For requests that run with the columns and rows of the image.
+std::optional<ClippedView> clipAlongGrid(const ImageGrid &grid, const ClippedView &requested)
 {
     // Edges that only touch do not miss each other. A NaN misses nothing either: it leaves no pixels in the end.
     const double right = grid.width * grid.cellX + grid.originX;
@@ -81,21 +101,38 @@ std::optional<ClippedView> clipView(const ImageGrid &grid, const ClippedView &re
     if (endRow > std::int64_t(grid.height) - 1)
         bottomRight.setY(bottom);
 
-    const auto &[width, height, x1, y1, x2, y2] = requested;
-    // Pixels of the request, each edge rounded by itself: as many as the part takes up on the screen, at the scale of
-    // the whole. The edges may lie outside of it, by what the view has grown.
-    const std::int64_t clippedWidth =
-        pixelOfEdge(bottomRight.x(), x1, x2, width) - pixelOfEdge(topLeft.x(), x1, x2, width);
-    const std::int64_t clippedHeight =
-        pixelOfEdge(bottomRight.y(), y1, y2, height) - pixelOfEdge(topLeft.y(), y1, y2, height);
-    if (clippedWidth < 1 || clippedHeight < 1)
-        return std::nullopt;
-    return ClippedView{toPixelCount(clippedWidth),
-                       toPixelCount(clippedHeight),
-                       topLeft.x(),
-                       topLeft.y(),
-                       bottomRight.x(),
-                       bottomRight.y()};
+    return viewBetween(requested, topLeft, bottomRight);
+}
+
+/// The cells of one axis from \a from to \a to, either of which may be the higher one: outward to whole cells, within
+/// the image's \a count.
+std::pair<double, double> wholeCells(double from, double to, double count)
+{
+    const double low = std::clamp(std::floor(std::min(from, to)), 0.0, count);
+    const double high = std::clamp(std::ceil(std::max(from, to)), 0.0, count);
+    return from <= to ? std::pair(low, high) : std::pair(high, low);
+}
+
+/// For requests that run in any direction.
+std::optional<ClippedView> clipAcrossGrid(const ImageGrid &grid, const ClippedView &requested)
+{
+    const auto [column1, column2] =
+        wholeCells((requested.x1 - grid.originX) / grid.cellX, (requested.x2 - grid.originX) / grid.cellX, grid.width);
+    const auto [row1, row2] =
+        wholeCells((requested.y1 - grid.originY) / grid.cellY, (requested.y2 - grid.originY) / grid.cellY, grid.height);
+    return viewBetween(requested, grid.cellToWorld(column1, row1), grid.cellToWorld(column2, row2));
+}
+
+} // namespace
+
+std::optional<ClippedView> clipView(const ImageGrid &grid, const ClippedView &requested)
+{
+    const std::optional<ClippedView> clipped = clipAlongGrid(grid, requested);
+    // Requests that run against the image seem to miss it where they lie within it, and so does every one where the
+    // columns run to the left: the right edge is the lower one there.
+    const bool goesAgainst = (requested.x2 - requested.x1) * grid.cellX < 0 ||
+                             (requested.y2 - requested.y1) * grid.cellY < 0 || grid.cellX < 0;
+    return clipped || !goesAgainst ? clipped : clipAcrossGrid(grid, requested);
 }
 
 QSize decodedSize(const ImageGrid &grid, const ClippedView &view)

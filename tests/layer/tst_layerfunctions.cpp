@@ -199,6 +199,13 @@ void TestLayerFunctions::clips_data()
         << kPlain << ClippedView{100, 100, 10.25, -10.25, 19.75, -19.75} << ClippedView{105, 105, 10, -10, 20, -20};
     QTest::newRow("south up") << kSouthUp << ClippedView{1000, 800, -500, -400, 500, 400}
                               << ClippedView{500, 400, 0, 0, 500, 400};
+    // The window's rows go from high to low, those of the image from low to high.
+    QTest::newRow("within a cell of an image that is south up")
+        << kSouthUp << ClippedView{100, 100, 300.25, 700.75, 300.75, 700.25}
+        << ClippedView{199, 199, 300, 701, 301, 700};
+    QTest::newRow("within an image whose columns run to the left")
+        << gridOf(1000, 800, -1, -1, 1000, 0) << ClippedView{200, 100, 500.5, -10, 300.5, -110}
+        << ClippedView{201, 100, 501, -10, 300, -110};
     QTest::newRow("projected, down-sampled four times")
         << kProjected << ClippedView{500, 500, 299940, 4100000, 419940, 3980000}
         << ClippedView{458, 458, 299940, 4100000, 299940 + 1830 * 60, 4100000 - 1830 * 60};
@@ -234,6 +241,8 @@ void TestLayerFunctions::refuses_data()
     QTest::newRow("below, north up") << kPlain << ClippedView{100, 100, 0, -801, 100, -901};
     QTest::newRow("above, south up") << kSouthUp << ClippedView{100, 100, 0, -200, 100, -100};
     QTest::newRow("below, south up") << kSouthUp << ClippedView{100, 100, 0, 801, 100, 901};
+    QTest::newRow("beside, columns run to the left")
+        << gridOf(1000, 800, -1, -1, 1000, 0) << ClippedView{100, 100, 1001, 0, 1101, -100};
     QTest::newRow("less than a pixel") << kPlain << ClippedView{100, 100, -1e6, 1e6, 1e6, -1e6};
     QTest::newRow("no width") << kPlain << ClippedView{100, 100, 10, -10, 10, -20};
     QTest::newRow("no height") << kPlain << ClippedView{100, 100, 10, -10, 20, -10};

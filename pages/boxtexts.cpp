@@ -8,8 +8,8 @@
 
 namespace {
 
-/// In bytes. What is longer is not text for a person to read.
-constexpr quint64 kMaxBoxBytes = quint64(256) * 1024 * 1024;
+/// In bytes: the characters that a string of the toolkit can hold.
+constexpr quint64 kMaxBoxBytes = (quint64(1) << 30) - 64;
 
 /// What \a stream holds from where it stands; nothing when it cannot be read.
 std::optional<QString> readText(PLK::CIOStream &stream, quint64 length)
@@ -20,7 +20,11 @@ std::optional<QString> readText(PLK::CIOStream &stream, quint64 length)
     if (!buffer || !stream.Read(buffer.get(), length))
         return std::nullopt;
     buffer[length] = '\0';
-    return QString::fromUtf8(buffer.get());
+    try {
+        return QString::fromUtf8(buffer.get());
+    } catch (const std::bad_alloc &) {
+        return std::nullopt;
+    }
 }
 
 } // namespace

@@ -132,6 +132,8 @@ void TestMetadataPage::largeBoxes()
 class ShortStream : public PLK::CIOStream
 {
 public:
+    static constexpr quint64 kEndless = 257 * 1024 * 1024; // a box that is there all the same
+
     bool IsRemote() const override { return false; }
     std::uint64_t GetSize() const override { return 1U << 30; }
     bool Seek(std::uint64_t offset) override
@@ -141,6 +143,11 @@ public:
     }
     bool Read(void *buffer, std::uint64_t length) override
     {
+        if (length == kEndless) {
+            std::memcpy(static_cast<char *>(buffer) + length - 4, "end", 4);
+            std::memset(buffer, ' ', size_t(length) - 4);
+            return true;
+        }
         if (position + length >= quint64(bytes.size()))
             return false;
         std::memcpy(buffer, bytes.constData() + position, size_t(length));
@@ -163,6 +170,9 @@ void TestMetadataPage::unreachableBoxes()
     BoxTexts texts(&stream);
     for (const auto &[box, text] : boxes)
         QCOMPARE(texts.read(box, QStringLiteral("unread")), QLatin1String(text));
+    const QString endless = texts.read({0, 0, ShortStream::kEndless}, QStringLiteral("unread"));
+    QCOMPARE(endless.size(), int(ShortStream::kEndless) - 1);
+    QVERIFY(endless.endsWith(QLatin1String(" end")));
     QCOMPARE(BoxTexts(nullptr).read(boxes[1].first, QStringLiteral("unread")), QString());
     QCOMPARE(BoxTexts::typeName(0x75756964), QStringLiteral("uuid"));
 }

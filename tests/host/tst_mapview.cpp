@@ -101,6 +101,11 @@ void TestMapView::showsTheFirstLayerWhole()
     QVERIFY(isNear(QPointF(announced.x2, announced.y2), QPointF(1200, 375), 1e-5));
     QCOMPARE(shown.view.widgetToWorld(QPointF(100, 75)), QPointF(1050, 487.5));
     QCOMPARE(shown.view.worldToWidget(QPointF(1050, 487.5)), QPointF(100, 75));
+
+    // Of what is too thin to be seen as a whole, the middle.
+    FakeLayer thread(QRectF(0, 0, 1e6, -1));
+    shown.view.zoomToLayer(&thread);
+    QCOMPARE(shown.view.getVisibleWorldRect(), QRectF(500000 - 100, 74.5, 200, -150));
 }
 
 void TestMapView::showsEveryDirectionInItsPlace_data()

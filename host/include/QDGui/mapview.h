@@ -53,6 +53,7 @@ public:
     void setUnitsPerPixel(double unitsPerPixel);
     QPointF getCenter() const;
     void setCenter(const QPointF &worldPoint);
+    /// Show all of it, or where it would be thinner than a pixel, as much around its middle as can be seen.
     void zoomToLayer(const Layer *layer);
     void zoomToAll();
     /// Shows the layer with one cell per device pixel around the centre of the view. Layers without cells: nothing.

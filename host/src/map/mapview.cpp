@@ -173,14 +173,14 @@ void MapView::setCenter(const QPointF &worldPoint)
 void MapView::zoomToLayer(const Layer *layer)
 {
     if (layer && layer->isValid())
-        d->fit(layer->getBounds());
+        d->fitLayers(layer->getBounds());
 }
 
 void MapView::zoomToAll()
 {
     const QRectF bounds = d->layerBounds();
     if (!bounds.isNull())
-        d->fit(bounds);
+        d->fitLayers(bounds);
 }
 
 void MapView::zoomToNative(const Layer *layer)

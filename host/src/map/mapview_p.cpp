@@ -18,6 +18,9 @@ constexpr int kWheelPauseMs = 250;
 /// No closer than this part of all layers' extent per pixel: beyond, doubles no longer tell the pixels apart.
 constexpr double kMinUnitsShare = 1e-11;
 
+/// Of layers that would be thinner than a pixel, in pixels: one might be lost between two that it touches.
+constexpr double kThinFit = 2.0;
+
 } // namespace
 
 MapView::Private::Private(MapView *view)
@@ -121,6 +124,19 @@ void MapView::Private::fit(const QRectF &worldRect)
     setGeometry(changed);
 }
 
+void MapView::Private::fitLayers(const QRectF &bounds)
+{
+    syncSize();
+    QRectF shown = bounds.normalized();
+    const double thinner = std::min(shown.width(), shown.height());
+    const QSizeF most = QSizeF(geometry.deviceSize) * thinner; // at one pixel for all of the thinner side
+    if (thinner <= 0.0 || (shown.width() <= most.width() && shown.height() <= most.height()))
+        return fit(bounds);
+    shown.setSize(shown.size().boundedTo(most / kThinFit));
+    shown.moveCenter(bounds.center());
+    fit(shown);
+}
+
 void MapView::Private::ensureExtent()
 {
     if (hasExtent)
@@ -128,7 +144,7 @@ void MapView::Private::ensureExtent()
     const auto placed = std::find_if(pictures.cbegin(), pictures.cend(),
                                      [](const auto &picture) { return picture->getLayer()->isValid(); });
     if (placed != pictures.cend())
-        fit((*placed)->getLayer()->getBounds());
+        fitLayers((*placed)->getLayer()->getBounds());
 }
 
 QRectF MapView::Private::layerBounds() const

@@ -33,6 +33,8 @@ public:
     void syncSize();
     void setGeometry(MapGeometry changed);
     void fit(const QRectF &worldRect);
+    /// All of \a bounds, or where they would be thinner than a pixel, their middle.
+    void fitLayers(const QRectF &bounds);
     /// Shows the first layer that knows where it is, unless something is shown already.
     void ensureExtent();
     QRectF layerBounds() const;

@@ -55,6 +55,82 @@
         <source>The opening was cancelled.</source>
         <translation>Das Öffnen wurde abgebrochen.</translation>
     </message>
+    <message>
+        <source>Components of more than 31 bits are not supported.</source>
+        <translation>Komponenten mit mehr als 31 Bit werden nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>High-throughput code-blocks among others are not supported.</source>
+        <translation>Hochdurchsatz-Codeblöcke zwischen anderen werden nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>Images that reach beyond 2147483647 cells are not supported.</source>
+        <translation>Bilder, die über 2147483647 Zellen hinausreichen, werden nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>JPEG 2000 compound documents are not supported.</source>
+        <translation>Zusammengesetzte JPEG 2000-Dokumente werden nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>Motion JPEG 2000 files are not supported.</source>
+        <translation>Motion-JPEG 2000-Dateien werden nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>The JPEG 2000 codestream ends within its main header.</source>
+        <translation>Der JPEG 2000-Codestream endet in seinem Hauptkopf.</translation>
+    </message>
+    <message>
+        <source>The XRV file ends before its version.</source>
+        <translation>Die XRV-Datei endet vor ihrer Version.</translation>
+    </message>
+    <message>
+        <source>The XRV file has no version.</source>
+        <translation>Die XRV-Datei hat keine Version.</translation>
+    </message>
+    <message>
+        <source>The codestream lies in another file, which is not supported.</source>
+        <translation>Der Codestream liegt in einer anderen Datei; das wird nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>The codestream lies in scattered pieces, which is not supported.</source>
+        <translation>Der Codestream liegt in verstreuten Stücken; das wird nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>The file ends before its codestream begins.</source>
+        <translation>Die Datei endet, bevor ihr Codestream beginnt.</translation>
+    </message>
+    <message>
+        <source>The file has no JPEG 2000 codestream.</source>
+        <translation>Die Datei hat keinen JPEG 2000-Codestream.</translation>
+    </message>
+    <message>
+        <source>The file is empty.</source>
+        <translation>Die Datei ist leer.</translation>
+    </message>
+    <message>
+        <source>The file is not a JPEG 2000 file.</source>
+        <translation>Die Datei ist keine JPEG 2000-Datei.</translation>
+    </message>
+    <message>
+        <source>The file is not an XRV image.</source>
+        <translation>Die Datei ist kein XRV-Bild.</translation>
+    </message>
+    <message>
+        <source>The fragment table of the codestream is damaged.</source>
+        <translation>Die Fragmenttabelle des Codestreams ist beschädigt.</translation>
+    </message>
+    <message>
+        <source>The server sent a page or a message, not an image.</source>
+        <translation>Der Server hat eine Seite oder eine Meldung geschickt, kein Bild.</translation>
+    </message>
+    <message>
+        <source>The wavelet transformation of the codestream is not supported.</source>
+        <translation>Die Wavelet-Transformation des Codestreams wird nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>This file is not an XRV image that this library can read.</source>
+        <translation>Diese Datei ist kein XRV-Bild, das diese Bibliothek lesen kann.</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

@@ -55,6 +55,82 @@
         <source>The opening was cancelled.</source>
         <translation>Se canceló la apertura.</translation>
     </message>
+    <message>
+        <source>Components of more than 31 bits are not supported.</source>
+        <translation>No se admiten componentes de más de 31 bits.</translation>
+    </message>
+    <message>
+        <source>High-throughput code-blocks among others are not supported.</source>
+        <translation>No se admiten bloques de códigos de alto rendimiento entre otros.</translation>
+    </message>
+    <message>
+        <source>Images that reach beyond 2147483647 cells are not supported.</source>
+        <translation>No se admiten imágenes que superen las 2147483647 celdas.</translation>
+    </message>
+    <message>
+        <source>JPEG 2000 compound documents are not supported.</source>
+        <translation>No se admiten documentos compuestos JPEG 2000.</translation>
+    </message>
+    <message>
+        <source>Motion JPEG 2000 files are not supported.</source>
+        <translation>No se admiten archivos Motion JPEG 2000.</translation>
+    </message>
+    <message>
+        <source>The JPEG 2000 codestream ends within its main header.</source>
+        <translation>El flujo de códigos JPEG 2000 termina dentro de su cabecera principal.</translation>
+    </message>
+    <message>
+        <source>The XRV file ends before its version.</source>
+        <translation>El archivo XRV termina antes de su versión.</translation>
+    </message>
+    <message>
+        <source>The XRV file has no version.</source>
+        <translation>El archivo XRV no tiene versión.</translation>
+    </message>
+    <message>
+        <source>The codestream lies in another file, which is not supported.</source>
+        <translation>El flujo de códigos está en otro archivo, lo que no se admite.</translation>
+    </message>
+    <message>
+        <source>The codestream lies in scattered pieces, which is not supported.</source>
+        <translation>El flujo de códigos está en trozos dispersos, lo que no se admite.</translation>
+    </message>
+    <message>
+        <source>The file ends before its codestream begins.</source>
+        <translation>El archivo termina antes de que empiece su flujo de códigos.</translation>
+    </message>
+    <message>
+        <source>The file has no JPEG 2000 codestream.</source>
+        <translation>El archivo no tiene ningún flujo de códigos JPEG 2000.</translation>
+    </message>
+    <message>
+        <source>The file is empty.</source>
+        <translation>El archivo está vacío.</translation>
+    </message>
+    <message>
+        <source>The file is not a JPEG 2000 file.</source>
+        <translation>El archivo no es un archivo JPEG 2000.</translation>
+    </message>
+    <message>
+        <source>The file is not an XRV image.</source>
+        <translation>El archivo no es una imagen XRV.</translation>
+    </message>
+    <message>
+        <source>The fragment table of the codestream is damaged.</source>
+        <translation>La tabla de fragmentos del flujo de códigos está dañada.</translation>
+    </message>
+    <message>
+        <source>The server sent a page or a message, not an image.</source>
+        <translation>El servidor envió una página o un mensaje, no una imagen.</translation>
+    </message>
+    <message>
+        <source>The wavelet transformation of the codestream is not supported.</source>
+        <translation>No se admite la transformación wavelet del flujo de códigos.</translation>
+    </message>
+    <message>
+        <source>This file is not an XRV image that this library can read.</source>
+        <translation>Este archivo no es una imagen XRV que esta biblioteca pueda leer.</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

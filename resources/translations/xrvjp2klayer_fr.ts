@@ -55,6 +55,82 @@
         <source>The opening was cancelled.</source>
         <translation>L’ouverture a été annulée.</translation>
     </message>
+    <message>
+        <source>Components of more than 31 bits are not supported.</source>
+        <translation>Les composantes de plus de 31 bits ne sont pas prises en charge.</translation>
+    </message>
+    <message>
+        <source>High-throughput code-blocks among others are not supported.</source>
+        <translation>Les blocs de codes à haut débit mêlés à d’autres ne sont pas pris en charge.</translation>
+    </message>
+    <message>
+        <source>Images that reach beyond 2147483647 cells are not supported.</source>
+        <translation>Les images qui dépassent 2147483647 cellules ne sont pas prises en charge.</translation>
+    </message>
+    <message>
+        <source>JPEG 2000 compound documents are not supported.</source>
+        <translation>Les documents composés JPEG 2000 ne sont pas pris en charge.</translation>
+    </message>
+    <message>
+        <source>Motion JPEG 2000 files are not supported.</source>
+        <translation>Les fichiers Motion JPEG 2000 ne sont pas pris en charge.</translation>
+    </message>
+    <message>
+        <source>The JPEG 2000 codestream ends within its main header.</source>
+        <translation>Le flux de codes JPEG 2000 se termine dans son en-tête principal.</translation>
+    </message>
+    <message>
+        <source>The XRV file ends before its version.</source>
+        <translation>Le fichier XRV se termine avant sa version.</translation>
+    </message>
+    <message>
+        <source>The XRV file has no version.</source>
+        <translation>Le fichier XRV n’a pas de version.</translation>
+    </message>
+    <message>
+        <source>The codestream lies in another file, which is not supported.</source>
+        <translation>Le flux de codes se trouve dans un autre fichier, ce qui n’est pas pris en charge.</translation>
+    </message>
+    <message>
+        <source>The codestream lies in scattered pieces, which is not supported.</source>
+        <translation>Le flux de codes est dispersé en morceaux, ce qui n’est pas pris en charge.</translation>
+    </message>
+    <message>
+        <source>The file ends before its codestream begins.</source>
+        <translation>Le fichier se termine avant le début de son flux de codes.</translation>
+    </message>
+    <message>
+        <source>The file has no JPEG 2000 codestream.</source>
+        <translation>Le fichier n’a pas de flux de codes JPEG 2000.</translation>
+    </message>
+    <message>
+        <source>The file is empty.</source>
+        <translation>Le fichier est vide.</translation>
+    </message>
+    <message>
+        <source>The file is not a JPEG 2000 file.</source>
+        <translation>Le fichier n’est pas un fichier JPEG 2000.</translation>
+    </message>
+    <message>
+        <source>The file is not an XRV image.</source>
+        <translation>Le fichier n’est pas une image XRV.</translation>
+    </message>
+    <message>
+        <source>The fragment table of the codestream is damaged.</source>
+        <translation>La table des fragments du flux de codes est endommagée.</translation>
+    </message>
+    <message>
+        <source>The server sent a page or a message, not an image.</source>
+        <translation>Le serveur a envoyé une page ou un message, pas une image.</translation>
+    </message>
+    <message>
+        <source>The wavelet transformation of the codestream is not supported.</source>
+        <translation>La transformation en ondelettes du flux de codes n’est pas prise en charge.</translation>
+    </message>
+    <message>
+        <source>This file is not an XRV image that this library can read.</source>
+        <translation>Ce fichier n’est pas une image XRV que cette bibliothèque sait lire.</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

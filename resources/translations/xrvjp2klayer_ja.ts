@@ -55,6 +55,82 @@
         <source>The opening was cancelled.</source>
         <translation>開く操作はキャンセルされました。</translation>
     </message>
+    <message>
+        <source>Components of more than 31 bits are not supported.</source>
+        <translation>31 ビットを超える成分には対応していません。</translation>
+    </message>
+    <message>
+        <source>High-throughput code-blocks among others are not supported.</source>
+        <translation>ほかの符号ブロックに混在する高スループット符号ブロックには対応していません。</translation>
+    </message>
+    <message>
+        <source>Images that reach beyond 2147483647 cells are not supported.</source>
+        <translation>2147483647 セルを超える画像には対応していません。</translation>
+    </message>
+    <message>
+        <source>JPEG 2000 compound documents are not supported.</source>
+        <translation>JPEG 2000 複合文書には対応していません。</translation>
+    </message>
+    <message>
+        <source>Motion JPEG 2000 files are not supported.</source>
+        <translation>Motion JPEG 2000 ファイルには対応していません。</translation>
+    </message>
+    <message>
+        <source>The JPEG 2000 codestream ends within its main header.</source>
+        <translation>JPEG 2000 コードストリームがメインヘッダーの途中で終わっています。</translation>
+    </message>
+    <message>
+        <source>The XRV file ends before its version.</source>
+        <translation>XRV ファイルがバージョンの前で終わっています。</translation>
+    </message>
+    <message>
+        <source>The XRV file has no version.</source>
+        <translation>XRV ファイルにバージョンがありません。</translation>
+    </message>
+    <message>
+        <source>The codestream lies in another file, which is not supported.</source>
+        <translation>コードストリームが別のファイルにあり、これには対応していません。</translation>
+    </message>
+    <message>
+        <source>The codestream lies in scattered pieces, which is not supported.</source>
+        <translation>コードストリームが離れた部分に分かれており、これには対応していません。</translation>
+    </message>
+    <message>
+        <source>The file ends before its codestream begins.</source>
+        <translation>ファイルがコードストリームの始まる前に終わっています。</translation>
+    </message>
+    <message>
+        <source>The file has no JPEG 2000 codestream.</source>
+        <translation>ファイルに JPEG 2000 コードストリームがありません。</translation>
+    </message>
+    <message>
+        <source>The file is empty.</source>
+        <translation>ファイルが空です。</translation>
+    </message>
+    <message>
+        <source>The file is not a JPEG 2000 file.</source>
+        <translation>このファイルは JPEG 2000 ファイルではありません。</translation>
+    </message>
+    <message>
+        <source>The file is not an XRV image.</source>
+        <translation>このファイルは XRV 画像ではありません。</translation>
+    </message>
+    <message>
+        <source>The fragment table of the codestream is damaged.</source>
+        <translation>コードストリームの断片表が壊れています。</translation>
+    </message>
+    <message>
+        <source>The server sent a page or a message, not an image.</source>
+        <translation>サーバーが画像ではなくページまたはメッセージを送ってきました。</translation>
+    </message>
+    <message>
+        <source>The wavelet transformation of the codestream is not supported.</source>
+        <translation>コードストリームのウェーブレット変換には対応していません。</translation>
+    </message>
+    <message>
+        <source>This file is not an XRV image that this library can read.</source>
+        <translation>このファイルは、このライブラリが読み取れる XRV 画像ではありません。</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void areFinished();
     void keepWhatTheProgramNeeds_data() { addFiles(); }
     void keepWhatTheProgramNeeds();
+    void haveTheSentencesOfTheSdk();
 
 private:
     struct Message
@@ -173,6 +174,38 @@ void TestCatalogues::keepWhatTheProgramNeeds()
             QVERIFY2(text.isEmpty(), qPrintable(QStringLiteral("%1\n%2\n%3").arg(text, message.source, translation)));
         }
     }
+}
+
+static QStringList sentences(const QString &path, const QString &before)
+{
+    QFile file(QDir(QStringLiteral(SOURCE_FOLDER)).filePath(path));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList found;
+    auto matches = QRegularExpression(before + QLatin1String(",\\s*\"([^\"\\\\]+\\.)\"[)}]"))
+                       .globalMatch(QString::fromUtf8(file.readAll()));
+    while (matches.hasNext())
+        found.append(matches.next().captured(1));
+    return found;
+}
+
+/// What the rooms that open files say in the same words always, but for the cancelling, which the layer says itself.
+void TestCatalogues::haveTheSentencesOfTheSdk()
+{
+    QStringList said;
+    for (const char *room : {"file", "container", "codestream", "xrv"}) {
+        const QString folder = QLatin1String("sdk/src/") + QLatin1String(room) + QLatin1Char('/');
+        const QDir sources(QDir(QStringLiteral(SOURCE_FOLDER)).filePath(folder));
+        for (const QString &name : sources.entryList({QStringLiteral("*.cpp")}, QDir::Files))
+            said += sentences(folder + name, QStringLiteral("\\{PLK_ERR_(?!CANCELLED)\\w+"));
+    }
+    said.removeDuplicates();
+    said.sort();
+    QStringList listed =
+        sentences(QStringLiteral("layer/xrvjp2klayer_source.cpp"), QStringLiteral("NOOP\\(\"Korvane::XRVJP2kLayer\""));
+    listed.sort();
+    QVERIFY(said.size() > 10);
+    QCOMPARE(listed, said);
 }
 
 QTEST_APPLESS_MAIN(TestCatalogues)

@@ -8,7 +8,8 @@ build_packages=(
     libpng-dev libopenjph-dev liblcms2-dev libpugixml-dev libcurl4-openssl-dev
     fonts-dejavu-core
 )
-test_packages=(clang clang-format nginx-light openssl)
+tidy_packages=(clang clang-tidy)
+test_packages=("${tidy_packages[@]}" clang-format nginx-light openssl)
 bench_packages=(libgdal-dev libopenjp2-tools)
 
 missing_packages()

@@ -59,7 +59,7 @@ look()
 look_at_joined()
 {
     local said source status=0
-    if said=$(database=$build/joined look "$1"); then
+    if said=$(database=$build/joined look "$1" 2>&1); then
         return
     elif grep -q clang-diagnostic-error <<<"$said"; then
         for source in $(cut -d'"' -f2 "$1"); do

@@ -133,6 +133,9 @@ void TestColourConversion::cells_data()
     row("no ink", cmyk, {0, 0, 0, 0}, {255, 255, 255}, 0, 8);
     row("cyan", cmyk, {255, 0, 0, 0}, {0, 255, 255}, 0, 8);
     row("yellow with black", cmyk, {0, 0, 255, 51}, {204, 204, 0}, 0, 8);
+    Input signedInk = cmyk;
+    signedInk.components.assign(4, component(8, true));
+    row("signed ink", signedInk, {127, -128, 76, -128}, {0, 255, 51}, 0, 8);
     row("CMY", equal(3, 8, Kind::Cmyk, 11), {255, 51, 0}, {0, 204, 255}, 0, 8);
     row("bi-level", equal(1, 1, Kind::Greyscale, 0), {0}, {1}, 0, 1);
 

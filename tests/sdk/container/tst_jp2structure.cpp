@@ -202,6 +202,7 @@ void TestJp2Structure::colour_data()
     row("the understood one", {colrEnumerated(99, 5), colrIcc(rgbProfile, 4, 9), colrEnumerated(18)}, Kind::SYcc, 18);
     row("higher precedence", {colrIcc(rgbProfile, 2, 0, 1), colrEnumerated(20, 1, 1)}, Kind::SRgb, 20);
     row("precedence has a sign", {colrEnumerated(17, -1), colrEnumerated(16)}, Kind::SRgb, 16);
+    row("exact, and nothing said of it", {colrEnumerated(16, 0, 1), colrIcc(rgbProfile)}, Kind::SRgb, 16);
     row("closer approximation", {colrEnumerated(16, 0, 3), colrIcc(rgbProfile, 3, 0, 1)}, Kind::Icc, 0);
     row("parameters of sRGB", {box("colr", {5, 0, 0, 0, 1, 0, 13, 0, 0, 0x80})}, Kind::SRgb, 0);
     row("parameters of film", {box("colr", {5, 0, 0, 0, 9, 0, 16, 0, 9, 0x80})}, Kind::Unknown, 0);

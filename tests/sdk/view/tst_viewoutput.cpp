@@ -185,6 +185,9 @@ void TestViewOutput::premultipliedOpacityIsDividedOut()
     QCOMPARE(bytesOf(lines.at(0, 0)), bgra(20, 60, 120, 128)); // 10, 30, 60 of 255 / 128
     QCOMPARE(bytesOf(lines.at(1, 0)), bgra(0, 0, 0, 0));
     QCOMPARE(bytesOf(lines.at(2, 0)), bgra(128, 255, 255, 100));
+    // A band that is shown as a colour, too, is no opacity of it.
+    image.show({3, 0, 1, 3}, 1, 1, {0, 0, 1, 1});
+    QCOMPARE(bytesOf(readBgra(engine).at(0, 0)), bgra(30, 60, 128, 128));
 }
 
 void TestViewOutput::paletteIsInterpolatedAsColour()

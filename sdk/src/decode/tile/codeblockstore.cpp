@@ -1,14 +1,16 @@
 #include "codeblockstore.h"
 
+#include <utility>
+
 using PLK::CError;
 
 namespace xrv {
 
 CodeBlockStore::CodeBlockStore(std::shared_ptr<ByteSource> source, const MainHeader &header, std::uint64_t fileNumber)
-    : source(source)
+    : source(std::move(source))
     , fileNumber(fileNumber)
-    , precincts(source, header)
-    , reader(source, header)
+    , precincts(this->source, header)
+    , reader(this->source, header)
 {
 }
 

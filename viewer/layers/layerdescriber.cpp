@@ -28,7 +28,7 @@ namespace {
 
 constexpr int kMaxEntries = 256;
 /// Of all bands; two cores take some minutes.
-constexpr double kMostCellsToCount = 2e9;
+constexpr double kMaxCellsToCount = 2e9;
 constexpr unsigned long kPollMs = 5;
 
 QJsonValue number(double value)
@@ -168,7 +168,7 @@ void LayerDescriber::countCells(Layer &layer)
     if (!source || !raster || !source->areCellsLocal())
         return;
     const QSize size = raster->getSize();
-    if (double(size.width()) * size.height() * raster->getNumberOfBands() > kMostCellsToCount)
+    if (double(size.width()) * size.height() * raster->getNumberOfBands() > kMaxCellsToCount)
         return;
     source->countStatistics();
     while (source->getStatisticsState() == ILayerStatistics::StatisticsState::Counting)

@@ -26,7 +26,7 @@ constexpr std::int64_t kEstimateGrid = 64;
 constexpr std::int64_t kMaxCellsPerPiece = 12 << 20;
 constexpr std::int64_t kMinPieceHeight = 256;
 // Of all bands: a day's work and more. What claims to have more is a damaged header as a rule.
-constexpr double kMostCellsToCount = 1e12;
+constexpr double kMaxCellsToCount = 1e12;
 constexpr std::size_t kMaxBuckets = 65536;
 constexpr std::size_t kMaxBucketsOfAllBands = std::size_t(4) << 20; // 32 MiB
 constexpr std::size_t kMaxCounterBytes = std::size_t(64) << 20;
@@ -281,7 +281,7 @@ CError computeStatistics(RasterReader &reader, const BandMap &map, StatisticsKin
                          const StatisticsControl &control, StatisticsPtr *statistics)
 {
     const double cells = static_cast<double>(cellsAtLevel(reader.info(), 0)) * static_cast<double>(map.bands().size());
-    if (kind == StatisticsKind::Exact && cells > kMostCellsToCount)
+    if (kind == StatisticsKind::Exact && cells > kMaxCellsToCount)
         return {PLK_ERR_UNSUPPORTED, "The image has too many cells to count them all."};
     StatisticsPtr result = makeStatisticsRecord(map.bands().size());
     if (CError error = Computation(reader, map, kind, control).run(result->pBandStats))

@@ -105,7 +105,7 @@ void TestBatchRunner::noPicture_data()
 {
     QTest::addColumn<QString>("option");
     QTest::addColumn<QByteArray>("quad"); // empty: there is no such file
-    QTest::addColumn<QString>("picture");
+    QTest::addColumn<QString>("target");
     QTest::addColumn<QByteArray>("reason");
     const auto row = [](const char *name, const char *option, const char *quad, const char *pictureName,
                         const char *reason) {
@@ -125,11 +125,11 @@ void TestBatchRunner::noPicture()
     QFETCH(QString, option);
     QFETCH(QByteArray, quad);
     QFETCH(QByteArray, reason);
-    QFETCH(QString, picture);
+    QFETCH(QString, target);
     const QString file = quad.isEmpty() ? test.path(QStringLiteral("x.quad")) : test.quad(QStringLiteral("q"), quad);
-    QCOMPARE(run({option, test.path(picture), file}, quad.endsWith("never") ? 300 : 20000), 1);
+    QCOMPARE(run({option, test.path(target), file}, quad.endsWith("never") ? 300 : 20000), 1);
     QVERIFY2(err.contains(reason) && err.count('\n') == 1, err.constData());
-    QVERIFY(!QFile::exists(test.path(picture)));
+    QVERIFY(!QFile::exists(test.path(target)));
 }
 
 void TestBatchRunner::failuresDoNotStopTheRest()

@@ -163,7 +163,8 @@ void TestCountedStatistics::closedWhileItCounts()
     for (int round = 0; round < 5; ++round) {
         OpenImage image(large);
         image.view.StartCountingStatistics();
-        QTRY_VERIFY(image.view.GetStatisticsPercent() >= round); // at another moment each time
+        // At another moment each time.
+        QTRY_VERIFY_WITH_TIMEOUT(image.view.GetStatisticsPercent() >= round, 60000);
     }
 }
 

@@ -32,14 +32,9 @@ constexpr std::size_t kMaxBucketsOfAllBands = std::size_t(4) << 20; // 32 MiB
 constexpr std::size_t kMaxCounterBytes = std::size_t(64) << 20;
 constexpr std::int64_t kMaxStripBytes = std::int64_t(32) << 20;
 
-std::int64_t sizeAtLevel(std::uint32_t size, int level)
-{
-    return (std::int64_t(size) + (std::int64_t(1) << level) - 1) >> level;
-}
-
 std::int64_t cellsAtLevel(const RasterInfo &info, int level)
 {
-    return sizeAtLevel(info.width, level) * sizeAtLevel(info.height, level);
+    return ceilShift(info.width, level) * ceilShift(info.height, level);
 }
 
 IntRect datasetRect(const RasterInfo &info)
@@ -50,7 +45,7 @@ IntRect datasetRect(const RasterInfo &info)
 /// All of the image, in strips that are no larger than what may be held at once.
 std::vector<IntRect> planStrips(const RasterInfo &info, int level, int bandCount)
 {
-    const std::int64_t rowBytes = sizeAtLevel(info.width, level) * bandCount * 4;
+    const std::int64_t rowBytes = ceilShift(info.width, level) * bandCount * 4;
     const std::int64_t rows = std::max<std::int64_t>(1, kMaxStripBytes / rowBytes) << level;
     std::vector<IntRect> strips;
     for (std::int64_t y = 0; y < info.height; y += rows)

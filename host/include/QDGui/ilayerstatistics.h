@@ -1,7 +1,6 @@
 #pragma once
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 
 /// Implemented by layers whose statistics may be an estimate until all cells are counted, which goes on in the
 /// background. GUI thread; nothing here waits.
@@ -28,5 +27,4 @@ protected:
     ~ILayerStatistics() = default;
 };
 
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map

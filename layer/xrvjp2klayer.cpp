@@ -174,12 +174,8 @@ void XRVJP2kLayer::setPixmapSmoothing(bool on)
 /// Opens the source that is open anew; false when it stays as it was. The layer may be gone afterwards.
 bool XRVJP2kLayer::switchMode(const QString &source)
 {
-    const QPointer<XRVJP2kLayer> self(this);
     isSwitchingMode = true;
-    const bool isOpen = setDataSource(source);
-    if (self)
-        isSwitchingMode = false;
-    return isOpen;
+    return setDataSource(source);
 }
 
 void XRVJP2kLayer::setProgressive(bool on)

@@ -96,8 +96,9 @@ public:
     ///
     /// A stream that is not there at once is opened with the windows left alive, where Gui::LongTask can: events are
     /// handled within this call, the person may cancel it, which is a failure like others, and the layer may even be
-    /// deleted. Meanwhile it shows what it showed before, and refuses further sources; views and modes that are asked
-    /// for then are taken up when the source is open. A cancelled opening changes nothing.
+    /// deleted. Meanwhile it shows what it showed before; views and modes that are asked for then are taken up when the
+    /// source is open, and another source takes this one's place, which is cancelled. A cancelled opening changes
+    /// nothing.
     bool setDataSource(QString source) override;
     QIcon getIcon() const override;
     bool isVisible() const override { return visible; }
@@ -245,7 +246,7 @@ private:
     PLK::CError openRenderer(XRVJP2kRenderer &target, const QString &source, bool progressively,
                              const CarriedSettings *carried);
     Opened openRenderers(const QString &source, const CarriedSettings *carried);
-    bool takeOver(const QString &source, Opened opened, std::unique_ptr<CarriedSettings> carried);
+    bool takeOver(const QString &source, Opened opened, std::unique_ptr<CarriedSettings> carried, bool switchesMode);
     void applyChangesOfOpening();
     bool switchMode(const QString &source);
     void restoreSettings(const CarriedSettings &settings);
@@ -288,7 +289,8 @@ private:
     std::unique_ptr<XRVJP2kRenderer> backingRenderer;
     std::unique_ptr<PLK::COpenControl> opening; // of the stream that is being opened
     ChangesOfOpening afterOpening;
-    bool isSwitchingMode = false; // the source that is open is being opened in another mode
+    unsigned openings = 0;        // begun so far, to notice one that began within another
+    bool isSwitchingMode = false; // the next setDataSource() is for the source that is open, in another mode
     QString lastError;
     QString sizeGigaPixel;
     QString sizeOnDisk;

@@ -75,14 +75,16 @@ QString XRVJP2kLayer::getDataSource() const
 
 bool XRVJP2kLayer::setDataSource(QString source)
 {
-    if (opening) { // events are handled while a stream is opened
-        lastError = tr("Another source is being opened.");
-        return false;
-    }
+    const bool switchesMode = std::exchange(isSwitchingMode, false);
     setOpeningCancelled(false);
     histogramCache.clear();
     if (!resolveSource(&source))
         return false;
+    if (opening) { // events are handled while a stream is opened: the last wish counts
+        opening->Cancel();
+        opening.reset();
+    }
+    const unsigned thisOpening = ++openings;
 
     std::unique_ptr<CarriedSettings> carried;
     if (renderer) {
@@ -91,14 +93,18 @@ bool XRVJP2kLayer::setDataSource(QString source)
     }
     // While a stream is opened events are handled, and whoever looks at the layer then finds it as it was. So does who
     // only asked for another mode, if it cannot be had.
-    if (!isStreamAddress(source) && !isSwitchingMode)
+    if (!isStreamAddress(source) && !switchesMode)
         closeRenderers();
 
     const QPointer<XRVJP2kLayer> self(this); // it may be gone after an opening
     Opened opened = openRenderers(source, carried.get());
     if (!self)
         return false;
-    const bool isOpen = takeOver(source, std::move(opened), std::move(carried));
+    if (thisOpening != openings) { // the layer shows what was wished for later
+        setOpeningCancelled(true);
+        return false;
+    }
+    const bool isOpen = takeOver(source, std::move(opened), std::move(carried), switchesMode);
     applyChangesOfOpening();
     return isOpen;
 }
@@ -106,11 +112,12 @@ bool XRVJP2kLayer::setDataSource(QString source)
 /// What was opened takes the place of what was shown before. A cancelled opening leaves everything as it was, and so
 /// does one of the same source in another mode. Without a backing renderer that should be there, the main one is open
 /// and all else as it was.
-bool XRVJP2kLayer::takeOver(const QString &source, Opened opened, std::unique_ptr<CarriedSettings> carried)
+bool XRVJP2kLayer::takeOver(const QString &source, Opened opened, std::unique_ptr<CarriedSettings> carried,
+                            bool switchesMode)
 {
     const auto isCancelled = [](const PLK::CError &error) { return error.GetErrorNumber() == PLK_ERR_CANCELLED; };
     const bool cancelled = isCancelled(opened.error) || isCancelled(opened.backingError);
-    if (renderer && (cancelled || (isSwitchingMode && opened.error))) {
+    if (renderer && (cancelled || (switchesMode && opened.error))) {
         lastError = tr((opened.error ? opened.error : opened.backingError).GetErrorMessage());
         return false;
     }

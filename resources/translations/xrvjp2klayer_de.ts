@@ -40,10 +40,6 @@
         <translation>%1 von %2</translation>
     </message>
     <message>
-        <source>Another source is being opened.</source>
-        <translation>Es wird gerade eine andere Quelle geöffnet.</translation>
-    </message>
-    <message>
         <source>Open Stream</source>
         <translation>Stream öffnen</translation>
     </message>

@@ -40,10 +40,6 @@
         <translation>%1 de %2</translation>
     </message>
     <message>
-        <source>Another source is being opened.</source>
-        <translation>Se está abriendo otra fuente.</translation>
-    </message>
-    <message>
         <source>Open Stream</source>
         <translation>Abrir flujo</translation>
     </message>

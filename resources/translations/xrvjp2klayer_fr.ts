@@ -40,10 +40,6 @@
         <translation>%1 sur %2</translation>
     </message>
     <message>
-        <source>Another source is being opened.</source>
-        <translation>Une autre source est en cours d’ouverture.</translation>
-    </message>
-    <message>
         <source>Open Stream</source>
         <translation>Ouvrir un flux</translation>
     </message>

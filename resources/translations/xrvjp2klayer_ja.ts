@@ -40,10 +40,6 @@
         <translation>%2 中 %1</translation>
     </message>
     <message>
-        <source>Another source is being opened.</source>
-        <translation>別のソースを開いています。</translation>
-    </message>
-    <message>
         <source>Open Stream</source>
         <translation>ストリームを開く</translation>
     </message>

@@ -32,6 +32,7 @@ private Q_SLOTS:
     void cancelledChangesNothing();
     void cancelledBackingStore();
     void askedForMeanwhile();
+    void anotherSourceMeanwhile();
     void modeSwitch_data();
     void modeSwitch();
     void deletedMeanwhile_data();
@@ -239,8 +240,6 @@ void TestLayerOpening::askedForMeanwhile()
     const Dialogs watch([&](QDialog &) {
         if (layer.getSize() != QSize(64, 48))
             return; // the other mode is opened
-        QVERIFY(!layer.setDataSource(local));
-        QCOMPARE(layer.getLastError(), QStringLiteral("Another source is being opened."));
         layer.setTransformClip(50);
         viewWhole(layer);
         QVERIFY(paintedWhole(layer).pixel(20, 20) != QColor(Qt::white).rgb());
@@ -252,6 +251,24 @@ void TestLayerOpening::askedForMeanwhile()
     QCOMPARE(layer.getSize(), QSize(700, 700));
     QCOMPARE(layer.getTransformClip(), 50);
     QVERIFY(!layer.getProgressive() && !layer.getFile()->IsProgressive());
+}
+
+void TestLayerOpening::anotherSourceMeanwhile()
+{
+    const QString local = folder->makeImage(QStringLiteral("local.jp2"), colourImage(64, 48));
+    serve(silentAfter(byteImage(), 0));
+    XRVJP2kLayer layer(nullptr);
+    const Dialogs watch([&](QDialog &) {
+        QVERIFY(!layer.setDataSource(QStringLiteral("jpip://refused/image.jp2"))); // does not stop the other
+        QVERIFY(!layer.getFile());
+        QVERIFY(layer.setDataSource(local));
+        viewWhole(layer);
+    });
+    QVERIFY(!layer.setDataSource(address()));
+    QCOMPARE(watch.shown, 1);
+    QVERIFY(layer.isValid() && layer.isOpeningCancelled() && layer.getLastError().isEmpty());
+    QCOMPARE(layer.getSize(), QSize(64, 48));
+    QVERIFY(paintedWhole(layer).pixel(20, 20) != QColor(Qt::white).rgb());
 }
 
 void TestLayerOpening::modeSwitch_data()

@@ -77,6 +77,9 @@ void HttpTransfer::setUp()
     curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 0L); // the caller checks where to
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(curl, CURLOPT_TCP_KEEPALIVE, 1L);
+#if LIBCURL_VERSION_NUM >= 0x075700
+    curl_easy_setopt(curl, CURLOPT_QUICK_EXIT, 1L); // who cancels does not wait for a name that is being looked up
+#endif
     curl_easy_setopt(curl, CURLOPT_BUFFERSIZE, kBufferSize);
     curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT_MS, long(request.connectTimeout));
     curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, errorText);

@@ -222,9 +222,9 @@ void XRVJP2kLayer::setDrawOutline(bool on)
     refresh(0, 0, 0, 0);
 }
 
-void XRVJP2kLayer::setOutlineColor(QColor color) // NOLINT(performance-unnecessary-value-param): as published
+void XRVJP2kLayer::setOutlineColor(QColor color)
 {
-    outlineColor = color;
+    outlineColor = std::move(color);
     outlinePen = QPen(outlineColor);
     PluginSettings::write(PluginSettings::kOutlineColor, outlineColor);
     refresh(0, 0, 0, 0);

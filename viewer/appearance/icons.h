@@ -2,11 +2,9 @@
 
 #include <QIcon>
 
-namespace Viewer {
-
 /// The viewer's own icons, drawn as lines in the palette's text colour: sharp at every size and scale factor, legible
 /// on light and dark themes.
-namespace Icons {
+namespace Viewer::Icons {
 
 enum class Shape {
     Open,
@@ -26,5 +24,4 @@ enum class Shape {
 
 QIcon icon(Shape shape);
 
-} // namespace Icons
-} // namespace Viewer
+} // namespace Viewer::Icons

@@ -134,7 +134,7 @@ bool LayerListModel::setData(const QModelIndex &index, const QVariant &value, in
     } else {
         return false;
     }
-    Q_EMIT dataChanged(index, index);
+    Q_EMIT dataChanged(index, index); // NOLINT(readability-misleading-indentation): of the empty macro
     Q_EMIT layerEdited(layer);
     return true;
 }

@@ -6,12 +6,10 @@
 class QLabel;
 class QPushButton;
 
-namespace Korvane {
-namespace Map {
+namespace Korvane::Map {
 class ILayerStatistics;
 class Layer;
-} // namespace Map
-} // namespace Korvane
+} // namespace Korvane::Map
 
 namespace Viewer {
 

@@ -74,7 +74,7 @@ void ProjectController::showView(ProjectView *projectView)
 
 QString ProjectController::save(const QString &fileName)
 {
-    const QString error = ProjectWriter::write(gather(), fileName);
+    QString error = ProjectWriter::write(gather(), fileName);
     if (error.isEmpty())
         setState(fileName, false);
     return error;

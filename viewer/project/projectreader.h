@@ -24,7 +24,7 @@ public:
     Project read(const QString &fileName, QString *error) const;
 
     /// A project of this size names some ten thousand layers; a larger file is refused unread.
-    static constexpr qint64 kMaxFileBytes = 32 * 1024 * 1024;
+    static constexpr qint64 kMaxFileBytes = qint64(32) * 1024 * 1024;
 
 private:
     QString parse(const QString &fileName, QDomDocument *document) const;

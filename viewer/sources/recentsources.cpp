@@ -6,12 +6,14 @@
 #include <QMenu>
 #include <QSettings>
 
+#include <utility>
+
 namespace Viewer {
 
-RecentSources::RecentSources(QSettings *settings, const QString &key, QObject *parent)
+RecentSources::RecentSources(QSettings *settings, QString key, QObject *parent)
     : QObject(parent)
     , settings(settings)
-    , key(key)
+    , key(std::move(key))
 {
 }
 

@@ -17,7 +17,7 @@ class RecentSources : public QObject
 
 public:
     /// Reads and writes \a settings, which must outlive it, under \a key.
-    RecentSources(QSettings *settings, const QString &key, QObject *parent = nullptr);
+    RecentSources(QSettings *settings, QString key, QObject *parent = nullptr);
 
     QStringList entries() const;
     void add(const QString &source);

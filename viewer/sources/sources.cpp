@@ -87,7 +87,7 @@ QStringList fromMimeData(const QMimeData &data)
 
 QString ofLayer(const Korvane::Map::Layer &layer)
 {
-    const QString source = layer.getDataSource();
+    QString source = layer.getDataSource();
     if (!isAddress(source) && QFileInfo::exists(source))
         return source;
     const QString decoded = Korvane::Util::Address::narrowed(source);
@@ -96,7 +96,7 @@ QString ofLayer(const Korvane::Map::Layer &layer)
 
 QString nameOfLayer(const Korvane::Map::Layer &layer)
 {
-    const QString name = layer.getDescription();
+    QString name = layer.getDescription();
     const QString source = ofLayer(layer);
     const int question = isAddress(source) ? source.indexOf(QLatin1Char('?')) : -1;
     if (question < 0 || name.isEmpty())

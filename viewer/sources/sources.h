@@ -9,11 +9,9 @@ namespace Korvane::Map {
 class Layer;
 } // namespace Korvane::Map
 
-namespace Viewer {
-
 /// File names and addresses of images, as texts. A source is an address when it begins with a scheme ("xrvp://...");
 /// anything else is a local file name.
-namespace Sources {
+namespace Viewer::Sources {
 
 bool isAddress(const QString &source);
 /// The source in the form that is stored and compared: an absolute path for a file (also for a file: address), an
@@ -37,5 +35,4 @@ QString nameOfLayer(const Korvane::Map::Layer &layer);
 /// Why a local file cannot be opened at all, as a sentence; empty for an address and for a readable file.
 QString checkReadable(const QString &source);
 
-} // namespace Sources
-} // namespace Viewer
+} // namespace Viewer::Sources

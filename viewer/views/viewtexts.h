@@ -3,10 +3,8 @@
 #include <QPointF>
 #include <QString>
 
-namespace Viewer {
-
 /// Numbers of the status bar as texts, in the person's locale.
-namespace ViewTexts {
+namespace Viewer::ViewTexts {
 
 /// As many decimals as tell two neighbouring pixels apart, when a pixel is \a unitsPerPixel world units wide.
 int decimalsFor(double unitsPerPixel);
@@ -17,5 +15,4 @@ QString zoomPercent(double cellSize, double unitsPerPixel);
 /// "240 units per pixel"
 QString unitsPerPixel(double units);
 
-} // namespace ViewTexts
-} // namespace Viewer
+} // namespace Viewer::ViewTexts

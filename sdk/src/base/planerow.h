@@ -26,8 +26,8 @@ template <typename Use> void withRow(const Plane &plane, std::int64_t y, Use use
 /// Calls \a function with a value of the type.
 template <typename Function> void withSampleType(SampleType type, Function function)
 {
-    switch (type) { // NOLINT(bugprone-branch-clone): the types differ
-    case SampleType::UInt8:
+    switch (type) {
+    case SampleType::UInt8: // NOLINT(bugprone-branch-clone): the types differ
         function(std::uint8_t());
         break;
     case SampleType::Int8:

@@ -8,7 +8,7 @@ using PLK::CError;
 
 namespace xrv {
 
-CodestreamReader::CodestreamReader(std::shared_ptr<ByteSource> source, ByteRange codestream,
+CodestreamReader::CodestreamReader(const std::shared_ptr<ByteSource> &source, ByteRange codestream,
                                    std::unique_ptr<MainHeader> mainHeader)
     : source(source)
     , header(std::move(mainHeader))

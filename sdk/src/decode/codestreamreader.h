@@ -17,7 +17,8 @@ namespace xrv {
 class CodestreamReader : public RasterReader
 {
 public:
-    CodestreamReader(std::shared_ptr<ByteSource> source, ByteRange codestream, std::unique_ptr<MainHeader> header);
+    CodestreamReader(const std::shared_ptr<ByteSource> &source, ByteRange codestream,
+                     std::unique_ptr<MainHeader> header);
     ~CodestreamReader() override;
 
     const RasterInfo &info() const override { return raster; }

@@ -19,7 +19,7 @@ public:
     void learn(double cells, double nanoseconds);
 
 private:
-    std::atomic<double> nanosecondsPerCell; ///< one core
+    std::atomic<double> nanosecondsPerCell{0}; ///< one core
 };
 
 } // namespace xrv

@@ -16,8 +16,9 @@ double uncompressedBytes(const RasterInfo &raster)
     double bytes = 0.0;
     for (std::size_t c = 0; c < raster.components.size(); ++c) {
         const IntRect rect = raster.levelRect(static_cast<int>(c), 0);
-        bytes += static_cast<double>(rect.width()) * static_cast<double>(rect.height()) *
-                 ((raster.components[c].bits + 7) / 8);
+        const int wholeBytes = (raster.components[c].bits + 7) / 8;
+        bytes +=
+            static_cast<double>(rect.width()) * static_cast<double>(rect.height()) * static_cast<double>(wholeBytes);
     }
     return bytes;
 }

@@ -50,7 +50,8 @@ OpenFile::~OpenFile()
     logNamed(PLK_LOG_INFO, "Closed \"" + nameToShow + "\".");
 }
 
-CError OpenFile::open(const std::string &givenName, std::shared_ptr<OpenWatch> watch, std::shared_ptr<OpenFile> *file)
+CError OpenFile::open(const std::string &givenName, const std::shared_ptr<OpenWatch> &watch,
+                      std::shared_ptr<OpenFile> *file)
 {
     const SourceName name(givenName);
     const std::string quoted = '"' + name.shown() + '"';
@@ -70,7 +71,7 @@ CError OpenFile::open(const std::string &givenName, std::shared_ptr<OpenWatch> w
         return {PLK_ERR_CANCELLED, "The opening was cancelled."};
     }
     for (const std::string &warning : warnings)
-        logNamed(PLK_LOG_WARNING, quoted + ": " + warning);
+        logNamed(PLK_LOG_WARNING, std::string(quoted).append(": ").append(warning));
     if (error) {
         logNamed(PLK_LOG_ERROR, quoted + " was not opened: " + error.GetErrorMessage());
         return error;

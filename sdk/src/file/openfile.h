@@ -26,7 +26,7 @@ public:
     /// Opens a local file or a stream by its UTF-8 name. How that went is logged, and so is damage that the file can be
     /// shown in spite of. PLK_ERR_CANCELLED when \a watch was cancelled; else the errors of openSource() and
     /// readFileParts().
-    static PLK::CError open(const std::string &givenName, std::shared_ptr<OpenWatch> watch,
+    static PLK::CError open(const std::string &givenName, const std::shared_ptr<OpenWatch> &watch,
                             std::shared_ptr<OpenFile> *file);
     ~OpenFile();
 

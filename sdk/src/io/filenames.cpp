@@ -40,8 +40,8 @@ bool localFileExists(const std::string &name)
 std::string resolveName(const wchar_t *name)
 {
     const std::wstring wide = name ? name : L"";
-    const std::string plain = utf8FromWide(wide);
-    const std::string bytes = bytesOf(wide);
+    std::string plain = utf8FromWide(wide);
+    std::string bytes = bytesOf(wide);
     if (!isWidenedUtf8(bytes))
         return plain;
     if (isStreamAddress(bytes) || (!localFileExists(plain) && localFileExists(bytes)))

@@ -48,7 +48,7 @@ private:
         }
     };
     struct Handle;
-    LocalFile(const std::string &openedName, std::unique_ptr<Handle> openedHandle);
+    LocalFile(std::string openedName, std::unique_ptr<Handle> openedHandle);
 
     std::string name;
     std::unique_ptr<Handle> handle;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -66,8 +67,8 @@ struct LocalFile::Handle
     int descriptor;
 };
 
-LocalFile::LocalFile(const std::string &openedName, std::unique_ptr<Handle> openedHandle)
-    : name(openedName)
+LocalFile::LocalFile(std::string openedName, std::unique_ptr<Handle> openedHandle)
+    : name(std::move(openedName))
     , handle(std::move(openedHandle))
 {
 }
@@ -82,7 +83,9 @@ CError LocalFile::open(const std::string &name, std::unique_ptr<LocalFile> *file
         return errorOfErrno(name, errno);
     auto handle = std::make_unique<Handle>(descriptor);
 
-    struct stat status;
+    struct stat status
+    {
+    };
     if (::fstat(descriptor, &status) != 0)
         return errorOfErrno(name, errno);
     if (S_ISDIR(status.st_mode))
@@ -97,7 +100,9 @@ CError LocalFile::open(const std::string &name, std::unique_ptr<LocalFile> *file
 
 bool LocalFile::exists(const std::string &name)
 {
-    struct stat status;
+    struct stat status
+    {
+    };
     return ::stat(name.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
@@ -121,7 +126,9 @@ CError LocalFile::readAt(std::uint64_t offset, std::uint8_t *buffer, std::size_t
 
 bool LocalFile::isUnchanged() const
 {
-    struct stat status;
+    struct stat status
+    {
+    };
     return ::fstat(handle->descriptor, &status) == 0 && Handle::identityOf(status) == identity;
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 
 #include <windows.h>
 
@@ -63,8 +64,8 @@ struct LocalFile::Handle
     HANDLE file;
 };
 
-LocalFile::LocalFile(const std::string &openedName, std::unique_ptr<Handle> openedHandle)
-    : name(openedName)
+LocalFile::LocalFile(std::string openedName, std::unique_ptr<Handle> openedHandle)
+    : name(std::move(openedName))
     , handle(std::move(openedHandle))
 {
 }

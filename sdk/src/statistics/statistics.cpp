@@ -304,10 +304,10 @@ std::pair<double, double> clipRange(const PLKBandStatistics &statistics, double 
     while (begin[last] == 0)
         --last;
     auto low = first, high = last;
-    for (double gone = static_cast<double>(begin[low]); gone <= cut && low < last;
+    for (auto gone = static_cast<double>(begin[low]); gone <= cut && low < last;
          gone += static_cast<double>(begin[low]))
         ++low;
-    for (double gone = static_cast<double>(begin[high]); gone <= cut && high > low;
+    for (auto gone = static_cast<double>(begin[high]); gone <= cut && high > low;
          gone += static_cast<double>(begin[high]))
         --high;
     const double width = last > first ? (largest - smallest) / static_cast<double>(last - first) : 0.0;

@@ -81,8 +81,8 @@ SignEntry signEntry(unsigned index)
 
 struct Tables
 {
-    std::array<std::array<std::uint8_t, 512>, 4> significance;
-    std::array<SignEntry, 256> sign;
+    std::array<std::array<std::uint8_t, 512>, 4> significance{};
+    std::array<SignEntry, 256> sign{};
     Tables()
     {
         for (int orientation = 0; orientation < 4; ++orientation)
@@ -111,7 +111,7 @@ struct CodeBlockDecoder::Passes
     std::int32_t *const cells;
     const std::uint8_t *const significanceTable;
     const SignEntry *const signTable;
-    std::array<MqDecoder::Context, kContexts> contexts;
+    std::array<MqDecoder::Context, kContexts> contexts{};
 
     Passes(const CodeBlock &block, std::vector<std::uint32_t> &storage, std::int32_t *coefficients)
         : width(block.width)
@@ -131,9 +131,9 @@ struct CodeBlockDecoder::Passes
     void resetContexts()
     {
         contexts.fill(kMqStates);
-        contexts[0] = kMqStates + 4 * 2;
-        contexts[kRunContext] = kMqStates + 3 * 2;
-        contexts[kUniformContext] = kMqStates + 46 * 2;
+        contexts[0] = &kMqStates[4 * 2];
+        contexts[kRunContext] = &kMqStates[3 * 2];
+        contexts[kUniformContext] = &kMqStates[46 * 2];
     }
 
     // Rows are template parameters, so that every shift is by a constant.
@@ -219,8 +219,8 @@ struct CodeBlockDecoder::Passes
     {
         Passes &passes;
         MqDecoder mq;
-        const std::int32_t value;
-        const std::uint8_t *const table;
+        const std::int32_t value = 0;
+        const std::uint8_t *const table = nullptr;
 
         XRV_INLINE static bool skips(std::uint32_t f) { return (f & kAllSignificance) == 0; }
         template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *word, std::int32_t *cell)
@@ -288,7 +288,7 @@ struct CodeBlockDecoder::Passes
     {
         Passes &passes;
         MqDecoder mq;
-        const std::int32_t half;
+        const std::int32_t half = 0;
 
         XRV_INLINE static bool skips(std::uint32_t f) { return (f & kAllSelf) == 0; }
         template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *, std::int32_t *cell)
@@ -314,7 +314,7 @@ struct CodeBlockDecoder::Passes
     {
         Passes &passes;
         RawBits &bits;
-        const std::int32_t half;
+        const std::int32_t half = 0;
 
         static bool skips(std::uint32_t f) { return (f & kAllSelf) == 0; }
         template <int kRow> void visit(std::uint32_t &f, std::uint32_t *, std::int32_t *cell)

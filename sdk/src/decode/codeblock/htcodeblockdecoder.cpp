@@ -239,7 +239,7 @@ bool HtCodeBlockDecoder::readQuad(const Quad &quad, int x, int y, unsigned expon
         const std::uint32_t next = bits.peek();
         bits.skip(count);
         // Twice the magnitude less one, with the sign as the lowest bit; the middle of the interval takes its place.
-        std::uint32_t value = static_cast<std::uint32_t>(next & ((std::uint64_t(1) << count) - 1));
+        auto value = static_cast<std::uint32_t>(next & ((std::uint64_t(1) << count) - 1));
         value |= static_cast<std::uint32_t>(quad.topBits >> cell & 1) << count | 1;
         const std::uint32_t magnitude = (value + 2) << (bitPlane - 1);
         if (magnitude >> 31)

@@ -31,14 +31,15 @@ constexpr Row kRows[47] = {
     {                                                                                                                  \
         kRows[row].qe << 8, symbol,                                                                                    \
         {                                                                                                              \
-            kMqStates + (kRows[row].nextMps * 2 + symbol),                                                             \
-                kMqStates + (kRows[row].nextLps * 2 + (symbol ^ kRows[row].exchange))                                  \
+            kMqStates + (kRows[row].nextMps * 2 + (symbol)),                                                           \
+                kMqStates + (kRows[row].nextLps * 2 + ((symbol) ^ kRows[row].exchange))                                \
         }                                                                                                              \
     }
 #define XRV_MQ_ROW(row) XRV_MQ_ENTRY(row, 0), XRV_MQ_ENTRY(row, 1)
 #define XRV_MQ_TEN(row)                                                                                                \
-    XRV_MQ_ROW(row), XRV_MQ_ROW(row + 1), XRV_MQ_ROW(row + 2), XRV_MQ_ROW(row + 3), XRV_MQ_ROW(row + 4),               \
-        XRV_MQ_ROW(row + 5), XRV_MQ_ROW(row + 6), XRV_MQ_ROW(row + 7), XRV_MQ_ROW(row + 8), XRV_MQ_ROW(row + 9)
+    XRV_MQ_ROW((row)), XRV_MQ_ROW((row) + 1), XRV_MQ_ROW((row) + 2), XRV_MQ_ROW((row) + 3), XRV_MQ_ROW((row) + 4),     \
+        XRV_MQ_ROW((row) + 5), XRV_MQ_ROW((row) + 6), XRV_MQ_ROW((row) + 7), XRV_MQ_ROW((row) + 8),                    \
+        XRV_MQ_ROW((row) + 9)
 
 const MqState kMqStates[94] = {XRV_MQ_TEN(0),  XRV_MQ_TEN(10), XRV_MQ_TEN(20), XRV_MQ_TEN(30),
                                XRV_MQ_ROW(40), XRV_MQ_ROW(41), XRV_MQ_ROW(42), XRV_MQ_ROW(43),

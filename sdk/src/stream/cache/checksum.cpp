@@ -29,7 +29,7 @@ std::uint64_t stripesOf(const std::uint8_t *&bytes, const std::uint8_t *end, std
 {
     std::uint64_t lanes[4] = {seed + kPrime1 + kPrime2, seed + kPrime2, seed, seed - kPrime1};
     for (; end - bytes >= 32; bytes += 32)
-        for (int i = 0; i < 4; ++i)
+        for (std::ptrdiff_t i = 0; i < 4; ++i)
             lanes[i] = roundOf(lanes[i], littleEndian(bytes + 8 * i, 8));
     std::uint64_t sum = rotated(lanes[0], 1) + rotated(lanes[1], 7) + rotated(lanes[2], 12) + rotated(lanes[3], 18);
     for (const std::uint64_t lane : lanes)

@@ -45,7 +45,9 @@ std::unique_ptr<DiskFile> DiskFile::open(const std::string &path, bool create)
     if (descriptor < 0)
         return nullptr;
     auto handle = std::make_unique<Handle>(descriptor);
-    struct stat status;
+    struct stat status
+    {
+    };
     if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != ::geteuid())
         return nullptr;
     return std::unique_ptr<DiskFile>(new DiskFile(std::move(handle)));
@@ -53,7 +55,9 @@ std::unique_ptr<DiskFile> DiskFile::open(const std::string &path, bool create)
 
 std::uint64_t DiskFile::size() const
 {
-    struct stat status;
+    struct stat status
+    {
+    };
     return ::fstat(handle->descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
@@ -93,7 +97,9 @@ bool DiskFile::truncate(std::uint64_t length)
 
 bool DiskFile::isLinked() const
 {
-    struct stat status;
+    struct stat status
+    {
+    };
     return ::fstat(handle->descriptor, &status) == 0 && status.st_nlink > 0;
 }
 

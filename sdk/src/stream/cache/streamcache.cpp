@@ -66,7 +66,7 @@ std::shared_ptr<CachedStream> StreamCache::open(const std::string &base, const F
     const auto keepRoom = [place, base, limit = limit](std::uint64_t bytes) {
         return place.makeRoom(bytes, limit, base);
     };
-    const std::shared_ptr<CachedStream> stream = CachedStream::open(basePath(base), keyOf(base), version, keepRoom);
+    std::shared_ptr<CachedStream> stream = CachedStream::open(basePath(base), keyOf(base), version, keepRoom);
     if (stream)
         place.touch(base);
     return stream;

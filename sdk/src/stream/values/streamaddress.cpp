@@ -86,7 +86,7 @@ CError StreamAddress::parse(const std::string &text, StreamAddress *address)
 {
     StreamAddress parsed;
     if (!isStreamAddress(text))
-        return refused("A stream address begins with \"xrvp://\" or \"xrvps://\".");
+        return refused(R"(A stream address begins with "xrvp://" or "xrvps://".)");
     if (text.size() > kMaxAddress)
         return refused("The stream address is longer than " + std::to_string(kMaxAddress) + " characters.");
     if (hasControlCharacter(text) || !isValidUtf8(text))

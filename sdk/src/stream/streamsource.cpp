@@ -10,6 +10,7 @@
 #include <atomic>
 #include <chrono>
 #include <new>
+#include <set>
 
 namespace xrv {
 
@@ -25,6 +26,34 @@ std::uint64_t nextNumber()
     return ++last;
 }
 
+/// Versions of files of which bytes were shown that may be those of another one. What was made of them is still in
+/// memory, here and elsewhere, under their identities; later visits go by others. Any thread.
+class DoubtedVersions
+{
+public:
+    static DoubtedVersions &instance()
+    {
+        static auto *versions = new DoubtedVersions;
+        return *versions;
+    }
+    void add(const std::string &identity)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (identities.size() < kMaxDoubted)
+            identities.insert(identity);
+    }
+    bool contains(const std::string &identity) const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return identities.size() >= kMaxDoubted || identities.count(identity) > 0;
+    }
+
+private:
+    static constexpr std::size_t kMaxDoubted = 10000;
+    mutable std::mutex mutex; ///< guards identities
+    std::set<std::string> identities;
+};
+
 /// Takes a file that its server gives as a whole only into the cache on disk, and logs how far that is.
 class WholeFileSink : public BodySink
 {
@@ -38,7 +67,8 @@ public:
     /// Of another version nothing is taken.
     bool take(const HttpAnswer &head, std::uint64_t offset, const std::uint8_t *data, std::size_t length) override
     {
-        if (!version.agreesWith(head) || length > version.length || offset > version.length - length)
+        if (version.match(head) != FileVersion::Match::Same || length > version.length ||
+            offset > version.length - length)
             return false;
         stream->put(offset, data, length);
         const std::uint64_t tenth = version.length / 10 + 1;
@@ -136,10 +166,14 @@ CError StreamSource::connect()
     };
     if (CError error = fetcher.open(known, watch->cancel, take, &version))
         return error;
-    // Where the server gives neither tag nor date, nothing tells that a later visit finds the same file: what came is
-    // kept for this source alone, and not on disk.
-    if (!version.isTellable())
+    // Where the server gives neither a strong tag nor a strong date, nothing tells that a later visit finds the same
+    // file: what came is kept for this source alone, and not on disk.
+    if (!version.isTellable() || DoubtedVersions::instance().contains(identity()))
         uniqueMark = '|' + std::to_string(nextNumber());
+    if (!version.isTellable() && logEnabled(PLK_LOG_WARNING))
+        log(PLK_LOG_WARNING, wideFromUtf8("The server of \"" + name() +
+                                          "\" gives nothing that tells one version of the file from the next for "
+                                          "certain. What it sends is shown, but not kept."));
     if (!cached || cached->version().text() != version.text() || !version.isTellable())
         cached = version.isTellable() ? cache.stream(printableAddress, version) : nullptr;
     if (cached)
@@ -156,7 +190,7 @@ CError StreamSource::connect()
 /// Where bytes that came from the server go.
 CError StreamSource::keep(std::uint64_t offset, const std::uint8_t *data, std::uint64_t length, std::uint64_t pin)
 {
-    if (cached)
+    if (cached && !isDoubtful())
         cached->put(offset, data, length);
     if (offset > 0 || length < version.length) {
         SegmentStore::instance().put(fileNumber, offset, data, length, pin);
@@ -170,6 +204,16 @@ CError StreamSource::keep(std::uint64_t offset, const std::uint8_t *data, std::u
     const std::lock_guard<std::mutex> lock(mutex);
     whole = std::make_shared<const Bytes>(data, data + length);
     return {};
+}
+
+/// From the first bytes on of which nothing proves that they are of this version, nothing is kept any more.
+bool StreamSource::isDoubtful()
+{
+    if (!fetcher.isDoubtful())
+        return false;
+    if (!isKnownAsDoubted.exchange(true))
+        DoubtedVersions::instance().add(identity());
+    return true;
 }
 
 /// A file that came as a whole must not be asked for again for want of room.
@@ -214,7 +258,7 @@ void StreamSource::loadCached(const std::vector<ByteRange> &ranges, std::uint64_
 
 void StreamSource::remember(const std::string &knowledgeName, const Bytes &knowledge)
 {
-    if (cached && !condition())
+    if (cached && !isDoubtful() && !condition())
         cached->remember(knowledgeName, knowledge);
 }
 
@@ -261,6 +305,8 @@ void StreamSource::setCondition(const CError &error)
 CError StreamSource::fetch(const ByteRangeSet &lacking, const CancelFlag &cancel, std::uint64_t pin,
                            const RangeFetcher::Sink &sink)
 {
+    if (CError error = wholeRefusal())
+        return error;
     CError notKept;
     const RangeFetcher::Sink take = [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
         notKept = keep(offset, data, length, pin);
@@ -268,9 +314,22 @@ CError StreamSource::fetch(const ByteRangeSet &lacking, const CancelFlag &cancel
     };
     const CError error = fetcher.fetch(lacking.ranges(), version, cancel, take);
     setCondition(error);
-    if (error || notKept)
-        return error ? error : notKept;
-    return cached && fetcher.getsWholeOnly() && !wholeFile() ? checkOnDisk(lacking) : CError();
+    if (error)
+        return error;
+    if (!notKept && cached && fetcher.getsWholeOnly() && !wholeFile())
+        notKept = checkOnDisk(lacking);
+    if (notKept) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        notTaken = notKept;
+    }
+    return notKept;
+}
+
+/// Why the whole file, which came already, was not taken: it is not to come again.
+CError StreamSource::wholeRefusal() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return notTaken;
 }
 
 /// Until some of what other threads fetch has come, or they gave up.

@@ -8,6 +8,7 @@
 #include "stream/http/rangefetcher.h"
 #include "stream/http/serverlink.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <string>
@@ -52,6 +53,8 @@ private:
     std::shared_ptr<const Bytes> wholeFile() const;
     PLK::CError checkOnDisk(const ByteRangeSet &ranges) const;
     PLK::CError notOnDisk() const;
+    PLK::CError wholeRefusal() const;
+    bool isDoubtful();
     PLK::CError fetch(const ByteRangeSet &lacking, const CancelFlag &cancel, std::uint64_t pin,
                       const RangeFetcher::Sink &sink);
     void setCondition(const PLK::CError &error);
@@ -66,12 +69,14 @@ private:
     FileVersion version;
     std::string uniqueMark; ///< tells apart what the server gives nothing to tell apart by
     std::uint64_t fileNumber = 0;
+    std::atomic<bool> isKnownAsDoubted{false};
 
     mutable std::mutex mutex; ///< guards the members below
     std::condition_variable landed;
     ByteRangeSet underWay; ///< what some thread is fetching
     PLK::CError trouble;   ///< see condition()
     std::uint64_t newestPin = 0;
+    PLK::CError notTaken;               ///< see wholeRefusal()
     std::shared_ptr<const Bytes> whole; ///< where the server gives nothing less and the disk does not take it
 };
 

@@ -1,6 +1,7 @@
 #include "streamreading.h"
 
 #include "data/files.h"
+#include "data/logrecorder.h"
 
 #include "stream/http/servertraits.h"
 #include "stream/segmentstore.h"
@@ -11,6 +12,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <atomic>
 #include <filesystem>
 #include <numeric>
 #include <random>
@@ -108,6 +110,8 @@ private slots:
     void wholeDownloadIsKept_data();
     void wholeDownloadIsKept();
     void wholeDownloadThatTheDiskDoesNotTake();
+    void unprovenBytesAreNotKept_data();
+    void unprovenBytesAreNotKept();
     void severalProcesses();
     void killedWhileWriting();
 
@@ -409,6 +413,64 @@ void TestStreamCache::wholeDownloadThatTheDiskDoesNotTake()
     QVERIFY(!openCold(server.address("/a.jp2"), options, &source));
     QCOMPARE(readError(*source, kRanges), int(PLK_ERR_TOO_LARGE));
     QVERIFY(server.takeRequests().size() <= 3);
+}
+
+void TestStreamCache::unprovenBytesAreNotKept_data()
+{
+    QTest::addColumn<QString>("opening"); // validators of the first answer
+    QTest::addColumn<QString>("later");
+    QTest::addColumn<bool>("isKept");
+    const QString strong = QStringLiteral("ETag: \"v1\"\r\n"), weak = QStringLiteral("ETag: W/\"v1\"\r\n");
+    const QString modified = QStringLiteral("Last-Modified: Sun, 06 Nov 1994 08:49:37 GMT\r\n");
+    const QString date = QStringLiteral("Date: Sun, 06 Nov 1994 08:49:38 GMT\r\n");
+    const QString sameSecond = QStringLiteral("Date: Sun, 06 Nov 1994 08:49:37 GMT\r\n");
+    QTest::newRow("strong tag") << strong << strong << true;
+    QTest::newRow("old date") << modified + date << modified + date << true;
+    QTest::newRow("weak tag, old date") << weak + modified + date << weak + modified + date << true;
+    QTest::newRow("no tag any more") << strong << QString() << false;
+    QTest::newRow("weak tag from then on") << strong << weak << false;
+    QTest::newRow("date only from then on") << strong + modified + date << modified + date << false;
+    QTest::newRow("no date any more") << modified + date << date << false;
+    QTest::newRow("weak tag") << weak << weak << false;
+    QTest::newRow("date of this second") << modified + sameSecond << modified + sameSecond << false;
+}
+
+/// What nothing proves to be of the version that was opened is shown, but neither this visit's disk nor the next
+/// visit's memory has it.
+void TestStreamCache::unprovenBytesAreNotKept()
+{
+    QFETCH(QString, opening);
+    QFETCH(QString, later);
+    QFETCH(bool, isKept);
+    const auto serve = [](const WebFile &content, const QString &first, const QString &next) {
+        WebFile tagless = content;
+        tagless.tag.clear();
+        const auto count = std::make_shared<std::atomic<int>>(0);
+        return answering([=](const Request &request) {
+            if (!request.header("if-none-match").empty() || !request.header("if-modified-since").empty())
+                return std::string("HTTP/1.1 304 Not Modified\r\n\r\n");
+            Request unconditional = request; // as not every server looks at conditions
+            unconditional.headers.erase("if-match");
+            std::string answer = tagless.answer(unconditional);
+            return answer.insert(answer.find("\r\n") + 2, (++*count == 1 ? first : next).toStdString());
+        });
+    };
+    FaultServer server(serve(file, opening, later));
+    LogRecorder<char> log;
+    {
+        const std::shared_ptr<xrv::ByteSource> source = visit(server);
+        QVERIFY(source && !source->condition());
+        source->remember("table", {1, 2, 3});
+    }
+    QCOMPARE(log.count(PLK_LOG_WARNING, "not kept") > 0, !isKept);
+    LogRecorder<char>::remove();
+    const WebFile other = WebFile::make(kSize, 2);
+    server.setHandler(serve(other, opening, opening));
+    std::shared_ptr<xrv::ByteSource> source;
+    QVERIFY(!openStream(server.address("/a.jp2"), options, &source));
+    xrv::Bytes recalled;
+    QCOMPARE(source->recall("table", &recalled), isKept);
+    QVERIFY(readsRight(*source, isKept ? file : other, {{50000, 1000}, {120000, 90000}}));
 }
 
 void TestStreamCache::startReader(QProcess *process, const FaultServer &server, int seed, int rounds) const

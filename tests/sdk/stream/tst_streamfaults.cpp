@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <climits>
 #include <mutex>
 #include <thread>
 
@@ -31,11 +32,15 @@ private slots:
     void init();
     void bytesArriveAllTheSame_data();
     void bytesArriveAllTheSame();
+    void severalRangesAreNotAskedForAgain_data();
+    void severalRangesAreNotAskedForAgain();
     void openingFails_data();
     void openingFails();
     void readingFails_data();
     void readingFails();
     void largeFileWithoutRanges();
+    void serverStopsServingRanges();
+    void shortAnswersCostNoPause();
     void lostConnectionIsTakenUpAgain();
     void lostServersAreNotWaitedForAgain();
     void saysWhoItIs();
@@ -71,6 +76,33 @@ std::string firstRangeOnly(const WebFile &file, const Request &request)
 {
     const auto [first, last] = request.ranges.front();
     return file.singleRange(first, std::min(last, file.bytes.size() - 1));
+}
+
+/// Single ranges as they should be, several by \a several.
+Handler unlessSeveral(const WebFile &file, const Handler &several)
+{
+    return [=](const Request &request, const Connection &connection) {
+        return request.ranges.size() > 1 ? several(request, connection) : connection.send(file.answer(request));
+    };
+}
+
+/// The answer to several ranges with \a before put in the place of each \a after.
+Handler severalWith(const WebFile &file, const std::string &before, const std::string &after)
+{
+    return answering([=](const Request &request) {
+        const std::string answer = file.answer(request);
+        const std::size_t end = answer.find("\r\n\r\n") + 4;
+        std::string head = answer.substr(0, end), body = answer.substr(end);
+        for (std::string *part : {&head, &body}) {
+            const std::size_t at = part->find(before);
+            if (at != std::string::npos)
+                part->replace(at, before.size(), after);
+        }
+        head.replace(head.find("Content-Length"),
+                     head.find("\r\n", head.find("Content-Length")) - head.find("Content-Length"),
+                     "Content-Length: " + std::to_string(body.size()));
+        return head + body;
+    });
 }
 
 } // namespace
@@ -168,6 +200,62 @@ void TestStreamFaults::bytesArriveAllTheSame()
     QVERIFY(!source->condition());
 }
 
+void TestStreamFaults::severalRangesAreNotAskedForAgain_data()
+{
+    QTest::addColumn<Handler>("several");
+    QTest::addColumn<int>("requestsForSeveral"); // until the server is known not to answer them
+    const WebFile file = plainFile();
+    for (const char *status : {"400", "403", "404", "405", "413", "416", "431", "501"})
+        QTest::newRow(status) << always(httpAnswer(std::string(status) + " No")) << 1;
+    for (const char *status : {"408", "500", "502", "503"}) // may be chance
+        QTest::newRow(status) << always(httpAnswer(std::string(status) + " No")) << 2;
+    QTest::newRow("reset within the head") << Handler([](const Request &, const Connection &connection) {
+        connection.send("HTTP/1.1 206 Partial Content\r\nContent-Type: ");
+        connection.reset();
+        return false;
+    }) << 2;
+    QTest::newRow("whole file") << always(file.whole()) << 1;
+    QTest::newRow("compressed") << severalWith(file, "ETag", "Content-Encoding: gzip\r\nETag") << 1;
+    QTest::newRow("of no type") << severalWith(file, "multipart/byteranges; boundary=\"cut here\"", "image/jp2") << 1;
+    QTest::newRow("another boundary") << severalWith(file, "boundary=\"cut here\"", "boundary=\"cut there\"") << 1;
+    QTest::newRow("no version") << severalWith(file, "ETag", "X-Tag") << 1;
+    // These can be read.
+    QTest::newRow("preamble") << severalWith(file, "\r\n--cut here", "This is a message in parts.\r\n\r\n--cut here")
+                              << INT_MAX;
+    QTest::newRow("old type") << severalWith(file, "multipart/byteranges", "Multipart/X-ByteRanges; x-boundary=no")
+                              << INT_MAX;
+    QTest::newRow("quoted pair") << severalWith(file, "\"cut here\"", "\"c\\ut\\ here\"; a=b") << INT_MAX;
+    QTest::newRow("one cut within the parts") << [file] {
+        const auto count = std::make_shared<std::atomic<int>>(0);
+        return Handler([=](const Request &request, const Connection &connection) {
+            const std::string answer = file.answer(request);
+            if (++*count > 1)
+                return connection.send(answer);
+            connection.send(answer.substr(0, answer.size() - 30000)); // one part and some of the next
+            return false;
+        });
+    }() << INT_MAX;
+}
+
+void TestStreamFaults::severalRangesAreNotAskedForAgain()
+{
+    QFETCH(Handler, several);
+    QFETCH(int, requestsForSeveral);
+    FaultServer server(unlessSeveral(plainFile(), several));
+    const auto source = opened(server.address("/a.jp2"));
+    for (std::uint64_t i = 0; i < 4; ++i) {
+        QVERIFY(readsRight(*source, plainFile(), {{10000 + i * 50000, 10}, {30000 + i * 50000, 16000}}));
+        QVERIFY(!source->condition());
+    }
+    std::vector<Request> requests = server.takeRequests();
+    const auto isForSeveral = [](const Request &request) { return request.ranges.size() > 1; };
+    const auto count = std::count_if(requests.begin(), requests.end(), isForSeveral);
+    if (requestsForSeveral == INT_MAX)
+        QVERIFY2(count >= 4 && requests.size() <= 7, qPrintable(QString::number(requests.size())));
+    else
+        QCOMPARE(int(count), requestsForSeveral);
+}
+
 void TestStreamFaults::openingFails_data()
 {
     QTest::addColumn<Handler>("handler");
@@ -195,8 +283,13 @@ void TestStreamFaults::openingFails_data()
     QTest::newRow("redirect to ftp") << redirect("ftp://127.0.0.1/a.jp2") << int(PLK_ERR_SERVER);
     QTest::newRow("redirect to nowhere") << redirect("") << int(PLK_ERR_SERVER);
     QTest::newRow("redirect in a circle") << redirect("/a.jp2") << int(PLK_ERR_SERVER);
-    QTest::newRow("compressed") << range(file.contentRange(0, 999), "Content-Encoding: gzip\r\n")
-                                << int(PLK_ERR_SERVER);
+    QTest::newRow("compressed, asked for once") << [=] {
+        const auto count = std::make_shared<std::atomic<int>>(0);
+        const Handler gzip = range(file.contentRange(0, 999), "Content-Encoding: gzip\r\n");
+        return Handler([=](const Request &request, const Connection &connection) {
+            return ++*count > 1 ? connection.send(file.answer(request)) : gzip(request, connection);
+        });
+    }() << int(PLK_ERR_SERVER);
     QTest::newRow("no Content-Range") << range("") << int(PLK_ERR_SERVER);
     QTest::newRow("other bytes") << range(file.contentRange(500, 1499)) << int(PLK_ERR_SERVER);
     QTest::newRow("length unknown") << range("Content-Range: bytes 0-999/*\r\n") << int(PLK_ERR_SERVER);
@@ -321,12 +414,62 @@ void TestStreamFaults::largeFileWithoutRanges()
     std::shared_ptr<xrv::ByteSource> tooLarge;
     const PLK::CError error = openStream(server.address("/a.jp2"), options, &tooLarge);
     QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_TOO_LARGE));
+    QCOMPARE(server.takeRequests().size(), std::size_t(1));
     options.wholeInMemory = kSize;
     const auto source = opened(server.address("/a.jp2"), options);
     server.takeRequests();
     QVERIFY(!source->prefetch({{100, 10}}, {}));
     QVERIFY(readsRight(*source, file, kRanges));
     QVERIFY(server.takeRequests().empty()); // it came with the first answer
+}
+
+/// The length is known: what cannot be taken is not asked for, and what was not taken not again.
+void TestStreamFaults::serverStopsServingRanges()
+{
+    const WebFile file = plainFile();
+    FaultServer server(afterOpening(file, always(file.whole())));
+    xrv::StreamOptions options = quickOptions();
+    options.wholeInMemory = kSize - 1;
+    const auto source = opened(server.address("/a.jp2"), options);
+    for (int i = 0; i < 3; ++i) {
+        std::vector<xrv::Bytes> out;
+        const PLK::CError error = source->read(kRanges, {}, &out);
+        QCOMPARE(error.GetErrorNumber(), int(PLK_ERR_TOO_LARGE));
+        QVERIFY2(QByteArray(error.GetErrorMessage()).contains("switched off"), error.GetErrorMessage());
+    }
+    for (const Request &request : server.takeRequests())
+        QVERIFY(!request.ranges.empty());
+    // One that fits comes once, however many want it.
+    server.setHandler(afterOpening(file, [file](const Request &request, const Connection &connection) {
+        connection.linger(request.ranges.empty() ? 50 : 0);
+        return connection.send(file.whole());
+    }));
+    const auto smaller = opened(server.address("/b.jp2"));
+    std::atomic<int> right{0};
+    std::vector<std::thread> threads;
+    for (std::uint64_t i = 0; i < 6; ++i)
+        threads.emplace_back([&, i] { right += readsRight(*smaller, file, {{5000 + i * 30000, 1000}}) ? 1 : 0; });
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(right.load(), 6);
+    const std::vector<Request> requests = server.takeRequests();
+    QCOMPARE(std::count_if(requests.begin(), requests.end(), [](const Request &one) { return one.ranges.empty(); }), 1);
+}
+
+void TestStreamFaults::shortAnswersCostNoPause()
+{
+    const WebFile file = plainFile();
+    FaultServer server(answering([file](const Request &request) {
+        const auto [first, last] = request.ranges.front();
+        return file.singleRange(first, std::min(last, first + 7999));
+    }));
+    xrv::StreamOptions options = quickOptions();
+    options.firstBackOff = 20000;
+    const auto source = opened(server.address("/short.jp2"), options);
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(readsRight(*source, file, {{20000, 90000}}));
+    QVERIFY(timer.elapsed() < 15000);
 }
 
 void TestStreamFaults::lostConnectionIsTakenUpAgain()

@@ -1,4 +1,5 @@
 #include "nginxserver.h"
+#include "varnishserver.h"
 
 #include "data/files.h"
 #include "data/jp2maker.h"
@@ -92,17 +93,26 @@ void TestStreamView::initTestCase()
 void TestStreamView::showsTheSameCells_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("tile-parts to be walked") << kWalked;
-    QTest::newRow("tile-part table, odd name") << QStringLiteral("Übersicht 東京 #1.jp2");
-    QTest::newRow("single tile") << kSingle;
+    QTest::addColumn<bool>("isBehindVarnish");
+    QTest::newRow("tile-parts to be walked") << kWalked << false;
+    QTest::newRow("tile-part table, odd name") << QStringLiteral("Übersicht 東京 #1.jp2") << false;
+    QTest::newRow("single tile") << kSingle << false;
+    QTest::newRow("tile-parts to be walked, behind Varnish") << kWalked << true;
+    QTest::newRow("single tile, behind Varnish") << kSingle << true;
 }
 
 void TestStreamView::showsTheSameCells()
 {
     QFETCH(QString, name);
+    QFETCH(bool, isBehindVarnish);
+    if (isBehindVarnish && !VarnishServer::isInstalled())
+        QSKIP("Varnish is not installed");
+    VarnishServer varnish;
+    QVERIFY(!isBehindVarnish || varnish.start(server.port()));
     PLK::CView local, remote;
     QVERIFY(!local.Open(PLK::CString(folder.filePath(name).toUtf8().constData()), false, false));
-    const PLK::CError error = remote.Open(PLK::CString(server.address(name).c_str()), false, false);
+    const std::string address = isBehindVarnish ? varnish.address(name.toStdString()) : server.address(name);
+    const PLK::CError error = remote.Open(utf8(address), false, false);
     QVERIFY2(!error, error.GetErrorMessage());
     QVERIFY(remote.GetFile()->IsRemote());
     for (const Window &window : {Window{187, 187, 0, 0, 1500, -1500}, Window{300, 200, 333, -777, 633, -977},

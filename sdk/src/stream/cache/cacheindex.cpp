@@ -146,6 +146,7 @@ void CacheIndex::takeVersion(const Bytes &content)
     version.length = reader.number(8);
     version.entityTag = reader.text();
     version.lastModified = reader.text();
+    version.hasStrongDate = !version.lastModified.empty(); // no other is kept without a strong tag
     if (!reader.isWhole() || isBegun)
         return;
     knownVersion = version;

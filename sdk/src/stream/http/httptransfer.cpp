@@ -141,10 +141,12 @@ bool HttpTransfer::takeHeader(const std::string &line)
     }
     if (line.compare(0, 5, "HTTP/") == 0) { // also after an interim answer or that of a proxy
         answer.headers.clear();
+        hasWholeHead = false;
         const std::size_t blank = line.find(' ');
         answer.status = blank == std::string::npos ? 0 : std::atoi(line.c_str() + blank);
         return true;
     }
+    hasWholeHead = trimmed(line).empty();
     const std::size_t colon = line.find(':');
     if (colon != std::string::npos)
         answer.headers.emplace_back(asciiLower(trimmed(line.substr(0, colon))), trimmed(line.substr(colon + 1)));
@@ -226,6 +228,15 @@ HttpOutcome HttpTransfer::outcomeOf(CURLcode code) const
     }
 }
 
+/// Of a head that broke off nothing can be told: the header that says what the body is may be missing.
+void HttpTransfer::dropHalfHead()
+{
+    if (hasWholeHead)
+        return;
+    answer.status = 0;
+    answer.headers.clear();
+}
+
 HttpAnswer HttpTransfer::finish(CURLcode code)
 {
     if (usesSink() && !answer.body.empty() && !flushToSink() && code == CURLE_OK)
@@ -235,6 +246,7 @@ HttpAnswer HttpTransfer::finish(CURLcode code)
         answer.failure = "the answer is longer than what was asked for";
     else if (answer.outcome != HttpOutcome::Complete)
         answer.failure = errorText[0] != 0 ? errorText : curl_easy_strerror(code);
+    dropHalfHead();
     return std::move(answer);
 }
 
@@ -242,6 +254,7 @@ HttpAnswer HttpTransfer::finishStalled()
 {
     answer.outcome = HttpOutcome::TimedOut;
     answer.failure = "nothing came for " + std::to_string(request.stallTimeout / 1000.0).substr(0, 4) + " seconds";
+    dropHalfHead();
     return std::move(answer);
 }
 

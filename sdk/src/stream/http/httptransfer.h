@@ -36,6 +36,7 @@ private:
     std::uint64_t bodyLimit() const;
     bool usesSink() const { return answer.status == 200 && request.wholeSink; }
     bool flushToSink();
+    void dropHalfHead();
     void restartWindow(Clock::time_point now);
     HttpOutcome outcomeOf(CURLcode code) const;
     static std::size_t onHeader(char *data, std::size_t size, std::size_t count, void *self);
@@ -54,7 +55,7 @@ private:
     HttpAnswer answer;
     std::unique_ptr<curl_slist, ListDeleter> headerLines;
     std::size_t headerBytes = 0;
-    bool isTooLong = false, hasBadHeaders = false;
+    bool isTooLong = false, hasBadHeaders = false, hasWholeHead = false;
     Clock::time_point windowStart;
     std::uint64_t windowBytes = 0;
     char errorText[CURL_ERROR_SIZE] = {};

@@ -29,21 +29,32 @@ std::string withoutBlanks(const std::string &text)
     return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
-/// The boundary parameter of a multipart content type; empty when it is none.
+/// The parameter \a name of a content type (RFC 9110 5.6.6), whose value may be a quoted string (5.6.4).
+std::string parameter(const std::string &contentType, const std::string &name)
+{
+    for (std::size_t at = contentType.find(';'); at != std::string::npos;) {
+        const std::size_t equals = contentType.find('=', at);
+        if (equals == std::string::npos)
+            return {};
+        const bool isWanted = asciiLower(withoutBlanks(contentType.substr(at + 1, equals - at - 1))) == name;
+        std::string value;
+        std::size_t i = equals + 1;
+        const bool isQuoted = i < contentType.size() && contentType[i] == '"';
+        for (i += isQuoted ? 1 : 0; i < contentType.size() && contentType[i] != (isQuoted ? '"' : ';'); ++i) {
+            i += isQuoted && contentType[i] == '\\' && i + 1 < contentType.size() ? 1 : 0;
+            value += contentType[i];
+        }
+        if (isWanted)
+            return isQuoted ? value : withoutBlanks(value);
+        at = contentType.find(';', i);
+    }
+    return {};
+}
+
+/// That of a multipart content type; empty when it is none. Old servers say "multipart/x-byteranges".
 std::string boundaryOf(const std::string &contentType)
 {
-    const std::string lower = asciiLower(contentType);
-    if (lower.compare(0, 20, "multipart/byteranges") != 0)
-        return {};
-    const std::size_t at = lower.find("boundary=");
-    if (at == std::string::npos)
-        return {};
-    std::string boundary = contentType.substr(at + 9);
-    if (!boundary.empty() && boundary.front() == '"') {
-        boundary.erase(0, 1);
-        return boundary.substr(0, boundary.find('"'));
-    }
-    return withoutBlanks(boundary.substr(0, boundary.find(';')));
+    return asciiLower(contentType.substr(0, 10)) == "multipart/" ? parameter(contentType, "boundary") : std::string();
 }
 
 /// A walk through a multipart body.
@@ -82,15 +93,19 @@ bool PartWalk::takeLine(std::string *line)
 }
 
 /// The bytes of a part end where its Content-Range says, so that the delimiter can be looked for at one place only.
+/// What stands before the first one is passed over (RFC 2046 5.1.1).
 bool PartWalk::takeDelimiter()
 {
     std::string line;
-    for (int emptyLines = 0; emptyLines < 3; ++emptyLines) {
+    const std::size_t start = position;
+    for (int lines = 0; start == 0 ? position < kMaxPartHeader : lines < 3; ++lines) {
         const bool isTaken = takeLine(&line);
         if (!isTaken && body.size() - position >= delimiter.size()) // the last one need not end a line
             return std::equal(delimiter.begin(), delimiter.end(), body.begin() + static_cast<std::ptrdiff_t>(position));
-        if (!isTaken || !line.empty())
-            return isTaken && line.compare(0, delimiter.size(), delimiter) == 0;
+        if (!isTaken || line.compare(0, delimiter.size(), delimiter) == 0)
+            return isTaken;
+        if (start > 0 && !line.empty())
+            return false;
     }
     return false;
 }
@@ -115,8 +130,10 @@ PartWalk::Step PartWalk::next(RangePiece *piece)
     if (isAtEnd())
         return Step::End;
     const std::size_t start = position;
-    if (!takeDelimiter())
-        return body.size() - start < delimiter.size() + 4 ? Step::End : Step::Fault; // cut within the delimiter
+    if (!takeDelimiter()) { // cut within the delimiter, or before the first one
+        const std::size_t mayLack = start == 0 ? kMaxPartHeader : delimiter.size() + 4;
+        return body.size() - start < mayLack ? Step::End : Step::Fault;
+    }
     const std::size_t tail = delimiter.size() + 2;
     if (position >= tail && position - start >= tail) {
         const std::string line(body.begin() + static_cast<std::ptrdiff_t>(start),

@@ -19,8 +19,7 @@ namespace {
 
 constexpr std::uint64_t kPartOverhead = 1024; // headers of a part, generously
 constexpr std::uint64_t kAnswerSlack = 4096;
-constexpr std::uint64_t kProgressThatCounts = 4096; // or half of what was lacking
-constexpr int kMaxRounds = 1000;
+constexpr int kMegabyteBits = 20;
 constexpr auto kCancelPoll = std::chrono::milliseconds(5);
 
 CError cancelledError()
@@ -28,107 +27,94 @@ CError cancelledError()
     return {PLK_ERR_CANCELLED, "Reading was cancelled."};
 }
 
-/// Request time-out, too many requests (RFC 6585 4), and what a server or the one before it says of itself for a while
-/// (RFC 9110 15.5.9, 15.6).
-bool isTransient(int status)
+bool isSeveral(const RangeGroup &group)
 {
-    return status == 408 || status == 429 || status == 500 || status == 502 || status == 503 || status == 504;
-}
-
-std::string sizeText(std::uint64_t bytes)
-{
-    return std::to_string((bytes + (1 << 20) - 1) >> 20) + " MB";
+    return group.ranges.size() > 1;
 }
 
 } // namespace
 
-/// What the answers of one round of requests amount to.
-struct RangeFetcher::Round
-{
-    CError trouble;                        ///< worth another try
-    int pause = -1;                        ///< milliseconds the server wants to be left alone
-    bool isTimeOut = false;                ///< the server kept silent
-    bool isInSink = false;                 ///< the whole file went there
-    bool isFallback = false;               ///< another way of asking was found to be needed
-    std::uint64_t lacking = 0, gained = 0; ///< bytes before, and how many of these came
-};
-
-/// How often and after what pauses to try.
-class RangeFetcher::Patience
+/// The right to get the whole file: nobody needs it twice at once. Waits for who has it.
+class RangeFetcher::WholeTurn
 {
 public:
-    explicit Patience(const StreamOptions &streamOptions)
-        : options(streamOptions)
-        , backOff(streamOptions.firstBackOff)
+    WholeTurn(RangeFetcher *rangeFetcher, const CancelFlag &cancel)
+        : fetcher(rangeFetcher)
     {
-    }
-
-    /// Waits before the next try: for the pause that the server asks for (RFC 9110 10.2.3), or one that doubles each
-    /// time, whichever is longer. False when there is to be none.
-    bool goOn(const Round &round, const CancelFlag &cancel)
-    {
-        if (++rounds > kMaxRounds) // whatever a server does, there is an end
-            return false;
-        if (round.isFallback) // asked in another way at once: nothing failed
-            return true;
-        // A connection that breaks again and again but brings something each time is worth going on with. A few bytes
-        // do not count: a server that gives one per request would be asked a thousand times.
-        if (round.gained > 0 && round.gained >= std::min(kProgressThatCounts, round.lacking / 2)) {
-            failures = 0;
-            backOff = options.firstBackOff;
+        std::unique_lock<std::mutex> lock(fetcher->mutex);
+        const unsigned before = fetcher->wholesThatCame;
+        while (fetcher->wholeIsUnderWay && !cancel.isRaised()) {
+            lock.unlock();
+            std::this_thread::sleep_for(kCancelPoll);
+            lock.lock();
         }
-        failures += round.isTimeOut ? 2 : 1; // that one took long enough
-        if (failures >= options.tries || round.pause > options.maxRetryAfter)
-            return false;
-        wait(std::max(round.pause, backOff), cancel);
-        backOff *= 2;
-        return true;
+        cameMeanwhile = fetcher->wholesThatCame != before;
+        isOurs = !fetcher->wholeIsUnderWay && !cameMeanwhile;
+        if (isOurs)
+            fetcher->wholeIsUnderWay = true;
     }
+    ~WholeTurn()
+    {
+        const std::lock_guard<std::mutex> lock(fetcher->mutex);
+        if (isOurs)
+            fetcher->wholeIsUnderWay = false;
+        fetcher->wholesThatCame += hasCome ? 1 : 0;
+    }
+    WholeTurn(const WholeTurn &) = delete;
+    WholeTurn &operator=(const WholeTurn &) = delete;
+
+    bool othersBroughtIt() const { return cameMeanwhile; }
+    bool isHeld() const { return isOurs; }
+    void setCome() { hasCome = true; }
 
 private:
-    static void wait(int milliseconds, const CancelFlag &cancel)
-    {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-        while (!cancel.isRaised() && std::chrono::steady_clock::now() < end)
-            std::this_thread::sleep_for(kCancelPoll);
-    }
-
-    const StreamOptions &options;
-    int backOff;
-    int failures = 0, rounds = 0;
+    RangeFetcher *const fetcher;
+    bool isOurs = false, cameMeanwhile = false, hasCome = false;
 };
 
 RangeFetcher::RangeFetcher(ServerLink &link)
     : link(link)
+    , openingFaults(link.address().shown(), true)
+    , faults(link.address().shown(), false)
 {
 }
 
-std::uint64_t RangeFetcher::wholeLimit() const
+/// Why a file is not taken as a whole, on disk where it \a isKept, else in memory; success where it is. Its length is 0
+/// where that is unknown.
+CError RangeFetcher::wholeFault(const FileVersion &version, bool isKept) const
 {
     const StreamOptions &options = link.options();
-    return options.cacheEnabled ? options.cacheBytes : options.wholeInMemory;
-}
-
-CError RangeFetcher::tooLarge(const HttpAnswer &answer) const
-{
-    const std::uint64_t length = answer.contentLength();
-    return {PLK_ERR_TOO_LARGE, "The server of " + quotedName() + " gives files as a whole only, and this one " +
-                                   (length > 0 ? "(" + sizeText(length) + ") " : std::string()) +
-                                   "is larger than the " + sizeText(wholeLimit()) + " that the stream cache may take."};
+    const bool goesToDisk = isKept && options.cacheEnabled && version.length > 0;
+    const std::uint64_t limit = goesToDisk ? options.cacheBytes : options.wholeInMemory;
+    if (version.length > 0 && version.length <= limit)
+        return {};
+    const std::string bound = std::to_string(limit >> kMegabyteBits) + " MB that ";
+    const std::uint64_t roundedUp = (version.length + (1 << kMegabyteBits) - 1) >> kMegabyteBits;
+    std::string text = "The server of " + quotedName() + " gives files as a whole only, and ";
+    if (version.length == 0)
+        return {PLK_ERR_TOO_LARGE,
+                text + "does not say how long this one is: more than the " + bound + "are taken into memory."};
+    text += "this one (" + std::to_string(roundedUp) + " MB) is larger than the " + bound;
+    if (goesToDisk)
+        return {PLK_ERR_TOO_LARGE, text + "the stream cache may take."};
+    text += "are taken into memory. The stream cache ";
+    return {PLK_ERR_TOO_LARGE, text + (!options.cacheEnabled   ? "is switched off."
+                                       : !version.isTellable() ? "does not keep it: nothing tells its versions apart."
+                                                               : "cannot be used.")};
 }
 
 CError RangeFetcher::open(const FileVersion &known, const CancelFlag &cancel, const Sink &sink, FileVersion *version)
 {
-    Patience patience(link.options());
+    FetchPatience patience(link.options());
     for (;;) {
         const std::uint64_t firstBytes = std::max<std::uint64_t>(1, link.options().firstBytes);
         HttpRequest request = link.request("0-" + std::to_string(firstBytes - 1), firstBytes + kAnswerSlack);
-        request.wholeLimit = std::min(wholeLimit(), link.options().wholeInMemory);
+        request.wholeLimit = openingLimit();
         request.headers = known.revalidationHeaders();
         const HttpAnswer answer = link.ask({request}, cancel).front();
         if (answer.outcome == HttpOutcome::Cancelled)
             return cancelledError();
-        Round round;
+        FetchRound round;
         CError error = takeOpening(answer, known, sink, version, &round);
         if (error || !round.trouble)
             return error;
@@ -141,10 +127,17 @@ CError RangeFetcher::open(const FileVersion &known, const CancelFlag &cancel, co
     }
 }
 
+/// Bytes of a whole file that are taken where its beginning was asked for.
+std::uint64_t RangeFetcher::openingLimit() const
+{
+    const StreamOptions &options = link.options();
+    return options.cacheEnabled ? std::min(options.cacheBytes, options.wholeInMemory) : options.wholeInMemory;
+}
+
 /// The first request asks for the file's beginning. Servers send that (206), ignore the range and send the whole file
 /// (200; RFC 9110 14.2 allows it), or say that the known version still holds (304).
 CError RangeFetcher::takeOpening(const HttpAnswer &answer, const FileVersion &known, const Sink &sink,
-                                 FileVersion *version, Round *round)
+                                 FileVersion *version, FetchRound *round)
 {
     if (answer.status == 304 && known.isTellable()) {
         *version = known;
@@ -159,17 +152,15 @@ CError RangeFetcher::takeOpening(const HttpAnswer &answer, const FileVersion &kn
     if (answer.status == 200 && answer.outcome == HttpOutcome::TooLong)
         return takeLargeWhole(answer, version);
     if (answer.status == 206 || (answer.status == 200 && answer.outcome == HttpOutcome::Complete))
-        return takeFirstBytes(answer, sink, version, round);
-    return takeFailure(answer, true, round);
+        return takeFirstBytes(answer, sink, version);
+    return openingFaults.judge(answer, round);
 }
 
-CError RangeFetcher::takeFirstBytes(const HttpAnswer &answer, const Sink &sink, FileVersion *version, Round *round)
+CError RangeFetcher::takeFirstBytes(const HttpAnswer &answer, const Sink &sink, FileVersion *version)
 {
     // Its ranges would count the bytes of the compressed form, to which the coding belongs (RFC 9110 8.4).
-    if (isCompressed(answer)) {
-        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " answers with compressed bytes."};
-        return {};
-    }
+    if (isCompressed(answer))
+        return openingFaults.unusable("it is compressed");
     if (answer.status == 200) {
         *version = FileVersion::of(answer, answer.body.size());
         takesNoRanges = answer.body.size() > link.options().firstBytes; // a small file says nothing about that
@@ -182,10 +173,8 @@ CError RangeFetcher::takeFirstBytes(const HttpAnswer &answer, const Sink &sink, 
         fault = "its answer does not say how long the file is";
     else if (fault.empty() && pieces.front().contentRange.range.offset != 0)
         fault = "its answer carries other bytes than were asked for";
-    if (!fault.empty()) {
-        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " cannot be used: " + fault + '.'};
-        return {};
-    }
+    if (!fault.empty())
+        return openingFaults.unusable(fault);
     *version = FileVersion::of(answer, pieces.front().contentRange.total);
     sink(0, pieces.front().data, pieces.front().length);
     return {};
@@ -194,10 +183,11 @@ CError RangeFetcher::takeFirstBytes(const HttpAnswer &answer, const Sink &sink, 
 /// A file that comes as a whole only and does not fit into memory, but on disk: taken when it is read.
 CError RangeFetcher::takeLargeWhole(const HttpAnswer &answer, FileVersion *version)
 {
+    if (isCompressed(answer))
+        return openingFaults.unusable("it is compressed");
     *version = FileVersion::of(answer, answer.contentLength());
-    if (!link.options().cacheEnabled || !version->isTellable() || version->length == 0 ||
-        version->length > wholeLimit())
-        return tooLarge(answer);
+    if (CError error = wholeFault(*version, version->isTellable()))
+        return error;
     takesNoRanges = true;
     return {};
 }
@@ -217,29 +207,42 @@ void RangeFetcher::logRetry(const CError &error) const
         log(PLK_LOG_DEBUG, wideFromUtf8(quotedName() + ", to be tried again: " + error.GetErrorMessage()));
 }
 
+void RangeFetcher::setDoubtful()
+{
+    if (!handsOverUnproven.exchange(true) && logEnabled(PLK_LOG_WARNING))
+        log(PLK_LOG_WARNING,
+            wideFromUtf8("The server of " + quotedName() +
+                         " does not say any more which version of the file it sends. What comes is shown, as it may be "
+                         "right, but not kept."));
+}
+
+HttpRequest RangeFetcher::requestFor(const RangeGroup &group, const FileVersion &version) const
+{
+    HttpRequest request =
+        link.request(group.text(), group.byteCount() + group.ranges.size() * kPartOverhead + kAnswerSlack);
+    if (group.isWholeFile) {
+        request.wholeSink = wholeSink;
+        request.wholeLimit = version.length;
+    }
+    if (isOnTrial) {
+        const int timeout = link.options().trialTimeout;
+        request.connectTimeout = std::min(request.connectTimeout, timeout);
+        request.stallTimeout = std::min(request.stallTimeout, timeout);
+    }
+    // The server itself is to refuse bytes of another version. Answers are compared all the same: not every server
+    // looks at conditions.
+    const std::string condition = version.conditionHeader();
+    if (!condition.empty())
+        request.headers.push_back(condition);
+    return request;
+}
+
 std::vector<HttpAnswer> RangeFetcher::askFor(const std::vector<RangeGroup> &groups, const FileVersion &version,
                                              const CancelFlag &cancel)
 {
     std::vector<HttpRequest> requests;
-    for (const RangeGroup &group : groups) {
-        const std::uint64_t limit = group.byteCount() + group.ranges.size() * kPartOverhead + kAnswerSlack;
-        requests.push_back(link.request(group.text(), limit));
-        if (group.isWholeFile) {
-            requests.back().wholeSink = wholeSink;
-            requests.back().wholeLimit =
-                wholeSink ? version.length : std::min(wholeLimit(), link.options().wholeInMemory);
-        }
-        if (isOnTrial) {
-            const int timeout = link.options().trialTimeout;
-            requests.back().connectTimeout = std::min(requests.back().connectTimeout, timeout);
-            requests.back().stallTimeout = std::min(requests.back().stallTimeout, timeout);
-        }
-        // The server itself is to refuse bytes of another version. Answers are compared all the same: not every server
-        // looks at conditions.
-        const std::string condition = version.conditionHeader();
-        if (!condition.empty())
-            requests.back().headers.push_back(condition);
-    }
+    for (const RangeGroup &group : groups)
+        requests.push_back(requestFor(group, version));
     logRequests(groups);
     return link.ask(requests, cancel);
 }
@@ -248,39 +251,62 @@ CError RangeFetcher::fetch(const std::vector<ByteRange> &ranges, const FileVersi
                            const Sink &sink)
 {
     ByteRangeSet lacking(ranges);
-    const std::string server = link.address().server();
-    Patience patience(link.options());
+    if (!takesNoRanges) // which may turn out meanwhile
+        if (CError error = fetchParts(&lacking, version, cancel, sink))
+            return error;
+    return lacking.isEmpty() ? CError() : fetchWhole(&lacking, version, cancel, sink);
+}
+
+/// Until nothing is lacking, or the server is found to give files as a whole only.
+CError RangeFetcher::fetchParts(ByteRangeSet *lacking, const FileVersion &version, const CancelFlag &cancel,
+                                const Sink &sink)
+{
+    FetchPatience patience(link.options());
+    RangeStyle style(link.address().server());
     // Each round asks for what the ones before did not bring: so an answer that broke off is taken up where it ended.
-    while (!lacking.isEmpty()) {
-        std::vector<RangeGroup> groups{wholeFile(version.length)};
-        if (!takesNoRanges)
-            groups = planRequests(lacking, ServerTraits::instance().takesSeveralRanges(server));
-        const std::vector<HttpAnswer> answers = askFor(groups, version, cancel);
-        Round round;
-        if (CError failure = takeAnswers(groups, answers, version, sink, &lacking, &round))
+    while (!lacking->isEmpty() && !takesNoRanges) {
+        FetchRound round;
+        if (CError failure = runRound(style.plan(*lacking), version, cancel, sink, lacking, &round))
             return failure;
-        if (round.gained > 0 || round.isInSink)
-            isOnTrial = false;
-        if (lacking.isEmpty() || round.isInSink)
+        style.learn(round);
+        if (lacking->isEmpty() || takesNoRanges)
             break;
-        if (isOnTrial && round.trouble && !round.isFallback)
-            return round.trouble;
-        if (round.trouble)
-            logRetry(round.trouble);
-        if ((round.trouble || round.gained == 0) && !patience.goOn(round, cancel)) {
-            if (round.trouble)
-                return round.trouble;
-            return {PLK_ERR_SERVER, "The server of " + quotedName() + " does not give the bytes that it is asked for."};
-        }
-        if (cancel.isRaised())
-            return cancelledError();
+        if (CError failure = judgeRound(round, &patience, cancel))
+            return failure;
     }
     return {};
 }
 
-CError RangeFetcher::takeAnswers(const std::vector<RangeGroup> &groups, const std::vector<HttpAnswer> &answers,
-                                 const FileVersion &version, const Sink &sink, ByteRangeSet *lacking, Round *round)
+CError RangeFetcher::fetchWhole(ByteRangeSet *lacking, const FileVersion &version, const CancelFlag &cancel,
+                                const Sink &sink)
 {
+    // Its length is known: nothing is asked for that could not be taken.
+    if (CError error = wholeFault(version, wholeSink != nullptr))
+        return error;
+    WholeTurn turn(this, cancel);
+    if (turn.othersBroughtIt())
+        return {};
+    if (!turn.isHeld())
+        return cancelledError();
+    FetchPatience patience(link.options());
+    for (;;) {
+        FetchRound round;
+        if (CError failure = runRound({wholeFile(version.length)}, version, cancel, sink, lacking, &round))
+            return failure;
+        if (lacking->isEmpty() || round.isInSink)
+            break;
+        if (CError failure = judgeRound(round, &patience, cancel))
+            return failure;
+    }
+    turn.setCome();
+    return {};
+}
+
+/// Asks for \a groups and takes what comes; an error where there is no use in going on.
+CError RangeFetcher::runRound(const std::vector<RangeGroup> &groups, const FileVersion &version,
+                              const CancelFlag &cancel, const Sink &sink, ByteRangeSet *lacking, FetchRound *round)
+{
+    const std::vector<HttpAnswer> answers = askFor(groups, version, cancel);
     round->lacking = lacking->byteCount();
     const Sink take = [&](std::uint64_t offset, const std::uint8_t *data, std::uint64_t length) {
         for (const ByteRange &wanted : lacking->within({offset, length}))
@@ -292,38 +318,77 @@ CError RangeFetcher::takeAnswers(const std::vector<RangeGroup> &groups, const st
     for (std::size_t i = 0; i < answers.size(); ++i)
         if (CError error = takeAnswer(groups[i], answers[i], version, take, round))
             failure = failure ? failure : error; // what the others brought is good all the same
+    if (round->gained > 0 || round->isInSink)
+        isOnTrial = false;
     return failure;
 }
 
-CError RangeFetcher::takeAnswer(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
-                                const Sink &sink, Round *round)
+/// Whether there is to be a next round, after a pause where that may help; success where there is.
+CError RangeFetcher::judgeRound(const FetchRound &round, FetchPatience *patience, const CancelFlag &cancel) const
 {
-    CError changed{PLK_ERR_FILE_CHANGED, "The file " + quotedName() + " was changed on the server. Open it again."};
+    if (isOnTrial && round.trouble && !round.isFallback)
+        return round.trouble;
+    if (round.trouble)
+        logRetry(round.trouble);
+    if ((round.trouble || round.gained == 0) && !patience->goOn(round, cancel))
+        return round.trouble ? round.trouble
+                             : CError{PLK_ERR_SERVER, "The server of " + quotedName() +
+                                                          " does not give the bytes that it is asked for."};
+    return cancel.isRaised() ? cancelledError() : CError();
+}
+
+CError RangeFetcher::takeAnswer(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
+                                const Sink &sink, FetchRound *round)
+{
     if (answer.outcome == HttpOutcome::Cancelled)
         return cancelledError();
-    // The condition failed, or the file is shorter now than what is asked for (RFC 9110 15.5.13, 15.5.17).
-    if (answer.status == 412 || answer.status == 416)
-        return changed;
-    if (answer.status != 200 && answer.status != 206)
-        return takeFailure(answer, false, round);
-    if (!version.agreesWith(answer))
-        return changed;
-    if (answer.outcome == HttpOutcome::Invalid || isCompressed(answer)) {
-        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " answers with what cannot be used" +
-                                              (answer.failure.empty() ? "" : ": " + answer.failure) + '.'};
+    if (isSeveral(group) && AnswerFaults::mayConcernSeveral(answer.status)) {
+        faults.refuseSeveral(answer, "it answers with status " + std::to_string(answer.status), round);
         return {};
     }
-    CError error = answer.status == 206 ? takePartial(group, answer, version, sink, round)
-                                        : takeWhole(group, answer, version, sink, round);
+    if (answer.status != 200 && answer.status != 206) {
+        if (isSeveral(group) && round->several == FetchRound::Several::Fine)
+            round->several = FetchRound::Several::Doubted; // something on the way may drop them
+        return faults.judge(answer, round);
+    }
+    CError error = takeBody(group, answer, version, sink, round);
     if (!error && !round->trouble && (answer.outcome == HttpOutcome::Cut || answer.outcome == HttpOutcome::TimedOut))
-        return takeFailure(answer, false, round);
+        return faults.judge(answer, round);
     return error;
 }
 
+/// Of a 200 or 206, unless it is of another version or its bytes are not those of the file.
+CError RangeFetcher::takeBody(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
+                              const Sink &sink, FetchRound *round)
+{
+    const FileVersion::Match match = version.match(answer);
+    if (match == FileVersion::Match::Different)
+        return faults.changed();
+    std::string fault;
+    if (isCompressed(answer))
+        fault = "it is compressed";
+    else if (match == FileVersion::Match::Unproven && (isSeveral(group) || (group.isWholeFile && wholeSink)))
+        fault = "it does not say which version of the file it is of";
+    if (!fault.empty() && isSeveral(group) && answer.status == 206) {
+        faults.refuseSeveral(answer, fault, round);
+        return {};
+    }
+    if (!fault.empty() && !isSeveral(group))
+        return faults.unusable(fault);
+    if (answer.outcome == HttpOutcome::Invalid) {
+        round->trouble = faults.unusable(answer.failure);
+        return {};
+    }
+    if (match == FileVersion::Match::Unproven && (answer.status == 206 || group.isWholeFile))
+        setDoubtful();
+    return answer.status == 206 ? takePartial(group, answer, version, sink, round)
+                                : takeWhole(group, answer, version, sink, round);
+}
+
 /// A 206 need not hold what was asked for, nor in that order: a server may join ranges or send part of them
-/// (RFC 9110 15.3.7). Each piece says where it belongs; what was not asked for at all is not taken.
+/// (RFC 9110 15.3.7.2). Each piece says where it belongs; what was not asked for at all is not taken.
 CError RangeFetcher::takePartial(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
-                                 const Sink &sink, Round *round)
+                                 const Sink &sink, FetchRound *round)
 {
     std::vector<RangePiece> pieces;
     std::string fault;
@@ -342,19 +407,16 @@ CError RangeFetcher::takePartial(const RangeGroup &group, const HttpAnswer &answ
         sink(came.offset, piece.data, came.length);
         asked.remove(came);
     }
-    const bool isSeveral = group.ranges.size() > 1;
-    if (isSeveral && pieces.size() > 1)
+    if (isSeveral(group) && pieces.size() > 1)
         ServerTraits::instance().setTakesSeveralRanges(link.address().server(), true);
-    if (!fault.empty()) {
-        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " cannot be used: " + fault + '.'};
-    } else if (isSeveral && pieces.size() == 1 && !asked.isEmpty()) {
-        ServerTraits::instance().setTakesSeveralRanges(link.address().server(), false);
-        round->isFallback = true;
-        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " gives one range at a time."};
-    } else if (!asked.isEmpty() && answer.outcome == HttpOutcome::Complete) {
+    const bool isWhole = answer.outcome == HttpOutcome::Complete || answer.outcome == HttpOutcome::TooLong;
+    if (isSeveral(group) && (!fault.empty() || (isWhole && pieces.size() <= 1 && !asked.isEmpty())))
+        faults.refuseSeveral(answer, fault.empty() ? "it gives one at a time" : fault, round);
+    else if (!fault.empty())
+        round->trouble = faults.unusable(fault);
+    else if (!asked.isEmpty() && answer.outcome == HttpOutcome::Complete)
         round->trouble = {PLK_ERR_CONNECTION_LOST,
                           "The server of " + quotedName() + " sent fewer bytes than it was asked for."};
-    }
     return {};
 }
 
@@ -362,80 +424,24 @@ CError RangeFetcher::takePartial(const RangeGroup &group, const HttpAnswer &answ
 /// then on they are asked in the way that they understand. Nothing is taken of a whole file that was not asked
 /// for (HttpRequest::wholeLimit is 0 then), so that no gigabytes come by mistake.
 CError RangeFetcher::takeWhole(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
-                               const Sink &sink, Round *round)
+                               const Sink &sink, FetchRound *round)
 {
-    const bool isAskedFor = group.isWholeFile;
-    if (isAskedFor && answer.outcome == HttpOutcome::TooLong)
-        return tooLarge(answer);
-    if (isAskedFor && answer.outcome == HttpOutcome::Complete && answer.bodyLength != version.length)
-        return {PLK_ERR_FILE_CHANGED, "The file " + quotedName() + " was changed on the server. Open it again."};
-    if (isAskedFor && wholeSink) {
-        round->isInSink = answer.outcome == HttpOutcome::Complete;
+    if (!group.isWholeFile && isSeveral(group)) {
+        faults.refuseSeveral(answer, "it sends all of the file", round);
         return {};
     }
-    if (isAskedFor) {
-        sink(0, answer.body.data(), std::min<std::uint64_t>(answer.body.size(), version.length));
-        return {};
-    }
-    round->isFallback = true;
-    if (group.ranges.size() > 1) {
-        ServerTraits::instance().setTakesSeveralRanges(link.address().server(), false);
-        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " does not take several ranges at once."};
-    } else {
+    if (!group.isWholeFile) {
         takesNoRanges = true;
-        round->trouble = {PLK_ERR_SERVER, "The server of " + quotedName() + " gives files as a whole only."};
-    }
-    return {};
-}
-
-/// What an answer's status says for good; success where another try may help.
-CError RangeFetcher::statusError(int status, bool isOpening) const
-{
-    const std::string of = "The server of " + quotedName();
-    switch (status) {
-    case 401: // of the server, 407 of a proxy before it (RFC 9110 15.5.2, 15.5.8)
-    case 407:
-        return {PLK_ERR_NO_ACCESS, of + " wants a user name and password, or does not accept these."};
-    case 403:
-        return {PLK_ERR_NO_ACCESS, of + " does not allow to read it."};
-    case 404:
-    case 410:
-        if (isOpening)
-            return {PLK_ERR_NOT_FOUND, "There is no file " + quotedName() + " on the server."};
-        return {PLK_ERR_FILE_CHANGED, "The file " + quotedName() + " vanished from the server while it was open."};
-    default:
-        break;
-    }
-    if (status < 300 || isTransient(status))
+        round->isFallback = true;
         return {};
-    return {PLK_ERR_SERVER, of + " answers with status " + std::to_string(status) + ", which does not help."};
-}
-
-CError RangeFetcher::takeFailure(const HttpAnswer &answer, bool isOpening, Round *round) const
-{
-    const std::string of = "The server of " + quotedName();
-    const int lostCode = isOpening ? PLK_ERR_UNREACHABLE : PLK_ERR_CONNECTION_LOST;
-    if (answer.outcome == HttpOutcome::Distrusted)
-        return {PLK_ERR_UNTRUSTED, of + " cannot prove that it is the one it claims to be: " + answer.failure + '.'};
-    if (answer.outcome == HttpOutcome::Invalid)
-        return {PLK_ERR_SERVER, of + " answers with what cannot be used: " + answer.failure + '.'};
-    if (CError error = statusError(answer.status, isOpening))
-        return error;
-    round->isTimeOut = round->isTimeOut || answer.outcome == HttpOutcome::TimedOut;
-    if (isTransient(answer.status)) {
-        round->pause = std::max(round->pause, retryAfter(answer));
-        round->trouble = {lostCode,
-                          of + " is out of service at present (status " + std::to_string(answer.status) + ")."};
-    } else if (answer.status != 0 && answer.outcome == HttpOutcome::Complete) {
-        return {PLK_ERR_SERVER,
-                of + " answers with status " + std::to_string(answer.status) + ", which does not help."};
-    } else if (isOpening) {
-        const char *const what = answer.status == 0 ? " cannot be reached: " : " broke off: ";
-        round->trouble = {lostCode, of + what + answer.failure + '.'};
-    } else {
-        round->trouble = {lostCode,
-                          "The connection to the server of " + quotedName() + " is lost: " + answer.failure + '.'};
     }
+    if (answer.outcome == HttpOutcome::TooLong ||
+        (answer.outcome == HttpOutcome::Complete && answer.bodyLength != version.length))
+        return faults.changed();
+    if (wholeSink)
+        round->isInSink = answer.outcome == HttpOutcome::Complete;
+    else
+        sink(0, answer.body.data(), std::min<std::uint64_t>(answer.body.size(), version.length));
     return {};
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rangeplan.h"
+#include "answerfaults.h"
 #include "serverlink.h"
 
 #include "stream/values/byterangeset.h"
@@ -8,12 +8,13 @@
 
 #include <atomic>
 #include <functional>
+#include <mutex>
 
 namespace xrv {
 
-/// Gets bytes of one file from its server, in spite of what servers and connections do: joins and bundles ranges, tries
-/// again after a pause, takes what came of a broken answer, compares every answer with the version of the file. Any
-/// thread, several at once.
+/// Gets bytes of one file from its server, in spite of what servers and connections do: joins and bundles ranges, asks
+/// for single ones where the server does not answer several, tries again after a pause, takes what came of a broken
+/// answer, compares every answer with the version of the file. Any thread, several at once.
 class RangeFetcher
 {
 public:
@@ -29,7 +30,8 @@ public:
     PLK::CError open(const FileVersion &known, const CancelFlag &cancel, const Sink &sink, FileVersion *version);
 
     /// Brings \a ranges of \a version, and perhaps more. What came is handed over as it comes, also where the rest
-    /// fails. PLK_ERR_CONNECTION_LOST, PLK_ERR_FILE_CHANGED and those of open().
+    /// fails. A file that comes as a whole only may have been handed over to another caller meanwhile.
+    /// PLK_ERR_CONNECTION_LOST, PLK_ERR_FILE_CHANGED and those of open().
     PLK::CError fetch(const std::vector<ByteRange> &ranges, const FileVersion &version, const CancelFlag &cancel,
                       const Sink &sink);
 
@@ -40,36 +42,50 @@ public:
     void setOnTrial(bool onTrial) { isOnTrial = onTrial; }
     /// The server gives this file as a whole only.
     bool getsWholeOnly() const { return takesNoRanges; }
+    /// Bytes were handed over of which the server does not say that they are of the version that was opened. Set before
+    /// they are.
+    bool isDoubtful() const { return handsOverUnproven; }
 
 private:
-    struct Round;
-    class Patience;
+    class WholeTurn;
 
+    HttpRequest requestFor(const RangeGroup &group, const FileVersion &version) const;
     std::vector<HttpAnswer> askFor(const std::vector<RangeGroup> &groups, const FileVersion &version,
                                    const CancelFlag &cancel);
     PLK::CError takeOpening(const HttpAnswer &answer, const FileVersion &known, const Sink &sink, FileVersion *version,
-                            Round *round);
-    PLK::CError takeFirstBytes(const HttpAnswer &answer, const Sink &sink, FileVersion *version, Round *round);
-    PLK::CError takeAnswers(const std::vector<RangeGroup> &groups, const std::vector<HttpAnswer> &answers,
-                            const FileVersion &version, const Sink &sink, ByteRangeSet *lacking, Round *round);
+                            FetchRound *round);
+    PLK::CError takeFirstBytes(const HttpAnswer &answer, const Sink &sink, FileVersion *version);
+    PLK::CError fetchParts(ByteRangeSet *lacking, const FileVersion &version, const CancelFlag &cancel,
+                           const Sink &sink);
+    PLK::CError fetchWhole(ByteRangeSet *lacking, const FileVersion &version, const CancelFlag &cancel,
+                           const Sink &sink);
+    PLK::CError runRound(const std::vector<RangeGroup> &groups, const FileVersion &version, const CancelFlag &cancel,
+                         const Sink &sink, ByteRangeSet *lacking, FetchRound *round);
+    PLK::CError judgeRound(const FetchRound &round, FetchPatience *patience, const CancelFlag &cancel) const;
     PLK::CError takeAnswer(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
-                           const Sink &sink, Round *round);
+                           const Sink &sink, FetchRound *round);
+    PLK::CError takeBody(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
+                         const Sink &sink, FetchRound *round);
     PLK::CError takePartial(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
-                            const Sink &sink, Round *round);
+                            const Sink &sink, FetchRound *round);
     PLK::CError takeWhole(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
-                          const Sink &sink, Round *round);
-    PLK::CError statusError(int status, bool isOpening) const;
-    PLK::CError takeFailure(const HttpAnswer &answer, bool isOpening, Round *round) const;
+                          const Sink &sink, FetchRound *round);
     PLK::CError takeLargeWhole(const HttpAnswer &answer, FileVersion *version);
-    PLK::CError tooLarge(const HttpAnswer &answer) const;
-    std::uint64_t wholeLimit() const;
+    PLK::CError wholeFault(const FileVersion &version, bool isKept) const;
+    std::uint64_t openingLimit() const;
+    void setDoubtful();
     void logRequests(const std::vector<RangeGroup> &groups) const;
     void logRetry(const PLK::CError &error) const;
     std::string quotedName() const { return '"' + link.address().shown() + '"'; }
 
     ServerLink &link;
+    const AnswerFaults openingFaults, faults;
     std::shared_ptr<BodySink> wholeSink;
-    std::atomic<bool> takesNoRanges{false}, isOnTrial{false};
+    std::atomic<bool> takesNoRanges{false}, isOnTrial{false}, handsOverUnproven{false};
+
+    std::mutex mutex;             ///< guards the members below
+    bool wholeIsUnderWay = false; ///< some thread gets the whole file
+    unsigned wholesThatCame = 0;
 };
 
 } // namespace xrv

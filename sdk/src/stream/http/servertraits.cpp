@@ -5,6 +5,7 @@ namespace xrv {
 namespace {
 
 constexpr std::size_t kMaxServers = 1000;
+constexpr int kDoubtsThatDecide = 2;
 
 } // namespace
 
@@ -18,17 +19,28 @@ ServerTraits::Answer ServerTraits::takesSeveralRanges(const std::string &server)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     const auto found = severalRanges.find(server);
-    if (found == severalRanges.end())
-        return Answer::Unknown;
-    return found->second ? Answer::Yes : Answer::No;
+    return found == severalRanges.end() ? Answer::Unknown : found->second.answer;
+}
+
+ServerTraits::SeveralRanges &ServerTraits::entry(const std::string &server)
+{
+    if (severalRanges.size() >= kMaxServers)
+        severalRanges.clear();
+    return severalRanges[server];
 }
 
 void ServerTraits::setTakesSeveralRanges(const std::string &server, bool takes)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (severalRanges.size() >= kMaxServers)
-        severalRanges.clear();
-    severalRanges[server] = takes;
+    entry(server) = {takes ? Answer::Yes : Answer::No, 0};
+}
+
+void ServerTraits::doubtSeveralRanges(const std::string &server)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    SeveralRanges &known = entry(server);
+    if (++known.doubts >= kDoubtsThatDecide)
+        known.answer = Answer::No;
 }
 
 void ServerTraits::forget()

@@ -16,17 +16,17 @@ using Kind = ColourSpecification::Kind;
 Kind kindOfEnumerated(std::uint32_t space)
 {
     switch (space) {
-    case 16: // sRGB
+    case kSRgbSpace:
     case 20: // e-sRGB
         return Kind::SRgb;
     case 0:  // bi-level, 0 is white
     case 15: // bi-level, 0 is black
-    case 17: // greyscale
+    case kGreySpace:
         return Kind::Greyscale;
-    case 1:  // YCbCr(1), limited range
-    case 3:  // YCbCr(2), full range
-    case 4:  // YCbCr(3), limited range
-    case 18: // sYCC
+    case 1: // YCbCr(1), limited range
+    case 3: // YCbCr(2), full range
+    case 4: // YCbCr(3), limited range
+    case kSYccSpace:
     case 24: // e-sYCC
         return Kind::SYcc;
     case 14:

@@ -7,6 +7,9 @@
 
 namespace xrv {
 
+/// Enumerated colour spaces, EnumCS (ISO/IEC 15444-1 table I.10).
+constexpr std::uint32_t kSRgbSpace = 16, kGreySpace = 17, kSYccSpace = 18;
+
 /// A colour specification box (ISO/IEC 15444-1 I.5.3.3, extended by ISO/IEC 15444-2 M.11.7).
 struct ColourBox
 {

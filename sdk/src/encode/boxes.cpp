@@ -2,6 +2,7 @@
 
 #include "base/bytewriter.h"
 #include "container/boxtype.h"
+#include "container/colourbox.h"
 #include "geo/geojp2.h"
 
 #include <algorithm>
@@ -11,7 +12,6 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint32_t kSRgbSpace = 16, kGreySpace = 17; // ISO/IEC 15444-1 table I.10
 constexpr std::uint16_t kUnspecified = 65535;
 
 std::uint8_t depthCode(const XrvBand &band)

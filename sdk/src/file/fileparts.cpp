@@ -1,6 +1,7 @@
 #include "fileparts.h"
 
 #include "base/utf8.h"
+#include "container/colourbox.h"
 
 #include <algorithm>
 #include <cmath>
@@ -65,6 +66,24 @@ void compareWithHeaderBox(const FileParts &parts, std::vector<std::string> *warn
                             "; the codestream is believed.");
 }
 
+/// What the file information record of an XRV file tells of the colours. Its channels are as JP2 files have them, so
+/// luma and chroma have the full range.
+std::optional<ColourSpecification> colourOf(const XrvFileInfo &info)
+{
+    using Kind = ColourSpecification::Kind;
+    switch (info.colourSpace) {
+    case PLK_COLORSPACE_GREYSCALE:
+        return ColourSpecification{Kind::Greyscale, kGreySpace, {}, {}};
+    case PLK_COLORSPACE_SRGB:
+        return ColourSpecification{Kind::SRgb, kSRgbSpace, {}, {}};
+    case PLK_COLORSPACE_YUV:
+    case PLK_COLORSPACE_YCBCR:
+        return ColourSpecification{Kind::SYcc, kSYccSpace, {}, {}};
+    default:
+        return {};
+    }
+}
+
 GeoReference placeOf(const XrvFileInfo &info)
 {
     GeoReference place;
@@ -120,6 +139,8 @@ CError readFileParts(const std::shared_ptr<ByteSource> &source, const SourceName
     if (CError error = RasterReader::open(source, parts->boxes.codestream, &parts->reader, packetIndexOf(parts->boxes)))
         return error;
     compareWithHeaderBox(*parts, warnings);
+    if (parts->xrv && !parts->boxes.colour)
+        parts->boxes.colour = colourOf(parts->xrv->info);
     parts->bandMap = BandMap::make(parts->reader->info(), parts->boxes, warnings);
     parts->geo = findPlace(*parts, name, warnings);
     return {};

@@ -37,7 +37,7 @@ private:
 
 void TestXrvDamage::initTestCase()
 {
-    SyntheticImage image(500, 400, 3, 8);
+    SyntheticImage image(500, 400, 3, 16); // nobody would guess that three bands of 16 bits are colours
     image.image.colourSpace = PLK_COLORSPACE_SRGB;
     image.image.place.origin = GeoReference::Origin::XrvInfo;
     image.image.place.epsg = 32633;
@@ -133,6 +133,7 @@ void TestXrvDamage::recordsThatThePictureCanDoWithout()
         const Attempt shown = attempt(&view, folder.write("without.xrv", file), Damage::Strict);
         QVERIFY2(shown.isShown(), shown.error.GetErrorMessage());
         QVERIFY(shown.picture == picture);
+        QCOMPARE(int(view.GetFileInfo()->eColorSpace), int(PLK_COLORSPACE_SRGB));
         PLKFileStatistics *statistics = nullptr;
         QVERIFY(view.GetClientStatistics(&statistics).IsSuccess());
         QCOMPARE(statistics->nBands, 3u);

@@ -41,6 +41,7 @@ private Q_SLOTS:
     void refusesInOneLine_data();
     void refusesInOneLine();
     void handlesBusyPeople();
+    void wheelNeverMeetsAnEmptyMap();
 
 private:
     /// With a settings file of the program's own.
@@ -263,6 +264,31 @@ void TestViewerProgram::handlesBusyPeople()
     QTRY_COMPARE(window.mapArea()->views().size(), 8);
     for (MapView *view : window.mapArea()->views())
         QVERIFY(view->waitUntilComplete(60000));
+    window.mapArea()->closeAllViews();
+}
+
+/// From the whole image to where one cell is larger than the window.
+void TestViewerProgram::wheelNeverMeetsAnEmptyMap()
+{
+    Korvane::PluginRegistry registry;
+    QCOMPARE(registry.loadFolder(QStringLiteral(PLUGIN_FOLDER)), 1);
+    MainWindow window(registry);
+    window.resize(3840, 2160);
+    window.show();
+    QCOMPARE(window.addSources({folder.makeImage(QStringLiteral("noise.jp2"), noiseImage())}, nullptr), QStringList());
+    MapView *view = window.mapArea()->currentView();
+    view->zoomToAll();
+    const QPointF pointer = QRectF(view->rect()).center() + QPointF(7, 5);
+    for (int notch = 0; view->getUnitsPerPixel() > 1.0 / 4000; ++notch) {
+        QVERIFY(view->waitUntilComplete(60000));
+        const QImage picture = view->grab().toImage();
+        for (const QPoint &offset : {QPoint(0, 0), QPoint(-300, -200), QPoint(300, 200)})
+            QVERIFY2(picture.pixelColor(pointer.toPoint() + offset) != QColor(Qt::white),
+                     qPrintable(QString::number(notch)));
+        QWheelEvent wheel(pointer, view->mapToGlobal(pointer.toPoint()), QPoint(), QPoint(0, 120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(view, &wheel);
+    }
     window.mapArea()->closeAllViews();
 }
 

@@ -1,9 +1,10 @@
 #include "mainheader.h"
 
+#include "imagebudget.h"
+
 #include "base/bytecursor.h"
 
 #include <algorithm>
-#include <cmath>
 
 using PLK::CError;
 
@@ -257,20 +258,6 @@ CError parseMainHeader(std::vector<MarkerSegment> &segments, MainHeader *header)
     return {};
 }
 
-/// A header may claim an image for which the codestream has not nearly a byte per packet (at least one per precinct,
-/// resolution and component: B.9). The factor leaves room for files that were cut short.
-CError checkPlausible(const MainHeader &header, std::uint64_t codestreamLength)
-{
-    constexpr double kSlack = 64.0;
-    const double cells = double(header.x1 - header.x0) * double(header.y1 - header.y0);
-    const double packets = std::max(double(header.tileCount()), cells / double(1u << 30)) * double(header.style.layers);
-    if (packets <= kSlack * double(codestreamLength))
-        return {};
-    return malformed("its " + std::to_string(codestreamLength) + " bytes cannot hold the image of " +
-                     std::to_string(header.x1 - header.x0) + " x " + std::to_string(header.y1 - header.y0) +
-                     " cells that its header claims");
-}
-
 } // namespace
 
 int TileStyle::minDecompositionLevels() const
@@ -344,14 +331,15 @@ CError readMainHeader(ByteSource &source, ByteRange codestream, MainHeader *head
             header->length = position;
             if (CError error = parseMainHeader(segments, header))
                 return error;
-            return checkPlausible(*header, codestream.length);
+            return ImageBudget(codestream.length).admit(*header);
         }
         if (!incomplete)
             return malformed("its main header is not made of marker segments");
         if (have == codestream.length)
             return {PLK_ERR_TRUNCATED, "The JPEG 2000 codestream ends within its main header."};
         if (have >= kMaxMainHeader)
-            return malformed("its main header does not end");
+            return {PLK_ERR_UNSUPPORTED, "The main header of the JPEG 2000 codestream takes more than " +
+                                             std::to_string(kMaxMainHeader >> 20) + " MB, which is not supported."};
     }
 }
 

@@ -7,148 +7,12 @@ namespace xrv {
 
 namespace {
 
-/// A precinct with its place on the canvas, by which the position progressions go (B.12.1.3 to B.12.1.5). The standard
-/// has them go over every cell of the tile and asks at each which precincts begin there. It comes to the same, and is
-/// quick, to sort the precincts by the cell where they begin.
-struct PlacedPrecinct
+enum Order { kLrcp, kRlcp, kRpcl, kPcrl, kCprl };
+
+bool isByLayer(int order)
 {
-    std::int64_t y, x;
-    int component, resolution;
-    std::int64_t precinct;
-};
-
-class OrderBuilder
-{
-public:
-    OrderBuilder(const MainHeader &header, const TileStyle &style, const IntRect &tile,
-                 const PacketNumbering &numbering)
-        : header(header)
-        , style(style)
-        , tile(tile)
-        , numbering(numbering)
-        , emitted(static_cast<std::size_t>(numbering.count()), false)
-    {
-        order.reserve(static_cast<std::size_t>(numbering.count()));
-    }
-
-    std::vector<std::uint32_t> build()
-    {
-        for (const ProgressionChange &change : style.progressionChanges)
-            addVolume(change);
-        // Without changes, and after them for what they leave out.
-        if (order.size() < numbering.count()) {
-            ProgressionChange rest;
-            rest.resolutionEnd = 33; // there are at most 32 decomposition levels
-            rest.componentEnd = static_cast<std::uint16_t>(style.components.size());
-            rest.layerEnd = style.layers;
-            rest.order = style.progression;
-            addVolume(rest);
-        }
-        return std::move(order);
-    }
-
-private:
-    /// Volumes of progression changes may overlap: a packet stands where it comes first (B.12.2).
-    void emit(int component, int resolution, std::int64_t precinct, int layer)
-    {
-        const std::uint32_t number = numbering.number(component, resolution, precinct, layer);
-        if (emitted[number])
-            return;
-        emitted[number] = true;
-        order.push_back(number);
-    }
-
-    void clip(const ProgressionChange &change)
-    {
-        components = {change.componentStart, std::min<int>(change.componentEnd, int(style.components.size()))};
-        resolutions = {change.resolutionStart, std::min<int>(change.resolutionEnd, style.maxDecompositionLevels() + 1)};
-        layerEnd = std::min<int>(change.layerEnd, style.layers);
-    }
-
-    void addVolume(const ProgressionChange &change)
-    {
-        clip(change);
-        switch (change.order) {
-        case 0: // LRCP, B.12.1.1
-            for (int l = 0; l < layerEnd; ++l)
-                for (int r = resolutions.first; r < resolutions.second; ++r)
-                    addLayerOfResolution(r, l);
-            break;
-        case 1: // RLCP, B.12.1.2
-            for (int r = resolutions.first; r < resolutions.second; ++r)
-                for (int l = 0; l < layerEnd; ++l)
-                    addLayerOfResolution(r, l);
-            break;
-        case 2: // RPCL, B.12.1.3
-            addPlaced([](const PlacedPrecinct &p) {
-                return std::make_tuple(std::int64_t(p.resolution), p.y, p.x, std::int64_t(p.component), p.precinct);
-            });
-            break;
-        case 3: // PCRL, B.12.1.4
-            addPlaced([](const PlacedPrecinct &p) {
-                return std::make_tuple(p.y, p.x, std::int64_t(p.component), std::int64_t(p.resolution), p.precinct);
-            });
-            break;
-        default: // CPRL, B.12.1.5
-            addPlaced([](const PlacedPrecinct &p) {
-                return std::make_tuple(std::int64_t(p.component), p.y, p.x, std::int64_t(p.resolution), p.precinct);
-            });
-            break;
-        }
-    }
-
-    void addLayerOfResolution(int resolution, int layer)
-    {
-        for (int c = components.first; c < components.second; ++c) {
-            if (resolution >= numbering.resolutions(c))
-                continue;
-            const std::int64_t count = numbering.grid(c, resolution).count();
-            for (std::int64_t p = 0; p < count; ++p)
-                emit(c, resolution, p, layer);
-        }
-    }
-
-    template <typename Key> void addPlaced(Key key)
-    {
-        std::vector<PlacedPrecinct> placed;
-        for (int c = components.first; c < components.second; ++c)
-            for (int r = resolutions.first; r < std::min(resolutions.second, numbering.resolutions(c)); ++r)
-                place(c, r, &placed);
-        std::sort(placed.begin(), placed.end(),
-                  [&key](const PlacedPrecinct &a, const PlacedPrecinct &b) { return key(a) < key(b); });
-        for (const PlacedPrecinct &p : placed)
-            for (int l = 0; l < layerEnd; ++l)
-                emit(p.component, p.resolution, p.precinct, l);
-    }
-
-    /// A precinct that begins before the tile does, as the first of a row or column may, is met at the tile's edge.
-    void place(int c, int r, std::vector<PlacedPrecinct> *placed) const
-    {
-        const PrecinctGrid &grid = numbering.grid(c, r);
-        const int shift = style.components[c].decompositionLevels - r;
-        const auto position = [shift](std::int64_t index, int exponent, std::int64_t resolutionStart,
-                                      std::int64_t tileStart, std::int64_t step) {
-            const std::int64_t start = index << exponent;
-            return start < resolutionStart ? tileStart : (start << shift) * step;
-        };
-        for (std::int64_t p = 0; p < grid.count(); ++p) {
-            const std::int64_t px = grid.firstX + p % grid.across, py = grid.firstY + p / grid.across;
-            placed->push_back(
-                {position(py, grid.heightExponent, grid.resolutionRect.y0, tile.y0, header.components[c].stepY),
-                 position(px, grid.widthExponent, grid.resolutionRect.x0, tile.x0, header.components[c].stepX), c, r,
-                 p});
-        }
-    }
-
-    const MainHeader &header;
-    const TileStyle &style;
-    const IntRect tile;
-    const PacketNumbering &numbering;
-    std::vector<bool> emitted;
-    std::vector<std::uint32_t> order;
-    std::pair<int, int> components, resolutions;
-    int layerEnd = 0;
-};
+    return order == kLrcp || order == kRlcp;
+}
 
 } // namespace
 
@@ -163,16 +27,188 @@ PacketNumbering::PacketNumbering(const MainHeader &header, const TileStyle &styl
             grids[c].push_back(precinctGrid(rect, style.components[c], r));
             bases[c].push_back(total);
             // Stays above the limit once it is there: absurd sizes must not wrap around it.
-            const std::uint64_t precincts = std::min<std::uint64_t>(grids[c].back().count(), kMaxPackets);
-            total = std::min(total + precincts * layerCount, kMaxPackets * 0x10000);
+            const PrecinctGrid &grid = grids[c].back();
+            const bool isAbsurd = grid.down > 0 && grid.across > std::int64_t(kMaxPackets) / grid.down;
+            const std::uint64_t precincts = isAbsurd ? kMaxPackets + 1 : grid.count();
+            total = std::min(total + precincts * layerCount, std::uint64_t(1) << 62);
         }
     }
 }
 
-std::vector<std::uint32_t> packetOrder(const MainHeader &header, const TileStyle &style, const IntRect &tile,
-                                       const PacketNumbering &numbering)
+PacketSequence::PacketSequence(const MainHeader &header, const TileStyle &style, const IntRect &tile,
+                               const PacketNumbering &numbering, const CancelFlag &cancel)
+    : header(header)
+    , style(style)
+    , tile(tile)
+    , numbering(numbering)
+    , cancel(cancel)
+    , done(style.components.size())
 {
-    return OrderBuilder(header, style, tile, numbering).build();
+    for (std::size_t c = 0; c < done.size(); ++c)
+        done[c].assign(static_cast<std::size_t>(numbering.resolutions(static_cast<int>(c))), 0);
+}
+
+bool PacketSequence::next(PacketName *packet)
+{
+    for (;;) {
+        if (groupBegin < groupEnd && (isByLayer(order) ? nextLayered(packet) : nextPlaced(packet)))
+            return true;
+        while (!nextGroup())
+            if (!nextVolume())
+                return false;
+    }
+}
+
+/// Without changes, and after them for what they leave out, the packets come in the order of the coding style.
+bool PacketSequence::nextVolume()
+{
+    if (cancel.isRaised() || volumesBegun > style.progressionChanges.size())
+        return false;
+    ProgressionChange rest;
+    rest.resolutionEnd = 33; // there are at most 32 decomposition levels
+    rest.componentEnd = static_cast<std::uint16_t>(style.components.size());
+    rest.layerEnd = style.layers;
+    rest.order = style.progression;
+    const bool isRest = volumesBegun == style.progressionChanges.size();
+    collectParts(isRest ? rest : style.progressionChanges[volumesBegun]);
+    ++volumesBegun;
+    return true;
+}
+
+/// Volumes of progression changes may overlap: a packet stands where it comes first (B.12.2). A volume has all
+/// precincts of a resolution, so that it is enough to know for each of these how many layers have come.
+void PacketSequence::collectParts(const ProgressionChange &volume)
+{
+    order = volume.order;
+    layerEnd = std::min<int>(volume.layerEnd, style.layers);
+    parts.clear();
+    const int components = std::min<int>(volume.componentEnd, static_cast<int>(style.components.size()));
+    for (int c = volume.componentStart; c < components; ++c) {
+        for (int r = volume.resolutionStart; r < std::min<int>(volume.resolutionEnd, numbering.resolutions(c)); ++r) {
+            int &layers = done[c][r];
+            if (layers >= layerEnd || numbering.grid(c, r).count() == 0)
+                continue;
+            parts.push_back({c, r, layers});
+            layers = layerEnd;
+        }
+    }
+    if (order != kCprl)
+        std::sort(parts.begin(), parts.end(), [](const Part &a, const Part &b) {
+            return std::tie(a.resolution, a.component) < std::tie(b.resolution, b.component);
+        });
+    groupBegin = groupEnd = 0;
+}
+
+bool PacketSequence::isOneGroup(const Part &a, const Part &b) const
+{
+    if (order == kLrcp || order == kPcrl)
+        return true;
+    return order == kCprl ? a.component == b.component : a.resolution == b.resolution;
+}
+
+bool PacketSequence::nextGroup()
+{
+    groupBegin = groupEnd;
+    while (groupEnd < parts.size() && isOneGroup(parts[groupBegin], parts[groupEnd]))
+        ++groupEnd;
+    pending.clear();
+    inLayer.clear();
+    cursors.clear();
+    for (std::size_t part = groupBegin; part < groupEnd; ++part) {
+        if (isByLayer(order))
+            pending.push_back(part);
+        else
+            cursors.push_back(cursorAt(part, 0));
+    }
+    std::sort(pending.begin(), pending.end(),
+              [this](std::size_t a, std::size_t b) { return parts[a].firstLayer > parts[b].firstLayer; });
+    std::make_heap(cursors.begin(), cursors.end(),
+                   [this](const Cursor &a, const Cursor &b) { return comesLater(a, b); });
+    layer = placedLayer = -1;
+    partAt = 0;
+    return groupBegin < groupEnd;
+}
+
+/// B.12.1.1 and B.12.1.2.
+bool PacketSequence::nextLayered(PacketName *packet)
+{
+    if (partAt == inLayer.size() && !startLayer())
+        return false;
+    const Part &part = parts[inLayer[partAt]];
+    *packet = {part.component, part.resolution, layer, precinctAt};
+    if (++precinctAt == precinctsOf(part)) {
+        precinctAt = 0;
+        ++partAt;
+    }
+    return true;
+}
+
+bool PacketSequence::startLayer()
+{
+    layer = inLayer.empty() ? parts[pending.back()].firstLayer : layer + 1;
+    if (layer == layerEnd)
+        return false;
+    const std::size_t before = inLayer.size();
+    for (; !pending.empty() && parts[pending.back()].firstLayer == layer; pending.pop_back())
+        inLayer.push_back(pending.back());
+    if (inLayer.size() > before)
+        std::sort(inLayer.begin(), inLayer.end());
+    partAt = 0;
+    precinctAt = 0;
+    return true;
+}
+
+/// B.12.1.3 to B.12.1.5. The standard has them go over every cell of the tile and asks at each which precincts begin
+/// there. It comes to the same to merge the precincts of all parts, which lie in that order within each.
+bool PacketSequence::nextPlaced(PacketName *packet)
+{
+    if (cursors.empty())
+        return false;
+    const Part &part = parts[cursors.front().part];
+    placedLayer = placedLayer < 0 ? part.firstLayer : placedLayer + 1;
+    *packet = {part.component, part.resolution, placedLayer, cursors.front().precinct};
+    if (placedLayer + 1 == layerEnd) {
+        placedLayer = -1;
+        moveTopCursor();
+    }
+    return true;
+}
+
+void PacketSequence::moveTopCursor()
+{
+    const auto later = [this](const Cursor &a, const Cursor &b) { return comesLater(a, b); };
+    std::pop_heap(cursors.begin(), cursors.end(), later);
+    const Cursor last = cursors.back();
+    cursors.pop_back();
+    if (last.precinct + 1 == precinctsOf(parts[last.part]))
+        return;
+    cursors.push_back(cursorAt(last.part, last.precinct + 1));
+    std::push_heap(cursors.begin(), cursors.end(), later);
+}
+
+/// At the same place components come in turn, and of each the resolutions.
+bool PacketSequence::comesLater(const Cursor &a, const Cursor &b) const
+{
+    const Part &first = parts[a.part], &second = parts[b.part];
+    return std::tie(a.y, a.x, first.component, first.resolution) >
+           std::tie(b.y, b.x, second.component, second.resolution);
+}
+
+/// A precinct that begins before the tile does, as the first of a row or column may, is met at the tile's edge.
+PacketSequence::Cursor PacketSequence::cursorAt(std::size_t number, std::int64_t precinct) const
+{
+    const Part &part = parts[number];
+    const PrecinctGrid &grid = numbering.grid(part.component, part.resolution);
+    const int shift = style.components[part.component].decompositionLevels - part.resolution;
+    const auto position = [shift](std::int64_t index, int exponent, std::int64_t resolutionStart,
+                                  std::int64_t tileStart, std::int64_t step) {
+        const std::int64_t start = index << exponent;
+        return start < resolutionStart ? tileStart : (start << shift) * step;
+    };
+    const std::int64_t px = grid.firstX + precinct % grid.across, py = grid.firstY + precinct / grid.across;
+    const MainHeader::Component &component = header.components[part.component];
+    return {position(py, grid.heightExponent, grid.resolutionRect.y0, tile.y0, component.stepY),
+            position(px, grid.widthExponent, grid.resolutionRect.x0, tile.x0, component.stepX), number, precinct};
 }
 
 } // namespace xrv

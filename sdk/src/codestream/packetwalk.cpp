@@ -1,10 +1,11 @@
 #include "packetwalk.h"
 
+#include "imagebudget.h"
 #include "precinct.h"
 
 #include <algorithm>
 #include <memory>
-#include <optional>
+#include <unordered_map>
 
 using PLK::CError;
 
@@ -14,6 +15,10 @@ namespace {
 
 /// Bytes read ahead at a time.
 constexpr std::uint64_t kWindow = std::uint64_t(256) * 1024;
+/// More than that, and somewhat more than was asked for, only as it is needed.
+constexpr std::uint64_t kMaxAhead = std::uint64_t(64) << 20, kMargin = std::uint64_t(1) << 20;
+/// SOP marker segment, an empty packet header and EPH marker.
+constexpr std::uint64_t kShortestLook = 9;
 
 /// Goes through the bytes of the tile-parts; packets never reach from one into the next.
 class Walker
@@ -48,8 +53,12 @@ public:
         windowStart = position;
         const bool isAtHand = part < atHand.size() && position + count <= atHand[part].end();
         const std::uint64_t end = isAtHand ? atHand[part].end() : data[part].end();
-        return source.read(ByteRange{position, std::min(std::max(count, kWindow), end - position)}, &window, cancel);
+        // Large headers are asked for packet by packet, each of which would read nearly the same again.
+        const std::uint64_t wanted = count > kWindow ? count + kMargin : kWindow;
+        return source.read(ByteRange{position, std::min(wanted, end - position)}, &window, cancel);
     }
+    bool isCancelled() const { return cancel.isRaised(); }
+    const CancelFlag &flag() const { return cancel; }
     const std::uint8_t *bytes() const { return window.data() + (position - windowStart); }
     std::size_t available() const
     {
@@ -70,65 +79,86 @@ private:
     std::uint64_t windowStart = 0;
 };
 
-/// The precincts of a tile while their packets go by.
+/// The precincts of a tile while their packets go by: those of which a packet was more than empty.
 class PrecinctTable
 {
 public:
     explicit PrecinctTable(const PacketWalkInput &tile)
-        : numbering(tile.numbering)
-        , style(tile.style)
+        : tile(tile)
     {
-        for (std::size_t c = 0; c < style.components.size(); ++c) {
-            rects.push_back(componentRect(tile.rect, tile.header.components[c]));
-            for (int r = 0; r < numbering.resolutions(static_cast<int>(c)); ++r)
-                firsts.push_back({numbering.number(static_cast<int>(c), r, 0, 0), static_cast<int>(c), r});
-        }
-        precincts.resize(static_cast<std::size_t>(numbering.count() / numbering.layers()));
+        for (const ByteRange &range : tile.data)
+            bytes += range.length;
     }
 
-    std::unique_ptr<Precinct> &of(std::uint32_t packet)
+    std::unique_ptr<Precinct> &of(const PacketName &packet)
     {
-        std::unique_ptr<Precinct> &precinct = precincts[packet / numbering.layers()];
-        if (precinct)
-            return precinct;
-        const First &first = firstOf(packet);
-        const std::int64_t index = (packet - first.packet) / numbering.layers();
-        precinct = std::make_unique<Precinct>(rects[first.component], style.components[first.component],
-                                              numbering.grid(first.component, first.resolution), first.resolution,
-                                              index, style.usesEph());
+        std::unique_ptr<Precinct> &precinct = precincts[keyOf(packet)];
+        if (!precinct) {
+            precinct = std::make_unique<Precinct>(componentRect(tile.rect, tile.header.components[packet.component]),
+                                                  tile.style.components[packet.component],
+                                                  tile.numbering.grid(packet.component, packet.resolution),
+                                                  packet.resolution, packet.precinct, tile.style.usesEph());
+            memory += precinct->memoryUse();
+        }
         return precinct;
     }
-
-    int resolution(std::uint32_t packet) const { return firstOf(packet).resolution; }
-
-private:
-    struct First
+    /// After the precinct's last packet: a large tile has more precincts than memory should hold at a time.
+    void drop(const PacketName &packet)
     {
-        std::uint32_t packet;
-        int component, resolution;
-    };
-    /// The last resolution that begins at or before the packet; empty ones begin where the next does.
-    const First &firstOf(std::uint32_t packet) const
-    {
-        const auto after = std::upper_bound(firsts.begin(), firsts.end(), packet,
-                                            [](std::uint32_t number, const First &f) { return number < f.packet; });
-        return *(after - 1);
+        const auto found = precincts.find(keyOf(packet));
+        if (found == precincts.end())
+            return;
+        memory -= found->second->memoryUse();
+        precincts.erase(found);
     }
 
-    const PacketNumbering &numbering;
-    const TileStyle &style;
-    std::vector<IntRect> rects;
-    std::vector<First> firsts;
-    std::vector<std::unique_ptr<Precinct>> precincts;
+    /// A precinct that took \a before bytes takes \a after.
+    CError account(std::size_t before, std::size_t after)
+    {
+        memory += after - before;
+        return ImageBudget(bytes).admitPacketHeaders(memory);
+    }
+
+private:
+    std::uint32_t keyOf(const PacketName &packet) const
+    {
+        return tile.numbering.number(packet.component, packet.resolution, packet.precinct, 0);
+    }
+
+    const PacketWalkInput &tile;
+    std::uint64_t bytes = 0;
+    std::size_t memory = 0; ///< of the precincts
+    std::unordered_map<std::uint32_t, std::unique_ptr<Precinct>> precincts;
 };
+
+/// What a packet takes in the tile-part.
+struct PacketLength
+{
+    std::uint64_t bytes = 0;
+    bool isSound = false;
+};
+
+/// An empty packet is a header of one byte (B.10.3): the common case in files of many layers, for which nothing need be
+/// known of its precinct.
+bool isEmptyPacket(Walker &walker, bool usesEph, PacketLength *length)
+{
+    const std::uint8_t *bytes = walker.bytes();
+    const std::size_t available = walker.available();
+    const std::size_t sop = available >= 6 && bytes[0] == 0xFF && bytes[1] == 0x91 ? 6 : 0;
+    if (available < sop + 3 || (bytes[sop] & 0x80))
+        return false;
+    const bool hasEph = usesEph && bytes[sop + 1] == 0xFF && bytes[sop + 2] == 0x92;
+    *length = {sop + (hasEph ? 3u : 1u), true};
+    return true;
+}
 
 /// Parses one packet's header at the walker's position. How long it is shows only when it is parsed, and a parse that
 /// runs out of bytes has spoilt the precinct's state: where that may happen, it works on what can be taken back. Copies
 /// are dear, so they are made only close to the end of what has been read or for headers of unusual length.
-CError parseHere(Walker &walker, std::unique_ptr<Precinct> &precinct, int layer, std::uint64_t *length, bool *isSound)
+CError parseHere(Walker &walker, std::unique_ptr<Precinct> &precinct, int layer, PacketLength *length)
 {
-    const std::size_t ample = precinct->ampleHeader();
-    for (std::uint64_t want = ample;; want *= 4) {
+    const std::uint64_t ample = precinct->ampleHeader();
+    for (std::uint64_t want = std::min(ample, kMaxAhead);; want *= 4) {
         if (CError error = walker.fetch(want))
             return error;
         const bool mayNeedMore = !walker.hasAll() && walker.available() < ample;
@@ -138,35 +168,49 @@ CError parseHere(Walker &walker, std::unique_ptr<Precinct> &precinct, int layer,
         std::size_t headerLength = 0;
         std::uint64_t bodyLength = 0;
         const Precinct::Outcome outcome =
-            precinct->parse(walker.bytes(), walker.available(), layer, &headerLength, &bodyLength);
-        *length = headerLength + bodyLength;
-        *isSound = outcome == Precinct::Outcome::Ok;
+            precinct->parse(walker.bytes(), walker.available(), layer, walker.flag(), &headerLength, &bodyLength);
+        *length = {headerLength + bodyLength, outcome == Precinct::Outcome::Ok};
         if (outcome != Precinct::Outcome::NeedsMore || walker.hasAll() || !copy)
             return {};
         precinct = std::move(copy);
     }
 }
 
+CError measure(Walker &walker, PrecinctTable &precincts, const PacketName &packet, bool usesEph, PacketLength *length)
+{
+    if (CError error = walker.fetch(kShortestLook))
+        return error;
+    if (isEmptyPacket(walker, usesEph, length))
+        return {};
+    std::unique_ptr<Precinct> &precinct = precincts.of(packet);
+    const std::size_t before = precinct->memoryUse();
+    if (CError error = parseHere(walker, precinct, packet.layer, length))
+        return error;
+    return precincts.account(before, precinct->memoryUse());
+}
+
 /// Steps over the packet at the walker's position. \a isSound is false where the data end or contradict themselves;
 /// \a place then has what there is.
-CError stepOver(Walker &walker, PrecinctTable &precincts, std::uint32_t packet, int layers, PacketPlace *place,
-                bool *isSound)
+CError stepOver(Walker &walker, PrecinctTable &precincts, const PacketName &packet, const PacketWalkInput &tile,
+                PacketWalk *walk)
 {
-    *isSound = false;
+    walk->isBroken = true;
     if (!walker.atPacket())
         return {};
-    const int layer = static_cast<int>(packet % static_cast<std::uint32_t>(layers));
-    std::unique_ptr<Precinct> &precinct = precincts.of(packet);
-    std::uint64_t length = 0;
-    CError error = parseHere(walker, precinct, layer, &length, isSound);
-    if (error || !*isSound)
+    PacketLength length;
+    if (CError error = measure(walker, precincts, packet, tile.style.usesEph(), &length))
         return error;
-    const std::uint64_t there = std::min(length, walker.left());
-    *place = {walker.position, static_cast<std::uint32_t>(std::min<std::uint64_t>(there, 0xFFFFFFFFu))};
-    *isSound = there == length;
+    if (walker.isCancelled())
+        return {PLK_ERR_CANCELLED, "The read was cancelled."};
+    if (!length.isSound)
+        return {};
+    const std::uint64_t there = std::min(length.bytes, walker.left());
+    walk->places.add({walker.position, static_cast<std::uint32_t>(std::min<std::uint64_t>(there, 0xFFFFFFFFu)),
+                      tile.numbering.number(packet.component, packet.resolution, packet.precinct, packet.layer)});
+    walk->isBroken = there != length.bytes;
     walker.position += there;
-    if (layer == layers - 1) // its last packet: a large tile has more precincts than memory should hold at a time
-        precinct.reset();
+    if (packet.layer == tile.numbering.layers() - 1)
+        precincts.drop(packet);
     return {};
 }
 
@@ -178,32 +222,52 @@ bool isByResolution(const TileStyle &style)
     return style.progressionChanges.empty() && (style.progression == kRlcp || style.progression == kRpcl);
 }
 
+PacketPlace PacketPlaces::of(std::uint32_t packet) const
+{
+    // As a rule all of them are there.
+    if (packet < places.size() && places[packet].packet == packet)
+        return places[packet];
+    const auto found = std::lower_bound(places.begin(), places.end(), packet,
+                                        [](const PacketPlace &place, std::uint32_t p) { return place.packet < p; });
+    return found != places.end() && found->packet == packet ? *found : PacketPlace();
+}
+
+void PacketPlaces::sort()
+{
+    const auto byNumber = [](const PacketPlace &a, const PacketPlace &b) { return a.packet < b.packet; };
+    if (!std::is_sorted(places.begin(), places.end(), byNumber))
+        std::sort(places.begin(), places.end(), byNumber);
+}
+
 CError walkPackets(ByteSource &source, const PacketWalkInput &tile, int resolution, const CancelFlag &cancel,
                    PacketWalk *walk)
 {
     PacketWalk ahead = *walk;
-    if (ahead.places.empty()) {
-        ahead.places.assign(static_cast<std::size_t>(tile.numbering.count()), {});
+    if (!ahead.isBegun)
         ahead.position = tile.data.empty() ? 0 : tile.data[0].offset;
-    }
+    ahead.isBegun = true;
     Walker walker(source, tile, cancel, ahead);
     // Where a walk by resolution pauses, every precinct that was begun has all of its layers: no state is left behind.
     PrecinctTable precincts(tile);
     const bool mayPause = isByResolution(tile.style);
-    const std::vector<std::uint32_t> order = packetOrder(tile.header, tile.style, tile.rect, tile.numbering);
-    for (; ahead.next < order.size() && !ahead.isBroken; ++ahead.next) {
-        const std::uint32_t packet = order[ahead.next];
-        if (mayPause && precincts.resolution(packet) > resolution)
+    PacketSequence sequence(tile.header, tile.style, tile.rect, tile.numbering, cancel);
+    PacketName packet;
+    for (std::uint64_t i = 0; i < ahead.next; ++i)
+        sequence.next(&packet);
+    while (!ahead.isBroken && !ahead.isFinished) {
+        ahead.isFinished = !sequence.next(&packet);
+        if (cancel.isRaised())
+            return {PLK_ERR_CANCELLED, "The read was cancelled."};
+        if (ahead.isFinished || (mayPause && packet.resolution > resolution))
             break;
-        bool isSound = false;
-        if (CError error =
-                stepOver(walker, precincts, packet, tile.numbering.layers(), &ahead.places[packet], &isSound))
+        if (CError error = stepOver(walker, precincts, packet, tile, &ahead))
             return error;
-        ahead.isBroken = !isSound;
+        ++ahead.next;
     }
-    ahead.isFinished = ahead.isBroken || ahead.next == order.size();
+    ahead.isFinished |= ahead.isBroken;
     ahead.position = walker.position;
     ahead.part = walker.part;
+    ahead.places.sort();
     *walk = std::move(ahead);
     return {};
 }

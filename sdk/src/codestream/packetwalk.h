@@ -9,17 +9,33 @@ struct PacketPlace
 {
     std::uint64_t offset = 0;
     std::uint32_t length = 0;
+    std::uint32_t packet = 0; ///< its number
+};
+
+/// Where packets lie, for those that are there only: a header may claim any number of them.
+class PacketPlaces
+{
+public:
+    PacketPlace of(std::uint32_t packet) const;
+    /// In any order; sort() has to follow before the next question.
+    void add(const PacketPlace &place) { places.push_back(place); }
+    void sort();
+    std::size_t memoryUse() const { return places.capacity() * sizeof(PacketPlace); }
+
+private:
+    std::vector<PacketPlace> places; ///< by number
 };
 
 /// How far the packets of a tile without packet lengths have been followed, one packet header after the other.
 struct PacketWalk
 {
-    std::vector<PacketPlace> places; ///< by packet number; packets that are not there, or not reached, have length 0
-    std::size_t next = 0;            ///< number in the codestream's order of the packet to come
-    std::uint64_t position = 0;      ///< in the file, of that packet
-    std::size_t part = 0;            ///< its tile-part
-    bool isFinished = false;         ///< nothing is left to be found
-    bool isBroken = false;           ///< the data end early or contradict themselves; what came before stands
+    PacketPlaces places;        ///< packets that are not there, or not reached, have length 0
+    std::uint64_t next = 0;     ///< number in the codestream's order of the packet to come
+    std::uint64_t position = 0; ///< in the file, of that packet
+    std::size_t part = 0;       ///< its tile-part
+    bool isBegun = false;
+    bool isFinished = false; ///< nothing is left to be found
+    bool isBroken = false;   ///< the data end early or contradict themselves; what came before stands
 };
 
 /// The tile that is walked through.
@@ -34,8 +50,8 @@ struct PacketWalkInput
 };
 
 /// Walks on until the packets of all resolutions up to \a resolution are found, or all packets where the codestream
-/// does not have them in order of resolution. Fails only when \a source fails or \a cancel is raised; \a walk then
-/// stands where it was.
+/// does not have them in order of resolution. Fails only when \a source fails, \a cancel is raised or the packet
+/// headers take more memory than their bytes are worth (PLK_ERR_UNSUPPORTED); \a walk then stands where it was.
 PLK::CError walkPackets(ByteSource &source, const PacketWalkInput &tile, int resolution, const CancelFlag &cancel,
                         PacketWalk *walk);
 

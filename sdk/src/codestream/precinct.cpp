@@ -102,12 +102,11 @@ Precinct::Precinct(const IntRect &tileComponentRect, const ComponentStyle &style
     , usesEph(usesEph)
 {
     for (const BandGrid &band : bandGrids(tileComponentRect, style, grid, resolution, precinct))
-        bandStates.push_back({band, TagTree(band.across, band.down), TagTree(band.across, band.down),
-                              std::vector<CodeBlockState>(band.count())});
+        bandStates.emplace_back(band.across, band.down);
 }
 
-Precinct::Outcome Precinct::parse(const std::uint8_t *data, std::size_t size, int layer, std::size_t *headerLength,
-                                  std::uint64_t *bodyLength)
+Precinct::Outcome Precinct::parse(const std::uint8_t *data, std::size_t size, int layer, const CancelFlag &cancel,
+                                  std::size_t *headerLength, std::uint64_t *bodyLength)
 {
     // A.8.1: the SOP marker segment may be left out packet by packet.
     const std::size_t sop = size >= 6 && data[0] == 0xFF && data[1] == 0x91 ? 6 : 0;
@@ -121,11 +120,9 @@ Precinct::Outcome Precinct::parse(const std::uint8_t *data, std::size_t size, in
     } else {
         PacketBits bits(data + sop, size - sop);
         bits.bit();
-        // B.10.8: subband by subband, each with its code-blocks row by row.
         bool sound = true;
         for (BandState &band : bandStates)
-            for (std::uint32_t i = 0; sound && i < band.codeBlocks.size(); ++i)
-                sound = parseCodeBlock(bits, band, i, layer, bodyLength);
+            sound = sound && parseBand(bits, band, layer, cancel, bodyLength);
         *headerLength = sop + bits.finish();
         if (!bits.ok() || !sound)
             return bits.ok() ? Outcome::Damaged : Outcome::NeedsMore;
@@ -139,44 +136,80 @@ Precinct::Outcome Precinct::parse(const std::uint8_t *data, std::size_t size, in
     }
     // B.9: the bytes follow in the order in which the header has spoken of them.
     std::uint64_t offset = *headerLength;
-    for (auto &[codeBlock, piece] : lastPieces) {
-        codeBlock->pieces[piece].offset = offset;
-        offset += codeBlock->pieces[piece].length;
+    for (const LastPiece &last : lastPieces) {
+        piece(last).offset = offset;
+        offset += piece(last).length;
     }
     return Outcome::Ok;
 }
 
 void Precinct::placeLast(std::uint64_t offset)
 {
-    for (auto &[codeBlock, piece] : lastPieces)
-        codeBlock->pieces[piece].offset += offset;
+    for (const LastPiece &last : lastPieces)
+        piece(last).offset += offset;
 }
 
-/// B.10.4 to B.10.6. In which layer a code-block is first included stands in a tag tree, and so does its number of zero
-/// bit-planes, which is told then; from there on one bit a packet says whether there is more of it.
-bool Precinct::parseCodeBlock(PacketBits &bits, BandState &band, std::uint32_t number, int layer,
+/// B.10.8: the code-blocks row by row. Where many of them lie below a node of the inclusion tree that says that none
+/// is included yet, they have no bits, and rows of nothing else are passed over together.
+bool Precinct::parseBand(PacketBits &bits, BandState &band, int layer, const CancelFlag &cancel,
+                         std::uint64_t *bodyLength)
+{
+    for (std::uint32_t y = 0; y < band.down() && bits.ok() && !cancel.isRaised();) {
+        std::uint32_t nextRow = band.down();
+        for (std::uint32_t x = 0; x < band.across() && bits.ok();) {
+            if (band.inclusion.isBelow(bits, x, y, layer + 1)) {
+                if (!parseCodeBlock(bits, band, x, y, layer, bodyLength))
+                    return false;
+                nextRow = y + 1;
+                ++x;
+                continue;
+            }
+            const int level = band.inclusion.levelNotBelow();
+            x = ((x >> level) + 1) << level;
+            nextRow = std::min(nextRow, ((y >> level) + 1) << level);
+        }
+        y = nextRow;
+    }
+    return true;
+}
+
+/// B.10.4 to B.10.6, of a code-block that is included. In which layer one is first included stands in a tag tree, and
+/// so does its number of zero bit-planes, which is told then; from there on one bit a packet says whether there is more
+/// of it.
+bool Precinct::parseCodeBlock(PacketBits &bits, BandState &band, std::uint32_t x, std::uint32_t y, int layer,
                               std::uint64_t *bodyLength)
 {
-    CodeBlockState &codeBlock = band.codeBlocks[number];
-    if (codeBlock.isIncluded) {
+    std::uint32_t &label = band.inclusion.label();
+    if (label != 0) {
         if (!bits.bit())
             return true;
     } else {
-        if (!band.inclusion.isBelow(bits, number, layer + 1))
-            return true;
-        const int planes = band.zeroBitPlanes.value(bits, number, kMaxZeroBitPlanes);
+        const int planes = band.zeroBitPlanes.value(bits, x, y, kMaxZeroBitPlanes);
         if (planes >= kMaxZeroBitPlanes)
             return false;
-        codeBlock.zeroBitPlanes = static_cast<std::uint8_t>(planes);
-        codeBlock.isIncluded = true;
+        band.included.emplace_back();
+        band.included.back().zeroBitPlanes = static_cast<std::uint8_t>(planes);
+        label = static_cast<std::uint32_t>(band.included.size());
     }
+    CodeBlockState &codeBlock = band.included[label - 1];
     const int passes = readPasses(bits);
     // B.10.7.1: Lblock only grows, also from packet to packet.
     while (bits.bit()) {
         if (++codeBlock.lengthBits > 32)
             return false;
     }
-    return parseLengths(bits, codeBlock, passes, layer, bodyLength);
+    const std::size_t piecesBefore = codeBlock.pieces.size();
+    const bool isSound = parseLengths(bits, codeBlock, passes, layer, bodyLength);
+    addLastPieces(band, label - 1, piecesBefore);
+    return isSound;
+}
+
+void Precinct::addLastPieces(BandState &band, std::size_t codeBlock, std::size_t firstPiece)
+{
+    const auto bandNumber = static_cast<std::uint32_t>(&band - bandStates.data());
+    for (std::size_t i = firstPiece; i < band.included[codeBlock].pieces.size(); ++i)
+        lastPieces.push_back({bandNumber, static_cast<std::uint32_t>(codeBlock), static_cast<std::uint32_t>(i)});
+    pieceCount += band.included[codeBlock].pieces.size() - firstPiece;
 }
 
 /// In high-throughput code-blocks whole sets of three passes may come first that have no bytes and stand for a
@@ -225,29 +258,38 @@ bool Precinct::parseLengths(PacketBits &bits, CodeBlockState &codeBlock, int pas
         passes -= piece.passes;
         placeholders = 0;
         codeBlock.pieces.push_back(piece);
-        lastPieces.emplace_back(&codeBlock, codeBlock.pieces.size() - 1);
     }
     return true;
 }
 
-std::size_t Precinct::ampleHeader() const
+std::uint64_t Precinct::ampleHeader() const
 {
     const bool manySegments = codeBlockStyle & (CodeBlockStyle::kBypass | CodeBlockStyle::kTerminateAll);
-    std::size_t count = 0;
+    std::uint64_t count = 0;
     for (const BandState &band : bandStates)
-        count += band.codeBlocks.size();
+        count += std::uint64_t(band.across()) * band.down();
     return 64 + count * (manySegments ? 256 : 32);
 }
 
 std::size_t Precinct::memoryUse() const
 {
-    std::size_t sum = sizeof(*this);
-    for (const BandState &band : bandStates) {
-        sum += band.codeBlocks.size() * (sizeof(CodeBlockState) + 24);
-        for (const CodeBlockState &codeBlock : band.codeBlocks)
-            sum += codeBlock.pieces.capacity() * sizeof(CodeBlockPiece);
-    }
-    return sum;
+    std::size_t sum = sizeof(*this) + lastPieces.capacity() * sizeof(LastPiece);
+    for (const BandState &band : bandStates)
+        sum += band.memoryUse();
+    return sum + pieceCount * sizeof(CodeBlockPiece);
+}
+
+const CodeBlockState &BandState::codeBlock(std::uint32_t number) const
+{
+    static const CodeBlockState kUntold;
+    const std::uint32_t label = inclusion.labelOf(number % across(), number / across());
+    return label != 0 ? included[label - 1] : kUntold;
+}
+
+std::size_t BandState::memoryUse() const
+{
+    return sizeof(*this) + inclusion.memoryUse() + zeroBitPlanes.memoryUse() +
+           included.capacity() * sizeof(CodeBlockState);
 }
 
 } // namespace xrv

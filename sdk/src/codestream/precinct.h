@@ -3,6 +3,8 @@
 #include "tagtree.h"
 #include "tileindex.h"
 
+#include "base/cancelflag.h"
+
 #include <array>
 #include <cstdint>
 #include <vector>
@@ -47,44 +49,73 @@ struct CodeBlockState
     std::uint8_t zeroBitPlanes = 0; ///< with those that placeholder passes stand for
     std::uint8_t lengthBits = 3;    ///< Lblock
     std::uint8_t passes = 0;
-    bool isIncluded = false;
+};
+
+/// The code-blocks of a subband in a precinct: only those that packet headers have told of take memory.
+class BandState
+{
+public:
+    BandState(std::uint32_t across, std::uint32_t down)
+        : inclusion(across, down)
+        , zeroBitPlanes(across, down)
+    {
+    }
+
+    std::uint32_t across() const { return inclusion.width(); }
+    std::uint32_t down() const { return inclusion.height(); }
+    /// One that no packet has told of has no pieces.
+    const CodeBlockState &codeBlock(std::uint32_t number) const;
+    std::size_t memoryUse() const;
+
+    TagTree inclusion;                    ///< leaves have labels: 1 + the number in included
+    TagTree zeroBitPlanes;                ///< of no use once all packets are parsed
+    std::vector<CodeBlockState> included; ///< in the order in which packets told of them
 };
 
 /// A precinct whose packets are parsed one after the other, lowest layer first.
 class Precinct
 {
 public:
-    struct BandState
-    {
-        BandGrid grid;
-        TagTree inclusion, zeroBitPlanes;
-        std::vector<CodeBlockState> codeBlocks;
-    };
-
     Precinct(const IntRect &tileComponentRect, const ComponentStyle &style, const PrecinctGrid &grid, int resolution,
              std::int64_t precinct, bool usesEph);
 
     enum class Outcome { Ok, NeedsMore, Damaged };
     /// Parses the header of the packet of \a layer at the start of \a data (an SOP marker segment may come before it).
     /// \a headerLength and \a bodyLength are set on success. With NeedsMore the header reaches beyond \a data; the
-    /// state is spoiled then, as with Damaged, and a caller that can give more has to start from a copy.
-    Outcome parse(const std::uint8_t *data, std::size_t size, int layer, std::size_t *headerLength,
-                  std::uint64_t *bodyLength);
+    /// state is spoiled then, as with Damaged, and a caller that can give more has to start from a copy. Once \a cancel
+    /// is raised the outcome says nothing.
+    Outcome parse(const std::uint8_t *data, std::size_t size, int layer, const CancelFlag &cancel,
+                  std::size_t *headerLength, std::uint64_t *bodyLength);
     /// Adds \a offset to the pieces that the last parse() made.
     void placeLast(std::uint64_t offset);
 
     /// Bytes that surely hold the header of one packet in sound files of ordinary coding styles.
-    std::size_t ampleHeader() const;
+    std::uint64_t ampleHeader() const;
     const std::vector<BandState> &bands() const { return bandStates; }
+    std::vector<BandState> takeBands() { return std::move(bandStates); }
     std::size_t memoryUse() const;
 
 private:
-    bool parseCodeBlock(PacketBits &bits, BandState &band, std::uint32_t number, int layer, std::uint64_t *bodyLength);
+    bool parseBand(PacketBits &bits, BandState &band, int layer, const CancelFlag &cancel, std::uint64_t *bodyLength);
+    bool parseCodeBlock(PacketBits &bits, BandState &band, std::uint32_t x, std::uint32_t y, int layer,
+                        std::uint64_t *bodyLength);
     bool skipPlaceholders(CodeBlockState &codeBlock, int *passes, int *placeholders) const;
     bool parseLengths(PacketBits &bits, CodeBlockState &codeBlock, int passes, int layer, std::uint64_t *bodyLength);
+    void addLastPieces(BandState &band, std::size_t codeBlock, std::size_t firstPiece);
+
+    /// A piece of the packet parsed last: the numbers of the subband, of the code-block there and of the piece in it.
+    struct LastPiece
+    {
+        std::uint32_t band, codeBlock, piece;
+    };
+    CodeBlockPiece &piece(const LastPiece &last)
+    {
+        return bandStates[last.band].included[last.codeBlock].pieces[last.piece];
+    }
 
     std::vector<BandState> bandStates;
-    std::vector<std::pair<CodeBlockState *, std::size_t>> lastPieces;
+    std::vector<LastPiece> lastPieces;
+    std::size_t pieceCount = 0;
     std::uint8_t codeBlockStyle;
     bool usesEph;
 };

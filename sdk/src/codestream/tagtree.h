@@ -65,24 +65,55 @@ private:
 
 /// Tag tree (B.10.2): a quad tree of minima, told bit by bit. What one packet has told of it holds for all later
 /// packets of the precinct, so the order of the questions is part of the format.
+///
+/// Its nodes are made when they are first asked about: what has not been told takes no memory, however many leaves
+/// there are.
 class TagTree
 {
 public:
     TagTree(std::uint32_t width, std::uint32_t height);
 
-    /// Reads until it is known whether the leaf's value is below \a threshold.
-    bool isBelow(PacketBits &bits, std::uint32_t leaf, int threshold);
+    std::uint32_t width() const { return leavesAcross; }
+    std::uint32_t height() const { return leavesDown; }
+
+    /// Reads until it is known whether the leaf's value is below \a threshold (up to 65535).
+    bool isBelow(PacketBits &bits, std::uint32_t x, std::uint32_t y, int threshold);
+    /// After isBelow() said no: that holds for all leaves of the square of 2^level leaves a side, counted from the
+    /// first leaf, in which the leaf lies, and asking for them reads nothing.
+    int levelNotBelow() const { return lastLevel; }
     /// Reads until the leaf's value is known; at most \a limit.
-    int value(PacketBits &bits, std::uint32_t leaf, int limit);
+    int value(PacketBits &bits, std::uint32_t x, std::uint32_t y, int limit);
+
+    /// A number that the owner gives the leaf for which isBelow() said yes last; 0 to begin with.
+    std::uint32_t &label() { return quads[lastQuad].below[lastSlot]; }
+    std::uint32_t labelOf(std::uint32_t x, std::uint32_t y) const;
+
+    std::size_t memoryUse() const { return quads.capacity() * sizeof(Quad); }
 
 private:
+    static constexpr std::uint16_t kUntold = 0xFFFF;
     struct Node
     {
-        std::int32_t parent = -1;
-        std::int16_t value = 0x7FFF; ///< until it has been told
-        std::int16_t low = 0;        ///< the value is no less, as far as has been told
+        std::uint16_t value = kUntold;
+        std::uint16_t low = 0; ///< the value is no less, as far as has been told
     };
-    std::vector<Node> nodes;
+    /// The four nodes below one; the first quad has the root alone.
+    struct Quad
+    {
+        Node nodes[4];
+        std::uint32_t below[4] = {0, 0, 0, 0}; ///< quads, 0 for those not made yet; of leaves their labels
+    };
+    static unsigned slotAt(std::uint32_t x, std::uint32_t y, int level)
+    {
+        return (x >> level & 1u) | (y >> level & 1u) << 1;
+    }
+
+    std::uint32_t leavesAcross, leavesDown;
+    int depth = 0; ///< levels below the root
+    int lastLevel = 0;
+    std::size_t lastQuad = 0;
+    unsigned lastSlot = 0;
+    std::vector<Quad> quads;
 };
 
 } // namespace xrv

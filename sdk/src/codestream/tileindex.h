@@ -24,10 +24,10 @@ public:
     const std::vector<Quantization> &quantization() const { return quantizations; }
 
     /// Packets can be asked for one by one.
-    bool hasPacketPlaces() const { return !walk.places.empty(); }
+    bool hasPacketPlaces() const { return walk.isBegun; }
     /// The places of the packets of resolutions up to \a resolution are known, as far as they will ever be.
     bool knowsPlaces(int resolution) const { return !isWalkable || walk.isFinished || resolution <= walkedResolution; }
-    const PacketPlace &place(std::uint32_t packet) const { return walk.places[packet]; }
+    PacketPlace place(std::uint32_t packet) const { return walk.places.of(packet); }
 
     /// Bytes of the tile-parts after their headers.
     const std::vector<ByteRange> &data() const { return dataRanges; }
@@ -40,7 +40,7 @@ public:
     bool isTruncated() const { return truncated || walk.isBroken; }
     /// No tile-part of this tile was found.
     bool isMissing() const { return dataRanges.empty(); }
-    std::size_t memoryUse() const { return sizeof(*this) + walk.places.size() * sizeof(PacketPlace) + packed.size(); }
+    std::size_t memoryUse() const { return sizeof(*this) + walk.places.memoryUse() + packed.size(); }
 
 private:
     friend class TileIndexReader;

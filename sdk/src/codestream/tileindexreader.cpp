@@ -51,12 +51,12 @@ TileIndexReader::TileIndexReader(ByteSource &source, const MainHeader &header, c
 {
 }
 
-void TileIndexReader::finishHeaders()
+void TileIndexReader::finishHeaders(const CancelFlag &cancel)
 {
     made->numbering.emplace(header, made->tileStyle, made->canvasRect);
     const bool canPlace = !made->isPacked && !made->isMissing() && made->numbering->count() <= kMaxPackets;
     if (canPlace)
-        placePackets();
+        placePackets(cancel);
     made->isWalkable = canPlace;
 }
 
@@ -70,7 +70,7 @@ void TileIndexReader::useIndex(ByteRange codestream)
         for (std::uint32_t i = 0; i < part.packets; ++i)
             lengths.back().push_back(known.packetLength(part.firstPacket + i));
     }
-    finishHeaders();
+    finishHeaders(CancelFlag());
 }
 
 CError TileIndexReader::walk(int resolution, const std::vector<ByteRange> &atHand, const CancelFlag &cancel)
@@ -190,27 +190,29 @@ void TileIndexReader::applyQuantization(const MarkerSegment &segment)
 }
 
 /// From the packet lengths, where every tile-part has them and they add up to its bytes.
-void TileIndexReader::placePackets()
+void TileIndexReader::placePackets(const CancelFlag &cancel)
 {
     const PacketNumbering &numbering = *made->numbering;
     if (!lengthsAddUp())
         return;
-    const std::vector<std::uint32_t> order = packetOrder(header, made->tileStyle, made->canvasRect, numbering);
-    std::vector<PacketPlace> places(static_cast<std::size_t>(numbering.count()));
-    std::size_t next = 0;
+    PacketSequence sequence(header, made->tileStyle, made->canvasRect, numbering, cancel);
+    PacketWalk placed;
+    PacketName packet;
     for (std::size_t part = 0; part < lengths.size(); ++part) {
         std::uint64_t offset = made->dataRanges[part].offset;
         for (const std::uint32_t length : lengths[part]) {
-            if (next == order.size())
+            if (!sequence.next(&packet))
                 return;
-            if (offset + length <= made->dataRanges[part].end())
-                places[order[next]] = {offset, length};
-            ++next;
+            if (length > 0 && offset + length <= made->dataRanges[part].end())
+                placed.places.add(
+                    {offset, length,
+                     numbering.number(packet.component, packet.resolution, packet.precinct, packet.layer)});
             offset += length;
         }
     }
-    made->walk.places = std::move(places);
-    made->walk.isFinished = true;
+    placed.places.sort();
+    placed.isBegun = placed.isFinished = true;
+    made->walk = std::move(placed);
 }
 
 bool TileIndexReader::lengthsAddUp() const

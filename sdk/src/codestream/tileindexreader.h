@@ -20,7 +20,7 @@ public:
     /// Reads the header of the tile's next tile-part, \a firstRead bytes (more than none) at first.
     PLK::CError readPart(const TilePart &part, std::uint64_t firstRead, const CancelFlag &cancel);
     /// After the last tile-part; a tile without any is missing.
-    void finishHeaders();
+    void finishHeaders(const CancelFlag &cancel);
     /// The same from header.packetIndex, for which nothing is read; \a codestream is its place in the file.
     void useIndex(ByteRange codestream);
     /// Finds the packets of resolutions up to \a resolution where the index does not know them. \a atHand: of each
@@ -35,7 +35,7 @@ private:
     PLK::CError applySegment(MarkerSegment &segment, std::vector<MarkerSegment> *plt);
     void appendPacked(const Bytes &bytes);
     void applyQuantization(const MarkerSegment &segment);
-    void placePackets();
+    void placePackets(const CancelFlag &cancel);
     bool lengthsAddUp() const;
 
     ByteSource &source;

@@ -69,8 +69,11 @@ private:
             return error;
         if (walked.isBroken || !walked.isFinished)
             return unexpected();
-        for (const std::uint32_t packet : packetOrder(header, header.style, rect, numbering))
-            lengths.push_back(walked.places[packet].length);
+        const CancelFlag never;
+        PacketSequence sequence(header, header.style, rect, numbering, never);
+        for (PacketName p; sequence.next(&p);)
+            lengths.push_back(
+                walked.places.of(numbering.number(p.component, p.resolution, p.precinct, p.layer)).length);
         return {};
     }
 

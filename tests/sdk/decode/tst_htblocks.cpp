@@ -88,8 +88,8 @@ OneBlock makeBlock(int width, int height, unsigned seed)
     Precinct precinct(rect, header.style.components[0], numbering.grid(0, 0), 0, 0, false);
     std::size_t headerLength = 0;
     std::uint64_t bodyLength = 0;
-    precinct.parse(bytes.data() + packet, bytes.size() - packet, 0, &headerLength, &bodyLength);
-    const CodeBlockState &block = precinct.bands()[0].codeBlocks[0];
+    precinct.parse(bytes.data() + packet, bytes.size() - packet, 0, CancelFlag(), &headerLength, &bodyLength);
+    const CodeBlockState &block = precinct.bands()[0].codeBlock(0);
     const auto begin = bytes.begin() + std::ptrdiff_t(packet + block.pieces[0].offset);
     return {{bytes.begin(), bytes.begin() + std::ptrdiff_t(packet)},
             block.zeroBitPlanes,

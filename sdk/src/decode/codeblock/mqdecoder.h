@@ -41,8 +41,7 @@ public:
     {
         next = data;
         code = *next << 8;
-        readByte();
-        code <<= 7;
+        code = (code + static_cast<std::int32_t>(nextByte())) << 7;
         count -= 7;
         interval = kLeastInterval;
         settle();
@@ -59,6 +58,7 @@ public:
 
 private:
     static constexpr std::int32_t kLeastInterval = 0x8000 << 8;
+    static constexpr std::uint32_t kMostCode = 0x10000 << 8;
 
     /// The choice between the subintervals cannot be foretold, so it is made without branches: figure C.15 comes down
     /// to an LPS when the code lies in the lower subinterval or the two have changed places, but not both.
@@ -95,37 +95,39 @@ private:
 #endif
     }
 
-    /// Doubles the interval until it has its highest bit, all steps at once up to the next byte.
+    /// Doubles the interval until it has its highest bit, all steps at once up to the next byte. The code stays below
+    /// the interval in sound data; in others it is kept close, so that no sum leaves its type.
     XRV_INLINE void renormalize()
     {
         int shift = leadingZeros(static_cast<std::uint32_t>(interval)) - 8;
         interval <<= shift;
+        auto bits = static_cast<std::uint32_t>(code);
         while (shift > count) {
-            code <<= count;
+            bits <<= count;
             shift -= count;
-            readByte();
+            bits += nextByte();
         }
-        code <<= shift;
+        bits <<= shift;
         count -= shift;
+        code = static_cast<std::int32_t>(bits < kMostCode ? bits : kMostCode);
     }
 
-    XRV_INLINE void readByte()
+    /// What the next byte adds to the code; count is then that of its bits.
+    XRV_INLINE std::uint32_t nextByte()
     {
-        const int following = next[1];
+        const std::uint32_t following = next[1];
         if (*next == 0xFF) {
             if (following > 0x8F) {
-                code += 0xFF;
                 count = 8;
-            } else {
-                ++next;
-                code += following << 1;
-                count = 7;
+                return 0xFF;
             }
-        } else {
             ++next;
-            code += following;
-            count = 8;
+            count = 7;
+            return following << 1;
         }
+        ++next;
+        count = 8;
+        return following;
     }
 
     const std::uint8_t *next = nullptr;

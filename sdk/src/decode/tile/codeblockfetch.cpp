@@ -103,7 +103,7 @@ CError CodeBlockFetch::prefetchCodeBlocks()
     for (const WantedPrecinct &precinct : precincts)
         for (const CodeBlockPlace *place : precinct.codeBlocks) {
             const CodeBlockName &name = place->name;
-            for (const ByteRange &range : means.reader.rangesOf(precinct.index->codeBlocks[name.band][name.codeBlock]))
+            for (const ByteRange &range : means.reader.rangesOf(precinct.index->codeBlock(name)))
                 if (!precinct.bytes.find(range.offset, range.length))
                     ranges.push_back(range);
         }

@@ -108,7 +108,7 @@ CError CodeBlockReader::read(const WantedPrecinct &precinct, const CodeBlockPlac
 {
     thread_local std::vector<std::int32_t> coefficients;
     const TileIndex &index = *precinct.request->tile.index;
-    const CodeBlockState &state = precinct.index->codeBlocks[place.name.band][place.name.codeBlock];
+    const CodeBlockState &state = precinct.index->codeBlock(place.name);
     CodeBlock codeBlock = emptyCodeBlock(place, index.style().components[place.name.component]);
     const int shift = regionOfInterestShift(index.quantization()[place.name.component].regionOfInterest);
     const int magnitude = magnitudeBits(index, place) + shift;

@@ -47,8 +47,8 @@ std::vector<ByteRange> beginningsOf(std::vector<ByteRange> ranges, std::uint64_t
 /// What a damaged packet header has told is forgotten.
 void dropFromLayer(PrecinctIndex &index, int layer)
 {
-    for (std::vector<CodeBlockState> &band : index.codeBlocks)
-        for (CodeBlockState &codeBlock : band)
+    for (BandState &band : index.bands)
+        for (CodeBlockState &codeBlock : band.included)
             while (!codeBlock.pieces.empty() && codeBlock.pieces.back().layer >= layer)
                 codeBlock.pieces.pop_back();
 }
@@ -58,9 +58,9 @@ void dropFromLayer(PrecinctIndex &index, int layer)
 std::size_t PrecinctIndex::memoryUse() const
 {
     std::size_t sum = sizeof(*this);
-    for (const std::vector<CodeBlockState> &band : codeBlocks) {
-        sum += band.size() * sizeof(CodeBlockState);
-        for (const CodeBlockState &codeBlock : band)
+    for (const BandState &band : bands) {
+        sum += band.memoryUse();
+        for (const CodeBlockState &codeBlock : band.included)
             sum += codeBlock.pieces.capacity() * sizeof(CodeBlockPiece) + 16;
     }
     return sum;
@@ -107,7 +107,9 @@ CError PrecinctStore::load(WantedPrecinct *precinct, const CancelFlag &cancel)
         if (CError error = precinct->bytes.read(*source, beginnings, cancel))
             return error;
         auto parsed = std::make_shared<PrecinctIndex>();
-        const Precinct::Outcome outcome = parse(*precinct, beginnings, parsed.get());
+        const Precinct::Outcome outcome = parse(*precinct, beginnings, cancel, parsed.get());
+        if (cancel.isRaised())
+            return {PLK_ERR_CANCELLED, "The read was cancelled."};
         if (outcome == Precinct::Outcome::NeedsMore && !isAll)
             continue;
         precinct->isDamaged = outcome != Precinct::Outcome::Ok;
@@ -118,7 +120,7 @@ CError PrecinctStore::load(WantedPrecinct *precinct, const CancelFlag &cancel)
 }
 
 Precinct::Outcome PrecinctStore::parse(const WantedPrecinct &wanted, const std::vector<ByteRange> &beginnings,
-                                       PrecinctIndex *index) const
+                                       const CancelFlag &cancel, PrecinctIndex *index) const
 {
     const TileIndex &tile = *wanted.request->tile.index;
     const PrecinctKey &key = wanted.key;
@@ -132,15 +134,15 @@ Precinct::Outcome PrecinctStore::parse(const WantedPrecinct &wanted, const std::
             break; // cut off; the layers before it stand
         std::size_t headerLength = 0;
         std::uint64_t bodyLength = 0;
-        outcome = precinct.parse(wanted.bytes.find(packet.offset, packet.length),
-                                 static_cast<std::size_t>(packet.length), soundLayers, &headerLength, &bodyLength);
+        outcome =
+            precinct.parse(wanted.bytes.find(packet.offset, packet.length), static_cast<std::size_t>(packet.length),
+                           soundLayers, cancel, &headerLength, &bodyLength);
         if (outcome != Precinct::Outcome::Ok)
             break;
         precinct.placeLast(packet.offset);
         ++soundLayers;
     }
-    for (const Precinct::BandState &band : precinct.bands())
-        index->codeBlocks.push_back(band.codeBlocks);
+    index->bands = precinct.takeBands();
     if (outcome != Precinct::Outcome::Ok)
         dropFromLayer(*index, soundLayers);
     return outcome;

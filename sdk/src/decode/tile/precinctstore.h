@@ -13,7 +13,11 @@ namespace xrv {
 /// Parsed packet headers of one precinct, with the bytes' places in the file.
 struct PrecinctIndex
 {
-    std::vector<std::vector<CodeBlockState>> codeBlocks; ///< per band
+    std::vector<BandState> bands;
+    const CodeBlockState &codeBlock(const CodeBlockName &name) const
+    {
+        return bands[static_cast<std::size_t>(name.band)].codeBlock(name.codeBlock);
+    }
     std::size_t memoryUse() const;
 };
 
@@ -68,7 +72,7 @@ public:
 private:
     std::uint64_t firstRead(const WantedPrecinct &precinct) const;
     Precinct::Outcome parse(const WantedPrecinct &wanted, const std::vector<ByteRange> &beginnings,
-                            PrecinctIndex *index) const;
+                            const CancelFlag &cancel, PrecinctIndex *index) const;
 
     std::shared_ptr<ByteSource> source;
     const MainHeader &header;

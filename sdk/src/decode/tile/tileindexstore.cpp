@@ -170,7 +170,7 @@ CError TileIndexStore::readHeaders(const std::vector<Task *> &tasks, std::uint64
         for (const TilePart &part : tasks[i]->parts)
             if (CError error = reader.readPart(part, firstRead(*tasks[i], part, ahead), cancel))
                 return error;
-        reader.finishHeaders();
+        reader.finishHeaders(cancel);
         return CError();
     });
 }

@@ -30,7 +30,7 @@ CError readPacketIndex(ByteSource &source, ByteRange codestream, ByteRange place
 
 } // namespace
 
-CError RasterReader::open(std::shared_ptr<ByteSource> source, ByteRange codestream,
+CError RasterReader::open(const std::shared_ptr<ByteSource> &source, ByteRange codestream,
                           std::unique_ptr<RasterReader> *reader, ByteRange packetIndex)
 {
     auto header = std::make_unique<MainHeader>();

@@ -52,7 +52,7 @@ public:
 
     /// Reads the codestream's index; \a codestream is its place in \a source, \a packetIndex that of the content of a
     /// packet index (empty without). One that does not fit the codestream is not used.
-    static PLK::CError open(std::shared_ptr<ByteSource> source, ByteRange codestream,
+    static PLK::CError open(const std::shared_ptr<ByteSource> &source, ByteRange codestream,
                             std::unique_ptr<RasterReader> *reader, ByteRange packetIndex = {});
 
     virtual const RasterInfo &info() const = 0;

@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QImage>
+#include <QImageReader>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -85,6 +86,9 @@ void TestBatchRunner::screenshotOfExtent()
     QCOMPARE(run({QStringLiteral("--screenshot"), picture, QStringLiteral("--size"), QStringLiteral("20x20"),
                   QStringLiteral("--extent"), QStringLiteral("480,1020,520,980"), file}),
              0);
+    const QString jpeg = test.path(QStringLiteral("PICTURE.JPG"));
+    QCOMPARE(run({QStringLiteral("--screenshot"), jpeg, file}), 0);
+    QCOMPARE(QImageReader(jpeg).format(), QByteArray("jpeg"));
     const QImage image(picture);
     // The layer's north-west corner (500, 1000) is the middle of the picture.
     QCOMPARE(image.pixelColor(10, 10), QColor(Qt::red));

@@ -101,6 +101,8 @@ void TestCommandLine::refuses_data()
                               << "screenshot";
     QTest::newRow("empty value") << "f --window="
                                  << "window";
+    QTest::newRow("no format of pictures") << "--screenshot a.docx f"
+                                           << "docx";
     QTest::newRow("nothing to describe") << "--describe"
                                          << "file";
     QTest::newRow("nothing to picture") << "--screenshot a.png"

@@ -16,6 +16,9 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMimeData>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSpinBox>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QTreeView>
@@ -44,6 +47,8 @@ private Q_SLOTS:
     void propertiesFollowLayer();
     void propertiesWindowIsRemembered();
     void switchesArrangement();
+    void wheelLeavesValuesAlone();
+    void asksForEdits();
 
 private:
     QLabel *panel() const
@@ -239,6 +244,44 @@ void TestMainWindow::switchesArrangement()
     window->mainActions()->tabs->trigger();
     QCOMPARE(window->mapArea()->arrangement(), MapArea::Arrangement::Tabs);
     QCOMPARE(window->mapArea()->views().size(), 3);
+}
+
+void TestMainWindow::wheelLeavesValuesAlone()
+{
+    QScrollArea area;
+    area.setWidget(new QWidget);
+    area.widget()->resize(300, 2000);
+    auto *box = new QSpinBox(area.widget());
+    area.resize(320, 200);
+    area.show();
+    const auto turn = [box] {
+        QWheelEvent wheel(QPointF(5, 5), box->mapToGlobal(QPoint(5, 5)), QPoint(), QPoint(0, -120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QSpontaneKeyEvent::setSpontaneous(&wheel); // others are not offered to the parents
+        qApp->notify(box, &wheel);
+    };
+    box->setValue(50);
+    turn();
+    QCOMPARE(box->value(), 50);
+    QVERIFY(!box->hasFocus());
+    QVERIFY(area.verticalScrollBar()->value() > 0);
+    area.activateWindow();
+    box->setFocus();
+    QTRY_VERIFY(box->hasFocus());
+    turn();
+    QCOMPARE(box->value(), 49);
+}
+
+/// Images that were merely opened are given up without a question, settings are not.
+void TestMainWindow::asksForEdits()
+{
+    QCOMPARE(window->addSources({test.quad(QStringLiteral("edited.quad"))}, nullptr), QStringList());
+    const BoxWatch boxes({QMessageBox::Cancel});
+    QVERIFY(window->close());
+    window->show();
+    window->mapArea()->currentView()->getActiveLayer()->setProperty("Contrast", 0.25);
+    QVERIFY(!window->close());
+    QCOMPARE(boxes.texts.size(), 1);
 }
 
 QTEST_MAIN(TestMainWindow)

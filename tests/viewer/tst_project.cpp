@@ -233,8 +233,17 @@ void TestProject::tracksModification()
     QVERIFY(project.isModified());
     QCOMPARE(project.save(test.path(QStringLiteral("m.qdproject"))), QString());
     QVERIFY(!project.isModified());
-    QVERIFY(add(view, test.quad(QStringLiteral("m.quad"))));
-    QVERIFY(project.isModified());
+    Layer *layer = add(view, test.quad(QStringLiteral("m.quad")));
+    QVERIFY(layer && project.isModified() && !project.hasEdits());
+    QCOMPARE(project.save(project.fileName()), QString());
+    layer->refresh(0, 0, 0, 0);
+    QVERIFY(!project.hasEdits() && !project.isModified());
+    layer->setProperty("Contrast", 0.5);
+    layer->refresh(0, 0, 0, 0);
+    QTRY_VERIFY(project.isModified()); // noticed without being asked
+    QVERIFY(project.hasEdits());
+    QCOMPARE(project.save(project.fileName()), QString());
+    QVERIFY(!project.hasEdits());
     QStringList warnings;
     QCOMPARE(project.open(project.fileName(), &warnings), QString());
     QVERIFY(!project.isModified());

@@ -233,7 +233,7 @@ QImage BatchRunner::windowPicture()
 
 void BatchRunner::write(const QImage &image, const QString &fileName)
 {
-    const QString error = Pictures::writePng(image, fileName);
+    const QString error = Pictures::write(image, fileName);
     if (!error.isEmpty())
         fail(error);
 }

@@ -1,5 +1,7 @@
 #include "commandline.h"
 
+#include "views/pictures.h"
+
 #include <QCommandLineParser>
 #include <QRegularExpression>
 #include <QVector>
@@ -27,8 +29,9 @@ void addOptions(QCommandLineParser *parser)
         "Exit status: 0 when all went well, 1 when a source or a picture failed, 2 for a wrong command line."));
     parser->addOptions({
         {kScreenshot,
-         QStringLiteral("Open the sources, wait until every layer is complete, write the map as a picture, exit."),
-         QStringLiteral("PNG")},
+         QStringLiteral("Open the sources, wait until every layer is complete, write the map as a picture, exit. "
+                        "The ending tells the format, png or jpg; without one it is PNG."),
+         QStringLiteral("PICTURE")},
         {kSize,
          QStringLiteral("Size of that picture in pixels (default 1024x768). With --window: of the window's picture."),
          QStringLiteral("WxH")},
@@ -40,7 +43,7 @@ void addOptions(QCommandLineParser *parser)
                                    "that cannot be opened gives an object with \"source\" and \"error\".")},
         {kSettings, QStringLiteral("Use this settings file instead of your own."), QStringLiteral("FILE")},
         {kWindow, QStringLiteral("Like --screenshot, but the whole main window with its docks."),
-         QStringLiteral("PNG")},
+         QStringLiteral("PICTURE")},
         {{QStringLiteral("h"), kHelp}, QStringLiteral("Show this help, exit.")},
         {{QStringLiteral("v"), kVersion}, QStringLiteral("Show the version, exit.")},
     });
@@ -76,6 +79,11 @@ CommandLine fromParser(const QCommandLineParser &parser)
     result.windowFile = parser.value(kWindow);
     result.settingsFile = parser.value(kSettings);
     result.describe = parser.isSet(kDescribe);
+    for (const QString &picture : {result.screenshotFile, result.windowFile}) {
+        const QString wrongName = Pictures::checkName(picture);
+        if (!wrongName.isEmpty())
+            return failed(wrongName);
+    }
     if (parser.isSet(kSize)) {
         result.hasPictureSize = true;
         result.pictureSize = CommandLine::parseSize(parser.value(kSize));

@@ -6,17 +6,101 @@
 
 #include <QDGui/mapview.h>
 
+#include <QDomDocument>
+
+#include <algorithm>
+
 namespace Viewer {
 
 using Korvane::Map::Layer;
 using Korvane::Map::MapView;
+
+namespace {
+
+/// Between something drawn anew and a look whether settings were changed.
+constexpr int kEditMs = 400;
+
+QString settingsOf(Layer &layer)
+{
+    QDomDocument document;
+    QDomNode element = document.appendChild(document.createElement(QStringLiteral("layer")));
+    layer.writeXML(element, document);
+    return document.toString(-1);
+}
+
+} // namespace
 
 ProjectController::ProjectController(const Korvane::PluginRegistry &registry, MapArea *area, QObject *parent)
     : QObject(parent)
     , registry(registry)
     , area(area)
 {
-    connect(area, &MapArea::contentChanged, this, [this] { setModified(true); });
+    editTimer.setSingleShot(true);
+    editTimer.setInterval(kEditMs);
+    connect(&editTimer, &QTimer::timeout, this, &ProjectController::noticeEdits);
+    connect(area, &MapArea::contentChanged, this, [this] {
+        watchLayers();
+        setModified(true);
+    });
+}
+
+QVector<Layer *> ProjectController::layers() const
+{
+    QVector<Layer *> all;
+    const QVector<MapView *> views = area->views();
+    for (const MapView *view : views)
+        all += view->getLayers().toVector();
+    return all;
+}
+
+void ProjectController::watchLayers()
+{
+    QHash<const Layer *, QString> known;
+    const QVector<Layer *> present = layers();
+    for (Layer *layer : present) {
+        const auto before = knownSettings.constFind(layer);
+        known[layer] = before == knownSettings.constEnd() ? settingsOf(*layer) : *before;
+        // Whatever changes the picture asks for it to be drawn; so does each pass of a decode, and nothing is lost then
+        // but a comparison now and then.
+        connect(layer, &Layer::refreshRequested, this, &ProjectController::watchEdits, Qt::UniqueConnection);
+    }
+    knownSettings = known;
+}
+
+void ProjectController::watchEdits()
+{
+    if (!editTimer.isActive())
+        editTimer.start();
+}
+
+void ProjectController::rememberSettings()
+{
+    knownSettings.clear();
+    watchLayers();
+    edited = false;
+}
+
+void ProjectController::noticeEdits()
+{
+    const QVector<Layer *> present = layers();
+    const bool differs = std::any_of(present.cbegin(), present.cend(), [this](Layer *layer) {
+        return knownSettings.contains(layer) && knownSettings.value(layer) != settingsOf(*layer);
+    });
+    if (differs)
+        setEdited();
+}
+
+bool ProjectController::hasEdits()
+{
+    if (!edited)
+        noticeEdits();
+    return edited;
+}
+
+void ProjectController::setEdited()
+{
+    edited = !isLoading;
+    setModified(true);
 }
 
 void ProjectController::setModified(bool isModified)
@@ -44,6 +128,7 @@ QString ProjectController::open(const QString &fileName, QStringList *warnings)
     isLoading = true;
     show(&project);
     isLoading = false;
+    rememberSettings();
     setState(fileName, false);
     return QString();
 }
@@ -75,8 +160,10 @@ void ProjectController::showView(ProjectView *projectView)
 QString ProjectController::save(const QString &fileName)
 {
     QString error = ProjectWriter::write(gather(), fileName);
-    if (error.isEmpty())
+    if (error.isEmpty()) {
+        rememberSettings();
         setState(fileName, false);
+    }
     return error;
 }
 
@@ -85,6 +172,7 @@ void ProjectController::close()
     isLoading = true;
     area->closeAllViews();
     isLoading = false;
+    rememberSettings();
     setState(QString(), false);
 }
 

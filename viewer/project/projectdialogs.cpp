@@ -93,11 +93,15 @@ bool ProjectDialogs::saveTo(const QString &fileName)
 
 bool ProjectDialogs::mayDiscard()
 {
-    if (project->fileName().isEmpty() || !project->isModified())
+    // Images that were merely looked at are no project that somebody misses.
+    const bool hasEdits = project->hasEdits();
+    if (project->fileName().isEmpty() ? !hasEdits : !project->isModified())
         return true;
     const QString name = QFileInfo(project->fileName()).fileName();
+    const QString question = name.isEmpty() ? tr("Settings of layers were changed. Save them as a project?")
+                                            : tr("The project %1 was changed. Save the changes?").arg(name);
     const QMessageBox::StandardButton answer =
-        QMessageBox::question(window, tr("Project"), tr("The project %1 was changed. Save the changes?").arg(name),
+        QMessageBox::question(window, tr("Project"), question,
                               QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
     if (answer == QMessageBox::Save)
         return save();

@@ -483,6 +483,22 @@
         <source>&amp;About %1</source>
         <translation>Ü&amp;ber %1</translation>
     </message>
+    <message>
+        <source>&amp;Copy Picture</source>
+        <translation>Bild &amp;kopieren</translation>
+    </message>
+    <message>
+        <source>Put what the current view shows into the clipboard</source>
+        <translation>Was die aktuelle Ansicht zeigt, in die Zwischenablage legen</translation>
+    </message>
+    <message>
+        <source>&amp;Full Screen</source>
+        <translation>&amp;Vollbild</translation>
+    </message>
+    <message>
+        <source>Fill the screen with the window</source>
+        <translation>Den Bildschirm mit dem Fenster füllen</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>
@@ -514,6 +530,10 @@
         <source>Title (empty: the layer&apos;s name):</source>
         <translation>Titel (leer: Name des Layers):</translation>
     </message>
+    <message>
+        <source>JPEG images (*.jpg *.jpeg)</source>
+        <translation>JPEG-Bilder (*.jpg *.jpeg)</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MapArea</name>
@@ -527,6 +547,10 @@
     <message>
         <source>The picture %1 cannot be written: %2</source>
         <translation>Das Bild %1 kann nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no format for pictures; take png or jpg.</source>
+        <translation>„%1“ ist kein Format für Bilder; png oder jpg geht.</translation>
     </message>
 </context>
 <context>
@@ -565,6 +589,10 @@
     <message>
         <source>The project %1 was changed. Save the changes?</source>
         <translation>Das Projekt %1 wurde geändert. Sollen die Änderungen gespeichert werden?</translation>
+    </message>
+    <message>
+        <source>Settings of layers were changed. Save them as a project?</source>
+        <translation>Einstellungen von Ebenen wurden geändert. Als Projekt speichern?</translation>
     </message>
 </context>
 <context>
@@ -630,8 +658,8 @@
 <context>
     <name>Viewer::ViewCommands</name>
     <message>
-        <source>The view did not become complete in time; no picture was written.</source>
-        <translation>Die Ansicht wurde nicht rechtzeitig vollständig; es wurde kein Bild geschrieben.</translation>
+        <source>The view did not become complete in time; there is no picture of it.</source>
+        <translation>Die Ansicht wurde nicht rechtzeitig fertig; es gibt kein Bild von ihr.</translation>
     </message>
 </context>
 <context>

@@ -483,6 +483,22 @@
         <source>&amp;About %1</source>
         <translation>&amp;Acerca de %1</translation>
     </message>
+    <message>
+        <source>&amp;Copy Picture</source>
+        <translation>&amp;Copiar imagen</translation>
+    </message>
+    <message>
+        <source>Put what the current view shows into the clipboard</source>
+        <translation>Poner en el portapapeles lo que muestra la vista actual</translation>
+    </message>
+    <message>
+        <source>&amp;Full Screen</source>
+        <translation>&amp;Pantalla completa</translation>
+    </message>
+    <message>
+        <source>Fill the screen with the window</source>
+        <translation>Llenar la pantalla con la ventana</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>
@@ -514,6 +530,10 @@
         <source>Title (empty: the layer&apos;s name):</source>
         <translation>Título (vacío: el nombre de la capa):</translation>
     </message>
+    <message>
+        <source>JPEG images (*.jpg *.jpeg)</source>
+        <translation>Imágenes JPEG (*.jpg *.jpeg)</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MapArea</name>
@@ -527,6 +547,10 @@
     <message>
         <source>The picture %1 cannot be written: %2</source>
         <translation>No se puede escribir la imagen %1: %2</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no format for pictures; take png or jpg.</source>
+        <translation>«%1» no es un formato de imagen; use png o jpg.</translation>
     </message>
 </context>
 <context>
@@ -565,6 +589,10 @@
     <message>
         <source>The project %1 was changed. Save the changes?</source>
         <translation>El proyecto %1 se ha modificado. ¿Guardar los cambios?</translation>
+    </message>
+    <message>
+        <source>Settings of layers were changed. Save them as a project?</source>
+        <translation>Se cambiaron ajustes de capas. ¿Guardarlos como proyecto?</translation>
     </message>
 </context>
 <context>
@@ -630,8 +658,8 @@
 <context>
     <name>Viewer::ViewCommands</name>
     <message>
-        <source>The view did not become complete in time; no picture was written.</source>
-        <translation>La vista no se completó a tiempo; no se escribió ninguna imagen.</translation>
+        <source>The view did not become complete in time; there is no picture of it.</source>
+        <translation>La vista no se completó a tiempo; no hay imagen de ella.</translation>
     </message>
 </context>
 <context>

@@ -483,6 +483,22 @@
         <source>&amp;About %1</source>
         <translation>À &amp;propos de %1</translation>
     </message>
+    <message>
+        <source>&amp;Copy Picture</source>
+        <translation>&amp;Copier l’image</translation>
+    </message>
+    <message>
+        <source>Put what the current view shows into the clipboard</source>
+        <translation>Mettre dans le presse-papiers ce que montre la vue actuelle</translation>
+    </message>
+    <message>
+        <source>&amp;Full Screen</source>
+        <translation>&amp;Plein écran</translation>
+    </message>
+    <message>
+        <source>Fill the screen with the window</source>
+        <translation>Remplir l’écran avec la fenêtre</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>
@@ -514,6 +530,10 @@
         <source>Title (empty: the layer&apos;s name):</source>
         <translation>Titre (vide&#xa0;: le nom de la couche)&#xa0;:</translation>
     </message>
+    <message>
+        <source>JPEG images (*.jpg *.jpeg)</source>
+        <translation>Images JPEG (*.jpg *.jpeg)</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MapArea</name>
@@ -527,6 +547,10 @@
     <message>
         <source>The picture %1 cannot be written: %2</source>
         <translation>Impossible d’écrire l’image %1&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no format for pictures; take png or jpg.</source>
+        <translation>« %1 » n’est pas un format d’image ; utilisez png ou jpg.</translation>
     </message>
 </context>
 <context>
@@ -565,6 +589,10 @@
     <message>
         <source>The project %1 was changed. Save the changes?</source>
         <translation>Le projet %1 a été modifié. Enregistrer les modifications&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Settings of layers were changed. Save them as a project?</source>
+        <translation>Des réglages de couches ont été modifiés. Les enregistrer comme projet ?</translation>
     </message>
 </context>
 <context>
@@ -630,8 +658,8 @@
 <context>
     <name>Viewer::ViewCommands</name>
     <message>
-        <source>The view did not become complete in time; no picture was written.</source>
-        <translation>La vue n’a pas été terminée à temps&#xa0;; aucune image n’a été écrite.</translation>
+        <source>The view did not become complete in time; there is no picture of it.</source>
+        <translation>La vue n’a pas été complète à temps ; il n’y en a pas d’image.</translation>
     </message>
 </context>
 <context>

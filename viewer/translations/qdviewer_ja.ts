@@ -481,6 +481,22 @@
         <source>&amp;About %1</source>
         <translation>%1 について(&amp;A)</translation>
     </message>
+    <message>
+        <source>&amp;Copy Picture</source>
+        <translation>画像をコピー(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Put what the current view shows into the clipboard</source>
+        <translation>現在のビューの表示内容をクリップボードに入れます</translation>
+    </message>
+    <message>
+        <source>&amp;Full Screen</source>
+        <translation>全画面表示(&amp;F)</translation>
+    </message>
+    <message>
+        <source>Fill the screen with the window</source>
+        <translation>ウィンドウを画面いっぱいに広げます</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>
@@ -512,6 +528,10 @@
         <source>Title (empty: the layer&apos;s name):</source>
         <translation>タイトル (空の場合はレイヤー名):</translation>
     </message>
+    <message>
+        <source>JPEG images (*.jpg *.jpeg)</source>
+        <translation>JPEG 画像 (*.jpg *.jpeg)</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MapArea</name>
@@ -525,6 +545,10 @@
     <message>
         <source>The picture %1 cannot be written: %2</source>
         <translation>画像 %1 を書き込めません: %2</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no format for pictures; take png or jpg.</source>
+        <translation>「%1」は画像の形式ではありません。png か jpg を使ってください。</translation>
     </message>
 </context>
 <context>
@@ -563,6 +587,10 @@
     <message>
         <source>The project %1 was changed. Save the changes?</source>
         <translation>プロジェクト %1 は変更されています。変更を保存しますか?</translation>
+    </message>
+    <message>
+        <source>Settings of layers were changed. Save them as a project?</source>
+        <translation>レイヤーの設定が変更されました。プロジェクトとして保存しますか?</translation>
     </message>
 </context>
 <context>
@@ -628,8 +656,8 @@
 <context>
     <name>Viewer::ViewCommands</name>
     <message>
-        <source>The view did not become complete in time; no picture was written.</source>
-        <translation>ビューの表示が時間内に完了しなかったため、画像は書き込まれませんでした。</translation>
+        <source>The view did not become complete in time; there is no picture of it.</source>
+        <translation>ビューが時間内に完成しなかったため、画像はありません。</translation>
     </message>
 </context>
 <context>

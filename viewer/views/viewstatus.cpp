@@ -5,6 +5,7 @@
 #include <QDGui/mapview.h>
 #include <QDGui/rasterlayer.h>
 
+#include <QCursor>
 #include <QLabel>
 #include <QProgressBar>
 #include <QStatusBar>
@@ -55,7 +56,10 @@ void ViewStatus::setView(MapView *newView)
     if (view) {
         connect(view, &MapView::cursorMoved, this, &ViewStatus::showCursor);
         connect(view, &MapView::cursorLeft, coordinates, &QLabel::clear);
-        connect(view, &MapView::viewChanged, this, &ViewStatus::showScale);
+        connect(view, &MapView::viewChanged, this, [this] {
+            showScale();
+            followPointer();
+        });
         connect(view, &MapView::activeLayerChanged, this, &ViewStatus::showScale);
         connect(view, &MapView::progressChanged, this, &ViewStatus::showProgress);
     }
@@ -66,6 +70,13 @@ void ViewStatus::setView(MapView *newView)
 void ViewStatus::showCursor(const QPointF &worldPoint)
 {
     coordinates->setText(ViewTexts::coordinates(worldPoint, view->getUnitsPerPixel()));
+}
+
+/// The view moved below a pointer that did not.
+void ViewStatus::followPointer()
+{
+    if (!coordinates->text().isEmpty() && view->underMouse())
+        showCursor(view->widgetToWorld(view->mapFromGlobal(QCursor::pos())));
 }
 
 void ViewStatus::showScale()

@@ -27,6 +27,7 @@ public:
 
 private:
     void showCursor(const QPointF &worldPoint);
+    void followPointer();
     void showScale();
     void showProgress(int percent);
 

@@ -66,6 +66,8 @@ void MainActions::makeFileActions()
     saveProjectAs = make(tr("Save Project &As..."), tr("Save all views and their layers in another file"));
     saveProjectAs->setShortcut(QKeySequence::SaveAs);
     savePicture = make(tr("Save P&icture..."), tr("Save what the current view shows as a picture"));
+    copyPicture = make(tr("&Copy Picture"), tr("Put what the current view shows into the clipboard"));
+    copyPicture->setShortcut(QStringLiteral("Ctrl+Shift+C"));
     preferences = make(tr("Pre&ferences..."), tr("Settings of the plug-ins"));
     preferences->setMenuRole(QAction::PreferencesRole);
     quit = make(tr("&Quit"));
@@ -89,6 +91,9 @@ void MainActions::makeViewActions()
     zoomToLayer->setShortcut(QStringLiteral("Ctrl+L"));
     zoomToNative = make(Shape::ZoomNative, tr("Zoom to &1:1"), tr("Show one cell of the selected layer per pixel"));
     zoomToNative->setShortcut(QStringLiteral("Ctrl+1"));
+    fullScreen = make(tr("&Full Screen"), tr("Fill the screen with the window"));
+    fullScreen->setShortcut(QKeySequence::FullScreen);
+    fullScreen->setCheckable(true);
     layerProperties = make(Shape::Properties, tr("Layer &Properties..."), tr("What is known of the selected layer"));
     layerProperties->setShortcut(QStringLiteral("Alt+Return"));
 }
@@ -111,7 +116,7 @@ void MainActions::makeMenus()
     viewMenu = window->menuBar()->addMenu(tr("&View"));
     viewMenu->addActions({zoomIn, zoomOut, zoomToAll, zoomToLayer, zoomToNative});
     viewMenu->addSeparator();
-    viewMenu->addAction(layerProperties);
+    viewMenu->addActions({layerProperties, fullScreen});
     viewMenu->addSeparator();
 
     QMenu *windowMenu = window->menuBar()->addMenu(tr("&Window"));
@@ -133,7 +138,7 @@ void MainActions::makeFileMenu()
     recentProjectsMenu = fileMenu->addMenu(tr("Open Recent Pro&ject"));
     fileMenu->addActions({saveProject, saveProjectAs});
     fileMenu->addSeparator();
-    fileMenu->addAction(savePicture);
+    fileMenu->addActions({savePicture, copyPicture});
     fileMenu->addSeparator();
     fileMenu->addAction(preferences);
     fileMenu->addSeparator();
@@ -174,7 +179,8 @@ void MainActions::update(bool hasView, bool hasLayer)
 {
     for (QAction *action : {tabs, cascade, tile, nextView, renameView, closeView, saveProject, saveProjectAs})
         action->setEnabled(hasView);
-    for (QAction *action : {zoomIn, zoomOut, zoomToAll, zoomToLayer, zoomToNative, layerProperties, savePicture})
+    for (QAction *action :
+         {zoomIn, zoomOut, zoomToAll, zoomToLayer, zoomToNative, layerProperties, savePicture, copyPicture})
         action->setEnabled(hasLayer);
 }
 

@@ -32,6 +32,7 @@ public:
     QAction *saveProject = nullptr;
     QAction *saveProjectAs = nullptr;
     QAction *savePicture = nullptr;
+    QAction *copyPicture = nullptr;
     QAction *preferences = nullptr;
     QAction *quit = nullptr;
     QAction *zoomIn = nullptr;
@@ -40,6 +41,7 @@ public:
     QAction *zoomToLayer = nullptr;
     QAction *zoomToNative = nullptr;
     QAction *layerProperties = nullptr;
+    QAction *fullScreen = nullptr;
     QAction *tabs = nullptr;
     QAction *cascade = nullptr;
     QAction *tile = nullptr;

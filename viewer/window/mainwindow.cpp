@@ -18,6 +18,7 @@
 #include "viewcommands.h"
 #include "views/maparea.h"
 #include "views/viewstatus.h"
+#include "wheelguard.h"
 
 #include <QDGui/application.h>
 #include <QDGui/longtask.h>
@@ -26,6 +27,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileDialog>
@@ -79,6 +81,7 @@ MainWindow::MainWindow(const Korvane::PluginRegistry &registry)
     , status(new ViewStatus(statusBar()))
     , propertiesWindow(new PropertiesWindow(*contributions, this))
 {
+    new WheelGuard(this);
     setCentralWidget(area);
     setDockOptions(dockOptions() | QMainWindow::GroupedDragging);
     resize(1024, 768);
@@ -145,6 +148,7 @@ void MainWindow::connectFileActions()
     connect(actions->saveProject, &QAction::triggered, projectDialogs, &ProjectDialogs::save);
     connect(actions->saveProjectAs, &QAction::triggered, projectDialogs, &ProjectDialogs::saveAs);
     connect(actions->savePicture, &QAction::triggered, this, &MainWindow::savePicture);
+    connect(actions->copyPicture, &QAction::triggered, this, &MainWindow::copyPicture);
     connect(actions->preferences, &QAction::triggered, this, &MainWindow::showPreferences);
     connect(actions->quit, &QAction::triggered, this, &QWidget::close);
     recentSources->fill(actions->recentMenu);
@@ -159,8 +163,10 @@ void MainWindow::connectViewActions()
         if (const MapView *view = area->currentView())
             showProperties(view->getActiveLayer());
     });
+    connect(actions->fullScreen, &QAction::toggled, this,
+            [this](bool on) { setWindowState(windowState().setFlag(Qt::WindowFullScreen, on)); });
     connect(layerDock, &LayerListDock::propertiesRequested, this, &MainWindow::showProperties);
-    connect(layerDock->layerModel(), &LayerListModel::layerEdited, this, [this] { project->setModified(true); });
+    connect(layerDock->layerModel(), &LayerListModel::layerEdited, project, &ProjectController::setEdited);
 }
 
 void MainWindow::connectWindowActions()
@@ -271,12 +277,28 @@ void MainWindow::savePicture()
 {
     MapView *view = area->currentView();
     const QString folder = settings()->value(kFolderKey, QDir::homePath()).toString();
-    const QString fileName = QFileDialog::getSaveFileName(this, tr("Save Picture"), folder, tr("PNG images (*.png)"));
-    if (!view || fileName.isEmpty())
+    const QString jpegFilter = tr("JPEG images (*.jpg *.jpeg)");
+    QFileDialog dialog(this, tr("Save Picture"), folder, tr("PNG images (*.png)") + QStringLiteral(";;") + jpegFilter);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(QStringLiteral("png"));
+    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString &filter) {
+        dialog.setDefaultSuffix(filter == jpegFilter ? QStringLiteral("jpg") : QStringLiteral("png"));
+    });
+    if (!view || dialog.exec() != QDialog::Accepted)
         return;
-    const QString error = ViewCommands::savePicture(view, fileName);
+    const QString error = ViewCommands::savePicture(view, dialog.selectedFiles().value(0));
     if (!error.isEmpty())
         FailureReport::show(this, {error}, 1);
+}
+
+void MainWindow::copyPicture()
+{
+    QImage image;
+    const QString error = area->currentView() ? ViewCommands::picture(area->currentView(), &image) : QString();
+    if (!error.isEmpty())
+        FailureReport::show(this, {error}, 1);
+    else if (!image.isNull())
+        QApplication::clipboard()->setImage(image);
 }
 
 void MainWindow::renameView()

@@ -65,6 +65,7 @@ private:
     void openIn(const QStringList &sources, Korvane::Map::MapView *view);
     QStringList chooseFiles(const QString &title);
     void savePicture();
+    void copyPicture();
     void renameView();
     void setFreeArrangement(bool tiled);
     void showProperties(Korvane::Map::Layer *layer);

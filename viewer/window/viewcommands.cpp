@@ -43,14 +43,21 @@ void ViewCommands::connectToView(QAction *action, const MapArea *area, std::func
     });
 }
 
-QString ViewCommands::savePicture(MapView *view, const QString &fileName)
+QString ViewCommands::picture(MapView *view, QImage *image)
 {
     bool isComplete = false;
     const QSize pixels = (QSizeF(view->size()) * view->devicePixelRatioF()).toSize();
-    const QImage image = view->renderToImage(pixels, view->getVisibleWorldRect(), kPictureTimeoutMs, &isComplete);
+    *image = view->renderToImage(pixels, view->getVisibleWorldRect(), kPictureTimeoutMs, &isComplete);
     if (!isComplete)
-        return tr("The view did not become complete in time; no picture was written.");
-    return Pictures::writePng(image, fileName);
+        return tr("The view did not become complete in time; there is no picture of it.");
+    return QString();
+}
+
+QString ViewCommands::savePicture(MapView *view, const QString &fileName)
+{
+    QImage image;
+    const QString error = picture(view, &image);
+    return error.isEmpty() ? Pictures::write(image, fileName) : error;
 }
 
 } // namespace Viewer

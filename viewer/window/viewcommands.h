@@ -23,8 +23,11 @@ class ViewCommands : public QObject
 public:
     ViewCommands(const MainActions *actions, const MapArea *area, QObject *parent);
 
-    /// Writes what \a view shows as a PNG file, whole or not at all; waits for its layers to be complete. Returns an
-    /// empty text, or why it failed.
+    /// What \a view shows, in the pixels of its screen; waits for its layers to be complete. Returns an empty text, or
+    /// why there is no picture.
+    static QString picture(Korvane::Map::MapView *view, QImage *image);
+    /// Writes that, in the format that the ending of the name tells, whole or not at all. Returns an empty text, or why
+    /// it failed.
     static QString savePicture(Korvane::Map::MapView *view, const QString &fileName);
 
 private:

@@ -181,7 +181,8 @@ bool XRVJP2kLayer::switchMode(const QString &source)
 void XRVJP2kLayer::setProgressive(bool on)
 {
     if (opening) {
-        afterOpening.progressive = on;
+        if (renderer)
+            afterOpening.progressive = on;
         return;
     }
     if (on == progressive || !renderer)

@@ -87,10 +87,8 @@ bool XRVJP2kLayer::setDataSource(QString source)
     const unsigned thisOpening = ++openings;
 
     std::unique_ptr<CarriedSettings> carried;
-    if (renderer) {
+    if (renderer)
         carried = std::make_unique<CarriedSettings>(currentSettings());
-        pixmapSmoothing = carried->resampleType == Bilinear;
-    }
     // While a stream is opened events are handled, and whoever looks at the layer then finds it as it was. So does who
     // only asked for another mode, if it cannot be had.
     if (!isStreamAddress(source) && !switchesMode)
@@ -123,6 +121,8 @@ bool XRVJP2kLayer::takeOver(const QString &source, Opened opened, std::unique_pt
     }
     if (renderer)
         *carried = currentSettings(); // they may have been changed meanwhile
+    if (carried)
+        pixmapSmoothing = carried->resampleType == Bilinear;
     closeRenderers();
     if (opened.error || cancelled)
         return failOpening(opened.error ? opened.error : opened.backingError);

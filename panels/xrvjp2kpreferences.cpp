@@ -48,7 +48,9 @@ int percentOf(quint64 size, quint64 whole)
 void countStepsAsMoves(QSlider *slider)
 {
     QObject::connect(slider, &QSlider::actionTriggered, slider, [slider](int action) {
-        if (action != QSlider::SliderNoAction && action != QSlider::SliderMove)
+        // The wheel's steps are moves too, but nobody holds the handle then.
+        const bool isDrag = action == QSlider::SliderMove && slider->isSliderDown();
+        if (action != QSlider::SliderNoAction && !isDrag)
             Q_EMIT slider->sliderMoved(slider->sliderPosition());
     });
 }

@@ -245,6 +245,13 @@ void TestPreferencesPage::slidersCountWhenAPersonMovesThem()
     QTest::keyClick(memory, Qt::Key_PageUp); // as a click beside the handle
     QCOMPARE(get<QLabel>("xrvpCacheDirLabel")->text(), megabytes(2048 * quint64(memory->value()) / 100, "  %2.2f"));
 
+    QWheelEvent wheel(QPointF(5, 5), memory->mapToGlobal(QPoint(5, 5)), QPoint(), QPoint(0, -120), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    const int beforeWheel = memory->value();
+    QApplication::sendEvent(memory, &wheel);
+    QVERIFY(memory->value() < beforeWheel);
+    QCOMPARE(get<QLabel>("xrvpCacheDirLabel")->text(), megabytes(2048 * quint64(memory->value()) / 100, "  %2.2f"));
+
     const auto memoryPercent = static_cast<quint64>(drag(memory, 1.0));
     QCOMPARE(memoryPercent, 100ULL);
     QCOMPARE(get<QLabel>("xrvpCacheDirLabel")->text(), megabytes(2048, "  %2.2f"));

@@ -11,6 +11,8 @@ std::size_t sampleSize(SampleType type)
     case SampleType::UInt16:
     case SampleType::Int16:
         return 2;
+    case SampleType::Int64:
+        return 8;
     default:
         return 4;
     }
@@ -22,7 +24,9 @@ SampleType sampleTypeFor(int bits, bool isSigned)
         return isSigned ? SampleType::Int8 : SampleType::UInt8;
     if (bits <= 16)
         return isSigned ? SampleType::Int16 : SampleType::UInt16;
-    return SampleType::Int32;
+    if (bits <= (isSigned ? 32 : 31))
+        return SampleType::Int32;
+    return bits == 32 ? SampleType::UInt32 : SampleType::Int64;
 }
 
 } // namespace xrv

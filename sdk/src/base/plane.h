@@ -9,9 +9,9 @@
 namespace xrv {
 
 /// How cells of a plane are stored.
-enum class SampleType : std::uint8_t { UInt8, Int8, UInt16, Int16, Int32, UInt32 };
+enum class SampleType : std::uint8_t { UInt8, Int8, UInt16, Int16, Int32, UInt32, Int64 };
 std::size_t sampleSize(SampleType type);
-/// The smallest type for components of \a bits, 1 to 31.
+/// The type for components of \a bits, 1 to 38.
 SampleType sampleTypeFor(int bits, bool isSigned);
 
 /// Cells of one component, or coefficients of one code-block.

@@ -20,6 +20,8 @@ template <typename Use> void withRow(const Plane &plane, std::int64_t y, Use use
         return use(plane.row<std::int32_t>(y));
     case SampleType::UInt32:
         return use(plane.row<std::uint32_t>(y));
+    case SampleType::Int64:
+        return use(plane.row<std::int64_t>(y));
     }
 }
 
@@ -44,6 +46,9 @@ template <typename Function> void withSampleType(SampleType type, Function funct
         break;
     case SampleType::UInt32:
         function(std::uint32_t());
+        break;
+    case SampleType::Int64:
+        function(std::int64_t());
         break;
     }
 }

@@ -1,6 +1,7 @@
 #include "mainheader.h"
 
 #include "imagebudget.h"
+#include "packedheaders.h"
 
 #include "base/bytecursor.h"
 
@@ -66,8 +67,6 @@ CError readComponents(ByteCursor &in, MainHeader *header)
             return malformed("a component has a sampling step of 0");
         if (component.bits > 38)
             return malformed("a component claims " + std::to_string(component.bits) + " bits");
-        if (component.bits > 31)
-            return {PLK_ERR_UNSUPPORTED, "Components of more than 31 bits are not supported."};
     }
     return {};
 }
@@ -120,10 +119,12 @@ CError readStyleParameters(ByteCursor &in, bool hasPrecincts, ComponentStyle *st
         style->codeBlockWidthExponent + style->codeBlockHeightExponent > 12)
         return malformed("its code-blocks are larger than 4096 cells");
     if (transform > 1)
-        return {PLK_ERR_UNSUPPORTED, "The wavelet transformation of the codestream is not supported."};
+        return {PLK_ERR_UNSUPPORTED, "The wavelet transformation " + std::to_string(transform) +
+                                         " in a coding style marker segment (COD, COC) is not known."};
     constexpr std::uint8_t kMixedBlocks = CodeBlockStyle::kHighThroughput | CodeBlockStyle::kMixed;
-    if ((style->codeBlockStyle & kMixedBlocks) == kMixedBlocks)
-        return {PLK_ERR_UNSUPPORTED, "High-throughput code-blocks among others are not supported."};
+    if ((style->codeBlockStyle & kMixedBlocks) == CodeBlockStyle::kMixed)
+        return {PLK_ERR_UNSUPPORTED, "The code-block style " + std::to_string(style->codeBlockStyle) +
+                                         " in a coding style marker segment (COD, COC) is not known."};
     style->isReversible = transform == 1;
     style->hasPrecincts = hasPrecincts;
     if (hasPrecincts) {
@@ -204,7 +205,7 @@ void keepComment(const MarkerSegment &segment, MainHeader *header)
 }
 
 CError applyMainSegment(MarkerSegment &segment, MainHeader *header, std::vector<bool> *cocSet, bool *hasCod,
-                        bool *hasQcd)
+                        bool *hasQcd, std::vector<MarkerSegment> *ppm)
 {
     switch (segment.marker) {
     case Marker::kCOD:
@@ -213,9 +214,6 @@ CError applyMainSegment(MarkerSegment &segment, MainHeader *header, std::vector<
     case Marker::kQCD:
         *hasQcd = true;
         break;
-    case Marker::kCAP:
-        header->isHighThroughput = true;
-        break;
     case Marker::kCOM:
         keepComment(segment, header);
         return {};
@@ -223,12 +221,13 @@ CError applyMainSegment(MarkerSegment &segment, MainHeader *header, std::vector<
         header->tlm.push_back(std::move(segment));
         return {};
     case Marker::kPPM:
-        header->packedHeaders.push_back(std::move(segment));
+        ppm->push_back(std::move(segment));
         return {};
     case Marker::kCOC:
     case Marker::kQCC:
     case Marker::kRGN:
     case Marker::kPOC:
+    case Marker::kCAP: // says nothing that the coding styles do not say of each code-block
     case Marker::kCPF:
         break;
     default:
@@ -248,13 +247,16 @@ CError parseMainHeader(std::vector<MarkerSegment> &segments, MainHeader *header)
     header->style.components.resize(header->components.size());
     std::vector<bool> cocSet(header->components.size(), false);
     bool hasCod = false, hasQcd = false;
+    std::vector<MarkerSegment> ppm;
     for (std::size_t i = 1; i < segments.size(); ++i)
-        if (CError error = applyMainSegment(segments[i], header, &cocSet, &hasCod, &hasQcd))
+        if (CError error = applyMainSegment(segments[i], header, &cocSet, &hasCod, &hasQcd, &ppm))
             return error;
     if (!hasCod)
         return malformed("its COD marker segment is missing");
     if (!hasQcd)
         return malformed("its QCD marker segment is missing");
+    if (!ppm.empty())
+        header->packedHeaders = std::make_shared<const PackedHeaders>(std::move(ppm));
     return {};
 }
 

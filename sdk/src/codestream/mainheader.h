@@ -77,6 +77,8 @@ struct TileStyle
     PLK::CError apply(const MarkerSegment &segment, std::vector<bool> *cocSet);
 };
 
+class PackedHeaders;
+
 /// The main header of a codestream (A.2 to A.6).
 struct MainHeader
 {
@@ -93,14 +95,13 @@ struct MainHeader
     std::uint32_t tilesAcross = 0, tilesDown = 0;
     std::vector<Component> components;
     TileStyle style;
-    bool isHighThroughput = false;
     std::vector<std::string> comments; ///< Latin text comments, turned into UTF-8
-    /// Segments that a codestream for one tile repeats: CAP, CPF, COD, COC, QCD, QCC, RGN, POC in file order.
+    /// What a codestream of the same coding repeats: CAP, CPF, COD, COC, QCD, QCC, RGN, POC in file order.
     std::vector<MarkerSegment> segments;
-    std::vector<MarkerSegment> tlm;                 ///< in file order
-    std::vector<MarkerSegment> packedHeaders;       ///< PPM, in file order
-    std::uint64_t length = 0;                       ///< bytes from SOC to the first SOT
-    std::shared_ptr<const PacketIndex> packetIndex; ///< where the container tells it; null without
+    std::vector<MarkerSegment> tlm;                     ///< in file order
+    std::shared_ptr<const PackedHeaders> packedHeaders; ///< PPM; null without
+    std::uint64_t length = 0;                           ///< bytes from SOC to the first SOT
+    std::shared_ptr<const PacketIndex> packetIndex;     ///< where the container tells it; null without
 
     std::uint32_t tileCount() const { return tilesAcross * tilesDown; }
 };

@@ -17,8 +17,9 @@ namespace {
 constexpr std::uint64_t kWindow = std::uint64_t(256) * 1024;
 /// More than that, and somewhat more than was asked for, only as it is needed.
 constexpr std::uint64_t kMaxAhead = std::uint64_t(64) << 20, kMargin = std::uint64_t(1) << 20;
+constexpr std::uint64_t kSop = 6; ///< SOP marker segment
 /// SOP marker segment, an empty packet header and EPH marker.
-constexpr std::uint64_t kShortestLook = 9;
+constexpr std::uint64_t kShortestLook = kSop + 3;
 
 /// Goes through the bytes of the tile-parts; packets never reach from one into the next.
 class Walker
@@ -57,6 +58,17 @@ public:
         const std::uint64_t wanted = count > kWindow ? count + kMargin : kWindow;
         return source.read(ByteRange{position, std::min(wanted, end - position)}, &window, cancel);
     }
+    /// Moves on behind the SOP marker segment of 6 bytes (A.8.1) that may stand here.
+    CError skipSop()
+    {
+        if (!atPacket())
+            return {};
+        if (CError error = fetch(kSop))
+            return error;
+        if (available() >= kSop && bytes()[0] == 0xFF && bytes()[1] == 0x91)
+            position += kSop;
+        return {};
+    }
     bool isCancelled() const { return cancel.isRaised(); }
     const CancelFlag &flag() const { return cancel; }
     const std::uint8_t *bytes() const { return window.data() + (position - windowStart); }
@@ -88,6 +100,8 @@ public:
     {
         for (const ByteRange &range : tile.data)
             bytes += range.length;
+        if (tile.packedHeaders)
+            bytes += tile.packedHeaders->size();
     }
 
     std::unique_ptr<Precinct> &of(const PacketName &packet)
@@ -214,6 +228,55 @@ CError stepOver(Walker &walker, PrecinctTable &precincts, const PacketName &pack
     return {};
 }
 
+/// Parses the next of the packed headers.
+CError measurePacked(Walker &walker, PrecinctTable &precincts, const PacketName &packet, const PacketWalkInput &tile,
+                     std::size_t position, std::size_t *headerLength, PacketLength *body)
+{
+    const std::uint8_t *header = tile.packedHeaders->data() + position;
+    const std::size_t size = tile.packedHeaders->size() - position;
+    if (size > 0 && !(header[0] & 0x80)) { // B.10.3: empty
+        const bool hasEph = tile.style.usesEph() && size >= 3 && header[1] == 0xFF && header[2] == 0x92;
+        *headerLength = hasEph ? 3 : 1;
+        *body = {0, true};
+        return {};
+    }
+    std::unique_ptr<Precinct> &precinct = precincts.of(packet);
+    const std::size_t before = precinct->memoryUse();
+    body->isSound =
+        precinct->parse(header, size, packet.layer, walker.flag(), headerLength, &body->bytes) == Precinct::Outcome::Ok;
+    return precincts.account(before, precinct->memoryUse());
+}
+
+/// As stepOver(), where headers stand apart from bodies (A.7.4, A.7.5). Bodies may be empty.
+CError stepOverPacked(Walker &walker, PrecinctTable &precincts, const PacketName &packet, const PacketWalkInput &tile,
+                      PacketWalk *walk)
+{
+    walk->isBroken = true;
+    std::size_t headerLength = 0;
+    PacketLength body;
+    if (CError error = measurePacked(walker, precincts, packet, tile, walk->packedPosition, &headerLength, &body))
+        return error;
+    if (walker.isCancelled())
+        return {PLK_ERR_CANCELLED, "The read was cancelled."};
+    if (!body.isSound)
+        return {};
+    if (tile.style.usesSop())
+        if (CError error = walker.skipSop())
+            return error;
+    const std::uint64_t there = body.bytes > 0 && walker.atPacket() ? std::min(body.bytes, walker.left()) : 0;
+    const std::uint32_t number =
+        tile.numbering.number(packet.component, packet.resolution, packet.precinct, packet.layer);
+    walk->headers.add({walk->packedPosition, static_cast<std::uint32_t>(headerLength), number});
+    walk->places.add(
+        {walker.position, static_cast<std::uint32_t>(std::min<std::uint64_t>(there, 0xFFFFFFFFu)), number});
+    walk->packedPosition += headerLength;
+    walk->isBroken = there != body.bytes;
+    walker.position += there;
+    if (packet.layer == tile.numbering.layers() - 1)
+        precincts.drop(packet);
+    return {};
+}
+
 } // namespace
 
 bool isByResolution(const TileStyle &style)
@@ -260,7 +323,8 @@ CError walkPackets(ByteSource &source, const PacketWalkInput &tile, int resoluti
             return {PLK_ERR_CANCELLED, "The read was cancelled."};
         if (ahead.isFinished || (mayPause && packet.resolution > resolution))
             break;
-        if (CError error = stepOver(walker, precincts, packet, tile, &ahead))
+        if (CError error = tile.packedHeaders ? stepOverPacked(walker, precincts, packet, tile, &ahead)
+                                              : stepOver(walker, precincts, packet, tile, &ahead))
             return error;
         ++ahead.next;
     }
@@ -268,6 +332,7 @@ CError walkPackets(ByteSource &source, const PacketWalkInput &tile, int resoluti
     ahead.position = walker.position;
     ahead.part = walker.part;
     ahead.places.sort();
+    ahead.headers.sort();
     *walk = std::move(ahead);
     return {};
 }

@@ -29,10 +29,12 @@ private:
 /// How far the packets of a tile without packet lengths have been followed, one packet header after the other.
 struct PacketWalk
 {
-    PacketPlaces places;        ///< packets that are not there, or not reached, have length 0
-    std::uint64_t next = 0;     ///< number in the codestream's order of the packet to come
-    std::uint64_t position = 0; ///< in the file, of that packet
-    std::size_t part = 0;       ///< its tile-part
+    PacketPlaces places;            ///< packets that are not there, or not reached, have length 0
+    PacketPlaces headers;           ///< where they are packed: their places among these; places are those of the bodies
+    std::size_t packedPosition = 0; ///< behind the packed headers that were parsed
+    std::uint64_t next = 0;         ///< number in the codestream's order of the packet to come
+    std::uint64_t position = 0;     ///< in the file, of that packet
+    std::size_t part = 0;           ///< its tile-part
     bool isBegun = false;
     bool isFinished = false; ///< nothing is left to be found
     bool isBroken = false;   ///< the data end early or contradict themselves; what came before stands
@@ -47,6 +49,7 @@ struct PacketWalkInput
     const PacketNumbering &numbering;
     const std::vector<ByteRange> &data;   ///< packets of each tile-part
     const std::vector<ByteRange> &atHand; ///< of these, bytes that cost little to read
+    const Bytes *packedHeaders = nullptr; ///< of all its packets (A.7.4, A.7.5); null where each stands in its packet
 };
 
 /// Walks on until the packets of all resolutions up to \a resolution are found, or all packets where the codestream

@@ -1,5 +1,7 @@
 #include "precinct.h"
 
+#include "segmentlengths.h"
+
 #include <algorithm>
 
 namespace xrv {
@@ -20,33 +22,9 @@ int readPasses(PacketBits &bits)
     return 37 + static_cast<int>(bits.bits(7));
 }
 
-int floorLog2(unsigned value)
-{
-    int result = 0;
-    while (value >>= 1)
-        ++result;
-    return result;
-}
-
-constexpr int kMaxPasses = 164;       ///< 37 + 127, table B.4
 constexpr int kMaxZeroBitPlanes = 74; ///< more than 7 guard bits and 5-bit exponents with a region of interest allow
 
 } // namespace
-
-int passesInSegment(std::uint8_t style, int firstPass)
-{
-    if (style & CodeBlockStyle::kHighThroughput)
-        return firstPass % kPassesOfSet == 0 ? 1 : kPassesOfSet - firstPass % kPassesOfSet;
-    if (style & CodeBlockStyle::kTerminateAll)
-        return 1;
-    if (!(style & CodeBlockStyle::kBypass))
-        return kMaxPasses;
-    // Table D.9: arithmetic coding for the first ten passes (the top bit-plane has a cleanup pass only), then two raw
-    // passes and one arithmetically coded one in turn.
-    if (firstPass < 10)
-        return 10 - firstPass;
-    return (firstPass - 10) % 3 == 0 ? 2 : 1;
-}
 
 IntRect BandGrid::codeBlockRect(std::uint32_t number) const
 {
@@ -212,59 +190,22 @@ void Precinct::addLastPieces(BandState &band, std::size_t codeBlock, std::size_t
     pieceCount += band.included[codeBlock].pieces.size() - firstPiece;
 }
 
-/// In high-throughput code-blocks whole sets of three passes may come first that have no bytes and stand for a
-/// bit-plane each (ISO/IEC 15444-15 annex B). Takes them off \a passes.
-bool Precinct::skipPlaceholders(CodeBlockState &codeBlock, int *passes, int *placeholders) const
-{
-    *placeholders = 0;
-    if (!(codeBlockStyle & CodeBlockStyle::kHighThroughput) || codeBlock.passes > 0)
-        return true;
-    const int sets = (*passes - 1) / kPassesOfSet;
-    *placeholders = sets * kPassesOfSet;
-    *passes -= *placeholders;
-    codeBlock.zeroBitPlanes = static_cast<std::uint8_t>(codeBlock.zeroBitPlanes + sets);
-    return codeBlock.zeroBitPlanes < kMaxZeroBitPlanes;
-}
-
-/// B.10.7: one length for each codeword segment that the packet adds to, in Lblock bits and as many more as the passes
-/// are worth (B.10.7.1). The passes may go on in a segment that an earlier packet has begun.
 bool Precinct::parseLengths(PacketBits &bits, CodeBlockState &codeBlock, int passes, int layer,
                             std::uint64_t *bodyLength)
 {
-    int placeholders = 0;
-    if (codeBlock.passes + passes > kMaxPasses || !skipPlaceholders(codeBlock, &passes, &placeholders))
+    const std::size_t before = codeBlock.pieces.size();
+    if (!readSegmentLengths(bits, codeBlockStyle, passes, &codeBlock))
         return false;
-    while (passes > 0) {
-        int inSegment = kMaxPasses;
-        if (codeBlockStyle & CodeBlockStyle::kManySegments) {
-            // Passes left in the segment that is open.
-            int begun = 0;
-            for (auto piece = codeBlock.pieces.rbegin(); piece != codeBlock.pieces.rend() && !piece->endsSegment;
-                 ++piece)
-                begun += piece->passes;
-            inSegment = passesInSegment(codeBlockStyle, codeBlock.passes - begun) - begun;
-        }
-        CodeBlockPiece piece;
-        piece.passes = static_cast<std::uint8_t>(std::min(passes, inSegment));
-        piece.endsSegment = piece.passes == inSegment;
-        piece.layer = static_cast<std::uint16_t>(layer);
-        // Placeholder passes have no length of their own, but widen that of the segment after them.
-        const int count = codeBlock.lengthBits + floorLog2(static_cast<unsigned>(piece.passes + placeholders));
-        if (count > 32)
-            return false;
-        piece.length = bits.bits(count);
-        *bodyLength += piece.length;
-        codeBlock.passes = static_cast<std::uint8_t>(codeBlock.passes + piece.passes);
-        passes -= piece.passes;
-        placeholders = 0;
-        codeBlock.pieces.push_back(piece);
+    for (std::size_t i = before; i < codeBlock.pieces.size(); ++i) {
+        codeBlock.pieces[i].layer = static_cast<std::uint16_t>(layer);
+        *bodyLength += codeBlock.pieces[i].length;
     }
     return true;
 }
 
 std::uint64_t Precinct::ampleHeader() const
 {
-    const bool manySegments = codeBlockStyle & (CodeBlockStyle::kBypass | CodeBlockStyle::kTerminateAll);
+    const bool manySegments = codeBlockStyle & CodeBlockStyle::kManySegments;
     std::uint64_t count = 0;
     for (const BandState &band : bandStates)
         count += std::uint64_t(band.across()) * band.down();

@@ -42,13 +42,21 @@ struct CodeBlockPiece
     bool endsSegment = false; ///< the codeword segment is terminated after it
 };
 
+/// How a code-block is coded, as far as packet headers have told.
+enum class BlockCoding : std::uint8_t {
+    Unknown,       ///< only passes without bytes so far, which may turn out to be placeholders
+    Arithmetic,    ///< ISO/IEC 15444-1 annexes C and D
+    HighThroughput ///< ISO/IEC 15444-15
+};
+
 /// What packet headers have told of a code-block so far.
 struct CodeBlockState
 {
     std::vector<CodeBlockPiece> pieces;
     std::uint8_t zeroBitPlanes = 0; ///< with those that placeholder passes stand for
     std::uint8_t lengthBits = 3;    ///< Lblock
-    std::uint8_t passes = 0;
+    std::uint8_t passes = 0;        ///< without placeholder passes, once the coding is known
+    BlockCoding coding = BlockCoding::Unknown;
 };
 
 /// The code-blocks of a subband in a precinct: only those that packet headers have told of take memory.
@@ -81,6 +89,7 @@ public:
 
     enum class Outcome { Ok, NeedsMore, Damaged };
     /// Parses the header of the packet of \a layer at the start of \a data (an SOP marker segment may come before it).
+    /// The bytes of its code-blocks are taken to follow it; see placeLast().
     /// \a headerLength and \a bodyLength are set on success. With NeedsMore the header reaches beyond \a data; the
     /// state is spoiled then, as with Damaged, and a caller that can give more has to start from a copy. Once \a cancel
     /// is raised the outcome says nothing.
@@ -99,7 +108,6 @@ private:
     bool parseBand(PacketBits &bits, BandState &band, int layer, const CancelFlag &cancel, std::uint64_t *bodyLength);
     bool parseCodeBlock(PacketBits &bits, BandState &band, std::uint32_t x, std::uint32_t y, int layer,
                         std::uint64_t *bodyLength);
-    bool skipPlaceholders(CodeBlockState &codeBlock, int *passes, int *placeholders) const;
     bool parseLengths(PacketBits &bits, CodeBlockState &codeBlock, int passes, int layer, std::uint64_t *bodyLength);
     void addLastPieces(BandState &band, std::size_t codeBlock, std::size_t firstPiece);
 
@@ -119,12 +127,5 @@ private:
     std::uint8_t codeBlockStyle;
     bool usesEph;
 };
-
-/// Passes of a set in a high-throughput code-block: cleanup and two refinements (ISO/IEC 15444-15 clause 7).
-constexpr int kPassesOfSet = 3;
-
-/// Passes that the codeword segment with its first pass numbered \a firstPass can hold (table D.9; in high-throughput
-/// code-blocks a cleanup pass stands alone, the two refinement passes after it together: ISO/IEC 15444-15 annex B).
-int passesInSegment(std::uint8_t codeBlockStyle, int firstPass);
 
 } // namespace xrv

@@ -28,19 +28,25 @@ public:
     /// The places of the packets of resolutions up to \a resolution are known, as far as they will ever be.
     bool knowsPlaces(int resolution) const { return !isWalkable || walk.isFinished || resolution <= walkedResolution; }
     PacketPlace place(std::uint32_t packet) const { return walk.places.of(packet); }
+    /// Packet headers are packed into PPM or PPT marker segments (A.7.4, A.7.5); places are those of the bodies then.
+    bool hasPackedHeaders() const { return isPacked; }
+    /// Such a header with those that follow it; length 0 when it is not there.
+    std::pair<const std::uint8_t *, std::size_t> packedHeader(std::uint32_t packet) const
+    {
+        const PacketPlace place = walk.headers.of(packet);
+        return {packed.data() + place.offset, place.length > 0 ? packed.size() - place.offset : 0};
+    }
 
     /// Bytes of the tile-parts after their headers.
     const std::vector<ByteRange> &data() const { return dataRanges; }
-    /// Marker segments of the tile-part headers that decoding needs.
-    const std::vector<MarkerSegment> &segments() const { return tileSegments; }
-    /// Packet headers packed into PPM or PPT marker segments (A.7.4, A.7.5), in order; empty without.
-    const Bytes &packedHeaders() const { return packed; }
-    bool hasPackedHeaders() const { return isPacked; }
 
     bool isTruncated() const { return truncated || walk.isBroken; }
     /// No tile-part of this tile was found.
     bool isMissing() const { return dataRanges.empty(); }
-    std::size_t memoryUse() const { return sizeof(*this) + walk.places.memoryUse() + packed.size(); }
+    std::size_t memoryUse() const
+    {
+        return sizeof(*this) + walk.places.memoryUse() + walk.headers.memoryUse() + packed.size();
+    }
 
 private:
     friend class TileIndexReader;
@@ -52,7 +58,6 @@ private:
     PacketWalk walk;           ///< finished where packet lengths give the places
     int walkedResolution = -1; ///< of a walk that is not finished
     std::vector<ByteRange> dataRanges;
-    std::vector<MarkerSegment> tileSegments;
     Bytes packed;
     bool isPacked = false;
     bool isWalkable = false; ///< packet headers can be followed

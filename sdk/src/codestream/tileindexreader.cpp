@@ -41,7 +41,7 @@ TileIndexReader::TileIndexReader(ByteSource &source, const MainHeader &header, s
     for (const MarkerSegment &segment : header.segments)
         applyQuantization(segment);
     qccSet.assign(qccSet.size(), false);
-    made->isPacked = !header.packedHeaders.empty();
+    made->isPacked = header.packedHeaders != nullptr;
 }
 
 TileIndexReader::TileIndexReader(ByteSource &source, const MainHeader &header, const TileIndex &known)
@@ -54,8 +54,9 @@ TileIndexReader::TileIndexReader(ByteSource &source, const MainHeader &header, c
 void TileIndexReader::finishHeaders(const CancelFlag &cancel)
 {
     made->numbering.emplace(header, made->tileStyle, made->canvasRect);
-    const bool canPlace = !made->isPacked && !made->isMissing() && made->numbering->count() <= kMaxPackets;
-    if (canPlace)
+    const bool canPlace = !made->isMissing() && made->numbering->count() <= kMaxPackets;
+    // Lengths do not say how long packed headers are, which are quickly walked through.
+    if (canPlace && !made->isPacked)
         placePackets(cancel);
     made->isWalkable = canPlace;
 }
@@ -75,7 +76,13 @@ void TileIndexReader::useIndex(ByteRange codestream)
 
 CError TileIndexReader::walk(int resolution, const std::vector<ByteRange> &atHand, const CancelFlag &cancel)
 {
-    const PacketWalkInput input{header, made->tileStyle, made->canvasRect, *made->numbering, made->dataRanges, atHand};
+    const PacketWalkInput input{header,
+                                made->tileStyle,
+                                made->canvasRect,
+                                *made->numbering,
+                                made->dataRanges,
+                                atHand,
+                                made->isPacked ? &made->packed : nullptr};
     CError error = walkPackets(source, input, resolution, cancel, &made->walk);
     if (error.IsSuccess())
         made->walkedResolution = std::max(made->walkedResolution, resolution);
@@ -94,12 +101,14 @@ CError TileIndexReader::readPart(const TilePart &part, std::uint64_t firstRead, 
         made->truncated = true;
         return {};
     }
-    std::vector<MarkerSegment> plt;
+    std::vector<MarkerSegment> plt, ppt;
     for (MarkerSegment &segment : segments)
-        if (CError error = applySegment(segment, &plt))
+        if (CError error = applySegment(segment, &plt, &ppt))
             return error;
-    if (!header.packedHeaders.empty())
-        appendPacked(packedHeadersOfPart(header.packedHeaders, part.sequence));
+    made->isPacked |= !ppt.empty();
+    const Bytes packed =
+        header.packedHeaders ? header.packedHeaders->ofPart(part.sequence) : joinedByIndex(std::move(ppt));
+    made->packed.insert(made->packed.end(), packed.begin(), packed.end());
     made->dataRanges.push_back({part.range.offset + position, part.range.length - position});
     lengths.push_back(packetLengths(std::move(plt)));
     return {};
@@ -129,16 +138,15 @@ CError TileIndexReader::readPartHeader(const TilePart &part, std::uint64_t first
     }
 }
 
-CError TileIndexReader::applySegment(MarkerSegment &segment, std::vector<MarkerSegment> *plt)
+CError TileIndexReader::applySegment(MarkerSegment &segment, std::vector<MarkerSegment> *plt,
+                                     std::vector<MarkerSegment> *ppt)
 {
     switch (segment.marker) {
     case Marker::kPLT:
         plt->push_back(std::move(segment));
         return {};
     case Marker::kPPT:
-        made->isPacked = true;
-        if (segment.payload.size() > 1)
-            appendPacked(Bytes(segment.payload.begin() + 1, segment.payload.end()));
+        ppt->push_back(std::move(segment));
         return {};
     case Marker::kPOC:
         // The tile's own progression replaces that of the main header (A.6.6).
@@ -156,14 +164,7 @@ CError TileIndexReader::applySegment(MarkerSegment &segment, std::vector<MarkerS
         return {};
     }
     applyQuantization(segment);
-    CError error = made->tileStyle.apply(segment, &cocSet);
-    made->tileSegments.push_back(std::move(segment));
-    return error;
-}
-
-void TileIndexReader::appendPacked(const Bytes &bytes)
-{
-    made->packed.insert(made->packed.end(), bytes.begin(), bytes.end());
+    return made->tileStyle.apply(segment, &cocSet);
 }
 
 void TileIndexReader::applyQuantization(const MarkerSegment &segment)

@@ -32,8 +32,7 @@ public:
 private:
     PLK::CError readPartHeader(const TilePart &part, std::uint64_t firstRead, const CancelFlag &cancel,
                                std::vector<MarkerSegment> *segments, std::size_t *position, bool *isComplete);
-    PLK::CError applySegment(MarkerSegment &segment, std::vector<MarkerSegment> *plt);
-    void appendPacked(const Bytes &bytes);
+    PLK::CError applySegment(MarkerSegment &segment, std::vector<MarkerSegment> *plt, std::vector<MarkerSegment> *ppt);
     void applyQuantization(const MarkerSegment &segment);
     void placePackets(const CancelFlag &cancel);
     bool lengthsAddUp() const;

@@ -54,23 +54,12 @@ CodeBlockPath::CodeBlockPath(std::shared_ptr<ByteSource> source, const MainHeade
 {
 }
 
-bool CodeBlockPath::supports(const TileIndex &index) const
-{
-    return TileSynthesis::supports(header, index);
-}
-
-bool CodeBlockPath::isFor(const RasterRead &read, std::size_t job) const
-{
-    const TileIndex &index = *read.index(job);
-    return !index.isMissing() && supports(index);
-}
-
 CError CodeBlockPath::decode(RasterRead *read)
 {
     for (std::size_t next = 0; next < read->jobs().size();) {
         Batch batch;
         for (; next < read->jobs().size() && !batch.isFull(); ++next)
-            if (isFor(*read, next))
+            if (!read->index(next)->isMissing())
                 if (CError error = add(read, next, &batch))
                     return error;
         if (CError error = decodeBatch(read, batch))
@@ -84,7 +73,7 @@ CError CodeBlockPath::prefetch(std::deque<RasterRead> *reads, const CancelFlag &
     Batch batch;
     for (RasterRead &read : *reads)
         for (std::size_t job = 0; job < read.jobs().size() && !batch.isFull(); ++job)
-            if (isFor(read, job))
+            if (!read.index(job)->isMissing())
                 add(&read, job, &batch); // damage is told when it is read
     return codeBlocks.prefetch(batch.requests, cancel);
 }
@@ -93,6 +82,9 @@ CError CodeBlockPath::add(RasterRead *read, std::size_t number, Batch *batch) co
 {
     const DecodeJob &job = read->jobs()[number];
     const TileIndexStore::TileIndexPtr &index = read->index(number);
+    const TileToDecode tile{job.tile, index, std::min(read->layers(), index->packets().layers())};
+    if (CError error = TileSynthesis::check(header, tile))
+        return error;
     if (index->isTruncated())
         if (CError error = read->settle(number, incompleteTile(job.tile)))
             return error;
@@ -100,8 +92,7 @@ CError CodeBlockPath::add(RasterRead *read, std::size_t number, Batch *batch) co
     const int discarded = std::min(level, minLevels(*index, job.components));
     const int averagedLevels = level - discarded;
     const IntRect region = scaledUp(job.levelRect, averagedLevels).intersected(levelRect(index->rect(), discarded));
-    CodeBlockRequest request{
-        {job.tile, index, std::min(read->layers(), index->packets().layers())}, {}, read->request().isKept};
+    CodeBlockRequest request{tile, {}, read->request().isKept};
     for (const int c : job.components) {
         const IntRect rect = raster.components[c].fromCanvas(region);
         if (rect.isEmpty())

@@ -16,9 +16,8 @@ public:
     CodeBlockPath(std::shared_ptr<ByteSource> source, const MainHeader &header, const RasterInfo &raster,
                   std::uint64_t fileNumber);
 
-    /// Whether tiles like this one can be decoded so.
-    bool supports(const TileIndex &index) const;
-    /// Decodes the jobs of \a read whose tiles it supports and which have their indexes.
+    /// Decodes the jobs of \a read, which have their indexes, but for tiles that are missing. PLK_ERR_UNSUPPORTED with
+    /// the marker segment that asks for what cannot be decoded.
     PLK::CError decode(RasterRead *read);
     /// Has a distant source fetch what the first batch of all \a reads needs.
     PLK::CError prefetch(std::deque<RasterRead> *reads, const CancelFlag &cancel);
@@ -26,7 +25,6 @@ public:
 private:
     /// Jobs of one read whose code-blocks are decoded before they are put together.
     struct Batch;
-    bool isFor(const RasterRead &read, std::size_t job) const;
     PLK::CError add(RasterRead *read, std::size_t job, Batch *batch) const;
     PLK::CError decodeBatch(RasterRead *read, const Batch &batch);
 

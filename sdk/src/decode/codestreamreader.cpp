@@ -18,7 +18,6 @@ CodestreamReader::CodestreamReader(const std::shared_ptr<ByteSource> &source, By
     , planner(*header, raster, fileNumber)
     , indexes(source, codestream, *header)
     , byCodeBlocks(source, *header, raster, fileNumber)
-    , byOpenJpeg(source, *header, raster)
 {
     TileCache::instance().addReader(fileNumber);
 }
@@ -54,29 +53,26 @@ CError CodestreamReader::decode(RasterRead *read)
         return error;
     if (CError error = byCodeBlocks.decode(read))
         return error;
-    if (CError error = decodeOthers(read))
+    if (CError error = fillMissing(read))
         return error;
     const std::chrono::duration<double, std::nano> elapsed = std::chrono::steady_clock::now() - start;
     rate.learn(read->cellsToDecode(), elapsed.count());
     return {};
 }
 
-/// The jobs that the way by code-blocks leaves: tiles that are missing, and codings that it does not do.
-CError CodestreamReader::decodeOthers(RasterRead *read)
+/// The jobs whose tiles are not in the file.
+CError CodestreamReader::fillMissing(RasterRead *read)
 {
-    std::vector<std::size_t> others;
     for (std::size_t i = 0; i < read->jobs().size(); ++i) {
         const DecodeJob &job = read->jobs()[i];
-        if (read->index(i)->isMissing()) {
-            if (read->cancel().isRaised())
-                return {PLK_ERR_CANCELLED, "The read was cancelled."};
-            if (CError error = read->settleAsZeros(i, job.levelRect, missingTile(job.tile)))
-                return error;
-        } else if (!byCodeBlocks.supports(*read->index(i))) {
-            others.push_back(i);
-        }
+        if (!read->index(i)->isMissing())
+            continue;
+        if (read->cancel().isRaised())
+            return {PLK_ERR_CANCELLED, "The read was cancelled."};
+        if (CError error = read->settleAsZeros(i, job.levelRect, missingTile(job.tile)))
+            return error;
     }
-    return byOpenJpeg.decode(read, others);
+    return {};
 }
 
 CError CodestreamReader::prefetch(const std::vector<ReadRequest> &requests)

@@ -3,7 +3,6 @@
 #include "codeblockpath.h"
 #include "decodeplanner.h"
 #include "decodingrate.h"
-#include "openjpegpath.h"
 #include "rasterreader.h"
 
 #include "decode/tile/tileindexstore.h"
@@ -12,8 +11,8 @@
 
 namespace xrv {
 
-/// RasterReader of a JPEG 2000 codestream: has planned what is missing in the tile cache, decoded by the one way or
-/// the other and put together. RasterReader::open() makes it.
+/// RasterReader of a JPEG 2000 codestream: has planned what is missing in the tile cache, decoded and put together.
+/// RasterReader::open() makes it.
 class CodestreamReader : public RasterReader
 {
 public:
@@ -30,7 +29,7 @@ public:
 
 private:
     PLK::CError decode(RasterRead *read);
-    PLK::CError decodeOthers(RasterRead *read);
+    PLK::CError fillMissing(RasterRead *read);
     PLK::CError prefetchIndexes(const std::deque<RasterRead> &reads);
 
     std::shared_ptr<ByteSource> source;
@@ -41,7 +40,6 @@ private:
     DecodePlanner planner;
     TileIndexStore indexes;
     CodeBlockPath byCodeBlocks;
-    OpenJpegPath byOpenJpeg;
 };
 
 } // namespace xrv

@@ -2,7 +2,7 @@
 
 #include "tileencoder.h"
 
-#include "openjpeg/openjpegpointers.h"
+#include "openjpegpointers.h"
 
 namespace xrv {
 

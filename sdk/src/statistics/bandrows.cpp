@@ -26,9 +26,9 @@ void gatherRow(const Plane &plane, std::int64_t x0, std::int64_t x1, std::int64_
             const auto column =
                 std::clamp(static_cast<std::int64_t>(static_cast<double>(x) * stepX), rect.x0, rect.x1 - 1);
             const Cell cell = cells[column - rect.x0];
-            constexpr auto kMaxValue = std::numeric_limits<std::int32_t>::max();
-            if constexpr (std::is_same_v<Cell, std::uint32_t>)
-                *target++ = static_cast<std::int32_t>(std::min<std::uint32_t>(cell, kMaxValue));
+            using Limits = std::numeric_limits<std::int32_t>;
+            if constexpr (std::is_same_v<Cell, std::uint32_t> || std::is_same_v<Cell, std::int64_t>)
+                *target++ = static_cast<std::int32_t>(std::clamp<std::int64_t>(cell, Limits::min(), Limits::max()));
             else
                 *target++ = cell;
         }

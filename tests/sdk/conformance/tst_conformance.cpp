@@ -186,6 +186,8 @@ void TestConformance::picture()
     QFETCH(QString, reference);
     QFETCH(int, largest);
     QFETCH(double, meanSquare);
+    if (!folder.exists(file))
+        QSKIP("the folder does not have this file");
     const TiffPicture expected = readTiffPicture(path(reference));
     QVERIFY(!expected.rgb.empty());
 

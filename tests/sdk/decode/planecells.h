@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/planerow.h"
 #include "decode/rasterreader.h"
 #include "peerdecoder.h"
 
@@ -8,21 +9,9 @@
 /// The cell at (x, y) of the component's grid at the plane's level.
 inline std::int64_t cellAt(const xrv::Plane &plane, std::int64_t x, std::int64_t y)
 {
-    const std::int64_t at = x - plane.rect.x0;
-    switch (plane.type) {
-    case xrv::SampleType::UInt8:
-        return plane.row<std::uint8_t>(y)[at];
-    case xrv::SampleType::Int8:
-        return plane.row<std::int8_t>(y)[at];
-    case xrv::SampleType::UInt16:
-        return plane.row<std::uint16_t>(y)[at];
-    case xrv::SampleType::Int16:
-        return plane.row<std::int16_t>(y)[at];
-    case xrv::SampleType::Int32:
-        return plane.row<std::int32_t>(y)[at];
-    default:
-        return plane.row<std::uint32_t>(y)[at];
-    }
+    std::int64_t cell = 0;
+    xrv::withRow(plane, y, [&](const auto *row) { cell = row[x - plane.rect.x0]; });
+    return cell;
 }
 
 /// How far two rows of numbers are apart.

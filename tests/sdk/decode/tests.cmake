@@ -1,7 +1,7 @@
 find_package(OpenJPH REQUIRED)
 add_library(test_peerdecoder STATIC ${stage_dir}/peerdecoder.cpp ${PROJECT_SOURCE_DIR}/tests/data/htmaker.cpp)
 target_include_directories(test_peerdecoder PUBLIC ${PROJECT_SOURCE_DIR}/tests)
-target_link_libraries(test_peerdecoder PRIVATE project_options OpenJPH::OpenJPH PUBLIC test_images xrv60_objects)
+target_link_libraries(test_peerdecoder PRIVATE project_options OpenJPH::OpenJPH PkgConfig::OPENJPEG PUBLIC test_images xrv60_objects)
 xrv_add_sdk_test(tst_rasterreader)
 target_link_libraries(tst_rasterreader PRIVATE test_peerdecoder)
 xrv_add_sdk_test(tst_tilecache)

@@ -280,7 +280,7 @@ void TestHtBlocks::damage()
     const Bytes bytes = assemble(broken, 0, 0, 1, {});
     QVERIFY(decodeOwn(bytes).empty());
     QCOMPARE(decodeOwn(bytes, true), std::vector<std::int32_t>(64 * 63, 128));
-    broken.before[find(broken.before, 0x52) + 12] |= CodeBlockStyle::kMixed;
+    broken.before[find(broken.before, 0x52) + 12] = CodeBlockStyle::kMixed; // the other bit alone is reserved
     const Bytes mixed = assemble(broken, 0, 0, 1, {});
     std::unique_ptr<RasterReader> reader;
     const PLK::CError error = RasterReader::open(std::make_shared<MemorySource>(mixed), {0, mixed.size()}, &reader);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/planerow.h"
 #include "codestream/mainheader.h"
 #include "colour/bandmap.h"
 #include "decode/rasterreader.h"
@@ -104,21 +105,10 @@ private:
 
     static void store(std::int64_t value, xrv::SampleType type, std::uint8_t *to)
     {
-        const auto put = [&](auto typed) { std::memcpy(to, &typed, sizeof typed); };
-        switch (type) {
-        case xrv::SampleType::UInt8:
-            return put(static_cast<std::uint8_t>(value));
-        case xrv::SampleType::Int8:
-            return put(static_cast<std::int8_t>(value));
-        case xrv::SampleType::UInt16:
-            return put(static_cast<std::uint16_t>(value));
-        case xrv::SampleType::Int16:
-            return put(static_cast<std::int16_t>(value));
-        case xrv::SampleType::Int32:
-            return put(static_cast<std::int32_t>(value));
-        case xrv::SampleType::UInt32:
-            return put(static_cast<std::uint32_t>(value));
-        }
+        xrv::withSampleType(type, [&](auto typed) {
+            typed = static_cast<decltype(typed)>(value);
+            std::memcpy(to, &typed, sizeof typed);
+        });
     }
 
     xrv::MainHeader header;

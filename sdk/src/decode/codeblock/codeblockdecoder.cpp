@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <type_traits>
 
 namespace xrv {
 
@@ -102,18 +103,18 @@ const Tables &tables()
 } // namespace
 
 /// The three coding passes over one code-block.
-struct CodeBlockDecoder::Passes
+template <typename Cell> struct CodeBlockDecoder::Passes
 {
     const int width, height;
     const bool isCausal; ///< vertically causal contexts: a stripe does not look at the next one (D.7)
     const std::size_t pitch;
     std::uint32_t *const flags; ///< first column of the first stripe; a border all around
-    std::int32_t *const cells;
+    Cell *const cells;
     const std::uint8_t *const significanceTable;
     const SignEntry *const signTable;
     std::array<MqDecoder::Context, kContexts> contexts{};
 
-    Passes(const CodeBlock &block, std::vector<std::uint32_t> &storage, std::int32_t *coefficients)
+    Passes(const CodeBlock &block, std::vector<std::uint32_t> &storage, Cell *coefficients)
         : width(block.width)
         , height(block.height)
         , isCausal(block.style & CodeBlockStyle::kVerticallyCausal)
@@ -172,8 +173,7 @@ struct CodeBlockDecoder::Passes
     }
 
     template <int kRow>
-    XRV_INLINE void becomeSignificant(MqDecoder &mq, std::uint32_t &f, std::uint32_t *word, std::int32_t *cell,
-                                      std::int32_t value)
+    XRV_INLINE void becomeSignificant(MqDecoder &mq, std::uint32_t &f, std::uint32_t *word, Cell *cell, Cell value)
     {
         const SignEntry entry = signTable[signIndex<kRow>(f, word)];
         const unsigned negative = mq.decode(contexts[entry.context]) ^ entry.flip;
@@ -186,9 +186,9 @@ struct CodeBlockDecoder::Passes
     {
         const int fullRows = height & ~3;
         std::uint32_t *word = flags;
-        std::int32_t *cell = cells;
+        Cell *cell = cells;
         for (int y = 0; y < fullRows; y += 4, word += pitch - width, cell += 3 * std::ptrdiff_t(width)) {
-            for (const std::int32_t *const end = cell + width; cell != end; ++word, ++cell) {
+            for (const Cell *const end = cell + width; cell != end; ++word, ++cell) {
                 std::uint32_t f = *word;
                 if (Pass::skips(f))
                     continue;
@@ -202,7 +202,7 @@ struct CodeBlockDecoder::Passes
         const int rows = height - fullRows;
         if (rows == 0)
             return;
-        for (const std::int32_t *const end = cell + width; cell != end; ++word, ++cell) {
+        for (const Cell *const end = cell + width; cell != end; ++word, ++cell) {
             std::uint32_t f = *word;
             pass.template visit<0>(f, word, cell);
             if (rows > 1)
@@ -219,11 +219,11 @@ struct CodeBlockDecoder::Passes
     {
         Passes &passes;
         MqDecoder mq;
-        const std::int32_t value = 0;
+        const Cell value = 0;
         const std::uint8_t *const table = nullptr;
 
         XRV_INLINE static bool skips(std::uint32_t f) { return (f & kAllSignificance) == 0; }
-        template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *word, std::int32_t *cell)
+        template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *word, Cell *cell)
         {
             const unsigned context = table[f >> (3 * kRow) & (kNeighbours | kSelf)];
             if (context == 0)
@@ -235,7 +235,7 @@ struct CodeBlockDecoder::Passes
     };
 
     /// \a value: one and a half of the bit-plane's weight, doubled.
-    void significancePropagation(MqDecoder &decoder, std::int32_t value)
+    void significancePropagation(MqDecoder &decoder, Cell value)
     {
         SignificancePropagation pass{*this, decoder, value, significanceTable};
         forAll(pass);
@@ -246,10 +246,10 @@ struct CodeBlockDecoder::Passes
     {
         Passes &passes;
         RawBits &bits;
-        const std::int32_t value;
+        const Cell value;
 
         static bool skips(std::uint32_t f) { return (f & kAllSignificance) == 0; }
-        template <int kRow> void visit(std::uint32_t &f, std::uint32_t *word, std::int32_t *cell)
+        template <int kRow> void visit(std::uint32_t &f, std::uint32_t *word, Cell *cell)
         {
             const std::uint32_t around = f >> (3 * kRow);
             if ((around & kSelf) || !(around & kNeighbours))
@@ -263,16 +263,18 @@ struct CodeBlockDecoder::Passes
         }
     };
 
-    void rawSignificancePropagation(RawBits &bits, std::int32_t value)
+    void rawSignificancePropagation(RawBits &bits, Cell value)
     {
         RawSignificancePropagation pass{*this, bits, value};
         forAll(pass);
     }
 
     /// A cell's magnitude moves to the middle of the half that the bit says: towards 0 for a 0.
-    XRV_INLINE static void refine(std::int32_t &cell, unsigned bit, std::int32_t half)
+    XRV_INLINE static void refine(Cell &cell, unsigned bit, Cell half)
     {
-        const std::int32_t minusMask = -static_cast<std::int32_t>(bit ^ 1u ^ (static_cast<std::uint32_t>(cell) >> 31));
+        const auto isNegative =
+            static_cast<unsigned>(static_cast<std::make_unsigned_t<Cell>>(cell) >> (8 * sizeof(Cell) - 1));
+        const Cell minusMask = -static_cast<Cell>(bit ^ 1u ^ isNegative);
         cell += (half ^ minusMask) - minusMask;
     }
 
@@ -288,10 +290,10 @@ struct CodeBlockDecoder::Passes
     {
         Passes &passes;
         MqDecoder mq;
-        const std::int32_t half = 0;
+        const Cell half = 0;
 
         XRV_INLINE static bool skips(std::uint32_t f) { return (f & kAllSelf) == 0; }
-        template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *, std::int32_t *cell)
+        template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *, Cell *cell)
         {
             if (!isToRefine<kRow>(f))
                 return;
@@ -303,7 +305,7 @@ struct CodeBlockDecoder::Passes
     };
 
     /// \a half: half of the bit-plane's weight, doubled.
-    void magnitudeRefinement(MqDecoder &decoder, std::int32_t half)
+    void magnitudeRefinement(MqDecoder &decoder, Cell half)
     {
         MagnitudeRefinement pass{*this, decoder, half};
         forAll(pass);
@@ -314,10 +316,10 @@ struct CodeBlockDecoder::Passes
     {
         Passes &passes;
         RawBits &bits;
-        const std::int32_t half = 0;
+        const Cell half = 0;
 
         static bool skips(std::uint32_t f) { return (f & kAllSelf) == 0; }
-        template <int kRow> void visit(std::uint32_t &f, std::uint32_t *, std::int32_t *cell)
+        template <int kRow> void visit(std::uint32_t &f, std::uint32_t *, Cell *cell)
         {
             if (!isToRefine<kRow>(f))
                 return;
@@ -326,7 +328,7 @@ struct CodeBlockDecoder::Passes
         }
     };
 
-    void rawMagnitudeRefinement(RawBits &bits, std::int32_t half)
+    void rawMagnitudeRefinement(RawBits &bits, Cell half)
     {
         RawMagnitudeRefinement pass{*this, bits, half};
         forAll(pass);
@@ -334,17 +336,17 @@ struct CodeBlockDecoder::Passes
 
     /// D.3.4: all that the other two passes have left. It ends the bit-plane and takes the visits back. Runs of four
     /// are coded only in whole stripes, so the rows of the last one, if they are fewer, go one by one.
-    void cleanup(MqDecoder &decoder, std::int32_t value)
+    void cleanup(MqDecoder &decoder, Cell value)
     {
         MqDecoder mq = decoder;
         const int fullRows = height & ~3;
         std::uint32_t *word = flags;
-        std::int32_t *cell = cells;
+        Cell *cell = cells;
         for (int y = 0; y < fullRows; y += 4, word += pitch - width, cell += 3 * std::ptrdiff_t(width))
-            for (const std::int32_t *const end = cell + width; cell != end; ++word, ++cell)
+            for (const Cell *const end = cell + width; cell != end; ++word, ++cell)
                 cleanupColumn(mq, word, cell, value);
         if (const int rows = height - fullRows)
-            for (const std::int32_t *const end = cell + width; cell != end; ++word, ++cell) {
+            for (const Cell *const end = cell + width; cell != end; ++word, ++cell) {
                 std::uint32_t f = *word;
                 cleanupCell<0>(mq, f, word, cell, value);
                 if (rows > 1)
@@ -357,8 +359,7 @@ struct CodeBlockDecoder::Passes
     }
 
     template <int kRow>
-    XRV_INLINE void cleanupCell(MqDecoder &mq, std::uint32_t &f, std::uint32_t *word, std::int32_t *cell,
-                                std::int32_t value)
+    XRV_INLINE void cleanupCell(MqDecoder &mq, std::uint32_t &f, std::uint32_t *word, Cell *cell, Cell value)
     {
         if (f & (kSelf << (3 * kRow) | 1u << (kVisitedShift + kRow)))
             return;
@@ -366,7 +367,7 @@ struct CodeBlockDecoder::Passes
             becomeSignificant<kRow>(mq, f, word, cell, value);
     }
 
-    XRV_INLINE void cleanupColumn(MqDecoder &mq, std::uint32_t *word, std::int32_t *cell, std::int32_t value)
+    XRV_INLINE void cleanupColumn(MqDecoder &mq, std::uint32_t *word, Cell *cell, Cell value)
     {
         std::uint32_t f = *word;
         unsigned firstRow = 0;
@@ -411,14 +412,14 @@ struct CodeBlockDecoder::Passes
     }
 };
 
-bool CodeBlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients)
+template <typename Cell> bool CodeBlockDecoder::decode(const CodeBlock &block, Cell *coefficients)
 {
-    std::memset(coefficients, 0, sizeof(std::int32_t) * std::size_t(block.width) * block.height);
-    if (block.bitPlanes > 30)
+    std::memset(coefficients, 0, sizeof(Cell) * std::size_t(block.width) * block.height);
+    if (block.bitPlanes > kMaxBitPlanes<Cell>)
         return false;
     const std::size_t stripes = std::size_t(block.height + 3) / 4;
     flags.assign((stripes + 2) * (std::size_t(block.width) + 2), 0);
-    Passes passes(block, flags, coefficients);
+    Passes<Cell> passes(block, flags, coefficients);
     // The top bit-plane has a cleanup pass only (D.3), as nothing is significant before it.
     int plane = block.bitPlanes - 1, kind = 2, number = 0;
     for (const CodewordSegment &segment : block.segments) {
@@ -434,7 +435,7 @@ bool CodeBlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients
         else
             mq.start(segmentBytes.data());
         for (int pass = 0; pass < segment.passes && plane >= 0; ++pass, ++number) {
-            const std::int32_t weight = std::int32_t(1) << (plane + 1), half = weight >> 1;
+            const Cell weight = Cell(1) << (plane + 1), half = weight >> 1;
             if (kind == 0)
                 isRaw ? passes.rawSignificancePropagation(bits, weight | half)
                       : passes.significancePropagation(mq, weight | half);
@@ -454,5 +455,8 @@ bool CodeBlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients
     }
     return true;
 }
+
+template bool CodeBlockDecoder::decode(const CodeBlock &, std::int32_t *);
+template bool CodeBlockDecoder::decode(const CodeBlock &, std::int64_t *);
 
 } // namespace xrv

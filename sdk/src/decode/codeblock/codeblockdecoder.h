@@ -25,17 +25,20 @@ struct CodeBlock
     std::vector<CodewordSegment> segments;
 };
 
+/// Bit-planes that doubled coefficients of a type have room for: 30 in 32 bits, 62 in 64.
+template <typename Cell> constexpr int kMaxBitPlanes = int(8 * sizeof(Cell)) - 2;
+
 /// Decodes the bit-planes of code-blocks (annexes C and D). Holds scratch memory; one per thread.
 class CodeBlockDecoder
 {
 public:
     /// Gives width x height quantized coefficients, rows packed, doubled: the lowest bit is the half by which the value
     /// of an unfinished coefficient lies in the middle of its interval (E.1.1.2 with r = 1/2). What the segments do not
-    /// hold stays 0. False for code-blocks of more than 30 bit-planes.
-    bool decode(const CodeBlock &block, std::int32_t *coefficients);
+    /// hold stays 0. False for code-blocks of more than kMaxBitPlanes. \a Cell: std::int32_t or std::int64_t.
+    template <typename Cell> bool decode(const CodeBlock &block, Cell *coefficients);
 
 private:
-    struct Passes;
+    template <typename Cell> struct Passes;
     std::vector<std::uint32_t> flags;
     std::vector<std::uint8_t> segmentBytes;
 };

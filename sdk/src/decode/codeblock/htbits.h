@@ -30,6 +30,20 @@ public:
         skip(1);
         return result;
     }
+    /// The next \a bits bits, fewer than \a Value has.
+    template <typename Value> Value take(unsigned bits)
+    {
+        Value low = 0;
+        unsigned taken = 0;
+        if (sizeof(Value) > sizeof(std::uint32_t) && bits > 31) {
+            low = peek();
+            skip(32);
+            taken = 32;
+        }
+        const std::uint32_t next = peek() & ((1u << (bits - taken)) - 1);
+        skip(bits - taken);
+        return low | static_cast<Value>(static_cast<Value>(next) << taken);
+    }
 
 protected:
     void append(std::uint32_t bits, unsigned width)

@@ -3,10 +3,11 @@
 #include "htbits.h"
 #include "htcodewords.h"
 
-#include "codestream/precinct.h"
+#include "codestream/segmentlengths.h"
 
 #include <algorithm>
 #include <array>
+#include <type_traits>
 
 #if defined(_MSC_VER)
 #include <intrin.h>
@@ -16,7 +17,6 @@ namespace xrv {
 
 namespace {
 
-constexpr int kMaxBitPlanes = 30;
 constexpr std::size_t kMaxSuffix = 4079; ///< bytes of the run-length code and the codewords together
 constexpr int kStripe = 4;               ///< rows, and columns that the refinement passes go through at a time
 
@@ -24,13 +24,13 @@ constexpr int kStripe = 4;               ///< rows, and columns that the refinem
 constexpr std::uint8_t kSignificant = 1, kNewlySignificant = 2;
 
 /// Bits that \a value has from its highest one down; \a value is not 0.
-inline unsigned bitWidth(std::uint32_t value)
+inline unsigned bitWidth(std::uint64_t value)
 {
 #if defined(__GNUC__)
-    return 32 - static_cast<unsigned>(__builtin_clz(value));
+    return 64 - static_cast<unsigned>(__builtin_clzll(value));
 #elif defined(_MSC_VER)
     unsigned long highest = 0;
-    _BitScanReverse(&highest, value);
+    _BitScanReverse64(&highest, value);
     return highest + 1;
 #else
     unsigned width = 0;
@@ -41,9 +41,8 @@ inline unsigned bitWidth(std::uint32_t value)
 }
 
 /// How much the exponent of a quad is larger than predicted: 1 as "1", 2 as "01", 3 and 4 as "001" and a bit, more as
-/// "000" and five bits. The standard lengthens the largest of these suffixes (28 to 31) by four more bits; no
-/// coefficient of 32 bits can have such an offset, and readQuad() refuses it. Of two quads side by side both prefixes
-/// come before the suffixes.
+/// "000" and five bits, the largest of these (28 to 31) lengthened by four more bits for four times what they say. Of
+/// two quads side by side both prefixes come first, then both suffixes, then what lengthens them.
 struct OffsetCode
 {
     std::uint8_t length, suffixLength, value;
@@ -62,6 +61,15 @@ std::uint8_t readSuffix(BackwardBits &bits, const OffsetCode &code)
     bits.skip(code.suffixLength);
     return static_cast<std::uint8_t>(code.value + suffix);
 }
+std::uint8_t lengthened(BackwardBits &bits, std::uint8_t offset)
+{
+    constexpr std::uint8_t kFirstLengthened = 5 + 28;
+    if (offset < kFirstLengthened)
+        return offset;
+    const std::uint32_t more = bits.peek() & 15;
+    bits.skip(4);
+    return static_cast<std::uint8_t>(offset + 4 * more);
+}
 
 /// The offsets of two quads side by side of which both have one.
 std::array<std::uint8_t, 2> readTwoOffsets(BackwardBits &bits, MelEvents *events)
@@ -72,12 +80,14 @@ std::array<std::uint8_t, 2> readTwoOffsets(BackwardBits &bits, MelEvents *events
     const OffsetCode first = readPrefix(bits);
     if (events && !areLarge && first.length > 2) {
         const auto second = static_cast<std::uint8_t>(bits.bit() + 1);
-        return {readSuffix(bits, first), second};
+        return {lengthened(bits, readSuffix(bits, first)), second};
     }
     const OffsetCode second = readPrefix(bits);
     const std::uint8_t more = areLarge ? 2 : 0;
-    const auto a = static_cast<std::uint8_t>(readSuffix(bits, first) + more);
-    return {a, static_cast<std::uint8_t>(readSuffix(bits, second) + more)};
+    std::array<std::uint8_t, 2> offsets{readSuffix(bits, first), readSuffix(bits, second)};
+    for (std::uint8_t &offset : offsets)
+        offset = static_cast<std::uint8_t>(lengthened(bits, offset) + more);
+    return offsets;
 }
 
 } // namespace
@@ -89,47 +99,57 @@ struct HtCodeBlockDecoder::Set
     int number = 0;
 };
 
-bool HtCodeBlockDecoder::decode(const CodeBlock &block, std::int32_t *coefficients)
+/// The last set whose cleanup pass has bytes; those after it hold nothing that is new.
+HtCodeBlockDecoder::Set HtCodeBlockDecoder::lastSet(const CodeBlock &block)
+{
+    Set last;
+    int passes = 0;
+    bool isEmpty = true;
+    for (const CodewordSegment &segment : block.segments) {
+        if (passes % kPassesOfSet == 0) {
+            isEmpty = segment.length == 0;
+            if (!isEmpty)
+                last = {segment, {}, passes / kPassesOfSet};
+        } else if (!isEmpty) {
+            last.refinement = segment;
+        }
+        passes += segment.passes;
+    }
+    return last;
+}
+
+template <typename Cell> bool HtCodeBlockDecoder::decode(const CodeBlock &block, Cell *coefficients)
 {
     width = block.width;
     height = block.height;
-    cells = coefficients;
-    const auto clear = [&] { std::fill_n(cells, std::size_t(width) * height, 0); };
+    const auto clear = [&] { std::fill_n(coefficients, std::size_t(width) * height, Cell(0)); };
     clear();
-    Set last;
-    int passes = 0;
-    for (const CodewordSegment &segment : block.segments) {
-        const bool isCleanup = passes % kPassesOfSet == 0;
-        if (isCleanup)
-            last = {segment, {}, passes / kPassesOfSet};
-        else
-            last.refinement = segment;
-        passes += segment.passes;
-    }
+    const Set last = lastSet(block);
     if (last.cleanup.length == 0)
         return true; // nothing is coded
     bitPlane = block.bitPlanes - last.number;
-    if (block.bitPlanes > kMaxBitPlanes || bitPlane < 1)
+    if (block.bitPlanes > kMaxBitPlanes<Cell> || bitPlane < 1)
         return false;
-    if (!decodeCleanup(block.data.data() + last.cleanup.offset, last.cleanup.length)) {
+    if (!decodeCleanup(block.data.data() + last.cleanup.offset, last.cleanup.length, coefficients)) {
         clear();
         return false;
     }
-    if (last.refinement.length == 0 || bitPlane < 2)
+    if (last.refinement.passes == 0 || bitPlane < 2)
         return true;
     // Both passes read the same bytes, one from the back and one from the front, so they can go in either order. The
     // refinement comes first, while the cells that are not 0 are those of the cleanup pass and no others.
     const std::uint8_t *begin = block.data.data() + last.refinement.offset, *end = begin + last.refinement.length;
-    markSignificance();
+    markSignificance(coefficients);
     if (last.refinement.passes > 1)
-        refineMagnitudes(BackwardBits(begin, end));
-    propagateSignificance(ForwardBits(begin, end, 0), block.style & CodeBlockStyle::kVerticallyCausal);
+        refineMagnitudes(BackwardBits(begin, end), coefficients);
+    propagateSignificance(ForwardBits(begin, end, 0), block.style & CodeBlockStyle::kVerticallyCausal, coefficients);
     return true;
 }
 
 /// Clause 7.1: the bytes hold magnitudes and signs, then the run-length code from the front and the codewords from the
 /// back; twelve bits at the end say how long the latter two are.
-bool HtCodeBlockDecoder::decodeCleanup(const std::uint8_t *data, std::size_t length)
+template <typename Cell>
+bool HtCodeBlockDecoder::decodeCleanup(const std::uint8_t *data, std::size_t length, Cell *cells)
 {
     if (length < 2)
         return false;
@@ -137,7 +157,7 @@ bool HtCodeBlockDecoder::decodeCleanup(const std::uint8_t *data, std::size_t len
     if (suffix < 2 || suffix > length || suffix > kMaxSuffix)
         return false;
     readQuads(data, length, suffix);
-    return readMagnitudes(data, length - suffix);
+    return readMagnitudes(data, length - suffix, cells);
 }
 
 /// Equations 1 and 2: the context of a quad's codeword comes from the cells around it that are known already.
@@ -160,7 +180,7 @@ inline void HtCodeBlockDecoder::readOffsets(BackwardBits &bits, MelEvents *event
         quad[0].exponentOffset = offsets[0];
         quad[1].exponentOffset = offsets[1];
     } else if (hasFirst || hasSecond) {
-        quad[hasFirst ? 0 : 1].exponentOffset = readSuffix(bits, readPrefix(bits));
+        quad[hasFirst ? 0 : 1].exponentOffset = lengthened(bits, readSuffix(bits, readPrefix(bits)));
     }
 }
 
@@ -197,7 +217,8 @@ void HtCodeBlockDecoder::readQuads(const std::uint8_t *data, std::size_t length,
     }
 }
 
-bool HtCodeBlockDecoder::readMagnitudes(const std::uint8_t *data, std::size_t length)
+template <typename Cell>
+bool HtCodeBlockDecoder::readMagnitudes(const std::uint8_t *data, std::size_t length, Cell *cells)
 {
     ForwardBits bits(data, data + length, 0xFF);
     const std::size_t columns = static_cast<std::size_t>(quadsAcross) * 2 + 3; // one more on the left, two on the right
@@ -217,7 +238,7 @@ bool HtCodeBlockDecoder::readMagnitudes(const std::uint8_t *data, std::size_t le
                 const unsigned largest = std::max(std::max(above[0], above[1]), std::max(above[2], above[3]));
                 exponent = largest > 2 ? largest - 1 : 1;
             }
-            if (!readQuad(*quad, x, y, exponent + quad->exponentOffset, bits))
+            if (!readQuad(*quad, x, y, exponent + quad->exponentOffset, bits, cells))
                 return false;
         }
     }
@@ -225,38 +246,40 @@ bool HtCodeBlockDecoder::readMagnitudes(const std::uint8_t *data, std::size_t le
 }
 
 /// The magnitude bits and signs of a quad whose largest exponent is \a exponent at most.
-bool HtCodeBlockDecoder::readQuad(const Quad &quad, int x, int y, unsigned exponent, ForwardBits &bits)
+template <typename Cell>
+bool HtCodeBlockDecoder::readQuad(const Quad &quad, int x, int y, unsigned exponent, ForwardBits &bits, Cell *cells)
 {
+    using Value = std::make_unsigned_t<Cell>;
+    constexpr unsigned kBits = 8 * sizeof(Cell);
     const bool reachesOut =
         (x + 1 == width && (quad.significance & 0xC)) || (y + 1 == height && (quad.significance & 0xA));
-    if (reachesOut || exponent + static_cast<unsigned>(bitPlane) > 32)
+    if (reachesOut || exponent + static_cast<unsigned>(bitPlane) > kBits)
         return false;
-    std::int32_t *upperLeft = cells + std::ptrdiff_t(y) * width + x;
+    Cell *upperLeft = cells + std::ptrdiff_t(y) * width + x;
     for (int cell = 0; cell < 4; ++cell) {
         if (!(quad.significance >> cell & 1))
             continue;
         const unsigned count = exponent - (quad.knownExponents >> cell & 1);
-        const std::uint32_t next = bits.peek();
-        bits.skip(count);
         // Twice the magnitude less one, with the sign as the lowest bit; the middle of the interval takes its place.
-        auto value = static_cast<std::uint32_t>(next & ((std::uint64_t(1) << count) - 1));
-        value |= static_cast<std::uint32_t>(quad.topBits >> cell & 1) << count | 1;
-        const std::uint32_t magnitude = (value + 2) << (bitPlane - 1);
-        if (magnitude >> 31)
+        auto value = bits.template take<Value>(count);
+        const bool isNegative = value & 1;
+        value |= Value(quad.topBits >> cell & 1) << count | 1;
+        const Value magnitude = (value + 2) << (bitPlane - 1);
+        if (magnitude >> (kBits - 1))
             return false;
-        const auto positive = static_cast<std::int32_t>(magnitude);
-        upperLeft[(cell & 1) * std::ptrdiff_t(width) + (cell >> 1)] = next & 1 ? -positive : positive;
+        const auto positive = static_cast<Cell>(magnitude);
+        upperLeft[(cell & 1) * std::ptrdiff_t(width) + (cell >> 1)] = isNegative ? -positive : positive;
         if (cell & 1) // the row below looks at the lower cells only
             exponents[static_cast<std::size_t>(x) + 1 + (cell >> 1)] = static_cast<std::uint8_t>(bitWidth(value));
     }
     return true;
 }
 
-void HtCodeBlockDecoder::markSignificance()
+template <typename Cell> void HtCodeBlockDecoder::markSignificance(const Cell *cells)
 {
     const std::size_t pitch = static_cast<std::size_t>(width) + 2;
     significance.assign(pitch * (static_cast<std::size_t>(height) + 2), 0);
-    const std::int32_t *cell = cells;
+    const Cell *cell = cells;
     for (int y = 0; y < height; ++y) {
         std::uint8_t *mark = significance.data() + pitch * (static_cast<std::size_t>(y) + 1) + 1;
         for (int x = 0; x < width; ++x)
@@ -265,16 +288,16 @@ void HtCodeBlockDecoder::markSignificance()
 }
 
 /// Clause 7.5: another bit for every cell that the cleanup pass has found, column by column in stripes of four rows.
-void HtCodeBlockDecoder::refineMagnitudes(BackwardBits bits)
+template <typename Cell> void HtCodeBlockDecoder::refineMagnitudes(BackwardBits bits, Cell *cells)
 {
-    const std::int32_t middle = 1 << (bitPlane - 1), half = middle >> 1;
+    const Cell middle = Cell(1) << (bitPlane - 1), half = middle >> 1;
     for (int top = 0; top < height; top += kStripe)
         for (int x = 0; x < width; ++x)
             for (int y = top; y < std::min(top + kStripe, height); ++y) {
-                std::int32_t &cell = cells[std::ptrdiff_t(y) * width + x];
+                Cell &cell = cells[std::ptrdiff_t(y) * width + x];
                 if (cell == 0)
                     continue;
-                const std::int32_t change = bits.bit() ? half : half - middle;
+                const Cell change = bits.bit() ? half : half - middle;
                 cell += cell < 0 ? -change : change;
             }
 }
@@ -289,9 +312,9 @@ bool HtCodeBlockDecoder::hasSignificantNeighbour(std::size_t mark, bool isLastRo
 
 /// Clause 7.4: cells beside significant ones may become significant in the next bit-plane. Of four columns the
 /// decisions come first, then the signs. A cell that has become significant counts as a neighbour at once.
-void HtCodeBlockDecoder::propagateSignificance(ForwardBits bits, bool isCausal)
+template <typename Cell> void HtCodeBlockDecoder::propagateSignificance(ForwardBits bits, bool isCausal, Cell *cells)
 {
-    const std::int32_t value = 3 << (bitPlane - 2);
+    const Cell value = Cell(3) << (bitPlane - 2);
     const std::size_t pitch = static_cast<std::size_t>(width) + 2;
     const auto visit = [&](int left, int top, const auto &visitor) {
         for (int x = left; x < std::min(left + kStripe, width); ++x)
@@ -312,5 +335,8 @@ void HtCodeBlockDecoder::propagateSignificance(ForwardBits bits, bool isCausal)
         }
     }
 }
+
+template bool HtCodeBlockDecoder::decode(const CodeBlock &, std::int32_t *);
+template bool HtCodeBlockDecoder::decode(const CodeBlock &, std::int64_t *);
 
 } // namespace xrv

@@ -11,13 +11,13 @@ namespace xrv {
 /// Decodes high-throughput code-blocks (ISO/IEC 15444-15 clause 7). Holds scratch memory; one per thread.
 ///
 /// A set of passes is a cleanup pass, which codes all magnitude bits down to one bit-plane, and up to two passes that
-/// refine by one bit-plane more. Where there are several sets, the last one whose cleanup pass is there has it all.
+/// refine by one bit-plane more. Where there are several sets, the last one whose cleanup pass has bytes has it all.
 class HtCodeBlockDecoder
 {
 public:
     /// As CodeBlockDecoder::decode(), with bitPlanes counting the planes from the top to that of the first cleanup
-    /// pass, 1 to 30. False for damaged code-blocks too; all coefficients are 0 then.
-    bool decode(const CodeBlock &block, std::int32_t *coefficients);
+    /// pass, 1 to kMaxBitPlanes. False for damaged code-blocks too; all coefficients are 0 then.
+    template <typename Cell> bool decode(const CodeBlock &block, Cell *coefficients);
 
 private:
     /// Two by two cells; see HtCodeword.
@@ -28,21 +28,22 @@ private:
     };
     struct Set;
 
-    bool decodeCleanup(const std::uint8_t *data, std::size_t length);
+    static Set lastSet(const CodeBlock &block);
+    template <typename Cell> bool decodeCleanup(const std::uint8_t *data, std::size_t length, Cell *cells);
     unsigned context(const Quad *quad, bool isInFirstRow) const;
     static void readOffsets(class BackwardBits &bits, class MelEvents *events, bool hasFirst, bool hasSecond,
                             Quad *quad);
     void readQuads(const std::uint8_t *data, std::size_t length, std::size_t suffixLength);
-    bool readMagnitudes(const std::uint8_t *data, std::size_t length);
-    bool readQuad(const Quad &quad, int x, int y, unsigned exponent, class ForwardBits &bits);
-    void markSignificance();
-    void refineMagnitudes(class BackwardBits bits);
-    void propagateSignificance(class ForwardBits bits, bool isCausal);
+    template <typename Cell> bool readMagnitudes(const std::uint8_t *data, std::size_t length, Cell *cells);
+    template <typename Cell>
+    bool readQuad(const Quad &quad, int x, int y, unsigned exponent, class ForwardBits &bits, Cell *cells);
+    template <typename Cell> void markSignificance(const Cell *cells);
+    template <typename Cell> void refineMagnitudes(class BackwardBits bits, Cell *cells);
+    template <typename Cell> void propagateSignificance(class ForwardBits bits, bool isCausal, Cell *cells);
     bool hasSignificantNeighbour(std::size_t mark, bool isLastRowOfStripe) const;
 
     int width = 0, height = 0;
     int bitPlane = 0; ///< that the cleanup pass ends with, counted from 1 at the lowest
-    std::int32_t *cells = nullptr;
     int quadsAcross = 0;
     std::size_t quadPitch = 0;
     std::vector<Quad> quads;                             ///< with a row of none above, a column of none on both sides

@@ -13,36 +13,41 @@ namespace xrv {
 
 namespace {
 
-/// Doubled coefficients of so many bits fit in 16 with their sign.
-constexpr int kMaxBitsOfInt16 = 14;
-
-/// Coefficients in the smallest type that holds them.
-Plane toPlane(const CodeBlockPlace &place, const std::vector<std::int32_t> &coefficients, int bitPlanes)
+template <typename Stored, typename Cell>
+Plane stored(const CodeBlockPlace &place, SampleType type, const std::vector<Cell> &coefficients)
 {
-    const bool isSmall = bitPlanes <= kMaxBitsOfInt16;
-    Plane plane = makePlane(place.name.component, place.rect, isSmall ? SampleType::Int16 : SampleType::Int32);
-    if (isSmall) {
-        auto *out = reinterpret_cast<std::int16_t *>(plane.bytes.data());
-        for (std::size_t i = 0; i < coefficients.size(); ++i)
-            out[i] = static_cast<std::int16_t>(coefficients[i]);
-    } else {
-        std::copy(coefficients.begin(), coefficients.end(), reinterpret_cast<std::int32_t *>(plane.bytes.data()));
-    }
+    Plane plane = makePlane(place.name.component, place.rect, type);
+    auto *out = reinterpret_cast<Stored *>(plane.bytes.data());
+    for (std::size_t i = 0; i < coefficients.size(); ++i)
+        out[i] = static_cast<Stored>(coefficients[i]);
     return plane;
 }
 
-/// Size and coding of a code-block, without its bytes.
-CodeBlock emptyCodeBlock(const CodeBlockPlace &place, const ComponentStyle &style)
+/// Coefficients in the smallest type that holds them.
+template <typename Cell>
+Plane toPlane(const CodeBlockPlace &place, const std::vector<Cell> &coefficients, int bitPlanes)
+{
+    if (bitPlanes <= kMaxBitPlanes<std::int16_t>)
+        return stored<std::int16_t>(place, SampleType::Int16, coefficients);
+    if (bitPlanes <= kMaxBitPlanes<std::int32_t>)
+        return stored<std::int32_t>(place, SampleType::Int32, coefficients);
+    return stored<std::int64_t>(place, SampleType::Int64, coefficients);
+}
+
+/// Size and coding of a code-block, without its bytes. In a style for both codings the one that it has is left.
+CodeBlock emptyCodeBlock(const CodeBlockPlace &place, const ComponentStyle &style, BlockCoding coding)
 {
     CodeBlock codeBlock;
     codeBlock.width = static_cast<int>(place.rect.width());
     codeBlock.height = static_cast<int>(place.rect.height());
     codeBlock.orientation = place.orientation;
     codeBlock.style = style.codeBlockStyle;
+    if (coding == BlockCoding::Arithmetic)
+        codeBlock.style &= std::uint8_t(~CodeBlockStyle::kHighThroughput);
     return codeBlock;
 }
 
-bool decode(const CodeBlock &codeBlock, std::int32_t *coefficients)
+template <typename Cell> bool decode(const CodeBlock &codeBlock, Cell *coefficients)
 {
     thread_local CodeBlockDecoder decoder;
     thread_local HtCodeBlockDecoder htDecoder;
@@ -103,26 +108,40 @@ CError CodeBlockReader::readSegments(const WantedPrecinct &precinct, const CodeB
     return {};
 }
 
+template <typename Cell>
+Plane CodeBlockReader::decoded(const CodeBlock &codeBlock, const CodeBlockPlace &place, int bitPlanes, int shift,
+                               bool *isSound)
+{
+    thread_local std::vector<Cell> coefficients;
+    coefficients.resize(std::size_t(codeBlock.width) * codeBlock.height);
+    *isSound = decode(codeBlock, coefficients.data());
+    if (shift > 0)
+        undoRegionOfInterest(shift, &coefficients);
+    return toPlane(place, coefficients, bitPlanes);
+}
+
 CError CodeBlockReader::read(const WantedPrecinct &precinct, const CodeBlockPlace &place, const CancelFlag &cancel,
                              TileCache::PlanePtr *plane, bool *isSound) const
 {
-    thread_local std::vector<std::int32_t> coefficients;
     const TileIndex &index = *precinct.request->tile.index;
     const CodeBlockState &state = precinct.index->codeBlock(place.name);
-    CodeBlock codeBlock = emptyCodeBlock(place, index.style().components[place.name.component]);
+    CodeBlock codeBlock = emptyCodeBlock(place, index.style().components[place.name.component], state.coding);
     const int shift = regionOfInterestShift(index.quantization()[place.name.component].regionOfInterest);
     const int magnitude = magnitudeBits(index, place) + shift;
     codeBlock.bitPlanes = magnitude - state.zeroBitPlanes;
     if (!state.pieces.empty() && codeBlock.bitPlanes > 0)
         if (CError error = readSegments(precinct, state, cancel, &codeBlock))
             return error;
-    coefficients.resize(std::size_t(codeBlock.width) * codeBlock.height);
-    *isSound = decode(codeBlock, coefficients.data());
-    if (shift > 0)
-        undoRegionOfInterest(shift, &coefficients);
+    if (!state.pieces.empty() && codeBlock.bitPlanes > kMaxBitPlanes<std::int64_t>)
+        return {PLK_ERR_UNSUPPORTED, "A region of interest that is shifted by " + std::to_string(shift) +
+                                         " bits (SPrgn of an RGN marker segment) is not supported together with " +
+                                         std::to_string(magnitude - shift) + " magnitude bits."};
+    // Damaged high-throughput blocks may hold more than what is left after the zero bit-planes.
     const bool isHighThroughput = codeBlock.style & CodeBlockStyle::kHighThroughput;
-    *plane =
-        std::make_shared<const Plane>(toPlane(place, coefficients, isHighThroughput ? magnitude : codeBlock.bitPlanes));
+    const int bitPlanes = isHighThroughput ? magnitude : codeBlock.bitPlanes;
+    *plane = std::make_shared<const Plane>(codeBlock.bitPlanes <= kMaxBitPlanes<std::int32_t>
+                                               ? decoded<std::int32_t>(codeBlock, place, bitPlanes, shift, isSound)
+                                               : decoded<std::int64_t>(codeBlock, place, bitPlanes, shift, isSound));
     return {};
 }
 

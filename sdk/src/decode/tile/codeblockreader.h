@@ -27,6 +27,10 @@ private:
     int magnitudeBits(const TileIndex &index, const CodeBlockPlace &place) const;
     PLK::CError readSegments(const WantedPrecinct &precinct, const CodeBlockState &state, const CancelFlag &cancel,
                              CodeBlock *codeBlock) const;
+    /// \a bitPlanes: that the coefficients may have.
+    template <typename Cell>
+    static Plane decoded(const CodeBlock &codeBlock, const CodeBlockPlace &place, int bitPlanes, int shift,
+                         bool *isSound);
 
     std::shared_ptr<ByteSource> source;
     const MainHeader &header;

@@ -74,7 +74,7 @@ PrecinctStore::PrecinctStore(std::shared_ptr<ByteSource> source, const MainHeade
 }
 
 /// Bytes of each packet that are read at first: from a distant source no more than the headers when few of the
-/// precinct's code-blocks are wanted.
+/// precinct's code-blocks are wanted, and nothing where the headers are packed elsewhere.
 std::uint64_t PrecinctStore::firstRead(const WantedPrecinct &precinct) const
 {
     if (!source->isRemote())
@@ -86,8 +86,9 @@ std::uint64_t PrecinctStore::firstRead(const WantedPrecinct &precinct) const
              componentRect(index.rect(), header.components[key.component]), index.style().components[key.component],
              index.packets().grid(key.component, key.resolution), key.resolution, key.precinct))
         count += band.count();
-    return precinct.codeBlocks.size() * kFewCodeBlocks < count ? kShortHeader + count * kHeaderPerCodeBlock
-                                                               : kWholePacket;
+    if (precinct.codeBlocks.size() * kFewCodeBlocks >= count)
+        return kWholePacket;
+    return index.hasPackedHeaders() ? 0 : kShortHeader + count * kHeaderPerCodeBlock;
 }
 
 std::vector<ByteRange> PrecinctStore::firstRanges(const WantedPrecinct &precinct) const
@@ -110,13 +111,25 @@ CError PrecinctStore::load(WantedPrecinct *precinct, const CancelFlag &cancel)
         const Precinct::Outcome outcome = parse(*precinct, beginnings, cancel, parsed.get());
         if (cancel.isRaised())
             return {PLK_ERR_CANCELLED, "The read was cancelled."};
-        if (outcome == Precinct::Outcome::NeedsMore && !isAll)
+        const bool hasHeaders = isAll || precinct->request->tile.index->hasPackedHeaders();
+        if (outcome == Precinct::Outcome::NeedsMore && !hasHeaders)
             continue;
         precinct->isDamaged = outcome != Precinct::Outcome::Ok;
         precinct->index = parsed;
         precincts.insert(precinct->key, parsed);
         return {};
     }
+}
+
+/// The header of the packet of \a layer with what follows it; \a beginning is what was read of the packet.
+std::pair<const std::uint8_t *, std::size_t> PrecinctStore::headerOf(const WantedPrecinct &wanted,
+                                                                     const ByteRange &beginning, int layer)
+{
+    const TileIndex &tile = *wanted.request->tile.index;
+    const PrecinctKey &key = wanted.key;
+    if (tile.hasPackedHeaders())
+        return tile.packedHeader(tile.packets().number(key.component, key.resolution, key.precinct, layer));
+    return {wanted.bytes.find(beginning.offset, beginning.length), static_cast<std::size_t>(beginning.length)};
 }
 
 Precinct::Outcome PrecinctStore::parse(const WantedPrecinct &wanted, const std::vector<ByteRange> &beginnings,
@@ -130,16 +143,15 @@ Precinct::Outcome PrecinctStore::parse(const WantedPrecinct &wanted, const std::
     Precinct::Outcome outcome = Precinct::Outcome::Ok;
     int soundLayers = 0;
     for (const ByteRange &packet : beginnings) {
-        if (packet.length == 0)
+        const auto [bytes, size] = headerOf(wanted, packet, soundLayers);
+        if (size == 0)
             break; // cut off; the layers before it stand
         std::size_t headerLength = 0;
         std::uint64_t bodyLength = 0;
-        outcome =
-            precinct.parse(wanted.bytes.find(packet.offset, packet.length), static_cast<std::size_t>(packet.length),
-                           soundLayers, cancel, &headerLength, &bodyLength);
+        outcome = precinct.parse(bytes, size, soundLayers, cancel, &headerLength, &bodyLength);
         if (outcome != Precinct::Outcome::Ok)
             break;
-        precinct.placeLast(packet.offset);
+        precinct.placeLast(tile.hasPackedHeaders() ? packet.offset - headerLength : packet.offset);
         ++soundLayers;
     }
     index->bands = precinct.takeBands();

@@ -71,6 +71,8 @@ public:
 
 private:
     std::uint64_t firstRead(const WantedPrecinct &precinct) const;
+    static std::pair<const std::uint8_t *, std::size_t> headerOf(const WantedPrecinct &wanted,
+                                                                 const ByteRange &beginning, int layer);
     Precinct::Outcome parse(const WantedPrecinct &wanted, const std::vector<ByteRange> &beginnings,
                             const CancelFlag &cancel, PrecinctIndex *index) const;
 

@@ -51,6 +51,8 @@ bool beginsWithLowResolutions(const TileStyle &style)
 std::vector<ByteRange> walkedRanges(const TileIndex &index, int discarded)
 {
     std::vector<ByteRange> ranges = index.data();
+    if (index.hasPackedHeaders() && !index.style().usesSop())
+        return {};
     if (!isByResolution(index.style()))
         return ranges;
     std::uint64_t left = 0;

@@ -1,23 +1,30 @@
 #include "tilesynthesis.h"
 
+#include "base/planerow.h"
 #include "decode/transform/planeops.h"
 #include "decode/transform/quantization.h"
 #include "decode/transform/wrappingsum.h"
 
 #include <algorithm>
+#include <type_traits>
+
+using PLK::CError;
 
 namespace xrv {
 
 namespace {
 
+/// Samples of more bits have coefficients that need more than 32 bits, since these are kept doubled and need a few bits
+/// beyond those of the samples.
+constexpr int kDeepBits = 26;
+
 /// Reversible coefficients lose the half that the code-block decoder added, towards 0; others are scaled by their step.
-inline std::int32_t dequantized(std::int32_t doubled, float, std::int32_t)
+template <typename T, typename Stored> inline T dequantized(Stored doubled, float halfStep)
 {
-    return doubled / 2;
-}
-inline float dequantized(std::int32_t doubled, float halfStep, float)
-{
-    return static_cast<float>(doubled) * halfStep;
+    if constexpr (std::is_integral_v<T>)
+        return static_cast<T>(doubled / 2);
+    else
+        return static_cast<T>(doubled) * static_cast<T>(halfStep);
 }
 
 template <typename T, typename Stored>
@@ -27,82 +34,93 @@ void copyCodeBlock(const Plane &codeBlock, const IntRect &common, float halfStep
         const Stored *from = codeBlock.row<Stored>(y) + (common.x0 - codeBlock.rect.x0);
         T *to = band->row(y) + (common.x0 - band->rect.x0);
         for (std::int64_t i = 0; i < common.width(); ++i)
-            to[i] = dequantized(from[i], halfStep, T());
+            to[i] = dequantized<T>(from[i], halfStep);
     }
 }
 
 /// Reversible (G.2.2), with sums that go around: damaged data must not overflow. The irreversible one is G.3.2.
-void inverseTransform(std::int32_t *a, std::int32_t *b, std::int32_t *c, std::int64_t count)
+template <typename T> void inverseTransform(T *a, T *b, T *c, std::int64_t count)
 {
     for (std::int64_t i = 0; i < count; ++i) {
-        const std::int32_t green = differenceOf(a[i], sumOf(b[i], c[i]) >> 2);
-        const std::int32_t red = sumOf(c[i], green), blue = sumOf(b[i], green);
-        a[i] = red;
-        b[i] = green;
-        c[i] = blue;
-    }
-}
-void inverseTransform(float *a, float *b, float *c, std::int64_t count)
-{
-    for (std::int64_t i = 0; i < count; ++i) {
-        const float red = a[i] + 1.402f * c[i];
-        const float green = a[i] - 0.344136f * b[i] - 0.714136f * c[i];
-        const float blue = a[i] + 1.772f * b[i];
-        a[i] = red;
-        b[i] = green;
-        c[i] = blue;
+        if constexpr (std::is_integral_v<T>) {
+            const T green = differenceOf(a[i], T(sumOf(b[i], c[i]) >> 2));
+            const T red = sumOf(c[i], green), blue = sumOf(b[i], green);
+            a[i] = red;
+            b[i] = green;
+            c[i] = blue;
+        } else {
+            const T red = a[i] + T(1.402) * c[i];
+            const T green = a[i] - T(0.344136) * b[i] - T(0.714136) * c[i];
+            const T blue = a[i] + T(1.772) * b[i];
+            a[i] = red;
+            b[i] = green;
+            c[i] = blue;
+        }
     }
 }
 
 /// What a sample of a component may be, and what is added to the coefficients to get there (G.1). Lossy coding
 /// overshoots the range, so samples are clipped to it.
-struct SampleRange
+template <typename T> struct SampleRange
 {
-    std::int32_t shift, low, high;
+    T shift, low, high;
 };
 
-template <typename Sample>
-void storeRow(const std::int32_t *from, std::int64_t count, const SampleRange &range, Sample *to)
+template <typename T> SampleRange<T> rangeOf(const MainHeader::Component &component)
 {
-    const std::int32_t lowest = range.low - range.shift, highest = range.high - range.shift;
-    for (std::int64_t i = 0; i < count; ++i)
-        to[i] = static_cast<Sample>(std::min(std::max(from[i], lowest), highest) + range.shift);
+    const std::int64_t half = std::int64_t(1) << (component.bits - 1);
+    return {static_cast<T>(component.isSigned ? 0 : half), static_cast<T>(component.isSigned ? -half : 0),
+            static_cast<T>(component.isSigned ? half - 1 : 2 * half - 1)};
 }
 
-/// Rounds by cutting off what is not negative, which the compiler turns into vector instructions. What is no number
-/// becomes the lowest sample.
-template <typename Sample> void storeRow(const float *from, std::int64_t count, const SampleRange &range, Sample *to)
+/// Real numbers are rounded by cutting off what is not negative, which the compiler turns into vector instructions.
+/// What is no number becomes the lowest sample.
+template <typename T, typename Sample>
+void storeRow(const T *from, std::int64_t count, const MainHeader::Component &component, Sample *to)
 {
-    const float offset = static_cast<float>(range.shift - range.low) + 0.5f;
-    const auto highest = static_cast<float>(range.high - range.low);
-    for (std::int64_t i = 0; i < count; ++i) {
-        const float value = std::min(highest + 0.25f, std::max(0.0f, from[i] + offset));
-        to[i] = static_cast<Sample>(static_cast<std::int32_t>(value) + range.low);
+    using Integer = std::conditional_t<sizeof(T) == 4, std::int32_t, std::int64_t>;
+    const SampleRange<Integer> range = rangeOf<Integer>(component);
+    if constexpr (std::is_integral_v<T>) {
+        const T lowest = range.low - range.shift, highest = range.high - range.shift;
+        for (std::int64_t i = 0; i < count; ++i)
+            to[i] = static_cast<Sample>(std::min(std::max(from[i], lowest), highest) + range.shift);
+    } else {
+        const T offset = static_cast<T>(range.shift - range.low) + T(0.5);
+        const auto highest = static_cast<T>(range.high - range.low);
+        for (std::int64_t i = 0; i < count; ++i) {
+            const T value = std::min(highest + T(0.25), std::max(T(0), from[i] + offset));
+            to[i] = static_cast<Sample>(static_cast<Integer>(value) + range.low);
+        }
     }
 }
 
 } // namespace
 
-bool TileSynthesis::supports(const MainHeader &header, const TileIndex &index)
+CError TileSynthesis::check(const MainHeader &header, const TileToDecode &tile)
 {
-    // Coefficients are kept doubled in 32 bits and need a few bits beyond those of the samples. The component
-    // transformation is made cell by cell, so its components have to be alike (G.2, G.3).
-    const TileStyle &style = index.style();
-    if (!index.hasPacketPlaces())
-        return false;
-    for (std::size_t c = 0; c < style.components.size(); ++c)
-        if (header.components[c].bits > 26)
-            return false;
-    if (!style.multipleComponentTransform)
-        return true;
-    if (style.components.size() < 3)
-        return false;
+    const std::string name = "Tile " + std::to_string(tile.tile);
+    const std::uint64_t packets = tile.index->packets().count();
+    if (packets > kMaxPackets)
+        return {PLK_ERR_UNSUPPORTED, name + " has more than " + std::to_string(kMaxPackets) +
+                                         " packets by its size, precincts and layers (SIZ, COD)."};
+    // The component transformation is made cell by cell, so its components have to be alike (G.2, G.3).
+    const TileStyle &style = tile.index->style();
+    if (!style.multipleComponentTransform || style.components.size() < 3)
+        return {};
     for (int c = 1; c < 3; ++c)
         if (style.components[c].isReversible != style.components[0].isReversible ||
             header.components[c].stepX != header.components[0].stepX ||
             header.components[c].stepY != header.components[0].stepY)
-            return false;
-    return true;
+            return {PLK_ERR_UNSUPPORTED, name + " has a component transformation (SGcod of COD is 1), but component " +
+                                             std::to_string(c) +
+                                             " has another sampling or wavelet than component 0 (SIZ, COC)."};
+    return {};
+}
+
+bool TileSynthesis::isDeep() const
+{
+    return std::any_of(header.components.begin(), header.components.end(),
+                       [](const MainHeader::Component &component) { return component.bits > kDeepBits; });
 }
 
 bool TileSynthesis::usesTransform(const std::vector<int> &components) const
@@ -132,8 +150,10 @@ void TileSynthesis::loadBand(const CodeBlockSet &codeBlocks, int component, int 
             continue;
         if (codeBlock->type == SampleType::Int16)
             copyCodeBlock<T, std::int16_t>(*codeBlock, common, halfStep, band);
-        else
+        else if (codeBlock->type == SampleType::Int32)
             copyCodeBlock<T, std::int32_t>(*codeBlock, common, halfStep, band);
+        else
+            copyCodeBlock<T, std::int64_t>(*codeBlock, common, halfStep, band);
     }
 }
 
@@ -170,32 +190,12 @@ template <typename T> Plane TileSynthesis::toPlane(int component, const IntRect 
 {
     const MainHeader::Component &info = header.components[component];
     Plane plane = makePlane(component, rect, sampleTypeFor(info.bits, info.isSigned));
-    const std::int64_t half = std::int64_t(1) << (info.bits - 1);
-    const SampleRange range{static_cast<std::int32_t>(info.isSigned ? 0 : half),
-                            static_cast<std::int32_t>(info.isSigned ? -half : 0),
-                            static_cast<std::int32_t>(info.isSigned ? half - 1 : 2 * half - 1)};
-    for (std::int64_t y = rect.y0; y < rect.y1; ++y) {
-        const T *from = cells.row(y) + (rect.x0 - cells.rect.x0);
-        std::uint8_t *to =
-            plane.bytes.data() + static_cast<std::size_t>((y - rect.y0) * rect.width()) * sampleSize(plane.type);
-        switch (plane.type) {
-        case SampleType::UInt8:
-            storeRow(from, rect.width(), range, to);
-            break;
-        case SampleType::Int8:
-            storeRow(from, rect.width(), range, reinterpret_cast<std::int8_t *>(to));
-            break;
-        case SampleType::UInt16:
-            storeRow(from, rect.width(), range, reinterpret_cast<std::uint16_t *>(to));
-            break;
-        case SampleType::Int16:
-            storeRow(from, rect.width(), range, reinterpret_cast<std::int16_t *>(to));
-            break;
-        default:
-            storeRow(from, rect.width(), range, reinterpret_cast<std::int32_t *>(to));
-            break;
-        }
-    }
+    withSampleType(plane.type, [&](auto sample) {
+        using Sample = decltype(sample);
+        auto *to = reinterpret_cast<Sample *>(plane.bytes.data());
+        for (std::int64_t y = rect.y0; y < rect.y1; ++y, to += rect.width())
+            storeRow(cells.row(y) + (rect.x0 - cells.rect.x0), rect.width(), info, to);
+    });
     return plane;
 }
 
@@ -226,22 +226,30 @@ std::vector<Plane> TileSynthesis::transformed(const CodeBlockSet &codeBlocks, in
     return result;
 }
 
-std::vector<Plane> TileSynthesis::planes(const CodeBlockSet &codeBlocks, const std::vector<int> &components,
-                                         int discarded, const IntRect &region) const
+template <typename Integer, typename Real>
+std::vector<Plane> TileSynthesis::planesOf(const CodeBlockSet &codeBlocks, const std::vector<int> &components,
+                                           int discarded, const IntRect &region) const
 {
     const TileStyle &style = tile.index->style();
     std::vector<Plane> result;
     std::size_t next = 0;
     if (usesTransform(components)) {
-        result = style.components[0].isReversible ? transformed<std::int32_t>(codeBlocks, discarded, region)
-                                                  : transformed<float>(codeBlocks, discarded, region);
+        result = style.components[0].isReversible ? transformed<Integer>(codeBlocks, discarded, region)
+                                                  : transformed<Real>(codeBlocks, discarded, region);
         next = 3;
     }
     for (; next < components.size(); ++next)
         result.push_back(style.components[components[next]].isReversible
-                             ? single<std::int32_t>(codeBlocks, components[next], discarded, region)
-                             : single<float>(codeBlocks, components[next], discarded, region));
+                             ? single<Integer>(codeBlocks, components[next], discarded, region)
+                             : single<Real>(codeBlocks, components[next], discarded, region));
     return result;
+}
+
+std::vector<Plane> TileSynthesis::planes(const CodeBlockSet &codeBlocks, const std::vector<int> &components,
+                                         int discarded, const IntRect &region) const
+{
+    return isDeep() ? planesOf<std::int64_t, double>(codeBlocks, components, discarded, region)
+                    : planesOf<std::int32_t, float>(codeBlocks, components, discarded, region);
 }
 
 } // namespace xrv

@@ -4,6 +4,8 @@
 
 #include "decode/transform/wavelet.h"
 
+#include <xrv60/plkerror.h>
+
 #include <vector>
 
 namespace xrv {
@@ -19,9 +21,8 @@ public:
     {
     }
 
-    /// The tile can be decoded by code-blocks: its packets' places are known, and its coding is what the code-block
-    /// decoder and the synthesis do.
-    static bool supports(const MainHeader &header, const TileIndex &index);
+    /// PLK_ERR_UNSUPPORTED, with the marker segment and its value, where the tile cannot be decoded.
+    static PLK::CError check(const MainHeader &header, const TileToDecode &tile);
 
     /// Makes planes of \a components (ascending; with a component transformation the first three together or not at
     /// all). \a region: cells on the canvas of the level that is left when \a discarded resolutions are left out.
@@ -41,6 +42,10 @@ private:
     template <typename T>
     Plane single(const CodeBlockSet &codeBlocks, int component, int discarded, const IntRect &region) const;
     template <typename T> Plane toPlane(int component, const IntRect &rect, const Grid<T> &cells) const;
+    template <typename Integer, typename Real>
+    std::vector<Plane> planesOf(const CodeBlockSet &codeBlocks, const std::vector<int> &components, int discarded,
+                                const IntRect &region) const;
+    bool isDeep() const;
     bool usesTransform(const std::vector<int> &components) const;
 
     const MainHeader &header;

@@ -12,14 +12,19 @@ int regionOfInterestShift(const Bytes &parameters)
 
 /// The shift is larger than all that lies outside of the region, so what reaches above it belongs to the region: no
 /// mask is needed to tell.
-void undoRegionOfInterest(int shift, std::vector<std::int32_t> *coefficients)
+template <typename Cell> void undoRegionOfInterest(int shift, std::vector<Cell> *coefficients)
 {
-    shift = std::min(shift, 30); // coefficients have no more bits; a larger shift would be undefined
-    for (std::int32_t &value : *coefficients) {
-        const std::int32_t magnitude = value < 0 ? -value : value;
-        if (magnitude >= std::int64_t(1) << (shift + 1)) // doubled
+    constexpr int kMaxShift = int(8 * sizeof(Cell)) - 2; // coefficients have no more bits
+    if (shift >= kMaxShift)
+        return;
+    for (Cell &value : *coefficients) {
+        const Cell magnitude = value < 0 ? -value : value;
+        if (magnitude >> (shift + 1) != 0) // doubled
             value = value < 0 ? -(magnitude >> shift) : magnitude >> shift;
     }
 }
+
+template void undoRegionOfInterest(int, std::vector<std::int32_t> *);
+template void undoRegionOfInterest(int, std::vector<std::int64_t> *);
 
 } // namespace xrv

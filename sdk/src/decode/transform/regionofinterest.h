@@ -12,6 +12,6 @@ int regionOfInterestShift(const Bytes &parameters);
 
 /// Brings the region of interest down to the scale of all else (H.1). \a coefficients are doubled, as CodeBlockDecoder
 /// gives them.
-void undoRegionOfInterest(int shift, std::vector<std::int32_t> *coefficients);
+template <typename Cell> void undoRegionOfInterest(int shift, std::vector<Cell> *coefficients);
 
 } // namespace xrv

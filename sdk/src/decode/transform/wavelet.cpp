@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 namespace xrv {
 
@@ -17,8 +18,11 @@ namespace {
 constexpr std::int64_t kReach = 4;
 
 // Lifting parameters of the 9-7 filter (ISO/IEC 15444-1 table F.4).
-constexpr float kAlpha = -1.586134342059924f, kBeta = -0.052980118572961f, kGamma = 0.882911075530934f,
-                kDelta = 0.443506852043971f, kK = 1.230174104914001f;
+template <typename T> constexpr T kAlpha = T(-1.586134342059924);
+template <typename T> constexpr T kBeta = T(-0.052980118572961);
+template <typename T> constexpr T kGamma = T(0.882911075530934);
+template <typename T> constexpr T kDelta = T(0.443506852043971);
+template <typename T> constexpr T kK = T(1.230174104914001);
 
 IntRect reached(const IntRect &resolutionRect, const IntRect &region)
 {
@@ -27,25 +31,25 @@ IntRect reached(const IntRect &resolutionRect, const IntRect &region)
 }
 
 // Rows of lifting steps: to[i] += f(a[i], b[i]).
-void liftEven(std::int32_t *to, const std::int32_t *a, const std::int32_t *b, std::int64_t count)
+template <typename T> void liftEven(T *to, const T *a, const T *b, std::int64_t count)
 {
     for (std::int64_t i = 0; i < count; ++i)
-        to[i] = differenceOf(to[i], sumOf(sumOf(a[i], b[i]), 2) >> 2);
+        to[i] = differenceOf(to[i], sumOf(sumOf(a[i], b[i]), T(2)) >> 2);
 }
 
-void liftOdd(std::int32_t *to, const std::int32_t *a, const std::int32_t *b, std::int64_t count)
+template <typename T> void liftOdd(T *to, const T *a, const T *b, std::int64_t count)
 {
     for (std::int64_t i = 0; i < count; ++i)
         to[i] = sumOf(to[i], sumOf(a[i], b[i]) >> 1);
 }
 
-void lift(float *to, const float *a, const float *b, float factor, std::int64_t count)
+template <typename T> void lift(T *to, const T *a, const T *b, T factor, std::int64_t count)
 {
     for (std::int64_t i = 0; i < count; ++i)
         to[i] -= factor * (a[i] + b[i]);
 }
 
-void scale(float *to, float factor, std::int64_t count)
+template <typename T> void scale(T *to, T factor, std::int64_t count)
 {
     for (std::int64_t i = 0; i < count; ++i)
         to[i] *= factor;
@@ -92,34 +96,28 @@ private:
     }
 };
 
-void synthesizeLine(Line<std::int32_t> line)
+template <typename T> void synthesizeLine(Line<T> line)
 {
-    line.updateEven(liftEven);
-    line.updateOdd(liftOdd);
-}
-
-void synthesizeLine(Line<float> line)
-{
-    const auto by = [](float factor) {
-        return
-            [factor](float *to, const float *a, const float *b, std::int64_t count) { lift(to, a, b, factor, count); };
-    };
-    scale(line.even, kK, line.evenCount);
-    scale(line.odd, 1.0f / kK, line.oddCount);
-    line.updateEven(by(kDelta));
-    line.updateOdd(by(kGamma));
-    line.updateEven(by(kBeta));
-    line.updateOdd(by(kAlpha));
+    if constexpr (std::is_integral_v<T>) {
+        line.updateEven(liftEven<T>);
+        line.updateOdd(liftOdd<T>);
+    } else {
+        const auto by = [](T factor) {
+            return [factor](T *to, const T *a, const T *b, std::int64_t count) { lift(to, a, b, factor, count); };
+        };
+        scale(line.even, kK<T>, line.evenCount);
+        scale(line.odd, T(1) / kK<T>, line.oddCount);
+        line.updateEven(by(kDelta<T>));
+        line.updateOdd(by(kGamma<T>));
+        line.updateEven(by(kBeta<T>));
+        line.updateOdd(by(kAlpha<T>));
+    }
 }
 
 /// A line of one cell (F.3.6): as it is at an even place, half of it at an odd one.
-std::int32_t loneOdd(std::int32_t value)
+template <typename T> T loneOdd(T value)
 {
     return value / 2;
-}
-float loneOdd(float value)
-{
-    return value * 0.5f;
 }
 
 /// One level of synthesis of one region.
@@ -181,20 +179,24 @@ private:
                     result->row(reach.y0)[x] = loneOdd(result->row(reach.y0)[x]);
             return;
         }
-        liftColumns(width, T());
+        liftColumns(width);
     }
 
-    void liftColumns(std::int64_t width, std::int32_t)
+    void liftColumns(std::int64_t width)
     {
-        liftRows(0, [width](T *to, const T *a, const T *b) { liftEven(to, a, b, width); });
-        liftRows(1, [width](T *to, const T *a, const T *b) { liftOdd(to, a, b, width); });
+        if constexpr (std::is_integral_v<T>) {
+            liftRows(0, [width](T *to, const T *a, const T *b) { liftEven(to, a, b, width); });
+            liftRows(1, [width](T *to, const T *a, const T *b) { liftOdd(to, a, b, width); });
+        } else {
+            scaleAndLiftColumns(width);
+        }
     }
 
-    void liftColumns(std::int64_t width, float)
+    void scaleAndLiftColumns(std::int64_t width)
     {
         for (std::int64_t y = reach.y0; y < reach.y1; ++y)
-            scale(result->row(y), y & 1 ? 1.0f / kK : kK, width);
-        const float factors[4] = {kDelta, kGamma, kBeta, kAlpha};
+            scale(result->row(y), y & 1 ? T(1) / kK<T> : kK<T>, width);
+        const T factors[4] = {kDelta<T>, kGamma<T>, kBeta<T>, kAlpha<T>};
         for (int i = 0; i < 4; ++i)
             liftRows(i & 1,
                      [width, factor = factors[i]](T *to, const T *a, const T *b) { lift(to, a, b, factor, width); });
@@ -237,6 +239,9 @@ void synthesize(const IntRect &resolutionRect, const IntRect &region, const Grid
 
 template void synthesize<std::int32_t>(const IntRect &, const IntRect &, const Grid<std::int32_t> *const[4],
                                        Grid<std::int32_t> *);
+template void synthesize<std::int64_t>(const IntRect &, const IntRect &, const Grid<std::int64_t> *const[4],
+                                       Grid<std::int64_t> *);
 template void synthesize<float>(const IntRect &, const IntRect &, const Grid<float> *const[4], Grid<float> *);
+template void synthesize<double>(const IntRect &, const IntRect &, const Grid<double> *const[4], Grid<double> *);
 
 } // namespace xrv

@@ -25,9 +25,9 @@ template <typename T> struct Grid
 /// part of it, \a orientation 0 LL, 1 HL, 2 LH, 3 HH of the decomposition below it.
 IntRect neededBandRect(const IntRect &resolutionRect, const IntRect &region, int orientation);
 
-/// One level of the inverse wavelet transformation (ISO/IEC 15444-1 F.3): the 5-3 reversible one for T = std::int32_t,
-/// the 9-7 irreversible one for T = float. \a bands are LL, HL, LH and HH, each covering neededBandRect(). \a result
-/// covers at least \a region.
+/// One level of the inverse wavelet transformation (ISO/IEC 15444-1 F.3): the 5-3 reversible one for T = std::int32_t
+/// and std::int64_t, the 9-7 irreversible one for T = float and double. \a bands are LL, HL, LH and HH, each covering
+/// neededBandRect(). \a result covers at least \a region.
 template <typename T>
 void synthesize(const IntRect &resolutionRect, const IntRect &region, const Grid<T> *const bands[4], Grid<T> *result);
 

@@ -1,17 +1,19 @@
 #pragma once
 
-#include <cstdint>
+#include <type_traits>
 
 namespace xrv {
 
 // Sums that go around: damaged files hold coefficients of any size.
-inline std::int32_t sumOf(std::int32_t a, std::int32_t b)
+template <typename T> inline T sumOf(T a, T b)
 {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
+    using Unsigned = std::make_unsigned_t<T>;
+    return static_cast<T>(static_cast<Unsigned>(a) + static_cast<Unsigned>(b));
 }
-inline std::int32_t differenceOf(std::int32_t a, std::int32_t b)
+template <typename T> inline T differenceOf(T a, T b)
 {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
+    using Unsigned = std::make_unsigned_t<T>;
+    return static_cast<T>(static_cast<Unsigned>(a) - static_cast<Unsigned>(b));
 }
 
 } // namespace xrv

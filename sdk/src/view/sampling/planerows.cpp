@@ -18,8 +18,9 @@ template <typename Use> void withNearestRow(const Plane &plane, std::int64_t row
 
 template <typename Cell> std::int32_t toInt32(Cell cell)
 {
-    if constexpr (std::is_same_v<Cell, std::uint32_t>)
-        return static_cast<std::int32_t>(std::min<std::uint32_t>(cell, std::numeric_limits<std::int32_t>::max()));
+    using Limits = std::numeric_limits<std::int32_t>;
+    if constexpr (std::is_same_v<Cell, std::uint32_t> || std::is_same_v<Cell, std::int64_t>)
+        return static_cast<std::int32_t>(std::clamp<std::int64_t>(cell, Limits::min(), Limits::max()));
     else
         return static_cast<std::int32_t>(cell);
 }

@@ -24,6 +24,7 @@ constexpr std::uint64_t kFreeCodeBlocks = 1u << 21, kCodeBlocksPerByte = 4;
 /// each. What is worth looking at takes far more bytes.
 constexpr std::uint64_t kCellsPerPiece = 1u << 17, kLeastBytesPerPiece = 3;
 constexpr std::uint64_t kFreePieces = 8192, kBytesPerPiece = 64;
+constexpr std::uint64_t kLeastBytesPerTile = 14; ///< SOT marker segment and SOD marker
 /// What packet headers tell of code-blocks, bytes.
 constexpr std::uint64_t kFreeHeaderMemory = std::uint64_t(256) << 20, kHeaderMemoryPerByte = 16;
 /// Components in the first picture.
@@ -39,22 +40,22 @@ std::uint64_t resolutionsOfTile(const TileStyle &style)
 
 /// Cells of a component in the smallest resolution that all components have. That is what all larger views of the
 /// image are averaged from.
-std::uint64_t smallestCells(const MainHeader &header, std::size_t component)
+std::uint64_t smallestCells(const MainHeader &header, int levels, std::size_t component)
 {
     const IntRect rect = componentRect({header.x0, header.y0, header.x1, header.y1}, header.components[component]);
-    const IntRect smallest = levelRect(rect, header.style.minDecompositionLevels());
+    const IntRect smallest = levelRect(rect, levels);
     return static_cast<std::uint64_t>(smallest.width()) * static_cast<std::uint64_t>(smallest.height());
 }
 
 /// At least: without those that the edges of tiles and precincts cut, nor those of resolutions below.
-std::uint64_t smallestCodeBlocks(const MainHeader &header, std::size_t c)
+std::uint64_t smallestCodeBlocks(const MainHeader &header, int levels, std::size_t c)
 {
     const ComponentStyle &style = header.style.components[c];
-    const int resolution = style.decompositionLevels - header.style.minDecompositionLevels();
+    const int resolution = style.decompositionLevels - levels;
     const int halved = resolution > 0 ? 1 : 0;
     const int width = std::min(style.codeBlockWidthExponent, style.precinctWidthExponent(resolution) - halved);
     const int height = std::min(style.codeBlockHeightExponent, style.precinctHeightExponent(resolution) - halved);
-    return smallestCells(header, c) >> (width + height);
+    return smallestCells(header, levels, c) >> (width + height);
 }
 
 } // namespace
@@ -86,15 +87,17 @@ CError ImageBudget::admitTiles(const MainHeader &header) const
 
 CError ImageBudget::admitFirstPicture(const MainHeader &header) const
 {
+    const int levels = header.style.minDecompositionLevels();
     std::uint64_t codeBlocks = 0, cells = 0;
     for (std::size_t c = 0; c < header.components.size(); ++c) {
-        codeBlocks = std::max(codeBlocks, smallestCodeBlocks(header, c));
-        cells = std::max(cells, smallestCells(header, c));
+        codeBlocks = std::max(codeBlocks, smallestCodeBlocks(header, levels, c));
+        cells = std::max(cells, smallestCells(header, levels, c));
     }
     const std::uint64_t shown = std::min<std::uint64_t>(kShownComponents, header.components.size());
     if (codeBlocks > (kFreeCodeBlocks + kCodeBlocksPerByte * bytes) / shown)
         return tooMany(codeBlocks, "code-blocks that its smallest resolution claims");
-    const std::uint64_t pieces = std::min(cells / kCellsPerPiece * shown, bytes / kLeastBytesPerPiece);
+    const std::uint64_t data = bytes - std::min(bytes, header.tileCount() * kLeastBytesPerTile);
+    const std::uint64_t pieces = std::min(cells / kCellsPerPiece * shown, data / kLeastBytesPerPiece);
     if (pieces > kFreePieces + bytes / kBytesPerPiece)
         return tooMany(cells, "cells that its smallest resolution claims");
     return {};

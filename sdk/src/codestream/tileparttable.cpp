@@ -4,6 +4,7 @@
 #include "base/bytewriter.h"
 
 #include <algorithm>
+#include <chrono>
 
 using PLK::CError;
 
@@ -14,6 +15,9 @@ namespace {
 constexpr std::uint64_t kSotSegment = 12;     ///< bytes of an SOT marker segment with its marker
 constexpr std::uint64_t kShortestPart = 14;   ///< SOT segment and SOD marker
 constexpr std::uint32_t kMaxParts = 4u << 20; ///< no sound file comes near
+constexpr std::size_t kMaxPartsOfTile = 255;  ///< TPsot counts them in a byte, and 255 is reserved (A.4.2)
+/// Read at a time where tile-parts follow each other so closely.
+constexpr std::uint64_t kWindow = std::uint64_t(64) * 1024, kCloseBy = 4096;
 
 // What is remembered of a walk: for each tile-part its tile, its length and TNsot.
 constexpr char kWalkedName[] = "tile-parts";
@@ -53,7 +57,11 @@ TilePartTable::TilePartTable(std::shared_ptr<ByteSource> source, ByteRange codes
 CError TilePartTable::find(std::uint32_t tile, std::uint64_t readAhead, const CancelFlag &cancel,
                            std::vector<TilePart> *parts)
 {
-    std::lock_guard<std::mutex> lock(mutex);
+    // A walk for somebody else may be on its way.
+    std::unique_lock<std::timed_mutex> lock(mutex, std::defer_lock);
+    while (!lock.try_lock_for(std::chrono::milliseconds(10)))
+        if (cancel.isRaised())
+            return {PLK_ERR_CANCELLED, "The read was cancelled."};
     if (!isStarted)
         start(cancel);
     const std::uint32_t partsBefore = partCount;
@@ -71,7 +79,7 @@ CError TilePartTable::find(std::uint32_t tile, std::uint64_t readAhead, const Ca
 
 std::string TilePartTable::damage() const
 {
-    std::lock_guard<std::mutex> lock(mutex);
+    std::lock_guard<std::timed_mutex> lock(mutex);
     return damageText;
 }
 
@@ -152,7 +160,8 @@ bool TilePartTable::appendFromTlm(const MarkerSegment &segment)
     while (in.ok() && in.remaining() >= std::size_t(tileBytes + lengthBytes)) {
         const std::uint32_t tile = tileBytes == 0 ? partCount : tileBytes == 1 ? in.u8() : in.u16();
         const std::uint64_t length = lengthBytes == 4 ? in.u32() : in.u16();
-        if (length < kShortestPart || tile >= header.tileCount() || position >= codestream.end())
+        if (length < kShortestPart || tile >= header.tileCount() || position >= codestream.end() ||
+            tiles[tile].parts.size() >= kMaxPartsOfTile)
             return false;
         append(tile, length);
     }
@@ -161,16 +170,18 @@ bool TilePartTable::appendFromTlm(const MarkerSegment &segment)
 
 CError TilePartTable::walkOn(std::uint64_t readAhead, const CancelFlag &cancel)
 {
+    if (cancel.isRaised())
+        return {PLK_ERR_CANCELLED, "The read was cancelled."};
     if (position + kSotSegment > codestream.end() || partCount >= kMaxParts) {
-        endWalk(position > codestream.end() ? "The file ends within a tile-part." : "");
+        const bool isCut = position > codestream.end();
+        endWalk(partCount >= kMaxParts
+                    ? "The image has more than " + std::to_string(kMaxParts) + " tile-parts; the rest is not read."
+                : isCut ? "The file ends within a tile-part."
+                        : "");
         return {};
     }
-    const bool isAtHand = position + kSotSegment <= readEnd;
-    const std::uint64_t length =
-        std::min(isAtHand ? kSotSegment : std::max(readAhead, kSotSegment), codestream.end() - position);
-    readEnd = std::max(readEnd, position + length);
     Bytes bytes;
-    if (CError error = source->read(ByteRange{position, length}, &bytes, cancel))
+    if (CError error = readSot(readAhead, cancel, &bytes))
         return error;
     const Sot sot = parseSot(bytes);
     if (sot.marker == Marker::kEOC) {
@@ -178,8 +189,34 @@ CError TilePartTable::walkOn(std::uint64_t readAhead, const CancelFlag &cancel)
     } else if (sot.marker != Marker::kSOT || sot.tile >= header.tileCount() ||
                (sot.length != 0 && sot.length < kShortestPart)) {
         endWalk("A tile-part is missing at byte " + std::to_string(position) + ".");
+    } else if (tiles[sot.tile].parts.size() >= kMaxPartsOfTile) {
+        endWalk("Tile " + std::to_string(sot.tile) + " has more than " + std::to_string(kMaxPartsOfTile) +
+                " tile-parts; what follows is not read.");
     } else {
         appendWalked(sot.tile, sot.length, sot.partsOfTile);
+    }
+    return {};
+}
+
+/// The bytes at the position, from a distant source with \a readAhead more. Short tile-parts of a near one come many at
+/// a time.
+CError TilePartTable::readSot(std::uint64_t readAhead, const CancelFlag &cancel, Bytes *bytes)
+{
+    if (position >= windowStart && position + kSotSegment <= windowStart + window.size()) {
+        const auto first = window.begin() + static_cast<std::ptrdiff_t>(position - windowStart);
+        bytes->assign(first, first + kSotSegment);
+        return {};
+    }
+    const bool isNear = !source->isRemote() && partCount > 0 && tiles[lastTile].parts.back().range.length < kCloseBy;
+    const bool isAtHand = position + kSotSegment <= readEnd;
+    const std::uint64_t wanted = isNear ? kWindow : isAtHand ? kSotSegment : std::max(readAhead, kSotSegment);
+    const std::uint64_t length = std::min(wanted, codestream.end() - position);
+    readEnd = std::max(readEnd, position + length);
+    if (CError error = source->read(ByteRange{position, length}, bytes, cancel))
+        return error;
+    if (isNear) {
+        window = *bytes;
+        windowStart = position;
     }
     return {};
 }

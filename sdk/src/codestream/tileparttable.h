@@ -47,6 +47,7 @@ private:
     void append(std::uint32_t tile, std::uint64_t length);
     bool isSettled(std::uint32_t tile) const;
     PLK::CError walkOn(std::uint64_t readAhead, const CancelFlag &cancel);
+    PLK::CError readSot(std::uint64_t readAhead, const CancelFlag &cancel, Bytes *bytes);
     void appendWalked(std::uint16_t tile, std::uint32_t length, std::uint8_t partsOfTile);
     void endWalk(std::string damage);
     void recall();
@@ -55,7 +56,7 @@ private:
     std::shared_ptr<ByteSource> source;
     ByteRange codestream;
     const MainHeader &header;
-    mutable std::mutex mutex; ///< guards what follows
+    mutable std::timed_mutex mutex; ///< guards what follows
     bool isStarted = false;
     bool isComplete = false;
     std::unordered_map<std::uint32_t, PartsOfTile> tiles;
@@ -63,7 +64,9 @@ private:
     std::uint32_t partCount = 0;
     std::uint64_t position = 0; ///< in the file, behind the tile-part found last
     std::uint64_t readEnd = 0;  ///< in the file, of what the walk has read
-    Bytes walked;               ///< what remember() keeps
+    Bytes window;               ///< of the file from windowStart on
+    std::uint64_t windowStart = 0;
+    Bytes walked; ///< what remember() keeps
     std::string damageText;
 };
 

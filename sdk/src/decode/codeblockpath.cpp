@@ -17,6 +17,10 @@ namespace {
 constexpr std::int64_t kPieceWidth = 512, kPieceHeight = 256;
 /// Coefficients that are decoded before they are put together.
 constexpr std::int64_t kMaxCellsPerBatch = 24 << 20;
+/// Side of the parts in which jobs with more cells of a component are decoded, in cells. Many tiny code-blocks take
+/// more memory than their cells.
+constexpr std::int64_t kPartSide = 4096, kPartSideOfTinyBlocks = 1024;
+constexpr int kTinyBlocks = 8; ///< exponent of their area
 
 /// Decomposition levels that all of \a components have.
 int minLevels(const TileIndex &index, const std::vector<int> &components)
@@ -25,6 +29,18 @@ int minLevels(const TileIndex &index, const std::vector<int> &components)
     for (const int c : components)
         levels = std::min(levels, index.style().components[c].decompositionLevels);
     return levels;
+}
+
+/// The parts of a job that are decoded one after the other, \a averagedLevels above a resolution of the tile.
+std::vector<IntRect> partsOf(const DecodeJob &job, const TileIndex &index, int averagedLevels)
+{
+    const ComponentStyle &style = index.style().components[job.components.front()];
+    const bool areTiny = style.codeBlockWidthExponent + style.codeBlockHeightExponent < kTinyBlocks;
+    const std::int64_t side = (areTiny ? kPartSideOfTinyBlocks : kPartSide) >> averagedLevels;
+    const std::int64_t most = kMaxCellsPerBatch >> std::min(2 * averagedLevels, 62);
+    if (areaOf(job.levelRect) <= (areTiny ? most / 16 : most))
+        return {job.levelRect};
+    return inPieces(job.levelRect, std::max<std::int64_t>(1, side), std::max<std::int64_t>(1, side));
 }
 
 } // namespace
@@ -39,7 +55,14 @@ struct CodeBlockPath::Batch
         int discarded;  ///< resolutions left out
         IntRect region; ///< on the canvas of the coded level
     };
+    /// The part of a job that a request is made for.
+    struct Part
+    {
+        std::size_t job;
+        IntRect levelRect;
+    };
     std::vector<CodeBlockRequest> requests;
+    std::vector<Part> parts; ///< by request
     std::vector<Piece> pieces;
     std::int64_t cells = 0;
 
@@ -56,16 +79,39 @@ CodeBlockPath::CodeBlockPath(std::shared_ptr<ByteSource> source, const MainHeade
 
 CError CodeBlockPath::decode(RasterRead *read)
 {
-    for (std::size_t next = 0; next < read->jobs().size();) {
-        Batch batch;
-        for (; next < read->jobs().size() && !batch.isFull(); ++next)
-            if (!read->index(next)->isMissing())
-                if (CError error = add(read, next, &batch))
-                    return error;
-        if (CError error = decodeBatch(read, batch))
+    Batch batch;
+    for (std::size_t job = 0; job < read->jobs().size(); ++job) {
+        const TileIndex &index = *read->index(job);
+        if (index.isMissing())
+            continue;
+        if (CError error = TileSynthesis::check(header, tileOf(*read, job)))
             return error;
+        if (index.isTruncated())
+            if (CError error = read->settle(job, incompleteTile(read->jobs()[job].tile)))
+                return error;
+        for (const IntRect &part : partsOf(read->jobs()[job], index, averagedLevels(*read, job))) {
+            add(*read, job, part, &batch);
+            if (!batch.isFull())
+                continue;
+            if (CError error = decodeBatch(read, batch))
+                return error;
+            batch = Batch();
+        }
     }
-    return {};
+    return decodeBatch(read, batch);
+}
+
+TileToDecode CodeBlockPath::tileOf(const RasterRead &read, std::size_t job)
+{
+    const TileIndexStore::TileIndexPtr &index = read.index(job);
+    return {read.jobs()[job].tile, index, std::min(read.layers(), index->packets().layers())};
+}
+
+/// Levels of the read's beyond those that the tile of a job has.
+int CodeBlockPath::averagedLevels(const RasterRead &read, std::size_t job)
+{
+    const int level = read.request().level;
+    return level - std::min(level, minLevels(*read.index(job), read.jobs()[job].components));
 }
 
 CError CodeBlockPath::prefetch(std::deque<RasterRead> *reads, const CancelFlag &cancel)
@@ -74,25 +120,18 @@ CError CodeBlockPath::prefetch(std::deque<RasterRead> *reads, const CancelFlag &
     for (RasterRead &read : *reads)
         for (std::size_t job = 0; job < read.jobs().size() && !batch.isFull(); ++job)
             if (!read.index(job)->isMissing())
-                add(&read, job, &batch); // damage is told when it is read
+                add(read, job, partsOf(read.jobs()[job], *read.index(job), averagedLevels(read, job)).front(), &batch);
     return codeBlocks.prefetch(batch.requests, cancel);
 }
 
-CError CodeBlockPath::add(RasterRead *read, std::size_t number, Batch *batch) const
+void CodeBlockPath::add(const RasterRead &read, std::size_t number, const IntRect &part, Batch *batch) const
 {
-    const DecodeJob &job = read->jobs()[number];
-    const TileIndexStore::TileIndexPtr &index = read->index(number);
-    const TileToDecode tile{job.tile, index, std::min(read->layers(), index->packets().layers())};
-    if (CError error = TileSynthesis::check(header, tile))
-        return error;
-    if (index->isTruncated())
-        if (CError error = read->settle(number, incompleteTile(job.tile)))
-            return error;
-    const int level = read->request().level;
-    const int discarded = std::min(level, minLevels(*index, job.components));
-    const int averagedLevels = level - discarded;
-    const IntRect region = scaledUp(job.levelRect, averagedLevels).intersected(levelRect(index->rect(), discarded));
-    CodeBlockRequest request{tile, {}, read->request().isKept};
+    const DecodeJob &job = read.jobs()[number];
+    const TileIndexStore::TileIndexPtr &index = read.index(number);
+    const int averaged = averagedLevels(read, number);
+    const int discarded = read.request().level - averaged;
+    const IntRect region = scaledUp(part, averaged).intersected(levelRect(index->rect(), discarded));
+    CodeBlockRequest request{tileOf(read, number), {}, read.request().isKept};
     for (const int c : job.components) {
         const IntRect rect = raster.components[c].fromCanvas(region);
         if (rect.isEmpty())
@@ -103,12 +142,12 @@ CError CodeBlockPath::add(RasterRead *read, std::size_t number, Batch *batch) co
         batch->cells += areaOf(rect);
     }
     // Cut where averaged cells begin.
-    for (const IntRect &piece : inPieces(job.levelRect, std::max<std::int64_t>(1, kPieceWidth >> averagedLevels),
-                                         std::max<std::int64_t>(1, kPieceHeight >> averagedLevels)))
+    for (const IntRect &piece : inPieces(part, std::max<std::int64_t>(1, kPieceWidth >> averaged),
+                                         std::max<std::int64_t>(1, kPieceHeight >> averaged)))
         batch->pieces.push_back(
-            {number, batch->requests.size(), discarded, scaledUp(piece, averagedLevels).intersected(region)});
+            {number, batch->requests.size(), discarded, scaledUp(piece, averaged).intersected(region)});
     batch->requests.push_back(std::move(request));
-    return {};
+    batch->parts.push_back({number, part});
 }
 
 CError CodeBlockPath::decodeBatch(RasterRead *read, const Batch &batch)
@@ -117,15 +156,33 @@ CError CodeBlockPath::decodeBatch(RasterRead *read, const Batch &batch)
     std::string damage;
     if (CError error = codeBlocks.fetch(batch.requests, read->damagePolicy(), read->cancel(), &sets, &damage))
         return error;
+    for (std::size_t i = 0; i < batch.parts.size(); ++i)
+        if (sets[i].isEmpty())
+            keepBlank(read, batch.parts[i].job, batch.parts[i].levelRect, damage);
     return runAll(batch.pieces.size(), read->cancel(), [&](std::size_t i) {
         const Batch::Piece &piece = batch.pieces[i];
         const TileSynthesis synthesis(header, batch.requests[piece.request].tile);
         const std::vector<int> &components = read->jobs()[piece.job].components;
-        for (Plane &plane : synthesis.planes(sets[piece.request], components, piece.discarded, piece.region))
+        if (sets[piece.request].isEmpty())
+            return CError();
+        for (Plane &plane :
+             synthesis.planes(sets[piece.request], components, piece.discarded, piece.region, read->cancel()))
             read->keep(piece.job, std::move(plane), read->request().level - piece.discarded);
         read->noteDamage(piece.job, damage);
-        return CError();
+        return read->cancel().isRaised() ? CError(PLK_ERR_CANCELLED, "The read was cancelled.") : CError();
     });
+}
+
+/// What no code-block has data for need not be put together.
+void CodeBlockPath::keepBlank(RasterRead *read, std::size_t number, const IntRect &part,
+                              const std::string &damage) const
+{
+    const DecodeJob &job = read->jobs()[number];
+    const TileToDecode tile = tileOf(*read, number);
+    const TileSynthesis synthesis(header, tile);
+    for (const int c : job.components)
+        read->keep(number, synthesis.blank(c, raster.components[c].fromCanvas(part)), 0);
+    read->noteDamage(number, damage);
 }
 
 } // namespace xrv

@@ -25,8 +25,12 @@ public:
 private:
     /// Jobs of one read whose code-blocks are decoded before they are put together.
     struct Batch;
-    PLK::CError add(RasterRead *read, std::size_t job, Batch *batch) const;
+    static TileToDecode tileOf(const RasterRead &read, std::size_t job);
+    static int averagedLevels(const RasterRead &read, std::size_t job);
+    /// \a part: of the job's levelRect.
+    void add(const RasterRead &read, std::size_t job, const IntRect &part, Batch *batch) const;
     PLK::CError decodeBatch(RasterRead *read, const Batch &batch);
+    void keepBlank(RasterRead *read, std::size_t job, const IntRect &part, const std::string &damage) const;
 
     const MainHeader &header;
     const RasterInfo &raster;

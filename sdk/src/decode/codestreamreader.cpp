@@ -41,11 +41,13 @@ CError CodestreamReader::read(const ReadRequest &request, ReadResult *result)
     if (CError error = decode(&read))
         return error;
     *result = read.result();
-    return {};
+    return request.cancel.isRaised() ? CError(PLK_ERR_CANCELLED, "The read was cancelled.") : CError();
 }
 
 CError CodestreamReader::decode(RasterRead *read)
 {
+    if (read->cancel().isRaised())
+        return {PLK_ERR_CANCELLED, "The read was cancelled."};
     if (read->jobs().empty())
         return {};
     const auto start = std::chrono::steady_clock::now();

@@ -80,7 +80,7 @@ DecodePlan DecodePlanner::plan(const ReadRequest &request) const
     const std::int64_t row0 = (canvas.y0 - header.tileY0) / header.tileHeight;
     const std::int64_t row1 = ceilDiv(canvas.y1 - header.tileY0, header.tileHeight);
     for (std::int64_t row = row0; row < row1; ++row)
-        for (std::int64_t column = column0; column < column1; ++column)
+        for (std::int64_t column = column0; column < column1 && !request.cancel.isRaised(); ++column)
             planTile(request, static_cast<std::uint32_t>(row * header.tilesAcross + column), &plan);
     return plan;
 }

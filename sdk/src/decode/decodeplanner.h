@@ -40,6 +40,7 @@ public:
     {
     }
 
+    /// Once the request's flag is raised the plan may lack tiles.
     DecodePlan plan(const ReadRequest &request) const;
     /// Quality layers to decode, 1 and up.
     int layersOf(const ReadRequest &request) const;

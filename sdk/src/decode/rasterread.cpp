@@ -2,6 +2,8 @@
 
 #include "decode/transform/planeops.h"
 
+#include <unordered_map>
+
 using PLK::CError;
 
 namespace xrv {
@@ -72,23 +74,20 @@ ReadResult RasterRead::result() const
         result.damaged = true;
         result.damage = one.damage;
     }
-    for (std::size_t i = 0; i < asked.components.size(); ++i)
-        result.planes.push_back(assembled(asked.components[i], plan.wanted[i]));
-    return result;
-}
-
-Plane RasterRead::assembled(int component, const IntRect &levelRect) const
-{
-    Plane plane = makePlane(component, levelRect, raster.components[component].sampleType);
-    const auto copyOwn = [&](const std::vector<TileCache::PlanePtr> &pieces) {
-        for (const TileCache::PlanePtr &piece : pieces)
-            if (piece->component == component)
-                copyCells(*piece, &plane);
-    };
-    copyOwn(plan.cached);
+    // By component: of many, each has its share of the pieces only.
+    std::unordered_map<int, std::vector<const Plane *>> pieces;
+    for (const TileCache::PlanePtr &piece : plan.cached)
+        pieces[piece->component].push_back(piece.get());
     for (const Decoded &one : decoded)
-        copyOwn(one.planes);
-    return plane;
+        for (const TileCache::PlanePtr &piece : one.planes)
+            pieces[piece->component].push_back(piece.get());
+    for (std::size_t i = 0; i < asked.components.size() && !asked.cancel.isRaised(); ++i) {
+        const int c = asked.components[i];
+        result.planes.push_back(makePlane(c, plan.wanted[i], raster.components[c].sampleType));
+        for (const Plane *piece : pieces[c])
+            copyCells(*piece, &result.planes.back());
+    }
+    return result;
 }
 
 } // namespace xrv

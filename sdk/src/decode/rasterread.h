@@ -41,7 +41,7 @@ public:
     /// Notes damage in a job for which there is no note yet.
     void noteDamage(std::size_t job, const std::string &sentence);
 
-    /// Puts the answer together.
+    /// Puts the answer together; once the request's flag is raised planes may be missing.
     ReadResult result() const;
 
 private:
@@ -51,7 +51,6 @@ private:
         std::vector<TileCache::PlanePtr> planes;
         std::string damage;
     };
-    Plane assembled(int component, const IntRect &levelRect) const;
 
     const ReadRequest &asked;
     const RasterInfo &raster;

@@ -17,8 +17,13 @@ namespace {
 constexpr std::int64_t kMaxCellsOfAllBands = 64'000'000; // what can be read in reasonable time
 constexpr std::int64_t kMinCells = 4096;
 constexpr std::int64_t kDisplayCells = 65536;
+// A level has four times the cells of the next, and some for odd sizes.
+constexpr std::int64_t kMostOverEnough = 6;
 // Of an estimate, of each band and of all of them: what takes some tenths of a second on two cores.
 constexpr std::int64_t kEstimatedCells = 1 << 20, kEstimatedCellsOfAllBands = 3 << 20;
+// More bands than images of the world have: each gets fewer cells, so that all of them take about a second.
+constexpr int kManyBands = 1024;
+constexpr std::int64_t kMinCellsOfManyBands = 256, kWindowsOfManyBands = 32768;
 // Windows of full resolution begin between code-blocks of the usual size.
 constexpr std::int64_t kEstimateGrid = 64;
 // Of all bands that are decoded in one piece. A strip of a scene without tiles should be as high as many code-blocks,
@@ -54,10 +59,11 @@ std::vector<IntRect> planStrips(const RasterInfo &info, int level, int bandCount
 }
 
 /// Squares spread evenly, \a maxCells together. They begin at multiples of \a grid.
-std::vector<IntRect> planWindows(const RasterInfo &info, int level, std::int64_t maxCells, std::int64_t grid = 1)
+std::vector<IntRect> planWindows(const RasterInfo &info, int level, std::int64_t maxCells, std::int64_t grid = 1,
+                                 std::int64_t leastSide = 16)
 {
     std::int64_t side = 256;
-    while (side > 16 && side * side * 16 > maxCells)
+    while (side > leastSide && side * side * 16 > maxCells)
         side /= 2;
     const std::int64_t count = std::max<std::int64_t>(1, maxCells / (side * side));
     const std::int64_t step = side << level;
@@ -137,18 +143,23 @@ std::vector<IntRect> planPieces(const RasterInfo &info, int bandCount)
 StatisticsPlan planEstimate(const RasterInfo &info, int bandCount)
 {
     const std::int64_t cells = std::clamp(kEstimatedCellsOfAllBands / bandCount, kMinCells, kEstimatedCells);
+    // As large as code-blocks are: smaller ones would be no less work.
+    if (bandCount > kManyBands)
+        return {0, planWindows(info, 0, kWindowsOfManyBands / bandCount * kEstimateGrid * kEstimateGrid, kEstimateGrid,
+                               kEstimateGrid)};
     return {0, cellsAtLevel(info, 0) <= cells ? planStrips(info, 0, bandCount)
                                               : planWindows(info, 0, cells, kEstimateGrid)};
 }
 
 StatisticsPlan planDisplay(const RasterInfo &info, int bandCount, bool fullResolutionOnly)
 {
-    const std::int64_t share = kMaxCellsOfAllBands / bandCount;
-    const std::int64_t enough = std::clamp(share, kMinCells, kDisplayCells);
+    const bool areMany = bandCount > kManyBands;
+    const std::int64_t share = kMaxCellsOfAllBands / bandCount / (areMany ? kMostOverEnough : 1);
+    const std::int64_t enough = std::clamp(share, areMany ? kMinCellsOfManyBands : kMinCells, kDisplayCells);
     StatisticsPlan plan;
     while (!fullResolutionOnly && plan.level + 1 < info.codedLevels && cellsAtLevel(info, plan.level + 1) >= enough)
         ++plan.level;
-    const std::int64_t most = enough * 6; // a level has four times the cells of the next, and some for odd sizes
+    const std::int64_t most = enough * kMostOverEnough;
     plan.windows = cellsAtLevel(info, plan.level) <= most ? planStrips(info, plan.level, bandCount)
                                                           : planWindows(info, plan.level, most);
     return plan;
@@ -186,8 +197,8 @@ public:
     {
         manner.resilient = control.resilient;
         manner.cancel = control.cancel;
-        manner.isKept = !isExact;
-        manner.margin = isExact ? 0 : manner.margin;
+        manner.isKept = !isExact && map.bands().size() <= kManyBands;
+        manner.margin = manner.isKept ? manner.margin : 0;
     }
 
     CError run(PLKBandStatistics *statistics)

@@ -124,6 +124,8 @@ CError CodeBlockFetch::decode(const Group &group)
     const WantedPrecinct &precinct = *group.precinct;
     for (std::size_t i = group.begin; i < group.end; ++i) {
         const CodeBlockPlace &place = *precinct.codeBlocks[i];
+        if (precinct.index->codeBlock(place.name).pieces.empty())
+            continue;
         TileCache::PlanePtr plane;
         bool isSound = true;
         CError error = means.reader.read(precinct, place, cancel, &plane, &isSound);

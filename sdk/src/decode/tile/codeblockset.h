@@ -35,7 +35,8 @@ public:
     {
         planes[component][number] = std::move(plane);
     }
-    /// Null when it is not there.
+    bool isEmpty() const { return planes.empty(); }
+    /// Null when it is not there, or has no coefficients but 0.
     const Plane *find(int component, std::uint64_t number) const
     {
         const auto ofComponent = planes.find(component);

@@ -228,7 +228,7 @@ std::vector<Plane> TileSynthesis::transformed(const CodeBlockSet &codeBlocks, in
 
 template <typename Integer, typename Real>
 std::vector<Plane> TileSynthesis::planesOf(const CodeBlockSet &codeBlocks, const std::vector<int> &components,
-                                           int discarded, const IntRect &region) const
+                                           int discarded, const IntRect &region, const CancelFlag &cancel) const
 {
     const TileStyle &style = tile.index->style();
     std::vector<Plane> result;
@@ -238,7 +238,7 @@ std::vector<Plane> TileSynthesis::planesOf(const CodeBlockSet &codeBlocks, const
                                                   : transformed<Real>(codeBlocks, discarded, region);
         next = 3;
     }
-    for (; next < components.size(); ++next)
+    for (; next < components.size() && !cancel.isRaised(); ++next)
         result.push_back(style.components[components[next]].isReversible
                              ? single<Integer>(codeBlocks, components[next], discarded, region)
                              : single<Real>(codeBlocks, components[next], discarded, region));
@@ -246,10 +246,17 @@ std::vector<Plane> TileSynthesis::planesOf(const CodeBlockSet &codeBlocks, const
 }
 
 std::vector<Plane> TileSynthesis::planes(const CodeBlockSet &codeBlocks, const std::vector<int> &components,
-                                         int discarded, const IntRect &region) const
+                                         int discarded, const IntRect &region, const CancelFlag &cancel) const
 {
-    return isDeep() ? planesOf<std::int64_t, double>(codeBlocks, components, discarded, region)
-                    : planesOf<std::int32_t, float>(codeBlocks, components, discarded, region);
+    return isDeep() ? planesOf<std::int64_t, double>(codeBlocks, components, discarded, region, cancel)
+                    : planesOf<std::int32_t, float>(codeBlocks, components, discarded, region, cancel);
+}
+
+Plane TileSynthesis::blank(int component, const IntRect &rect) const
+{
+    Grid<std::int64_t> zeros;
+    zeros.reset(rect);
+    return toPlane(component, rect, zeros);
 }
 
 } // namespace xrv

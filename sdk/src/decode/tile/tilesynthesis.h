@@ -2,6 +2,7 @@
 
 #include "codeblockset.h"
 
+#include "base/cancelflag.h"
 #include "decode/transform/wavelet.h"
 
 #include <xrv60/plkerror.h>
@@ -25,9 +26,12 @@ public:
     static PLK::CError check(const MainHeader &header, const TileToDecode &tile);
 
     /// Makes planes of \a components (ascending; with a component transformation the first three together or not at
-    /// all). \a region: cells on the canvas of the level that is left when \a discarded resolutions are left out.
+    /// all). \a region: cells on the canvas of the level that is left when \a discarded resolutions are left out. Once
+    /// \a cancel is raised some may be missing.
     std::vector<Plane> planes(const CodeBlockSet &codeBlocks, const std::vector<int> &components, int discarded,
-                              const IntRect &region) const;
+                              const IntRect &region, const CancelFlag &cancel) const;
+    /// What comes of no coefficients but 0. \a rect: cells of the component at any level.
+    Plane blank(int component, const IntRect &rect) const;
 
 private:
     template <typename T>
@@ -44,7 +48,7 @@ private:
     template <typename T> Plane toPlane(int component, const IntRect &rect, const Grid<T> &cells) const;
     template <typename Integer, typename Real>
     std::vector<Plane> planesOf(const CodeBlockSet &codeBlocks, const std::vector<int> &components, int discarded,
-                                const IntRect &region) const;
+                                const IntRect &region, const CancelFlag &cancel) const;
     bool isDeep() const;
     bool usesTransform(const std::vector<int> &components) const;
 

@@ -10,6 +10,8 @@ namespace {
 /// No address is longer. What is beyond this in a line is skipped, so that a file that is no text at all costs no
 /// memory.
 constexpr qint64 kMaxLineLength = 65536;
+/// Such files have some lines. What follows is not looked at, however long the file is.
+constexpr qint64 kMaxFileLength = 4 * kMaxLineLength;
 
 bool isAddressLine(const QByteArray &line)
 {
@@ -40,7 +42,7 @@ UrlFile readUrlFile(const QString &fileName)
         return {UrlFile::Status::CannotOpen, {}};
     UrlFile result;
     bool atLineStart = true;
-    while (!file.atEnd()) {
+    while (!file.atEnd() && file.pos() < kMaxFileLength) {
         const QByteArray line = file.readLine(kMaxLineLength);
         if (line.isEmpty()) // a read error; atEnd() might never come
             break;

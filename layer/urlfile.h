@@ -17,7 +17,8 @@ struct UrlFile
     QString address;
 };
 
-/// Reads \a fileName. Only lines that begin with "URL=" or "url=" count; an address ends before the next "=".
+/// Reads \a fileName, no more than its first 256 KiB. Only lines that begin with "URL=" or "url=" count; an address
+/// ends before the next "=".
 UrlFile readUrlFile(const QString &fileName);
 
 } // namespace Korvane

@@ -222,9 +222,9 @@ int main(int argc, char *argv[])
         QLocale::setDefault(QLocale::c());
     Korvane::PluginRegistry registry;
     loadPlugins(&registry);
-    if (!commandLine.isBatch())
-        return runWindow(commandLine, registry);
     try {
+        if (!commandLine.isBatch())
+            return runWindow(commandLine, registry);
         return BatchRunner(commandLine, registry, out, err).run();
     } catch (const std::bad_alloc &) {
         return refuse(QStringLiteral("There is not enough memory."), kFailure);

@@ -178,6 +178,13 @@ void TestProject::refusesBrokenFiles_data()
         bomb += QByteArray("<!ENTITY ") + name + " \"" + QByteArray("&_;").replace('_', char(name - 1)).repeated(10) +
                 "\">";
     bomb += "]><QDViewerProject version=\"1\"><View title=\"t\">&j;</View></QDViewerProject>";
+    const QByteArray begin("<QDViewerProject version=\"1\">"), end("</QDViewerProject>");
+    QTest::newRow("nested without end") << begin + QByteArray("<a>").repeated(25000) << "64 levels";
+    QTest::newRow("elements without end") << begin + QByteArray("<View/>").repeated(600000) + end << "500000 elements";
+    QTest::newRow("attributes without end")
+        << begin + "<View " + QByteArray("a='' ").repeated(200000) + "/>" + end << "attributes";
+    QTest::newRow("brackets in plain text and values")
+        << "<!-- <a> -->" + begin.chopped(1) + " b='>'>" + "<!-- " + QByteArray("<a>").repeated(70) << "not a project";
     QTest::newRow("entities without end") << bomb << "not a project";
 }
 

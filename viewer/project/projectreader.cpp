@@ -1,6 +1,7 @@
 #include "projectreader.h"
 
 #include "projectelements.h"
+#include "xmlsize.h"
 
 #include <QDGui/ilayerplugin.h>
 #include <QDGui/pluginregistry.h>
@@ -47,10 +48,18 @@ QString ProjectReader::parse(const QString &fileName, QDomDocument *document) co
         return tr("The project %1 cannot be read: %2.").arg(name, file.errorString());
     if (file.size() > kMaxFileBytes)
         return tr("%1 is too large to be a project.").arg(name);
+    const QByteArray text = file.readAll();
+    if (!isModestXml(text))
+        return tr("%1 is too large to be a project: it has more than %2 elements and attributes, or more than %3 "
+                  "levels "
+                  "of them.")
+            .arg(name)
+            .arg(kMaxXmlParts)
+            .arg(kMaxXmlDepth);
     QString message;
     int line = 0;
     int column = 0;
-    if (!document->setContent(file.readAll(), &message, &line, &column))
+    if (!document->setContent(text, &message, &line, &column))
         return tr("%1 is not a project: %2 in line %3, column %4.").arg(name, message).arg(line).arg(column);
     const QDomElement root = document->documentElement();
     if (root.tagName() != kRootElement)

@@ -94,6 +94,10 @@
         <source>A layer of the kind %1 cannot be restored.</source>
         <translation>Ein Layer der Art %1 kann nicht wiederhergestellt werden.</translation>
     </message>
+    <message>
+        <source>%1 is too large to be a project: it has more than %2 elements and attributes, or more than %3 levels of them.</source>
+        <translation>%1 ist zu groß für ein Projekt: Es hat mehr als %2 Elemente und Attribute oder mehr als %3 Ebenen davon.</translation>
+    </message>
 </context>
 <context>
     <name>ProjectWriter</name>

@@ -94,6 +94,10 @@
         <source>A layer of the kind %1 cannot be restored.</source>
         <translation>No se puede restaurar una capa del tipo %1.</translation>
     </message>
+    <message>
+        <source>%1 is too large to be a project: it has more than %2 elements and attributes, or more than %3 levels of them.</source>
+        <translation>%1 es demasiado grande para ser un proyecto: tiene más de %2 elementos y atributos o más de %3 niveles de ellos.</translation>
+    </message>
 </context>
 <context>
     <name>ProjectWriter</name>

@@ -94,6 +94,10 @@
         <source>A layer of the kind %1 cannot be restored.</source>
         <translation>Impossible de restaurer une couche du type %1.</translation>
     </message>
+    <message>
+        <source>%1 is too large to be a project: it has more than %2 elements and attributes, or more than %3 levels of them.</source>
+        <translation>%1 est trop grand pour être un projet : il contient plus de %2 éléments et attributs ou plus de %3 niveaux.</translation>
+    </message>
 </context>
 <context>
     <name>ProjectWriter</name>

@@ -92,6 +92,10 @@
         <source>A layer of the kind %1 cannot be restored.</source>
         <translation>%1 という種類のレイヤーを復元できません。</translation>
     </message>
+    <message>
+        <source>%1 is too large to be a project: it has more than %2 elements and attributes, or more than %3 levels of them.</source>
+        <translation>%1 はプロジェクトとしては大きすぎます。要素と属性が %2 個を超えるか、その階層が %3 段を超えています。</translation>
+    </message>
 </context>
 <context>
     <name>ProjectWriter</name>

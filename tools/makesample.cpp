@@ -4,6 +4,7 @@
 //
 // With --sensor: four bands of 16 bits, the last one near infrared, instead of three colours of 8 bits.
 
+#include "guarded.h"
 #include "terrainsource.h"
 
 #include "encode/imagewriter.h"
@@ -11,7 +12,9 @@
 #include <cstdio>
 #include <cstring>
 
-int main(int argc, char *argv[])
+namespace {
+
+int run(int argc, char *argv[])
 {
     const bool isSensor = argc > 2 && std::strcmp(argv[argc - 1], "--sensor") == 0;
     const int count = isSensor ? argc - 1 : argc;
@@ -33,4 +36,11 @@ int main(int argc, char *argv[])
     }
     std::printf("%s: %d x %d cells, 10 m each, EPSG 32632\n", argv[1], width, height);
     return 0;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    return guarded("makesample", [&] { return run(argc, argv); });
 }

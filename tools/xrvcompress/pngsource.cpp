@@ -1,3 +1,4 @@
+#include "inputbudget.h"
 #include "rowsource.h"
 #include "sourceparts.h"
 
@@ -30,6 +31,8 @@ public:
         describe();
         completePlace(path, &image, warnings);
         if (passes > 1) {
+            if (CError error = admitAtOnce(path, std::uint64_t(image.height) * bytesOfRow))
+                return error;
             picture.resize(std::size_t(image.height) * bytesOfRow);
             for (int pass = 0; pass < passes; ++pass)
                 for (std::uint32_t y = 0; y < image.height; ++y)

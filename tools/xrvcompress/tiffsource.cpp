@@ -1,3 +1,4 @@
+#include "inputbudget.h"
 #include "sourceparts.h"
 #include "tiffhandle.h"
 
@@ -12,6 +13,7 @@ using namespace xrv;
 namespace {
 
 constexpr std::uint64_t kMaxTileBytes = 1u << 30;
+constexpr std::uint64_t kBytesOfHandle = 256u << 10; ///< what libtiff takes for an open file
 
 /// A TIFF or GeoTIFF file with cells of 1 to 16 bits: strips or tiles, bands together or apart, and palettes, which
 /// become colours. Files in strips are read from top to bottom, those in tiles piece by piece.
@@ -146,6 +148,8 @@ private:
         const std::uint64_t needed = bytesOf(std::uint64_t(tileWidth) * samplesTogether()) * tileHeight;
         if (needed == 0 || needed > bytes || bytes > kMaxTileBytes)
             return failed();
+        if (CError error = admitAtOnce(name, bytes))
+            return error;
         buffer.resize(static_cast<std::size_t>(bytes));
         return {};
     }
@@ -186,6 +190,9 @@ private:
     /// Rows of bands that are apart are read in turn, each by a handle of its own: going back costs reading anew.
     CError prepareRows()
     {
+        if (isApart())
+            if (CError error = admitAtOnce(name, kBytesOfHandle * samples))
+                return error;
         while (isApart() && handles.size() < samples)
             if (!addHandle())
                 return failed();

@@ -4,6 +4,8 @@
 #include "progressbar.h"
 #include "sourceparts.h"
 
+#include "../guarded.h"
+
 #include "base/utf8.h"
 #include "geo/rpc.h"
 
@@ -173,7 +175,7 @@ int main(int argc, char *argv[])
     for (int i = 1; i < argc; ++i)
         words.push_back(utf8FromLocal8Bit(argv[i]));
     PLKInit();
-    const int status = run(words);
+    const int status = guarded("xrvcompress", [&words] { return run(words); });
     PLKShutdown();
     return status;
 }

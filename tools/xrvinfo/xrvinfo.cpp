@@ -2,6 +2,8 @@
 
 #include "describe.h"
 
+#include "../guarded.h"
+
 #include "base/utf8.h"
 
 #include <xrv60/plkinit.h>
@@ -73,7 +75,7 @@ int main(int argc, char *argv[])
     for (int i = 1; i < argc; ++i)
         words.push_back(xrv::utf8FromLocal8Bit(argv[i]));
     PLKInit();
-    const int status = run(words);
+    const int status = guarded("xrvinfo", [&words] { return run(words); });
     PLKShutdown();
     return status;
 }

@@ -5,6 +5,7 @@
 #include <exception>
 #include <mutex>
 #include <new>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -66,8 +67,12 @@ CError runWorkers(unsigned threads, const std::function<CError(bool *)> &work)
 {
     Crew crew(work);
     std::vector<std::thread> others;
-    for (unsigned i = 1; i < threads; ++i)
-        others.emplace_back([&crew] { crew.run(); });
+    try {
+        for (unsigned i = 1; i < threads; ++i)
+            others.emplace_back([&crew] { crew.run(); });
+    } catch (const std::system_error &) {
+        // The system gives no more threads; those that are there do the work.
+    }
     crew.run();
     for (std::thread &other : others)
         other.join();

@@ -1,6 +1,7 @@
 #include "decodepool.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace xrv {
 
@@ -93,8 +94,12 @@ void DecodePool::run(std::size_t count, const std::function<bool(std::size_t)> &
 void DecodePool::start()
 {
     isStopping = false;
-    for (int i = 1; i < threads(); ++i)
-        workers.emplace_back([this] { workForOthers(); });
+    try {
+        for (int i = 1; i < threads(); ++i)
+            workers.emplace_back([this] { workForOthers(); });
+    } catch (const std::system_error &) {
+        // The system gives no more threads; those that are there do the work.
+    }
 }
 
 void DecodePool::workForOthers()

@@ -14,6 +14,7 @@ namespace xrv {
 namespace {
 
 constexpr std::uint64_t kFirstRead = std::uint64_t(16) * 1024;
+constexpr std::size_t kMaxComments = 64; ///< that are kept
 constexpr std::uint64_t kMaxMainHeader = std::uint64_t(64) * 1024 * 1024;
 
 CError malformed(const std::string &what)
@@ -200,7 +201,8 @@ CError applyPoc(const MarkerSegment &segment, TileStyle *style)
 void keepComment(const MarkerSegment &segment, MainHeader *header)
 {
     // Rcom 1 is text (A.9.2); 0 is binary.
-    if (segment.payload.size() > 2 && segment.payload[0] == 0 && segment.payload[1] == 1)
+    if (header->comments.size() < kMaxComments && segment.payload.size() > 2 && segment.payload[0] == 0 &&
+        segment.payload[1] == 1)
         header->comments.push_back(latin1ToUtf8(segment.payload.data() + 2, segment.payload.size() - 2));
 }
 

@@ -15,6 +15,9 @@ namespace {
 
 constexpr std::uint64_t kMaxTileHeader = std::uint64_t(64) * 1024 * 1024;
 
+/// SOT marker segment and SOD marker: a tile-part with nothing in it, of which nothing need be read.
+constexpr std::uint64_t kShortestPart = 14;
+
 /// \a part begins as a tile-part of \a tile does (A.4.2). Tables of tile-parts can be wrong.
 bool isOwnPart(const Bytes &part, std::uint32_t tile)
 {
@@ -92,6 +95,11 @@ CError TileIndexReader::walk(int resolution, const std::vector<ByteRange> &atHan
 CError TileIndexReader::readPart(const TilePart &part, std::uint64_t firstRead, const CancelFlag &cancel)
 {
     made->truncated |= part.isTruncated;
+    if (part.range.length == kShortestPart && !header.packedHeaders) {
+        made->dataRanges.push_back({part.range.end(), 0});
+        lengths.emplace_back();
+        return {};
+    }
     std::vector<MarkerSegment> segments;
     std::size_t position = 0;
     bool isComplete = false;

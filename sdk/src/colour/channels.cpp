@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <string>
 
 namespace xrv {
 
@@ -13,6 +14,7 @@ constexpr int kOpacity = 1;
 constexpr int kPremultipliedOpacity = 2;
 constexpr int kWholeImage = 0;
 constexpr int kNoAssociation = 65535;
+constexpr std::size_t kMaxChannels = 16384; ///< as many as components (ISO/IEC 15444-1 table A.9)
 
 // Cells are handled in 32 bits with a sign.
 std::uint8_t limitedBits(int bits, bool isSigned)
@@ -60,6 +62,14 @@ std::vector<Channel> makeChannels(const RasterInfo &raster, const Jp2Structure &
 {
     if (structure.mapping.empty())
         return structure.palette ? unmappedPalette(raster, *structure.palette, warnings) : directChannels(raster);
+    // Components as they are or through a palette column: more of them can only be the same ones again.
+    const std::size_t columns = structure.palette ? structure.palette->columns.size() : 0;
+    const std::size_t most = std::min(raster.components.size() * (columns + 1), kMaxChannels);
+    if (structure.mapping.size() > most) {
+        warnings.add("The component mapping makes " + std::to_string(structure.mapping.size()) +
+                     " channels, but there can be no more than " + std::to_string(most) + "; it is ignored.");
+        return directChannels(raster);
+    }
     std::vector<Channel> channels;
     for (const ChannelMapping &mapping : structure.mapping) {
         const bool isColumnThere = structure.palette && mapping.paletteColumn < structure.palette->columns.size();

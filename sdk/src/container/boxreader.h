@@ -55,6 +55,9 @@ public:
     /// Any bytes of the file; clipped to its end.
     bool bytesAt(ByteRange range, Bytes *bytes);
 
+    /// There are more than kMaxBoxes boxes.
+    bool isAtLimit() const { return boxesLeft == 0; }
+
     /// Reading the source failed; nothing more is read then.
     bool failed() const { return bool(readError); }
     const PLK::CError &error() const { return readError; }

@@ -253,7 +253,8 @@ void StructureReader::searchCodestream()
     const auto at = std::search(bytes.begin(), bytes.end(), kStart.begin(), kStart.end());
     if (at == bytes.end())
         return;
-    warnings.add("The boxes of the file are damaged; its codestream was found by searching.");
+    warnings.add(reader.isAtLimit() ? "Beyond the boxes that are read, the codestream was found by searching."
+                                    : "The boxes of the file are damaged; its codestream was found by searching.");
     hasCodestream = true;
     found.codestream.offset = static_cast<std::uint64_t>(at - bytes.begin()) + 4;
     extendCodestream();
@@ -267,6 +268,9 @@ PLK::CError StructureReader::whyNoCodestream() const
         return {PLK_ERR_UNSUPPORTED, "Motion JPEG 2000 files are not supported."};
     if (brand == boxType("jpm "))
         return {PLK_ERR_UNSUPPORTED, "JPEG 2000 compound documents are not supported."};
+    if (reader.isAtLimit())
+        return {PLK_ERR_UNSUPPORTED, "The file has more than " + std::to_string(BoxReader::kMaxBoxes) +
+                                         " boxes before its codestream, which is not supported."};
     if (ranOut)
         return {PLK_ERR_TRUNCATED, "The file ends before its codestream begins."};
     return {PLK_ERR_MALFORMED, "The file has no JPEG 2000 codestream."};

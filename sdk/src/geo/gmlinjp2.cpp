@@ -15,7 +15,8 @@ namespace xrv {
 
 namespace {
 
-constexpr std::size_t kMaxXmlBytes = std::size_t(16) * 1024 * 1024;
+/// Memory for the documents of all GML texts together. One that places an image takes some ten thousand bytes.
+constexpr std::size_t kMaxDocumentBytes = std::size_t(64) << 20;
 
 using Pair = std::array<double, 2>;
 
@@ -144,6 +145,16 @@ std::optional<CrsDescription> crsOf(const SrsName &name, const std::vector<pugi:
     return std::nullopt;
 }
 
+/// What the document of a text takes: a copy of it, a first page, nodes and attributes.
+std::size_t documentBytes(const std::string &xml)
+{
+    constexpr std::size_t kPage = std::size_t(32) * 1024, kNode = 64, kAttribute = 40;
+    std::size_t bytes = kPage + xml.size();
+    for (const char c : xml)
+        bytes += c == '<' ? kNode : c == '=' ? kAttribute : 0;
+    return bytes;
+}
+
 std::vector<pugi::xml_document> parse(const std::vector<LabelledXml> &texts, std::vector<std::string> *warnings)
 {
     std::vector<const LabelledXml *> ordered;
@@ -153,15 +164,22 @@ std::vector<pugi::xml_document> parse(const std::vector<LabelledXml> &texts, std
     std::stable_partition(ordered.begin(), ordered.end(),
                           [](const LabelledXml *text) { return text->label == "gml.root-instance"; });
     std::vector<pugi::xml_document> documents;
+    std::size_t bytesLeft = kMaxDocumentBytes;
     for (const LabelledXml *text : ordered) {
+        const std::size_t bytes = documentBytes(text->xml);
+        if (bytes > bytesLeft) {
+            warnings->push_back("The GML text '" + text->label + "' and those after it take more than " +
+                                std::to_string(kMaxDocumentBytes >> 20) + " MB of memory and are not used.");
+            break;
+        }
+        bytesLeft -= bytes;
         pugi::xml_document document;
-        const bool fits = text->xml.size() <= kMaxXmlBytes;
         // Some writers count the closing zero as part of the text.
         const std::size_t length = std::min(text->xml.find_last_not_of('\0') + 1, text->xml.size());
-        if (fits && document.load_buffer(text->xml.data(), length))
+        if (document.load_buffer(text->xml.data(), length))
             documents.push_back(std::move(document));
         else
-            warnings->push_back("The GML text '" + text->label + "' is damaged or too large and is not used.");
+            warnings->push_back("The GML text '" + text->label + "' is damaged and is not used.");
     }
     return documents;
 }

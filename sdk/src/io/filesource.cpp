@@ -58,22 +58,23 @@ std::vector<FileSource::Run> FileSource::Run::plan(const std::vector<ByteRange> 
     return runs;
 }
 
-FileSource::FileSource(std::string openedName, std::unique_ptr<LocalFile> openedFile)
+FileSource::FileSource(std::string openedName, std::unique_ptr<LocalFile> openedFile, const CancelFlag &givenUp)
     : fileName(std::move(openedName))
     , file(std::move(openedFile))
+    , givenUp(givenUp)
 {
 }
 
 FileSource::~FileSource() = default;
 
-CError FileSource::open(const std::string &name, std::shared_ptr<ByteSource> *source)
+CError FileSource::open(const std::string &name, std::shared_ptr<ByteSource> *source, const CancelFlag &givenUp)
 {
     if (name.empty())
         return {PLK_ERR_NOT_FOUND, "No file name was given."};
     std::unique_ptr<LocalFile> file;
     if (CError error = LocalFile::open(name, &file))
         return error;
-    source->reset(new FileSource(name, std::move(file)));
+    source->reset(new FileSource(name, std::move(file), givenUp));
     return {};
 }
 
@@ -135,7 +136,7 @@ CError FileSource::readBytes(ByteRange range, const CancelFlag &cancel, Bytes *o
 {
     out->resize(static_cast<std::size_t>(range.length));
     for (std::uint64_t done = 0; done < range.length;) {
-        if (cancel.isRaised())
+        if (cancel.isRaised() || givenUp.isRaised())
             return {PLK_ERR_CANCELLED, "Reading was cancelled."};
         const auto wanted = static_cast<std::size_t>(std::min(kCancelStep, range.length - done));
         std::size_t count = 0;

@@ -16,7 +16,9 @@ class FileSource : public ByteSource
 {
 public:
     /// \a name in UTF-8. PLK_ERR_NOT_FOUND, PLK_ERR_NO_ACCESS (also for what is no regular file) or PLK_ERR_READ.
-    static PLK::CError open(const std::string &name, std::shared_ptr<ByteSource> *source);
+    /// Once \a givenUp is raised, all reads are PLK_ERR_CANCELLED.
+    static PLK::CError open(const std::string &name, std::shared_ptr<ByteSource> *source,
+                            const CancelFlag &givenUp = CancelFlag());
     ~FileSource() override;
 
     const std::string &name() const override { return fileName; }
@@ -28,7 +30,7 @@ public:
 
 private:
     struct Run;
-    FileSource(std::string openedName, std::unique_ptr<LocalFile> openedFile);
+    FileSource(std::string openedName, std::unique_ptr<LocalFile> openedFile, const CancelFlag &givenUp);
     PLK::CError readBytes(ByteRange range, const CancelFlag &cancel, Bytes *out) const;
     PLK::CError readRun(const Run &run, const std::vector<ByteRange> &ranges, const CancelFlag &cancel,
                         std::vector<Bytes> *out) const;
@@ -37,6 +39,7 @@ private:
 
     std::string fileName;
     std::unique_ptr<LocalFile> file;
+    const CancelFlag givenUp;
 };
 
 } // namespace xrv

@@ -23,7 +23,7 @@ constexpr std::int64_t kMostOverEnough = 6;
 constexpr std::int64_t kEstimatedCells = 1 << 20, kEstimatedCellsOfAllBands = 3 << 20;
 // More bands than images of the world have: each gets fewer cells, so that all of them take about a second.
 constexpr int kManyBands = 1024;
-constexpr std::int64_t kMinCellsOfManyBands = 256, kWindowsOfManyBands = 32768;
+constexpr std::int64_t kMinCellsOfManyBands = 256, kWindowsOfManyBands = 16384;
 // Windows of full resolution begin between code-blocks of the usual size.
 constexpr std::int64_t kEstimateGrid = 64;
 // Of all bands that are decoded in one piece. A strip of a scene without tiles should be as high as many code-blocks,

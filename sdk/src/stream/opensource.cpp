@@ -14,7 +14,7 @@ PLK::CError openSource(const SourceName &name, std::shared_ptr<ByteSource> *sour
         return name.fault();
     if (name.isStream())
         return StreamSource::open(name.address(), StreamOptions::fromConfig(), source, std::move(watch));
-    return FileSource::open(name.path(), source);
+    return FileSource::open(name.path(), source, watch ? watch->cancel : CancelFlag());
 }
 
 } // namespace xrv

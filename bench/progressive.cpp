@@ -31,6 +31,7 @@ public:
     void begin();
     double waitForFirst();
     double waitForLast();
+    bool isComplete();
 
     std::vector<int> bands;
 
@@ -100,6 +101,12 @@ double ProgressiveProbe::View::waitForLast()
     return milliseconds(lastRead - start);
 }
 
+bool ProgressiveProbe::View::isComplete()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return generation > lastGeneration && isFinished;
+}
+
 ProgressiveProbe::ProgressiveProbe(const std::string &path)
     : view(std::make_unique<View>())
 {
@@ -112,10 +119,20 @@ ProgressiveProbe::ProgressiveProbe(const std::string &path)
 
 ProgressiveProbe::~ProgressiveProbe() = default;
 
-double ProgressiveProbe::firstPass(const Window &window)
+void ProgressiveProbe::set(const Window &window)
 {
     view->begin();
     setWindow(view.get(), view->bands, window);
+}
+
+bool ProgressiveProbe::isComplete() const
+{
+    return view->isComplete();
+}
+
+double ProgressiveProbe::firstPass(const Window &window)
+{
+    set(window);
     return view->waitForFirst();
 }
 

@@ -18,6 +18,10 @@ public:
     double firstPass(const Window &window);
     /// Waits until the last pass of that window, and tells the time since it was set, in milliseconds.
     double lastPass();
+    /// Sets \a window and waits for nothing.
+    void set(const Window &window);
+    /// The last pass of the window that was set last has been read.
+    bool isComplete() const;
 
 private:
     class View;

@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
@@ -51,14 +52,20 @@ struct SlowLink::Connection
 
 namespace {
 
+constexpr std::size_t kSmallestWindow = 65536;
+
 /// Bytes on their way, in order, with the time of their arrival.
 class Pipe
 {
 public:
+    explicit Pipe(std::size_t most)
+        : maxQueued(most)
+    {
+    }
     void put(std::vector<char> bytes, Clock::time_point arrival)
     {
         std::unique_lock<std::mutex> lock(mutex);
-        changed.wait(lock, [this] { return queued < kMaxQueued; });
+        changed.wait(lock, [this] { return queued < maxQueued; });
         queued += bytes.size();
         queue.push_back({std::move(bytes), arrival});
         changed.notify_all();
@@ -83,7 +90,7 @@ private:
         std::vector<char> bytes;
         Clock::time_point arrival;
     };
-    static constexpr std::size_t kMaxQueued = 1u << 20;
+    const std::size_t maxQueued;
     std::mutex mutex; ///< guards what follows
     std::condition_variable changed;
     std::deque<Piece> queue;
@@ -101,14 +108,20 @@ void sendAll(int socket, const std::vector<char> &bytes)
     }
 }
 
-/// Hands on what comes in at \a from until it ends. \a arrivalOf says when so many bytes arrive at the other end.
-template <typename Owner, typename ArrivalOf>
-void carry(const std::shared_ptr<Owner> &owner, int from, int to, ArrivalOf arrivalOf)
+/// Hands on what comes in at \a from until it ends. \a arrivalOf says when so many bytes arrive at the other end, and
+/// \a arrived is told that they did.
+template <typename Owner, typename ArrivalOf, typename Arrived>
+void carry(const std::shared_ptr<Owner> &owner, int from, int to, std::size_t window, ArrivalOf arrivalOf,
+           Arrived arrived)
 {
-    const auto pipe = std::make_shared<Pipe>();
-    std::thread([owner, pipe, to] {
-        for (std::vector<char> bytes = pipe->take(); !bytes.empty(); bytes = pipe->take())
+    const auto pipe = std::make_shared<Pipe>(window);
+    const int size = static_cast<int>(window);
+    ::setsockopt(from, SOL_SOCKET, SO_RCVBUF, &size, sizeof size);
+    std::thread([owner, pipe, to, arrived] {
+        for (std::vector<char> bytes = pipe->take(); !bytes.empty(); bytes = pipe->take()) {
+            arrived(bytes.size());
             sendAll(to, bytes);
+        }
         ::shutdown(to, SHUT_WR);
     }).detach();
     std::thread([owner, pipe, from, arrivalOf] {
@@ -142,12 +155,20 @@ void SlowLink::accept()
 {
     const auto pace = std::make_shared<Pace>(bytesPerSecond);
     const auto delay = std::chrono::milliseconds(delayMilliseconds);
+    // As much as is on its way where a sender goes by what the link carries: twice what it holds.
+    const auto window =
+        std::max(kSmallestWindow, static_cast<std::size_t>(bytesPerSecond * 4 * delayMilliseconds / 1000));
     for (int client; (client = ::accept(listener, nullptr, nullptr)) >= 0;) {
         // The handshake takes a round trip before the client may speak.
         const auto connection = std::make_shared<Connection>(client, connectTo(serverPort));
         const auto established = Clock::now() + 2 * delay;
-        carry(connection, client, connection->server,
-              [=](std::size_t) { return std::max(Clock::now(), established) + delay; });
-        carry(connection, connection->server, client, [=](std::size_t bytes) { return pace->send(bytes) + delay; });
+        carry(
+            connection, client, connection->server, window,
+            [=](std::size_t) { return std::max(Clock::now(), established) + delay; }, [](std::size_t) {});
+        ++totals->connections;
+        carry(
+            connection, connection->server, client, window,
+            [=](std::size_t bytes) { return pace->send(bytes) + delay; },
+            [counted = totals](std::size_t bytes) { counted->bytes += bytes; });
     }
 }

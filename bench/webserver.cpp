@@ -29,11 +29,11 @@ std::string makeHome()
 
 } // namespace
 
-WebServer::WebServer(const std::string &folder)
+WebServer::WebServer(const std::string &folder, Kind kind)
     : home(makeHome())
     , listenPort(freePort())
 {
-    writeConfiguration(std::filesystem::absolute(folder).string());
+    writeConfiguration(std::filesystem::absolute(folder).string(), kind);
     process = ::fork();
     if (process == 0) {
         ::execlp("nginx", "nginx", "-p", home.c_str(), "-c", (home + "/nginx.conf").c_str(), "-e",
@@ -52,18 +52,27 @@ WebServer::~WebServer()
 }
 
 /// As a distribution sets it up: nothing is tuned for images.
-void WebServer::writeConfiguration(const std::string &folder) const
+void WebServer::writeConfiguration(const std::string &folder, Kind kind) const
 {
+    const bool isSecure = kind == Kind::SingleRangesOverHttp2;
+    const std::string certificate =
+        "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 -subj /CN=localhost -addext "
+        "subjectAltName=DNS:localhost -keyout '" +
+        home + "/key' -out '" + certificateFile() + "' 2>/dev/null";
+    if (isSecure && std::system(certificate.c_str()) != 0)
+        throw std::runtime_error("No certificate can be made. Is openssl installed?");
     std::ofstream out(home + "/nginx.conf");
     out << "daemon off; worker_processes 2; pid " << home << "/nginx.pid;\n"
         << (::geteuid() == 0 ? "user root;\n" : "") << "events {}\n"
         << "http {\n"
         << "  sendfile on; tcp_nopush on; default_type application/octet-stream;\n"
-        << "  log_format traffic '$body_bytes_sent';\n"
+        << "  log_format traffic '$body_bytes_sent $msec $status $http_range';\n"
         << "  access_log " << home << "/traffic.log traffic;\n";
-    for (const char *kind : {"client_body", "proxy", "fastcgi", "uwsgi", "scgi"})
-        out << "  " << kind << "_temp_path " << home << "/" << kind << ";\n";
-    out << "  server { listen 127.0.0.1:" << listenPort << "; root \"" << folder << "\"; }\n"
+    for (const char *room : {"client_body", "proxy", "fastcgi", "uwsgi", "scgi"})
+        out << "  " << room << "_temp_path " << home << "/" << room << ";\n";
+    out << "  server { listen 127.0.0.1:" << listenPort
+        << (isSecure ? " ssl http2; max_ranges 1; ssl_certificate certificate; ssl_certificate_key key" : "")
+        << "; root \"" << folder << "\"; }\n"
         << "}\n";
 }
 

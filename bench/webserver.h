@@ -17,17 +17,22 @@ struct Traffic
 class WebServer
 {
 public:
-    explicit WebServer(const std::string &folder);
+    enum class Kind {
+        Plain,
+        SingleRangesOverHttp2 ///< secure, with a certificate of its own for "localhost"
+    };
+    explicit WebServer(const std::string &folder, Kind kind = Kind::Plain);
     ~WebServer();
     WebServer(const WebServer &) = delete;
     WebServer &operator=(const WebServer &) = delete;
 
     int port() const { return listenPort; }
+    std::string certificateFile() const { return home + "/certificate"; }
     /// Since the last call. Waits until the server has written what it did.
     Traffic takeTraffic();
 
 private:
-    void writeConfiguration(const std::string &folder) const;
+    void writeConfiguration(const std::string &folder, Kind kind) const;
     void waitUntilReady() const;
 
     std::string home; ///< of its own files

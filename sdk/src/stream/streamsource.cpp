@@ -98,6 +98,7 @@ public:
     {
         const std::lock_guard<std::mutex> lock(source->mutex);
         claimed.remove(source->underWay);
+        claimed.remove(source->unattended->underWay());
         for (const ByteRange &range : claimed.ranges())
             source->underWay.add(range);
     }
@@ -130,6 +131,8 @@ StreamSource::StreamSource(const StreamAddress &address, const StreamOptions &op
 
 StreamSource::~StreamSource()
 {
+    if (unattended)
+        unattended->breakOff();
     SegmentStore::instance().release(fileNumber, newestPin);
 }
 
@@ -180,11 +183,27 @@ CError StreamSource::connect()
         fetcher.setWholeSink(std::make_shared<WholeFileSink>(cached, shownAddress));
     fileNumber = SegmentStore::instance().fileNumber(identity());
     newestPin = nextNumber();
+    keepWhatIsCancelled();
     if (logEnabled(PLK_LOG_DEBUG))
         log(PLK_LOG_DEBUG,
             wideFromUtf8("\"" + name() + "\" has " + std::to_string(size()) + " bytes, " +
                          std::to_string(cached ? cached->heldBytes() : 0) + " of which are in the stream cache."));
     return keep(0, first.data(), first.size(), newestPin);
+}
+
+/// Requests that nobody waits for any more go on, and keep by themselves what they bring: this source may be gone then.
+void StreamSource::keepWhatIsCancelled()
+{
+    const auto take = [stream = cached, file = fileNumber, expected = version](const RangeGroup &group,
+                                                                               const HttpAnswer &answer) {
+        RangeFetcher::takeLeftover(group, answer, expected, [&](auto offset, auto data, auto length) {
+            if (stream && expected.isTellable())
+                stream->put(offset, data, length);
+            SegmentStore::instance().put(file, offset, data, length, 0);
+        });
+    };
+    unattended = std::make_shared<UnattendedRequests>(take);
+    fetcher.setAfterlife([this](const RangeGroup &group) { return unattended->afterlifeOf(group); });
 }
 
 /// Where bytes that came from the server go.
@@ -295,6 +314,7 @@ void StreamSource::setCondition(const CError &error)
         trouble = error;
     }
     if (code == PLK_ERR_FILE_CHANGED) { // reads do not look at what is held any more
+        unattended->drop();
         SegmentStore::instance().drop(fileNumber);
         cache.remove(printableAddress, version);
     }
@@ -400,6 +420,8 @@ CError StreamSource::prefetch(const std::vector<ByteRange> &ranges, const Cancel
                        lacking.remove(ByteRange{offset, length});
                    });
         store.release(fileNumber, oldPin);
+        if (!lacking.isEmpty())
+            unattended->noteWanted(lacking);
         while (!lacking.isEmpty()) {
             if (CError state = condition())
                 return state;
@@ -416,6 +438,7 @@ CError StreamSource::prefetch(const std::vector<ByteRange> &ranges, const Cancel
             if (claim.ranges().isEmpty())
                 lacking = store.missing(fileNumber, lacking.ranges(), pin);
         }
+        unattended->noteStepDone();
     } catch (const std::bad_alloc &) {
         return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to read from \"" + name() + "\"."};
     }

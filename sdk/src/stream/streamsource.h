@@ -1,6 +1,7 @@
 #pragma once
 
 #include "segmentstore.h"
+#include "unattendedrequests.h"
 
 #include "io/bytesource.h"
 #include "io/openwatch.h"
@@ -47,6 +48,7 @@ private:
     StreamSource(const StreamAddress &address, const StreamOptions &options, std::shared_ptr<OpenWatch> openWatch);
     PLK::CError connect();
     FileVersion cachedVersion();
+    void keepWhatIsCancelled();
     PLK::CError keep(std::uint64_t offset, const std::uint8_t *data, std::uint64_t length, std::uint64_t pin);
     void loadCached(const std::vector<ByteRange> &ranges, std::uint64_t pin, const RangeFetcher::Sink &sink) const;
     void collectHere(RangeAssembly *assembly, const RangeFetcher::Sink &take) const;
@@ -70,6 +72,7 @@ private:
     std::string uniqueMark; ///< tells apart what the server gives nothing to tell apart by
     std::uint64_t fileNumber = 0;
     std::atomic<bool> isKnownAsDoubted{false};
+    std::shared_ptr<UnattendedRequests> unattended;
 
     mutable std::mutex mutex; ///< guards the members below
     std::condition_variable landed;

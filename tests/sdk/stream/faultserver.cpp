@@ -62,10 +62,10 @@ void FaultServer::Connection::reset() const
     ::setsockopt(socket, SOL_SOCKET, SO_LINGER, &none, sizeof none);
 }
 
-void FaultServer::Connection::linger(int milliseconds) const
+bool FaultServer::Connection::linger(int milliseconds) const
 {
     pollfd waited = {socket, POLLRDHUP, 0};
-    ::poll(&waited, 1, milliseconds);
+    return ::poll(&waited, 1, milliseconds) == 0;
 }
 
 FaultServer::FaultServer(Handler requestHandler)

@@ -38,8 +38,8 @@ public:
         bool send(const std::string &bytes) const;
         /// Ends the connection with a reset instead of an orderly close.
         void reset() const;
-        /// Until the other side goes away, the server stops, or \a milliseconds are over.
-        void linger(int milliseconds) const;
+        /// Until the other side goes away, the server stops, or \a milliseconds are over; true in the last case.
+        bool linger(int milliseconds) const;
 
     private:
         const int socket;

@@ -47,6 +47,7 @@ private slots:
     void passwordsAreNotLogged();
     void redirectsKeepThePassword();
     void cancelReturnsAtOnce();
+    void cancelledRequestsGoOn();
     void fewRequestsAtATime();
     void prefetchedBytesNeedNoRequest();
     void threadsShareRequests();
@@ -595,6 +596,49 @@ void TestStreamFaults::cancelReturnsAtOnce()
     QCOMPARE(readError(*source, kRanges, cancel), int(PLK_ERR_CANCELLED));
     QVERIFY(timer.elapsed() < 200);
     QVERIFY(!source->condition());
+}
+
+void TestStreamFaults::cancelledRequestsGoOn()
+{
+    constexpr std::uint64_t kFrom = 20000, kLength = 90000;
+    const WebFile file = plainFile();
+    xrv::CancelFlag cancel;
+    std::atomic<bool> mayGoOn{true}, isBrokenOff{false};
+    FaultServer server(answering([](const Request &) { return std::string(); }));
+    const Handler slow = [&](const Request &request, const Connection &connection) {
+        const std::string answer = file.answer(request);
+        if (request.ranges.front().first != kFrom)
+            return connection.send(answer);
+        connection.send(answer.substr(0, answer.size() / 2));
+        connection.linger(50); // some of it came
+        cancel.raise();
+        while (!mayGoOn)
+            if (!connection.linger(10))
+                return !(isBrokenOff = true);
+        connection.linger(50); // it was cancelled
+        return connection.send(answer.substr(answer.size() / 2));
+    };
+    server.setHandler(afterOpening(file, slow));
+    const auto source = opened(server.address("/on.jp2"));
+    QCOMPARE(readError(*source, {{kFrom, kLength}}, cancel), int(PLK_ERR_CANCELLED));
+    server.takeRequests();
+    QVERIFY(readsRight(*source, file, {{kFrom, kLength}}));
+    QVERIFY(server.takeRequests().empty());
+
+    // What nobody comes back to is broken off; what came of it is not asked for again.
+    mayGoOn = false;
+    cancel = xrv::CancelFlag();
+    server.setHandler(afterOpening(file, slow));
+    const auto elsewhere = opened(server.address("/elsewhere.jp2"));
+    QCOMPARE(readError(*elsewhere, {{kFrom, kLength}}, cancel), int(PLK_ERR_CANCELLED));
+    for (std::uint64_t i = 0; i < 10; ++i)
+        QVERIFY(!elsewhere->prefetch({{150000 + i * 4000, 10}}, {}));
+    QTRY_VERIFY(isBrokenOff);
+    server.takeRequests();
+    QVERIFY(readsRight(*elsewhere, file, {{kFrom, kLength}}));
+    const std::vector<Request> requests = server.takeRequests();
+    QCOMPARE(requests.size(), std::size_t(1));
+    QVERIFY(requests[0].ranges.front().first > kFrom + kLength / 4);
 }
 
 void TestStreamFaults::fewRequestsAtATime()

@@ -61,9 +61,11 @@ RangeStyle::RangeStyle(std::string serverName)
 
 std::vector<RangeGroup> RangeStyle::plan(const ByteRangeSet &lacking) const
 {
+    const ServerTraits &traits = ServerTraits::instance();
+    const std::uint64_t gap = traits.multiplexes(server) ? kMultiplexedGap : kRequestGap;
     if (outcome == FetchRound::Several::Fine)
-        return planRequests(lacking, ServerTraits::instance().takesSeveralRanges(server));
-    std::vector<RangeGroup> groups = planRequests(lacking, ServerTraits::Answer::No);
+        return planRequests(lacking, traits.takesSeveralRanges(server), gap);
+    std::vector<RangeGroup> groups = planRequests(lacking, ServerTraits::Answer::No, gap);
     // One that may be overloaded is not to be asked a hundred times at once.
     if (outcome == FetchRound::Several::Doubted && !singlesCome)
         groups.resize(1);
@@ -72,6 +74,8 @@ std::vector<RangeGroup> RangeStyle::plan(const ByteRangeSet &lacking) const
 
 void RangeStyle::learn(const FetchRound &round)
 {
+    if (round.gained > 0)
+        ServerTraits::instance().setMultiplexes(server, round.isMultiplexed);
     if (outcome == FetchRound::Several::Fine) {
         outcome = round.several;
     } else if (!singlesCome && round.gained > 0) {

@@ -23,11 +23,12 @@ struct FetchRound
         Refused  ///< answered as if the server did not understand them
     };
 
-    PLK::CError trouble;     ///< worth another try
-    int pause = -1;          ///< milliseconds the server wants to be left alone
-    bool isTimeOut = false;  ///< the server kept silent
-    bool isInSink = false;   ///< the whole file went there
-    bool isFallback = false; ///< another way of asking was found to be needed
+    PLK::CError trouble;        ///< worth another try
+    int pause = -1;             ///< milliseconds the server wants to be left alone
+    bool isTimeOut = false;     ///< the server kept silent
+    bool isInSink = false;      ///< the whole file went there
+    bool isFallback = false;    ///< another way of asking was found to be needed
+    bool isMultiplexed = false; ///< an answer came by HTTP/2
     Several several = Several::Fine;
     std::uint64_t lacking = 0, gained = 0; ///< bytes before, and how many of these came
 

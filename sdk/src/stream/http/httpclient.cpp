@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <new>
+#include <set>
 #include <utility>
 
 namespace xrv {
@@ -14,6 +15,7 @@ constexpr auto kCancelPoll = std::chrono::milliseconds(5);
 constexpr int kMaxWait = 200;       // milliseconds, while something is on its way
 constexpr int kMaxIdleWait = 60000; // until somebody wakes it
 constexpr long kConnectionsKept = 24;
+constexpr std::size_t kMaxServersKnown = 1000;
 
 struct MultiDeleter
 {
@@ -36,8 +38,10 @@ struct HttpClient::Exchange
     {
     }
     const HttpRequest request;
-    std::atomic<bool> abandoned{false}; ///< nobody waits any more
-    bool isDone = false;                ///< under the loop's mutex, as is the answer
+    std::atomic<bool> abandoned{false};  ///< to be broken off
+    std::atomic<bool> isStarted{false};  ///< it is on its way
+    std::atomic<bool> unattended{false}; ///< it goes on by itself
+    bool isDone = false;                 ///< under the loop's mutex, as is the answer
     HttpAnswer answer;
 };
 
@@ -62,8 +66,11 @@ private:
 
     bool takeIn();
     void startQueued();
+    int limitFor(const std::string &server) const;
+    void learnProtocol(const std::string &server, const HttpAnswer &answer);
     void start(const ExchangePtr &exchange);
-    void dropAbandoned();
+    bool makeRoom(const std::string &server);
+    void dropUseless();
     void collectFinished();
     void endStalled();
     ActiveList::iterator remove(ActiveList::iterator it, HttpAnswer answer);
@@ -78,7 +85,8 @@ private:
     // Of the loop's thread.
     std::deque<ExchangePtr> queue;
     ActiveList active;
-    std::map<std::string, int> load; ///< requests on their way, by server
+    std::map<std::string, int> load;    ///< requests on their way, by server
+    std::set<std::string> multiplexing; ///< servers whose last answer came by HTTP/2
     std::unique_ptr<CURLM, MultiDeleter> multi;
 };
 
@@ -90,6 +98,7 @@ HttpClient::Loop::Loop()
         throw std::bad_alloc();
     curl_multi_setopt(multi.get(), CURLMOPT_PIPELINING, long(CURLPIPE_MULTIPLEX));
     curl_multi_setopt(multi.get(), CURLMOPT_MAXCONNECTS, kConnectionsKept);
+    curl_multi_setopt(multi.get(), CURLMOPT_MAX_CONCURRENT_STREAMS, long(kMaxMultiplexed));
 }
 
 HttpClient::Loop::~Loop() = default;
@@ -127,7 +136,10 @@ void HttpClient::Loop::await(const std::vector<ExchangePtr> &exchanges, const Ca
     for (const ExchangePtr &exchange : exchanges) {
         if (exchange->isDone)
             continue;
-        exchange->abandoned = true;
+        const bool goesOn = exchange->isStarted && exchange->request.afterlife;
+        if (goesOn)
+            exchange->request.afterlife->begin();
+        (goesOn ? exchange->unattended : exchange->abandoned) = true;
         exchange->isDone = true;
         exchange->answer.outcome = HttpOutcome::Cancelled;
         isAbandoned = true;
@@ -140,7 +152,7 @@ void HttpClient::Loop::await(const std::vector<ExchangePtr> &exchanges, const Ca
 void HttpClient::Loop::run()
 {
     while (takeIn()) {
-        dropAbandoned();
+        dropUseless();
         startQueued();
         int running = 0;
         curl_multi_perform(multi.get(), &running);
@@ -163,7 +175,7 @@ bool HttpClient::Loop::takeIn()
 void HttpClient::Loop::startQueued()
 {
     for (auto it = queue.begin(); it != queue.end();) {
-        if (!(*it)->abandoned && load[(*it)->request.server] >= kMaxPerServer) {
+        if (!(*it)->abandoned && !makeRoom((*it)->request.server)) {
             ++it;
             continue;
         }
@@ -171,6 +183,38 @@ void HttpClient::Loop::startQueued()
             start(*it);
         it = queue.erase(it);
     }
+}
+
+/// Whether one more may be on its way to \a server. Those that nobody waits for take no place of those that are waited
+/// for: beyond what there may be of both, the oldest is broken off.
+bool HttpClient::Loop::makeRoom(const std::string &server)
+{
+    const auto isUnattended = [&](const Active &one) {
+        return one.exchange->unattended && one.exchange->request.server == server;
+    };
+    const int limit = limitFor(server);
+    const auto unattended = static_cast<int>(std::count_if(active.begin(), active.end(), isUnattended));
+    if (load[server] - unattended >= limit)
+        return false;
+    const auto oldest = std::find_if(active.begin(), active.end(), isUnattended);
+    if (load[server] >= std::max(limit, kMaxPerServer + kMaxUnattended) && oldest != active.end())
+        remove(oldest, oldest->transfer->finishUseless());
+    return true;
+}
+
+int HttpClient::Loop::limitFor(const std::string &server) const
+{
+    return multiplexing.count(server) > 0 ? kMaxMultiplexed : kMaxPerServer;
+}
+
+void HttpClient::Loop::learnProtocol(const std::string &server, const HttpAnswer &answer)
+{
+    if (multiplexing.size() >= kMaxServersKnown)
+        multiplexing.clear();
+    if (answer.isMultiplexed)
+        multiplexing.insert(server);
+    else if (answer.status != 0)
+        multiplexing.erase(server);
 }
 
 void HttpClient::Loop::start(const ExchangePtr &exchange)
@@ -183,6 +227,7 @@ void HttpClient::Loop::start(const ExchangePtr &exchange)
         if (curl_multi_add_handle(multi.get(), transfer->handle()) != CURLM_OK)
             throw std::bad_alloc();
         active.push_back({exchange, std::move(transfer)});
+        exchange->isStarted = true;
         ++load[exchange->request.server];
     } catch (const std::bad_alloc &) {
         HttpAnswer answer;
@@ -205,18 +250,26 @@ HttpClient::Loop::ActiveList::iterator HttpClient::Loop::remove(ActiveList::iter
 
 void HttpClient::Loop::finish(const ExchangePtr &exchange, HttpAnswer answer)
 {
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (exchange->isDone)
-        return;
-    exchange->answer = std::move(answer);
-    exchange->isDone = true;
-    answered.notify_all();
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (!exchange->isDone) {
+            exchange->answer = std::move(answer);
+            exchange->isDone = true;
+            answered.notify_all();
+            return;
+        }
+    }
+    if (exchange->unattended)
+        exchange->request.afterlife->end(answer);
 }
 
-void HttpClient::Loop::dropAbandoned()
+void HttpClient::Loop::dropUseless()
 {
-    for (auto it = active.begin(); it != active.end();)
-        it = it->exchange->abandoned ? remove(it, {}) : std::next(it);
+    for (auto it = active.begin(); it != active.end();) {
+        const Exchange &exchange = *it->exchange;
+        const bool isUseless = exchange.abandoned || (exchange.unattended && !exchange.request.afterlife->goesOn());
+        it = isUseless ? remove(it, it->transfer->finishUseless()) : std::next(it);
+    }
 }
 
 void HttpClient::Loop::collectFinished()
@@ -229,8 +282,11 @@ void HttpClient::Loop::collectFinished()
         const CURLcode code = message->data.result;
         const auto it = std::find_if(active.begin(), active.end(),
                                      [&](const Active &one) { return one.transfer->handle() == handle; });
-        if (it != active.end())
-            remove(it, it->transfer->finish(code));
+        if (it == active.end())
+            continue;
+        HttpAnswer answer = it->transfer->finish(code);
+        learnProtocol(it->exchange->request.server, answer);
+        remove(it, std::move(answer));
     }
 }
 
@@ -246,7 +302,7 @@ void HttpClient::Loop::cancelEverything()
     HttpAnswer cancelled;
     cancelled.outcome = HttpOutcome::Cancelled;
     for (auto it = active.begin(); it != active.end();)
-        it = remove(it, cancelled);
+        it = remove(it, it->transfer->finishUseless());
     takeIn();
     for (const ExchangePtr &exchange : queue)
         finish(exchange, cancelled);

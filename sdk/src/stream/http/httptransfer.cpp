@@ -239,6 +239,9 @@ void HttpTransfer::dropHalfHead()
 
 HttpAnswer HttpTransfer::finish(CURLcode code)
 {
+    long protocol = 0;
+    curl_easy_getinfo(easy.get(), CURLINFO_HTTP_VERSION, &protocol);
+    answer.isMultiplexed = protocol == CURL_HTTP_VERSION_2_0;
     if (usesSink() && !answer.body.empty() && !flushToSink() && code == CURLE_OK)
         code = CURLE_WRITE_ERROR;
     answer.outcome = hasBadHeaders ? HttpOutcome::Invalid : outcomeOf(code);
@@ -254,6 +257,13 @@ HttpAnswer HttpTransfer::finishStalled()
 {
     answer.outcome = HttpOutcome::TimedOut;
     answer.failure = "nothing came for " + std::to_string(request.stallTimeout / 1000.0).substr(0, 4) + " seconds";
+    dropHalfHead();
+    return std::move(answer);
+}
+
+HttpAnswer HttpTransfer::finishUseless()
+{
+    answer.outcome = HttpOutcome::Cancelled;
     dropHalfHead();
     return std::move(answer);
 }

@@ -25,6 +25,8 @@ public:
     HttpAnswer finish(CURLcode code);
     /// The answer when it is given up for want of progress.
     HttpAnswer finishStalled();
+    /// The answer, with what came of it, when it is broken off.
+    HttpAnswer finishUseless();
     /// Next to nothing came for the stall time-out.
     bool isStalled(Clock::time_point now);
 

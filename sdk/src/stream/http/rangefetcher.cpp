@@ -223,6 +223,8 @@ HttpRequest RangeFetcher::requestFor(const RangeGroup &group, const FileVersion 
     if (group.isWholeFile) {
         request.wholeSink = wholeSink;
         request.wholeLimit = version.length;
+    } else if (afterlifeOf) {
+        request.afterlife = afterlifeOf(group);
     }
     if (isOnTrial) {
         const int timeout = link.options().trialTimeout;
@@ -342,6 +344,7 @@ CError RangeFetcher::takeAnswer(const RangeGroup &group, const HttpAnswer &answe
 {
     if (answer.outcome == HttpOutcome::Cancelled)
         return cancelledError();
+    round->isMultiplexed = round->isMultiplexed || answer.isMultiplexed;
     if (isSeveral(group) && AnswerFaults::mayConcernSeveral(answer.status)) {
         faults.refuseSeveral(answer, "it answers with status " + std::to_string(answer.status), round);
         return {};
@@ -383,6 +386,24 @@ CError RangeFetcher::takeBody(const RangeGroup &group, const HttpAnswer &answer,
         setDoubtful();
     return answer.status == 206 ? takePartial(group, answer, version, sink, round)
                                 : takeWhole(group, answer, version, sink, round);
+}
+
+void RangeFetcher::takeLeftover(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
+                                const Sink &sink)
+{
+    if (answer.status != 206 || isCompressed(answer) || version.match(answer) != FileVersion::Match::Same)
+        return;
+    std::vector<RangePiece> pieces;
+    std::string fault;
+    readPieces(answer, &pieces, &fault);
+    const ByteRangeSet asked(group.ranges);
+    for (const RangePiece &piece : pieces) {
+        const ContentRange &place = piece.contentRange;
+        const ByteRange came{place.range.offset, piece.length};
+        if ((!place.hasTotal || place.total == version.length) && came.end() <= version.length &&
+            !asked.within(came).empty())
+            sink(came.offset, piece.data, came.length);
+    }
 }
 
 /// A 206 need not hold what was asked for, nor in that order: a server may join ranges or send part of them

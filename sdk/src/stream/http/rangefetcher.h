@@ -38,6 +38,12 @@ public:
     /// Where files go that their server gives as a whole only: then they are not handed over. Without one they are, and
     /// may be no larger than what memory may take. Before fetch().
     void setWholeSink(std::shared_ptr<BodySink> sink) { wholeSink = std::move(sink); }
+    /// What becomes of requests for parts of the file that are cancelled. Before fetch().
+    using AfterlifeOf = std::function<std::shared_ptr<Afterlife>(const RangeGroup &group)>;
+    void setAfterlife(AfterlifeOf maker) { afterlifeOf = std::move(maker); }
+    /// Hands over what \a answer has of what was asked for, where that is proven to be of \a version.
+    static void takeLeftover(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
+                             const Sink &sink);
     /// Until bytes have come again, fetch() tries once and with short time-outs.
     void setOnTrial(bool onTrial) { isOnTrial = onTrial; }
     /// The server gives this file as a whole only.
@@ -81,6 +87,7 @@ private:
     ServerLink &link;
     const AnswerFaults openingFaults, faults;
     std::shared_ptr<BodySink> wholeSink;
+    AfterlifeOf afterlifeOf;
     std::atomic<bool> takesNoRanges{false}, isOnTrial{false}, handsOverUnproven{false};
 
     std::mutex mutex;             ///< guards the members below

@@ -76,11 +76,12 @@ RangeGroup wholeFile(std::uint64_t length)
     return group;
 }
 
-std::vector<RangeGroup> planRequests(const ByteRangeSet &lacking, ServerTraits::Answer severalRanges)
+std::vector<RangeGroup> planRequests(const ByteRangeSet &lacking, ServerTraits::Answer severalRanges,
+                                     std::uint64_t requestGap)
 {
     if (severalRanges == ServerTraits::Answer::No) {
         std::vector<RangeGroup> groups;
-        for (const ByteRange &range : cutToSize(joinedRanges(lacking.ranges(), kRequestGap)))
+        for (const ByteRange &range : cutToSize(joinedRanges(lacking.ranges(), requestGap)))
             groups.push_back({{range}, false});
         return groups;
     }

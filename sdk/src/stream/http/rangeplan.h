@@ -24,12 +24,14 @@ struct RangeGroup
 /// it with those beside it.
 constexpr std::uint64_t kPartGap = 512;
 constexpr std::uint64_t kRequestGap = 32768;
+constexpr std::uint64_t kMultiplexedGap = 2048; ///< where a hundred others share the round trip
 
 /// The one request for a file of \a length bytes to a server that does not know ranges.
 RangeGroup wholeFile(std::uint64_t length);
 
 /// The requests that bring \a lacking, given what the server is known to do. While that is unknown, one request finds
-/// it out and the rest follow with the next plan.
-std::vector<RangeGroup> planRequests(const ByteRangeSet &lacking, ServerTraits::Answer severalRanges);
+/// it out and the rest follow with the next plan. \a requestGap is for single ranges.
+std::vector<RangeGroup> planRequests(const ByteRangeSet &lacking, ServerTraits::Answer severalRanges,
+                                     std::uint64_t requestGap = kRequestGap);
 
 } // namespace xrv

@@ -18,35 +18,50 @@ ServerTraits &ServerTraits::instance()
 ServerTraits::Answer ServerTraits::takesSeveralRanges(const std::string &server) const
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    const auto found = severalRanges.find(server);
-    return found == severalRanges.end() ? Answer::Unknown : found->second.answer;
+    const auto found = servers.find(server);
+    return found == servers.end() ? Answer::Unknown : found->second.severalRanges;
 }
 
-ServerTraits::SeveralRanges &ServerTraits::entry(const std::string &server)
+ServerTraits::Server &ServerTraits::entry(const std::string &server)
 {
-    if (severalRanges.size() >= kMaxServers)
-        severalRanges.clear();
-    return severalRanges[server];
+    if (servers.size() >= kMaxServers)
+        servers.clear();
+    return servers[server];
 }
 
 void ServerTraits::setTakesSeveralRanges(const std::string &server, bool takes)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    entry(server) = {takes ? Answer::Yes : Answer::No, 0};
+    Server &known = entry(server);
+    known.severalRanges = takes ? Answer::Yes : Answer::No;
+    known.doubts = 0;
 }
 
 void ServerTraits::doubtSeveralRanges(const std::string &server)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    SeveralRanges &known = entry(server);
+    Server &known = entry(server);
     if (++known.doubts >= kDoubtsThatDecide)
-        known.answer = Answer::No;
+        known.severalRanges = Answer::No;
+}
+
+bool ServerTraits::multiplexes(const std::string &server) const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    const auto found = servers.find(server);
+    return found != servers.end() && found->second.multiplexes;
+}
+
+void ServerTraits::setMultiplexes(const std::string &server, bool does)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    entry(server).multiplexes = does;
 }
 
 void ServerTraits::forget()
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    severalRanges.clear();
+    servers.clear();
 }
 
 } // namespace xrv

@@ -19,18 +19,22 @@ public:
     /// A request for several ranges failed where one for a single range did not. Once may be chance; twice, with none
     /// in between that was answered, is how the server is.
     void doubtSeveralRanges(const std::string &server);
+    /// A connection to it carries many requests at a time.
+    bool multiplexes(const std::string &server) const;
+    void setMultiplexes(const std::string &server, bool does);
     void forget();
 
 private:
-    struct SeveralRanges
+    struct Server
     {
-        Answer answer = Answer::Unknown;
+        Answer severalRanges = Answer::Unknown;
         int doubts = 0;
+        bool multiplexes = false;
     };
-    SeveralRanges &entry(const std::string &server);
+    Server &entry(const std::string &server);
 
-    mutable std::mutex mutex; ///< guards severalRanges
-    std::map<std::string, SeveralRanges> severalRanges;
+    mutable std::mutex mutex; ///< guards servers
+    std::map<std::string, Server> servers;
 };
 
 } // namespace xrv

@@ -24,6 +24,21 @@ public:
     virtual bool take(const HttpAnswer &head, std::uint64_t offset, const std::uint8_t *data, std::size_t length) = 0;
 };
 
+/// What becomes of an exchange whose asker has turned to something else: it goes on, as long as that is of use, and
+/// what it brings is handed over here.
+class Afterlife
+{
+public:
+    virtual ~Afterlife() = default;
+    /// From now on nobody waits. On the asker's thread, with the client's lock held: must not call back.
+    virtual void begin() = 0;
+    /// It is of use still. On the client's thread.
+    virtual bool goesOn() const = 0;
+    /// The exchange is over: whole, broken, or broken off because it was of no use any more. On the client's thread,
+    /// which all streams wait for.
+    virtual void end(const HttpAnswer &answer) = 0;
+};
+
 /// One request to a server. Times in milliseconds.
 struct HttpRequest
 {
@@ -35,10 +50,11 @@ struct HttpRequest
     std::vector<std::string> headers; ///< further ones, "Name: value"
     std::string userAgent, caFile;
     int connectTimeout = 0, stallTimeout = 0;
-    std::uint64_t partialLimit = 0;      ///< bytes taken of the body of a 206, more is "too long"
-    std::uint64_t wholeLimit = 0;        ///< the same of a 200
-    std::shared_ptr<BodySink> wholeSink; ///< gets the body of a 200, where there is one
-    std::shared_ptr<OpenWatch> watch;    ///< told how much of it came, where there is one
+    std::uint64_t partialLimit = 0;       ///< bytes taken of the body of a 206, more is "too long"
+    std::uint64_t wholeLimit = 0;         ///< the same of a 200
+    std::shared_ptr<BodySink> wholeSink;  ///< gets the body of a 200, where there is one
+    std::shared_ptr<OpenWatch> watch;     ///< told how much of it came, where there is one
+    std::shared_ptr<Afterlife> afterlife; ///< without one a cancelled exchange is broken off
 };
 
 /// How an exchange ended.
@@ -62,6 +78,7 @@ struct HttpAnswer
     std::vector<std::pair<std::string, std::string>> headers; ///< names in lower case
     Bytes body;
     std::uint64_t bodyLength = 0; ///< also of what went to a sink
+    bool isMultiplexed = false;   ///< it came by HTTP/2, where a connection carries many at a time
     /// Of the last header of this \a name (lower case); empty without.
     std::string header(const std::string &name) const;
     /// What the Content-Length header says; 0 without.

@@ -17,6 +17,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <utility>
 
 using Korvane::Application;
 using Korvane::Util::String::formatFileSize;
@@ -63,10 +64,10 @@ XRVJP2kPreferences::XRVJP2kPreferences(QWidget *parent)
 {
 }
 
-XRVJP2kPreferences::XRVJP2kPreferences(const Surroundings &found, QWidget *parent)
+XRVJP2kPreferences::XRVJP2kPreferences(Surroundings found, QWidget *parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::XRVJP2kPreferencesClass>())
-    , surroundings(found)
+    , surroundings(std::move(found))
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("XRV JP2"));

@@ -26,7 +26,7 @@ public:
     };
 
     explicit XRVJP2kPreferences(QWidget *parent = nullptr);
-    explicit XRVJP2kPreferences(const Surroundings &found, QWidget *parent = nullptr);
+    explicit XRVJP2kPreferences(Surroundings found, QWidget *parent = nullptr);
     ~XRVJP2kPreferences() override;
 
 public Q_SLOTS:

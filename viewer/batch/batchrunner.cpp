@@ -77,7 +77,7 @@ void BatchRunner::showLayers()
 {
     for (Opened &entry : opened) {
         if (view->addLayer(entry.layer.get(), -1) >= 0)
-            entry.layer.release();
+            (void)entry.layer.release(); // the view owns it
         else
             fail(QStringLiteral("%1 cannot be shown.").arg(Sources::shown(entry.source)));
     }

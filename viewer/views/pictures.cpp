@@ -45,7 +45,7 @@ QString checkName(const QString &fileName)
 
 QString write(const QImage &image, const QString &fileName)
 {
-    const QString wrongName = checkName(fileName);
+    QString wrongName = checkName(fileName);
     if (!wrongName.isEmpty())
         return wrongName;
     QBuffer bytes; // only a file can say why it cannot be written

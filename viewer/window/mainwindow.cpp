@@ -238,7 +238,7 @@ QString MainWindow::addLayer(const QString &source, QPointer<MapView> *view)
         *view = area->createView();
     if ((*view)->addLayer(result.layer.get(), -1) < 0)
         return tr("%1 cannot be shown.").arg(QDir::toNativeSeparators(Sources::shown(source)));
-    result.layer.release();
+    (void)result.layer.release(); // the view owns it
     recentSources->add(Sources::normalized(source));
     return QString();
 }
@@ -267,7 +267,7 @@ void MainWindow::openIn(const QStringList &sources, MapView *view)
 QStringList MainWindow::chooseFiles(const QString &title)
 {
     const QString folder = settings()->value(kFolderKey, QDir::homePath()).toString();
-    const QStringList files = QFileDialog::getOpenFileNames(this, title, folder, registry.getFileFilter());
+    QStringList files = QFileDialog::getOpenFileNames(this, title, folder, registry.getFileFilter());
     if (!files.isEmpty())
         settings()->setValue(kFolderKey, QFileInfo(files.first()).absolutePath());
     return files;

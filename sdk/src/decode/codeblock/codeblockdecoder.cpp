@@ -131,10 +131,10 @@ template <typename Cell> struct CodeBlockDecoder::Passes
     /// and uniform; all others in state 0.
     void resetContexts()
     {
-        contexts.fill(kMqStates);
-        contexts[0] = &kMqStates[4 * 2];
-        contexts[kRunContext] = &kMqStates[3 * 2];
-        contexts[kUniformContext] = &kMqStates[46 * 2];
+        contexts.fill(mqStateOfRow(0));
+        contexts[0] = mqStateOfRow(4);
+        contexts[kRunContext] = mqStateOfRow(3);
+        contexts[kUniformContext] = mqStateOfRow(46);
     }
 
     // Rows are template parameters, so that every shift is by a constant.
@@ -215,12 +215,12 @@ template <typename Cell> struct CodeBlockDecoder::Passes
 
     /// D.3.1: cells that are not significant but have significant neighbours. They count as visited whatever came out,
     /// so that the cleanup pass leaves them alone.
-    struct SignificancePropagation
+    struct SignificancePropagation // NOLINT(cppcoreguidelines-pro-type-member-init): an aggregate
     {
         Passes &passes;
         MqDecoder mq;
-        const Cell value = 0;
-        const std::uint8_t *const table = nullptr;
+        const Cell value;
+        const std::uint8_t *const table;
 
         XRV_INLINE static bool skips(std::uint32_t f) { return (f & kAllSignificance) == 0; }
         template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *word, Cell *cell)
@@ -286,11 +286,11 @@ template <typename Cell> struct CodeBlockDecoder::Passes
     }
 
     /// D.3.3. Context by table D.4: a cell's first refinement looks at its neighbours, later ones do not.
-    struct MagnitudeRefinement
+    struct MagnitudeRefinement // NOLINT(cppcoreguidelines-pro-type-member-init): an aggregate
     {
         Passes &passes;
         MqDecoder mq;
-        const Cell half = 0;
+        const Cell half;
 
         XRV_INLINE static bool skips(std::uint32_t f) { return (f & kAllSelf) == 0; }
         template <int kRow> XRV_INLINE void visit(std::uint32_t &f, std::uint32_t *, Cell *cell)

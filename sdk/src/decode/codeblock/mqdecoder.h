@@ -25,6 +25,11 @@ struct MqState
 };
 /// Two entries per row of the table: row * 2 + MPS.
 extern const MqState kMqStates[94];
+/// With 0 as the more probable symbol.
+inline const MqState *mqStateOfRow(std::ptrdiff_t row)
+{
+    return kMqStates + 2 * row;
+}
 
 /// The MQ arithmetic decoder (ISO/IEC 15444-1 C.3). The data must be followed by two bytes of 0xFF, which end every
 /// segment: from there on the decoder feeds itself with ones.

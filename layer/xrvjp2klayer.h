@@ -3,6 +3,7 @@
 #include "viewclipping.h"
 
 #include <QDGui/ilayerstatistics.h>
+#include <QDGui/ilayervalues.h>
 #include <QDGui/irasterlayerhistogram.h>
 #include <QDGui/rasterlayer.h>
 #include <xrv60/plktypes.h>
@@ -33,7 +34,8 @@ class XRVJP2kRenderer;
 /// failed) their getters give fixed defaults and their setters do nothing. GUI thread only.
 class Q_DECL_EXPORT XRVJP2kLayer : public Map::RasterLayer,
                                    public Map::IRasterLayerHistogram,
-                                   public Map::ILayerStatistics
+                                   public Map::ILayerStatistics,
+                                   public Map::ILayerValues
 {
     Q_OBJECT
     Q_PROPERTY(QString SizeOnDisk READ getSizeOnDisk)
@@ -191,6 +193,9 @@ public:
     void countStatistics() override;
     void cancelStatistics() override;
     bool areCellsLocal() const override;
+
+    std::unique_ptr<Map::LayerValueReader> makeValueReader() const override;
+    QStringList getBandNames() const override;
 
     /// The open view; null without one. Owned by the layer.
     PLK::CView *getFile() const;

@@ -1,5 +1,6 @@
 // What the layer tells of the image it shows.
 
+#include "cellvaluereader.h"
 #include "xrvjp2klayer.h"
 #include "xrvjp2krenderer.h"
 
@@ -130,6 +131,16 @@ void XRVJP2kLayer::cancelStatistics()
 bool XRVJP2kLayer::areCellsLocal() const
 {
     return renderer && renderer->GetFile() && !renderer->GetFile()->IsRemote();
+}
+
+std::unique_ptr<Map::LayerValueReader> XRVJP2kLayer::makeValueReader() const
+{
+    return renderer ? std::make_unique<CellValueReader>(renderer->GetFileName()) : nullptr;
+}
+
+QStringList XRVJP2kLayer::getBandNames() const
+{
+    return getBandDescriptions();
 }
 
 PLKRPCData *XRVJP2kLayer::getRPCInfo() const

@@ -127,6 +127,10 @@
         <source>This file is not an XRV image that this library can read.</source>
         <translation>Diese Datei ist kein XRV-Bild, das diese Bibliothek lesen kann.</translation>
     </message>
+    <message>
+        <source>There is no thread to spare for reading values.</source>
+        <translation>Zum Lesen von Werten ist kein Thread mehr zu haben.</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

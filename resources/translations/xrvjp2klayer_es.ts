@@ -127,6 +127,10 @@
         <source>This file is not an XRV image that this library can read.</source>
         <translation>Este archivo no es una imagen XRV que esta biblioteca pueda leer.</translation>
     </message>
+    <message>
+        <source>There is no thread to spare for reading values.</source>
+        <translation>No queda ningún hilo para leer valores.</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

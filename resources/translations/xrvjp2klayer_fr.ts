@@ -127,6 +127,10 @@
         <source>This file is not an XRV image that this library can read.</source>
         <translation>Ce fichier n’est pas une image XRV que cette bibliothèque sait lire.</translation>
     </message>
+    <message>
+        <source>There is no thread to spare for reading values.</source>
+        <translation>Il n’y a plus de fil d’exécution pour lire des valeurs.</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

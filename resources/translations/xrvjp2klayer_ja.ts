@@ -127,6 +127,10 @@
         <source>This file is not an XRV image that this library can read.</source>
         <translation>このファイルは、このライブラリが読み取れる XRV 画像ではありません。</translation>
     </message>
+    <message>
+        <source>There is no thread to spare for reading values.</source>
+        <translation>値を読み取るためのスレッドに空きがありません。</translation>
+    </message>
 </context>
 <context>
     <name>XRVJP2LayerMetaDataBox</name>

@@ -1,3 +1,4 @@
+#include "identify/identifydock.h"
 #include "views/maparea.h"
 #include "window/mainactions.h"
 #include "window/mainwindow.h"
@@ -13,7 +14,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLabel>
 #include <QSettings>
+#include <QStatusBar>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -41,6 +44,7 @@ private Q_SLOTS:
     void refusesInOneLine_data();
     void refusesInOneLine();
     void handlesBusyPeople();
+    void readsTheNumbers();
     void wheelNeverMeetsAnEmptyMap();
 
 private:
@@ -264,6 +268,45 @@ void TestViewerProgram::handlesBusyPeople()
     QTRY_COMPARE(window.mapArea()->views().size(), 8);
     for (MapView *view : window.mapArea()->views())
         QVERIFY(view->waitUntilComplete(60000));
+    window.mapArea()->closeAllViews();
+}
+
+/// Cells of the gradient hold their column, their row and 50.
+void TestViewerProgram::readsTheNumbers()
+{
+    Korvane::PluginRegistry registry;
+    QCOMPARE(registry.loadFolder(QStringLiteral(PLUGIN_FOLDER)), 1);
+    MainWindow window(registry);
+    window.resize(1200, 800);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QCOMPARE(window.addSources({gradient}, nullptr), QStringList());
+    MapView *view = window.mapArea()->currentView();
+    view->setUnitsPerPixel(0.25);
+    view->setCenter(QPointF(100, -80));
+    const QPoint pointer = view->worldToWidget(QPointF(120.3, -77.8)).toPoint();
+    const auto says = [&](const QString &text) {
+        const QList<QLabel *> fields = window.statusBar()->findChildren<QLabel *>();
+        return std::any_of(fields.begin(), fields.end(), [&](const QLabel *field) { return field->text() == text; });
+    };
+    QMouseEvent move(QEvent::MouseMove, pointer, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(view, &move);
+    QTRY_VERIFY(says(QStringLiteral("120 77 50")));
+    const QPointF place = view->widgetToWorld(pointer);
+    view->setUnitsPerPixel(4); // the pointer stays, the map moves below it
+    QVERIFY(!says(QStringLiteral("120 77 50")) || place != view->widgetToWorld(pointer));
+    view->setCenter(place);
+    view->panBy(pointer - view->worldToWidget(place)); // and the place comes back
+    QTRY_VERIFY(says(QStringLiteral("\u2248 120 76 50")) || says(QStringLiteral("\u2248 120 80 50")));
+
+    auto *dock = window.findChild<Viewer::IdentifyDock *>();
+    QTest::mouseClick(view, Qt::LeftButton, Qt::NoModifier, view->worldToWidget(QPointF(60, -70)).toPoint());
+    QVERIFY(!dock->text().contains(QLatin1String("60, 70"))); // nobody sees it yet
+    dock->identify(QPointF(199.5, -149.5));
+    QTRY_VERIFY2(dock->text().contains(QLatin1String("\t199, 149\n")), qPrintable(dock->text()));
+    QVERIFY(dock->text().contains(QLatin1String("\t199\n")) && dock->text().contains(QLatin1String("\t50\n")));
+    dock->identify(QPointF(201, -1));
+    QTRY_VERIFY2(dock->text().contains(QLatin1String("lies elsewhere")), qPrintable(dock->text()));
     window.mapArea()->closeAllViews();
 }
 

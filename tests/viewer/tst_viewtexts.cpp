@@ -24,11 +24,11 @@ void TestViewTexts::tellsPixelsApart_data()
 {
     QTest::addColumn<double>("unitsPerPixel");
     QTest::addColumn<QString>("text");
-    QTest::newRow("metres, coarse") << 240.0 << "X 299,940  Y -4,100,000";
-    QTest::newRow("metres, one") << 1.0 << "X 299,940.1  Y -4,100,000.3";
-    QTest::newRow("centimetres") << 0.01 << "X 299,940.125  Y -4,100,000.250";
-    QTest::newRow("nothing") << 0.0 << "X 299,940  Y -4,100,000";
-    QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << "X 299,940  Y -4,100,000";
+    QTest::newRow("metres, coarse") << 240.0 << "X 299940  Y -4100000";
+    QTest::newRow("metres, one") << 1.0 << "X 299940.1  Y -4100000.3";
+    QTest::newRow("centimetres") << 0.01 << "X 299940.125  Y -4100000.250";
+    QTest::newRow("nothing") << 0.0 << "X 299940  Y -4100000";
+    QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << "X 299940  Y -4100000";
 }
 
 void TestViewTexts::tellsPixelsApart()

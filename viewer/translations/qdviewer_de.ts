@@ -114,6 +114,80 @@
     </message>
 </context>
 <context>
+    <name>Viewer::Geographic</name>
+    <message>
+        <source>W</source>
+        <translation>W</translation>
+    </message>
+    <message>
+        <source>E</source>
+        <translation>O</translation>
+    </message>
+    <message>
+        <source>S</source>
+        <translation>S</translation>
+    </message>
+    <message>
+        <source>N</source>
+        <translation>N</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::IdentifyDock</name>
+    <message>
+        <source>Identify</source>
+        <translation>Abfrage</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Wert</translation>
+    </message>
+    <message>
+        <source>Click on the map to see what lies there.</source>
+        <translation>Auf die Karte klicken, um zu sehen, was dort liegt.</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>&amp;Kopieren</translation>
+    </message>
+    <message>
+        <source>Place</source>
+        <translation>Ort</translation>
+    </message>
+    <message>
+        <source>X</source>
+        <translation>X</translation>
+    </message>
+    <message>
+        <source>Y</source>
+        <translation>Y</translation>
+    </message>
+    <message>
+        <source>Longitude, latitude</source>
+        <translation>Länge, Breite</translation>
+    </message>
+    <message>
+        <source>reading...</source>
+        <translation>wird gelesen...</translation>
+    </message>
+    <message>
+        <source>lies elsewhere</source>
+        <translation>liegt woanders</translation>
+    </message>
+    <message>
+        <source>Column, row</source>
+        <translation>Spalte, Zeile</translation>
+    </message>
+    <message>
+        <source>Band %1</source>
+        <translation>Kanal %1</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::LayerListDock</name>
     <message>
         <source>Layers</source>
@@ -547,6 +621,21 @@
     </message>
 </context>
 <context>
+    <name>Viewer::MapMenu</name>
+    <message>
+        <source>&amp;What Is Here?</source>
+        <translation>&amp;Was ist hier?</translation>
+    </message>
+    <message>
+        <source>&amp;Copy Coordinates %1</source>
+        <translation>&amp;Koordinaten %1 kopieren</translation>
+    </message>
+    <message>
+        <source>C&amp;entre Here</source>
+        <translation>&amp;Hier zentrieren</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::Pictures</name>
     <message>
         <source>The picture %1 cannot be written: %2</source>
@@ -660,6 +749,13 @@
     </message>
 </context>
 <context>
+    <name>Viewer::ValueTexts</name>
+    <message>
+        <source>no number</source>
+        <translation>keine Zahl</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::ViewCommands</name>
     <message>
         <source>The view did not become complete in time; there is no picture of it.</source>
@@ -683,6 +779,10 @@
     <message>
         <source>Screen pixels per cell of the active layer, and world units per screen pixel</source>
         <translation>Bildschirmpixel pro Zelle des aktiven Layers und Welteinheiten pro Bildschirmpixel</translation>
+    </message>
+    <message>
+        <source>Values of the shown bands under the pointer</source>
+        <translation>Werte der gezeigten Kanäle unter dem Zeiger</translation>
     </message>
 </context>
 <context>

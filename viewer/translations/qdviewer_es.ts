@@ -114,6 +114,80 @@
     </message>
 </context>
 <context>
+    <name>Viewer::Geographic</name>
+    <message>
+        <source>W</source>
+        <translation>O</translation>
+    </message>
+    <message>
+        <source>E</source>
+        <translation>E</translation>
+    </message>
+    <message>
+        <source>S</source>
+        <translation>S</translation>
+    </message>
+    <message>
+        <source>N</source>
+        <translation>N</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::IdentifyDock</name>
+    <message>
+        <source>Identify</source>
+        <translation>Identificar</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nombre</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Valor</translation>
+    </message>
+    <message>
+        <source>Click on the map to see what lies there.</source>
+        <translation>Haga clic en el mapa para ver qué hay allí.</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>&amp;Copiar</translation>
+    </message>
+    <message>
+        <source>Place</source>
+        <translation>Lugar</translation>
+    </message>
+    <message>
+        <source>X</source>
+        <translation>X</translation>
+    </message>
+    <message>
+        <source>Y</source>
+        <translation>Y</translation>
+    </message>
+    <message>
+        <source>Longitude, latitude</source>
+        <translation>Longitud, latitud</translation>
+    </message>
+    <message>
+        <source>reading...</source>
+        <translation>leyendo...</translation>
+    </message>
+    <message>
+        <source>lies elsewhere</source>
+        <translation>está en otro lugar</translation>
+    </message>
+    <message>
+        <source>Column, row</source>
+        <translation>Columna, fila</translation>
+    </message>
+    <message>
+        <source>Band %1</source>
+        <translation>Banda %1</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::LayerListDock</name>
     <message>
         <source>Layers</source>
@@ -547,6 +621,21 @@
     </message>
 </context>
 <context>
+    <name>Viewer::MapMenu</name>
+    <message>
+        <source>&amp;What Is Here?</source>
+        <translation>¿&amp;Qué hay aquí?</translation>
+    </message>
+    <message>
+        <source>&amp;Copy Coordinates %1</source>
+        <translation>&amp;Copiar coordenadas %1</translation>
+    </message>
+    <message>
+        <source>C&amp;entre Here</source>
+        <translation>C&amp;entrar aquí</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::Pictures</name>
     <message>
         <source>The picture %1 cannot be written: %2</source>
@@ -660,6 +749,13 @@
     </message>
 </context>
 <context>
+    <name>Viewer::ValueTexts</name>
+    <message>
+        <source>no number</source>
+        <translation>no es un número</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::ViewCommands</name>
     <message>
         <source>The view did not become complete in time; there is no picture of it.</source>
@@ -683,6 +779,10 @@
     <message>
         <source>Screen pixels per cell of the active layer, and world units per screen pixel</source>
         <translation>Píxeles de pantalla por celda de la capa activa y unidades del terreno por píxel de pantalla</translation>
+    </message>
+    <message>
+        <source>Values of the shown bands under the pointer</source>
+        <translation>Valores de las bandas mostradas bajo el puntero</translation>
     </message>
 </context>
 <context>

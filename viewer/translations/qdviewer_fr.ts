@@ -114,6 +114,80 @@
     </message>
 </context>
 <context>
+    <name>Viewer::Geographic</name>
+    <message>
+        <source>W</source>
+        <translation>O</translation>
+    </message>
+    <message>
+        <source>E</source>
+        <translation>E</translation>
+    </message>
+    <message>
+        <source>S</source>
+        <translation>S</translation>
+    </message>
+    <message>
+        <source>N</source>
+        <translation>N</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::IdentifyDock</name>
+    <message>
+        <source>Identify</source>
+        <translation>Identifier</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Valeur</translation>
+    </message>
+    <message>
+        <source>Click on the map to see what lies there.</source>
+        <translation>Cliquez sur la carte pour voir ce qui s’y trouve.</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>&amp;Copier</translation>
+    </message>
+    <message>
+        <source>Place</source>
+        <translation>Lieu</translation>
+    </message>
+    <message>
+        <source>X</source>
+        <translation>X</translation>
+    </message>
+    <message>
+        <source>Y</source>
+        <translation>Y</translation>
+    </message>
+    <message>
+        <source>Longitude, latitude</source>
+        <translation>Longitude, latitude</translation>
+    </message>
+    <message>
+        <source>reading...</source>
+        <translation>lecture...</translation>
+    </message>
+    <message>
+        <source>lies elsewhere</source>
+        <translation>se trouve ailleurs</translation>
+    </message>
+    <message>
+        <source>Column, row</source>
+        <translation>Colonne, ligne</translation>
+    </message>
+    <message>
+        <source>Band %1</source>
+        <translation>Bande %1</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::LayerListDock</name>
     <message>
         <source>Layers</source>
@@ -547,6 +621,21 @@
     </message>
 </context>
 <context>
+    <name>Viewer::MapMenu</name>
+    <message>
+        <source>&amp;What Is Here?</source>
+        <translation>&amp;Qu’y a-t-il ici ?</translation>
+    </message>
+    <message>
+        <source>&amp;Copy Coordinates %1</source>
+        <translation>&amp;Copier les coordonnées %1</translation>
+    </message>
+    <message>
+        <source>C&amp;entre Here</source>
+        <translation>C&amp;entrer ici</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::Pictures</name>
     <message>
         <source>The picture %1 cannot be written: %2</source>
@@ -660,6 +749,13 @@
     </message>
 </context>
 <context>
+    <name>Viewer::ValueTexts</name>
+    <message>
+        <source>no number</source>
+        <translation>pas un nombre</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::ViewCommands</name>
     <message>
         <source>The view did not become complete in time; there is no picture of it.</source>
@@ -683,6 +779,10 @@
     <message>
         <source>Screen pixels per cell of the active layer, and world units per screen pixel</source>
         <translation>Pixels d’écran par cellule de la couche active, et unités terrain par pixel d’écran</translation>
+    </message>
+    <message>
+        <source>Values of the shown bands under the pointer</source>
+        <translation>Valeurs des bandes affichées sous le pointeur</translation>
     </message>
 </context>
 <context>

@@ -112,6 +112,80 @@
     </message>
 </context>
 <context>
+    <name>Viewer::Geographic</name>
+    <message>
+        <source>W</source>
+        <translation>西</translation>
+    </message>
+    <message>
+        <source>E</source>
+        <translation>東</translation>
+    </message>
+    <message>
+        <source>S</source>
+        <translation>南</translation>
+    </message>
+    <message>
+        <source>N</source>
+        <translation>北</translation>
+    </message>
+</context>
+<context>
+    <name>Viewer::IdentifyDock</name>
+    <message>
+        <source>Identify</source>
+        <translation>地点情報</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>値</translation>
+    </message>
+    <message>
+        <source>Click on the map to see what lies there.</source>
+        <translation>地図をクリックすると、その地点の内容が表示されます。</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>コピー(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Place</source>
+        <translation>地点</translation>
+    </message>
+    <message>
+        <source>X</source>
+        <translation>X</translation>
+    </message>
+    <message>
+        <source>Y</source>
+        <translation>Y</translation>
+    </message>
+    <message>
+        <source>Longitude, latitude</source>
+        <translation>経度, 緯度</translation>
+    </message>
+    <message>
+        <source>reading...</source>
+        <translation>読み取り中...</translation>
+    </message>
+    <message>
+        <source>lies elsewhere</source>
+        <translation>この地点にはありません</translation>
+    </message>
+    <message>
+        <source>Column, row</source>
+        <translation>列, 行</translation>
+    </message>
+    <message>
+        <source>Band %1</source>
+        <translation>バンド %1</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::LayerListDock</name>
     <message>
         <source>Layers</source>
@@ -545,6 +619,21 @@
     </message>
 </context>
 <context>
+    <name>Viewer::MapMenu</name>
+    <message>
+        <source>&amp;What Is Here?</source>
+        <translation>ここには何がある(&amp;W)</translation>
+    </message>
+    <message>
+        <source>&amp;Copy Coordinates %1</source>
+        <translation>座標 %1 をコピー(&amp;C)</translation>
+    </message>
+    <message>
+        <source>C&amp;entre Here</source>
+        <translation>ここを中心にする(&amp;E)</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::Pictures</name>
     <message>
         <source>The picture %1 cannot be written: %2</source>
@@ -658,6 +747,13 @@
     </message>
 </context>
 <context>
+    <name>Viewer::ValueTexts</name>
+    <message>
+        <source>no number</source>
+        <translation>数値なし</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::ViewCommands</name>
     <message>
         <source>The view did not become complete in time; there is no picture of it.</source>
@@ -681,6 +777,10 @@
     <message>
         <source>Screen pixels per cell of the active layer, and world units per screen pixel</source>
         <translation>アクティブなレイヤーの 1 セルあたりの画面ピクセル数、および画面 1 ピクセルあたりのワールド単位</translation>
+    </message>
+    <message>
+        <source>Values of the shown bands under the pointer</source>
+        <translation>ポインター位置での表示バンドの値</translation>
     </message>
 </context>
 <context>

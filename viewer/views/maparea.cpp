@@ -170,6 +170,9 @@ void MapArea::adopt(QMdiSubWindow *window)
         updateTitle(view);
         Q_EMIT contentChanged();
     });
+    view->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(view, &QWidget::customContextMenuRequested, this,
+            [this, view](const QPoint &position) { Q_EMIT menuRequested(view, position); });
     updateTitle(view);
     // Last: this activates the window, and that looks for windows to adopt.
     if (arrangement() == Arrangement::Tabs)

@@ -53,6 +53,8 @@ Q_SIGNALS:
     /// The current sub-window is another one; null when there is none left. Unlike subWindowActivated(), not sent
     /// when another window of the program or the desktop comes to the front.
     void currentWindowChanged(QMdiSubWindow *window);
+    /// A person asked for what can be done at \a position of the view.
+    void menuRequested(Korvane::Map::MapView *view, const QPoint &position);
     /// Views or their layers were added, removed, moved or renamed.
     void contentChanged();
 

@@ -5,7 +5,6 @@
 #include <QDGui/mapview.h>
 #include <QDGui/rasterlayer.h>
 
-#include <QCursor>
 #include <QLabel>
 #include <QProgressBar>
 #include <QStatusBar>
@@ -43,6 +42,7 @@ ViewStatus::ViewStatus(QStatusBar *bar)
     bar->addPermanentWidget(progress);
     progress->hide();
     coordinates = addField(bar, tr("World coordinates under the pointer"));
+    values = addField(bar, tr("Values of the shown bands under the pointer"));
     system = addField(bar, tr("Coordinate system of the active layer"));
     scale = addField(bar, tr("Screen pixels per cell of the active layer, and world units per screen pixel"));
 }
@@ -56,10 +56,7 @@ void ViewStatus::setView(MapView *newView)
     if (view) {
         connect(view, &MapView::cursorMoved, this, &ViewStatus::showCursor);
         connect(view, &MapView::cursorLeft, coordinates, &QLabel::clear);
-        connect(view, &MapView::viewChanged, this, [this] {
-            showScale();
-            followPointer();
-        });
+        connect(view, &MapView::viewChanged, this, &ViewStatus::showScale);
         connect(view, &MapView::activeLayerChanged, this, &ViewStatus::showScale);
         connect(view, &MapView::progressChanged, this, &ViewStatus::showProgress);
     }
@@ -70,13 +67,6 @@ void ViewStatus::setView(MapView *newView)
 void ViewStatus::showCursor(const QPointF &worldPoint)
 {
     coordinates->setText(ViewTexts::coordinates(worldPoint, view->getUnitsPerPixel()));
-}
-
-/// The view moved below a pointer that did not.
-void ViewStatus::followPointer()
-{
-    if (!coordinates->text().isEmpty() && view->underMouse())
-        showCursor(view->widgetToWorld(view->mapFromGlobal(QCursor::pos())));
 }
 
 void ViewStatus::showScale()

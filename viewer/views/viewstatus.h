@@ -24,15 +24,17 @@ public:
     explicit ViewStatus(QStatusBar *bar);
 
     void setView(Korvane::Map::MapView *view);
+    /// A field between the coordinates and the coordinate system, for whoever knows the cells.
+    QLabel *valuesField() const { return values; }
 
 private:
     void showCursor(const QPointF &worldPoint);
-    void followPointer();
     void showScale();
     void showProgress(int percent);
 
     QPointer<Korvane::Map::MapView> view;
     QLabel *coordinates;
+    QLabel *values;
     QLabel *system;
     QLabel *scale;
     QProgressBar *progress;

@@ -50,9 +50,17 @@ int decimalsFor(double unitsPerPixel)
 QString coordinates(const QPointF &worldPoint, double unitsPerPixel)
 {
     const int decimals = decimalsFor(unitsPerPixel);
-    const QLocale locale;
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator); // so that what is copied by eye or hand is a number elsewhere
     return Texts::tr("X %1  Y %2")
         .arg(locale.toString(worldPoint.x(), 'f', decimals), locale.toString(worldPoint.y(), 'f', decimals));
+}
+
+QString plainCoordinates(const QPointF &worldPoint, double unitsPerPixel)
+{
+    const int decimals = decimalsFor(unitsPerPixel);
+    return QString::number(worldPoint.x(), 'f', decimals) + QLatin1String(", ") +
+           QString::number(worldPoint.y(), 'f', decimals);
 }
 
 QString zoomPercent(double cellSize, double unitsPerPixel)

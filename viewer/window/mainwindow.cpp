@@ -2,10 +2,13 @@
 
 #include "appearance/aboutbox.h"
 #include "appearance/failurereport.h"
+#include "identify/identifydock.h"
+#include "identify/pointervalues.h"
 #include "layers/layerlistdock.h"
 #include "layers/layerlistmodel.h"
 #include "log/logdock.h"
 #include "mainactions.h"
+#include "mapmenu.h"
 #include "plugins/plugincontributions.h"
 #include "plugins/preferencesdialog.h"
 #include "plugins/propertieswindow.h"
@@ -77,8 +80,10 @@ MainWindow::MainWindow(const Korvane::PluginRegistry &registry)
     , projectDialogs(new ProjectDialogs(project, this))
     , recentSources(new RecentSources(settings(), kRecentKey, this))
     , layerDock(new LayerListDock(this))
+    , identifyDock(new IdentifyDock(this))
     , logDock(new LogDock(this))
     , status(new ViewStatus(statusBar()))
+    , pointerValues(new PointerValues(status->valuesField()))
     , propertiesWindow(new PropertiesWindow(*contributions, this))
 {
     new WheelGuard(this);
@@ -103,6 +108,8 @@ MainWindow::~MainWindow()
     contributions->activateLayer(nullptr);
     layerDock->setView(nullptr);
     status->setView(nullptr);
+    pointerValues->setView(nullptr);
+    identifyDock->setView(nullptr);
     delete takeCentralWidget();
 }
 
@@ -122,6 +129,8 @@ void MainWindow::placeDocks()
         resizeDocks({layerDock, docks.first()}, {1, 2}, Qt::Vertical);
     }
     resizeDocks({layerDock}, {fontMetrics().averageCharWidth() * kDockWidth}, Qt::Horizontal);
+    addDockWidget(Qt::RightDockWidgetArea, identifyDock);
+    identifyDock->hide();
     addDockWidget(Qt::BottomDockWidgetArea, logDock);
     logDock->hide();
 }
@@ -134,7 +143,8 @@ void MainWindow::placeToolBars()
         bar->setIconSize(actions->toolBar->iconSize());
     }
     actions->addFileActions(contributions->actions());
-    actions->addToggles(QList<QDockWidget *>{layerDock} + contributions->docks() + QList<QDockWidget *>{logDock},
+    actions->addToggles(QList<QDockWidget *>{layerDock} + contributions->docks() +
+                            QList<QDockWidget *>{identifyDock, logDock},
                         QList<QToolBar *>{actions->toolBar} + bars);
 }
 
@@ -188,6 +198,9 @@ void MainWindow::connectArea()
 {
     connect(area, &MapArea::currentViewChanged, layerDock, &LayerListDock::setView);
     connect(area, &MapArea::currentViewChanged, status, &ViewStatus::setView);
+    connect(area, &MapArea::currentViewChanged, pointerValues, &PointerValues::setView);
+    connect(area, &MapArea::currentViewChanged, identifyDock, &IdentifyDock::setView);
+    connect(new MapMenu(actions, area, this), &MapMenu::identifyRequested, identifyDock, &IdentifyDock::identify);
     connect(area, &MapArea::currentViewChanged, this, &MainWindow::updateState);
     connect(area, &MapArea::contentChanged, this, &MainWindow::updateState);
     connect(project, &ProjectController::changed, this, &MainWindow::updateState);

@@ -15,11 +15,13 @@ class MapView;
 
 namespace Viewer {
 
+class IdentifyDock;
 class LayerListDock;
 class LogDock;
 class MainActions;
 class MapArea;
 class PluginContributions;
+class PointerValues;
 class ProjectController;
 class ProjectDialogs;
 class PropertiesWindow;
@@ -82,8 +84,10 @@ private:
     ProjectDialogs *projectDialogs;
     RecentSources *recentSources;
     LayerListDock *layerDock;
+    IdentifyDock *identifyDock;
     LogDock *logDock;
     ViewStatus *status;
+    PointerValues *pointerValues;
     PropertiesWindow *propertiesWindow;
 };
 

@@ -91,9 +91,11 @@ public:
 
 Q_SIGNALS:
     void viewChanged(const QRectF &worldRect);
-    /// The pointer moved over the view.
+    /// The pointer moved over the view, or the view below the pointer.
     void cursorMoved(const QPointF &worldPoint);
     void cursorLeft();
+    /// The left button was pressed and let go in one place.
+    void clicked(const QPointF &worldPoint);
     /// Layers were added, removed or moved.
     void layersChanged();
     /// A layer was shown or hidden, or drew itself anew.

@@ -112,6 +112,7 @@ void MapView::Private::setGeometry(MapGeometry changed)
         invalidateViews();
     view->update();
     Q_EMIT view->viewChanged(geometry.worldRect());
+    tellPointer(); // it is in another place of the map now
 }
 
 void MapView::Private::fit(const QRectF &worldRect)
@@ -265,6 +266,12 @@ void MapView::Private::endInteraction()
     for (const auto &picture : pictures)
         picture->endUpdate();
     view->update();
+}
+
+void MapView::Private::tellPointer() const
+{
+    if (pointer && hasExtent)
+        Q_EMIT view->cursorMoved(view->widgetToWorld(*pointer));
 }
 
 void MapView::Private::dragTo(const QPointF &widgetPoint)

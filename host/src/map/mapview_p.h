@@ -51,6 +51,7 @@ public:
     void beginInteraction(bool zooming);
     void endInteraction();
     void dragTo(const QPointF &widgetPoint);
+    void tellPointer() const;
 
     MapView *view;
     Pictures pictures; ///< From the lowest to the topmost.
@@ -68,6 +69,8 @@ public:
     bool isInteracting = false;
     /// Where the button went down or the last whole-pixel pan ended, while it is held.
     std::optional<QPointF> dragPoint;
+    std::optional<QPointF> pointer; // in the widget, while it is over it
+    QPointF pressPoint; // where the last drag or click began
     QTimer wheelTimer;
     QTimer progressTimer;
     int lastPercent = 100;

@@ -2,6 +2,7 @@
 
 #include "mapview_p.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -61,16 +62,17 @@ void MapView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton || event->button() == Qt::MiddleButton) {
         d->dragPoint = event->localPos();
+        d->pressPoint = event->localPos();
         setCursor(Qt::ClosedHandCursor);
     }
 }
 
 void MapView::mouseMoveEvent(QMouseEvent *event)
 {
+    d->pointer = event->localPos();
     if (d->dragPoint && d->hasExtent)
         d->dragTo(event->localPos());
-    if (d->hasExtent)
-        Q_EMIT cursorMoved(widgetToWorld(event->localPos()));
+    d->tellPointer();
 }
 
 void MapView::mouseReleaseEvent(QMouseEvent *event)
@@ -80,6 +82,9 @@ void MapView::mouseReleaseEvent(QMouseEvent *event)
     d->dragPoint.reset();
     d->endInteraction();
     unsetCursor();
+    const double distance = (event->localPos() - d->pressPoint).manhattanLength();
+    if (event->button() == Qt::LeftButton && d->hasExtent && distance < QApplication::startDragDistance())
+        Q_EMIT clicked(widgetToWorld(event->localPos()));
 }
 
 void MapView::mouseDoubleClickEvent(QMouseEvent *event)
@@ -126,6 +131,7 @@ void MapView::keyPressEvent(QKeyEvent *event)
 
 void MapView::leaveEvent(QEvent *event)
 {
+    d->pointer.reset();
     Q_EMIT cursorLeft();
     QWidget::leaveEvent(event);
 }

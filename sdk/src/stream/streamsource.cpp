@@ -92,9 +92,9 @@ class StreamSource::Claim
 {
 public:
     /// Claims what nobody else has of \a wanted.
-    Claim(StreamSource *source, const ByteRangeSet &wanted)
+    Claim(StreamSource *source, ByteRangeSet wanted)
         : source(source)
-        , claimed(wanted)
+        , claimed(std::move(wanted))
     {
         const std::lock_guard<std::mutex> lock(source->mutex);
         claimed.remove(source->underWay);

@@ -302,7 +302,7 @@ static_assert(sizeof(PLKRPCData) == 92 * sizeof(double), "the record is its numb
 
 Bytes makeRpc(const PLKRPCData &rpc)
 {
-    std::array<double, 92> numbers;
+    std::array<double, 92> numbers{};
     std::memcpy(numbers.data(), &rpc, sizeof rpc);
     Bytes bytes;
     ByteWriter out(&bytes);
@@ -313,7 +313,7 @@ Bytes makeRpc(const PLKRPCData &rpc)
 
 std::optional<PLKRPCData> parseRpc(const Bytes &content)
 {
-    std::array<double, 92> numbers;
+    std::array<double, 92> numbers{};
     ByteCursor in(content.data(), content.size());
     for (double &number : numbers)
         number = takeDouble(&in);

@@ -40,7 +40,7 @@ CError readVersion(const Bytes &start, XrvStructure *structure)
 /// it.
 ByteRange neededOf(const XrvBoxPlace &place, std::uint64_t fileSize)
 {
-    constexpr std::uint64_t kStartOfBox = 4096, kStartOfCodestream = 16 * 1024, kMaxIndex = 16u << 20;
+    constexpr std::uint64_t kStartOfBox = 4096, kStartOfCodestream = 16u << 10, kMaxIndex = 16u << 20;
     const std::uint64_t most = place.type == kPacketIndexBox   ? kMaxIndex
                                : place.type == boxType("jp2c") ? kStartOfCodestream
                                                                : kStartOfBox;

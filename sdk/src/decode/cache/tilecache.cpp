@@ -63,7 +63,7 @@ void TileCache::insert(const Key &key, PlanePtr plane)
     if (size > limit)
         return;
     const std::vector<Entries::iterator> older = byKey[key];
-    for (const Entries::iterator entry : older)
+    for (const auto entry : older)
         if (plane->rect.contains(entry->plane->rect))
             remove(entry);
     shrinkTo(limit - size);

@@ -1,0 +1,64 @@
+#include "geographic.h"
+
+#include <QCoreApplication>
+
+#include <proj.h>
+
+#include <cmath>
+#include <memory>
+
+namespace Viewer::Geographic {
+
+namespace {
+
+constexpr int kDecimals = 6; // a tenth of a metre
+
+struct ContextDeleter
+{
+    void operator()(PJ_CONTEXT *context) const { proj_context_destroy(context); }
+};
+struct ProjectionDeleter
+{
+    void operator()(PJ *projection) const { proj_destroy(projection); }
+};
+using Context = std::unique_ptr<PJ_CONTEXT, ContextDeleter>;
+using Projection = std::unique_ptr<PJ, ProjectionDeleter>;
+
+/// With the axes as maps have them: x or longitude first.
+Projection toDegrees(PJ_CONTEXT *context, int code)
+{
+    const QByteArray name = QByteArrayLiteral("EPSG:") + QByteArray::number(code);
+    const Projection plain(proj_create_crs_to_crs(context, name.constData(), "OGC:CRS84", nullptr));
+    return Projection(plain ? proj_normalize_for_visualization(context, plain.get()) : nullptr);
+}
+
+} // namespace
+
+std::optional<QPointF> fromWorld(const QPointF &world, int code)
+{
+    if (code <= 0)
+        return {};
+    const Context context(proj_context_create());
+    proj_log_level(context.get(), PJ_LOG_NONE);
+    const Projection projection = toDegrees(context.get(), code);
+    if (!projection)
+        return {};
+    const PJ_COORD place = proj_trans(projection.get(), PJ_FWD, proj_coord(world.x(), world.y(), 0, 0));
+    const double longitude = place.xy.x, latitude = place.xy.y;
+    if (!std::isfinite(longitude) || !std::isfinite(latitude) || std::abs(latitude) > 90.0)
+        return {};
+    return QPointF(longitude, latitude);
+}
+
+QString text(const QPointF &place)
+{
+    const QString across = place.x() < 0 ? QCoreApplication::translate("Viewer::Geographic", "W")
+                                         : QCoreApplication::translate("Viewer::Geographic", "E");
+    const QString along = place.y() < 0 ? QCoreApplication::translate("Viewer::Geographic", "S")
+                                        : QCoreApplication::translate("Viewer::Geographic", "N");
+    return QStringLiteral("%1° %2, %3° %4")
+        .arg(QString::number(std::abs(place.x()), 'f', kDecimals), across,
+             QString::number(std::abs(place.y()), 'f', kDecimals), along);
+}
+
+} // namespace Viewer::Geographic

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QPointF>
+
+#include <optional>
+
+namespace Viewer::Geographic {
+
+/// Longitude and latitude on WGS 84, in degrees, of \a world in the coordinate reference system of the EPSG \a code.
+/// Nothing for codes that are not known and places that the system does not reach.
+std::optional<QPointF> fromWorld(const QPointF &world, int code);
+
+/// "12.345678° E, 47.654321° N"
+QString text(const QPointF &longitudeLatitude);
+
+} // namespace Viewer::Geographic

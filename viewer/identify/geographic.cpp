@@ -50,15 +50,16 @@ std::optional<QPointF> fromWorld(const QPointF &world, int code)
     return QPointF(longitude, latitude);
 }
 
-QString text(const QPointF &place)
+QString longitudeText(double degrees)
 {
-    const QString across = place.x() < 0 ? QCoreApplication::translate("Viewer::Geographic", "W")
-                                         : QCoreApplication::translate("Viewer::Geographic", "E");
-    const QString along = place.y() < 0 ? QCoreApplication::translate("Viewer::Geographic", "S")
-                                        : QCoreApplication::translate("Viewer::Geographic", "N");
-    return QStringLiteral("%1° %2, %3° %4")
-        .arg(QString::number(std::abs(place.x()), 'f', kDecimals), across,
-             QString::number(std::abs(place.y()), 'f', kDecimals), along);
+    return degrees < 0 ? QCoreApplication::translate("Viewer::Geographic", "%1° W").arg(-degrees, 0, 'f', kDecimals)
+                       : QCoreApplication::translate("Viewer::Geographic", "%1° E").arg(degrees, 0, 'f', kDecimals);
+}
+
+QString latitudeText(double degrees)
+{
+    return degrees < 0 ? QCoreApplication::translate("Viewer::Geographic", "%1° S").arg(-degrees, 0, 'f', kDecimals)
+                       : QCoreApplication::translate("Viewer::Geographic", "%1° N").arg(degrees, 0, 'f', kDecimals);
 }
 
 } // namespace Viewer::Geographic

@@ -10,7 +10,9 @@ namespace Viewer::Geographic {
 /// Nothing for codes that are not known and places that the system does not reach.
 std::optional<QPointF> fromWorld(const QPointF &world, int code);
 
-/// "12.345678° E, 47.654321° N"
-QString text(const QPointF &longitudeLatitude);
+/// "12.345678° E"
+QString longitudeText(double degrees);
+/// "47.654321° N"
+QString latitudeText(double degrees);
 
 } // namespace Viewer::Geographic

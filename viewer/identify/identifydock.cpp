@@ -38,6 +38,19 @@ QTreeWidgetItem *addRow(QTreeWidgetItem *parent, const QString &name, const QStr
     return row;
 }
 
+/// Of the active layer, else of the first one that has a code.
+int codeOf(const MapView &view)
+{
+    QList<Layer *> layers = view.getLayers();
+    layers.prepend(view.getActiveLayer());
+    for (const Layer *layer : qAsConst(layers)) {
+        const auto *raster = qobject_cast<const RasterLayer *>(layer);
+        if (raster && raster->getEpsgCode() > 0)
+            return raster->getEpsgCode();
+    }
+    return 0;
+}
+
 /// Without separators, so that it can be pasted elsewhere.
 QString coordinate(double value)
 {
@@ -53,7 +66,8 @@ IdentifyDock::IdentifyDock(QWidget *parent)
     setObjectName(QStringLiteral("IdentifyDock"));
     tree->setColumnCount(2);
     tree->setHeaderLabels({tr("Name"), tr("Value")});
-    tree->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    tree->header()->setSectionResizeMode(QHeaderView::Stretch);
+    tree->setTextElideMode(Qt::ElideMiddle);
     tree->setAlternatingRowColors(true);
     tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
     tree->setWhatsThis(tr("Click on the map to see what lies there."));
@@ -109,9 +123,10 @@ void IdentifyDock::addPlace(const QPointF &worldPoint)
     auto *top = new QTreeWidgetItem(tree, {tr("Place"), QString()});
     addRow(top, tr("X"), coordinate(worldPoint.x()));
     addRow(top, tr("Y"), coordinate(worldPoint.y()));
-    const auto *raster = qobject_cast<const RasterLayer *>(view->getActiveLayer());
-    if (const auto degrees = Geographic::fromWorld(worldPoint, raster ? raster->getEpsgCode() : 0))
-        addRow(top, tr("Longitude, latitude"), Geographic::text(*degrees));
+    if (const auto degrees = Geographic::fromWorld(worldPoint, codeOf(*view))) {
+        addRow(top, tr("Longitude"), Geographic::longitudeText(degrees->x()));
+        addRow(top, tr("Latitude"), Geographic::latitudeText(degrees->y()));
+    }
 }
 
 void IdentifyDock::addLayer(const Layer &layer, const QPointF &worldPoint)

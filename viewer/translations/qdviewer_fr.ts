@@ -116,20 +116,20 @@
 <context>
     <name>Viewer::Geographic</name>
     <message>
-        <source>W</source>
-        <translation>O</translation>
+        <source>%1° W</source>
+        <translation>%1° O</translation>
     </message>
     <message>
-        <source>E</source>
-        <translation>E</translation>
+        <source>%1° E</source>
+        <translation>%1° E</translation>
     </message>
     <message>
-        <source>S</source>
-        <translation>S</translation>
+        <source>%1° S</source>
+        <translation>%1° S</translation>
     </message>
     <message>
-        <source>N</source>
-        <translation>N</translation>
+        <source>%1° N</source>
+        <translation>%1° N</translation>
     </message>
 </context>
 <context>
@@ -167,10 +167,6 @@
         <translation>Y</translation>
     </message>
     <message>
-        <source>Longitude, latitude</source>
-        <translation>Longitude, latitude</translation>
-    </message>
-    <message>
         <source>reading...</source>
         <translation>lecture...</translation>
     </message>
@@ -185,6 +181,14 @@
     <message>
         <source>Band %1</source>
         <translation>Bande %1</translation>
+    </message>
+    <message>
+        <source>Longitude</source>
+        <translation>Longitude</translation>
+    </message>
+    <message>
+        <source>Latitude</source>
+        <translation>Latitude</translation>
     </message>
 </context>
 <context>

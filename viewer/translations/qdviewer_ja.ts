@@ -114,20 +114,20 @@
 <context>
     <name>Viewer::Geographic</name>
     <message>
-        <source>W</source>
-        <translation>西</translation>
+        <source>%1° W</source>
+        <translation>西経 %1°</translation>
     </message>
     <message>
-        <source>E</source>
-        <translation>東</translation>
+        <source>%1° E</source>
+        <translation>東経 %1°</translation>
     </message>
     <message>
-        <source>S</source>
-        <translation>南</translation>
+        <source>%1° S</source>
+        <translation>南緯 %1°</translation>
     </message>
     <message>
-        <source>N</source>
-        <translation>北</translation>
+        <source>%1° N</source>
+        <translation>北緯 %1°</translation>
     </message>
 </context>
 <context>
@@ -165,10 +165,6 @@
         <translation>Y</translation>
     </message>
     <message>
-        <source>Longitude, latitude</source>
-        <translation>経度, 緯度</translation>
-    </message>
-    <message>
         <source>reading...</source>
         <translation>読み取り中...</translation>
     </message>
@@ -183,6 +179,14 @@
     <message>
         <source>Band %1</source>
         <translation>バンド %1</translation>
+    </message>
+    <message>
+        <source>Longitude</source>
+        <translation>経度</translation>
+    </message>
+    <message>
+        <source>Latitude</source>
+        <translation>緯度</translation>
     </message>
 </context>
 <context>

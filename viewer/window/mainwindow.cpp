@@ -130,6 +130,7 @@ void MainWindow::placeDocks()
     }
     resizeDocks({layerDock}, {fontMetrics().averageCharWidth() * kDockWidth}, Qt::Horizontal);
     addDockWidget(Qt::RightDockWidgetArea, identifyDock);
+    resizeDocks({identifyDock}, {fontMetrics().averageCharWidth() * kDockWidth}, Qt::Horizontal);
     identifyDock->hide();
     addDockWidget(Qt::BottomDockWidgetArea, logDock);
     logDock->hide();

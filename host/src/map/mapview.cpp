@@ -286,7 +286,11 @@ bool MapView::waitUntilComplete(int timeoutMs)
             loop.quit();
     });
     poll.start(kWaitPollMs);
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    // What comes between the last look and the end of the loop, a timer that ends a zoom, may ask for another view.
+    // While the application quits there are no loops.
+    while (loop.exec(QEventLoop::ExcludeUserInputEvents) == 0 && guard && !d->isComplete() &&
+           elapsed.elapsed() < timeoutMs) {
+    }
     return guard && d->isComplete();
 }
 

@@ -1,7 +1,7 @@
 #include "data/htmaker.h"
 #include "peerdecoder.h"
 
-#include "codestream/precinct.h"
+#include "codestream/segmentlengths.h"
 #include "decode/codeblock/htcodeblockdecoder.h"
 #include "decode/rasterreader.h"
 #include "io/memorysource.h"
@@ -51,11 +51,11 @@ private:
     int free = 8;
 };
 
-/// An image of one code-block that the encoder has coded with a cleanup pass alone.
+/// An image of one code-block: the encoder of high-throughput ones codes a cleanup pass alone.
 struct OneBlock
 {
     Bytes before; ///< up to the packet
-    int zeroBitPlanes = 0;
+    int zeroBitPlanes = 0, passes = 0;
     Bytes cleanup;
 };
 
@@ -63,6 +63,27 @@ std::size_t find(const Bytes &bytes, std::uint8_t marker)
 {
     const std::uint8_t wanted[] = {0xFF, marker};
     return std::size_t(std::search(bytes.begin(), bytes.end(), wanted, wanted + 2) - bytes.begin());
+}
+
+OneBlock takeApart(const Bytes &bytes)
+{
+    const std::size_t packet = find(bytes, 0x93) + 2;
+    MemorySource source(bytes);
+    MainHeader header;
+    if (readMainHeader(source, {0, bytes.size()}, &header))
+        return {};
+    const IntRect rect = tileRect(header, 0);
+    const PacketNumbering numbering(header, header.style, rect);
+    Precinct precinct(rect, header.style.components[0], numbering.grid(0, 0), 0, 0, false);
+    std::size_t headerLength = 0;
+    std::uint64_t bodyLength = 0;
+    precinct.parse(bytes.data() + packet, bytes.size() - packet, 0, CancelFlag(), &headerLength, &bodyLength);
+    const CodeBlockState &block = precinct.bands()[0].codeBlock(0);
+    const auto begin = bytes.begin() + std::ptrdiff_t(packet + block.pieces[0].offset);
+    return {{bytes.begin(), bytes.begin() + std::ptrdiff_t(packet)},
+            block.zeroBitPlanes,
+            block.passes,
+            {begin, begin + block.pieces[0].length}};
 }
 
 OneBlock makeBlock(int width, int height, unsigned seed)
@@ -76,63 +97,86 @@ OneBlock makeBlock(int width, int height, unsigned seed)
         const unsigned hash = (unsigned(x) * 73856093u ^ unsigned(y) * 19349663u ^ seed) * 2654435761u;
         return 128 + int(hash >> 28) * (hash & 0x300 ? 0 : 1) - int(hash >> 24 & 3);
     };
-    const Bytes bytes = htmaker::make(options);
-    const std::size_t packet = find(bytes, 0x93) + 2;
-    std::unique_ptr<RasterReader> reader;
-    MemorySource source(bytes);
-    MainHeader header;
-    if (readMainHeader(source, {0, bytes.size()}, &header))
-        return {};
-    const IntRect rect{0, 0, width, height};
-    const PacketNumbering numbering(header, header.style, rect);
-    Precinct precinct(rect, header.style.components[0], numbering.grid(0, 0), 0, 0, false);
-    std::size_t headerLength = 0;
-    std::uint64_t bodyLength = 0;
-    precinct.parse(bytes.data() + packet, bytes.size() - packet, 0, CancelFlag(), &headerLength, &bodyLength);
-    const CodeBlockState &block = precinct.bands()[0].codeBlock(0);
-    const auto begin = bytes.begin() + std::ptrdiff_t(packet + block.pieces[0].offset);
-    return {{bytes.begin(), bytes.begin() + std::ptrdiff_t(packet)},
-            block.zeroBitPlanes,
-            {begin, begin + block.pieces[0].length}};
+    return takeApart(htmaker::make(options));
 }
 
-/// The codestream with \a planes bit-planes less of zeros above, so that as many can follow below, with \a placeholders
-/// empty sets of passes in front and \a passes passes that share the bytes of \a refinement.
+/// A number in so many bits.
+struct Field
+{
+    std::size_t value = 0;
+    int width = 0;
+};
+
+/// What one packet has of the code-block.
+struct Packet
+{
+    int passes = 0;
+    std::vector<Field> lengths;
+    std::vector<Bytes> bytes;
+};
+
+int log2Of(int value)
+{
+    return value > 1 ? 1 + log2Of(value / 2) : 0;
+}
+
+constexpr int kLengthBits = 12; ///< Lblock, from the first packet on
+
+/// The codestream with one packet a layer and \a zeroBitPlanes of the code-block.
+Bytes assemble(Bytes bytes, int zeroBitPlanes, const std::vector<Packet> &packets, int lengthBits = kLengthBits)
+{
+    bytes[find(bytes, 0x52) + 7] = std::uint8_t(packets.size());
+    for (const Packet &packet : packets) {
+        HeaderBits bits;
+        bits.put(3, 2); // not empty, the block is in it
+        if (&packet == &packets.front()) {
+            bits.putRun(0, zeroBitPlanes);
+            bits.put(1, 1);
+        }
+        const int passes = packet.passes;
+        if (passes <= 2)
+            bits.put(passes == 1 ? 0 : 2, passes);
+        else if (passes <= 5)
+            bits.put(unsigned(12 + passes - 3), 4);
+        else
+            bits.put(unsigned(0x1E0 + passes - 6), 9);
+        bits.putRun(1, &packet == &packets.front() ? lengthBits - 3 : 0);
+        bits.put(0, 1);
+        for (const Field &length : packet.lengths)
+            bits.put(unsigned(length.value), length.width);
+        const Bytes header = bits.finish();
+        bytes.insert(bytes.end(), header.begin(), header.end());
+        for (const Bytes &part : packet.bytes)
+            bytes.insert(bytes.end(), part.begin(), part.end());
+    }
+    const std::size_t sot = find(bytes, 0x90);
+    const auto length = std::uint32_t(bytes.size() - sot);
+    for (int i = 0; i < 4; ++i)
+        bytes[sot + 6 + std::size_t(i)] = std::uint8_t(length >> (24 - 8 * i));
+    bytes.insert(bytes.end(), {0xFF, 0xD9});
+    return bytes;
+}
+
+/// A set of up to three passes, after \a placeholders empty sets.
+Packet set(const Bytes &cleanup, int passes, const Bytes &refinement, int placeholders = 0)
+{
+    const int empty = 3 * placeholders;
+    Packet packet{empty + passes, {{cleanup.size(), kLengthBits + log2Of(empty + 1)}}, {cleanup}};
+    if (passes > 1) {
+        packet.lengths.push_back({refinement.size(), passes > 2 ? kLengthBits + 1 : kLengthBits});
+        packet.bytes.push_back(refinement);
+    }
+    return packet;
+}
+
+/// The codestream with \a planes bit-planes less of zeros above, so that as many can follow below.
 Bytes assemble(const OneBlock &block, int planes, int placeholders, int passes, const Bytes &refinement)
 {
-    HeaderBits bits;
-    bits.put(3, 2); // not empty, the block is in it
-    bits.putRun(0, block.zeroBitPlanes - planes - placeholders);
-    bits.put(1, 1);
-    const int all = passes + 3 * placeholders;
-    if (all <= 2)
-        bits.put(all == 1 ? 0 : 2, all);
-    else if (all <= 5)
-        bits.put(unsigned(12 + all - 3), 4);
-    else
-        bits.put(unsigned(0x1E0 + all - 6), 9);
-    bits.putRun(1, 9); // Lblock is 12 now
-    bits.put(0, 1);
-    bits.put(unsigned(block.cleanup.size()), 12 + (placeholders >= 5   ? 4
-                                                   : placeholders >= 3 ? 3
-                                                   : placeholders      ? 2
-                                                                       : 0));
-    if (passes > 1)
-        bits.put(unsigned(refinement.size()), passes > 2 ? 13 : 12);
-    Bytes result = block.before;
-    const Bytes header = bits.finish();
-    for (const Bytes *part : {&header, &block.cleanup, &refinement})
-        if (part != &refinement || passes > 1)
-            result.insert(result.end(), part->begin(), part->end());
-    const std::size_t sot = find(result, 0x90);
-    const auto length = std::uint32_t(result.size() - sot);
-    for (int i = 0; i < 4; ++i)
-        result[sot + 6 + std::size_t(i)] = std::uint8_t(length >> (24 - 8 * i));
-    result.insert(result.end(), {0xFF, 0xD9});
-    return result;
+    return assemble(block.before, block.zeroBitPlanes - planes - placeholders,
+                    {set(block.cleanup, passes, refinement, placeholders)});
 }
 
-std::vector<std::int32_t> decodeOwn(const Bytes &bytes, bool resilient = false)
+std::vector<std::int32_t> decodeOwn(const Bytes &bytes, bool resilient = false, int layers = 0)
 {
     static int count = 0;
     auto source = std::make_shared<MemorySource>(bytes, "block" + std::to_string(++count));
@@ -142,6 +186,7 @@ std::vector<std::int32_t> decodeOwn(const Bytes &bytes, bool resilient = false)
     ReadRequest request;
     request.datasetRect = {0, 0, reader->info().width, reader->info().height};
     request.resilient = resilient;
+    request.qualityLayers = layers;
     request.components = {0};
     ReadResult result;
     std::vector<std::int32_t> cells(std::size_t(reader->info().width) * reader->info().height, -1);
@@ -176,7 +221,8 @@ private slots:
     void refinementAgreesWithPeer_data();
     void refinementAgreesWithPeer();
     void placeholders();
-    void laterSets();
+    void layers();
+    void mixed();
     void damage();
 };
 
@@ -222,31 +268,71 @@ void TestHtBlocks::placeholders()
     }
 }
 
-/// A second set of passes codes the block anew, down to the next bit-plane; without its bytes the first one stands.
-void TestHtBlocks::laterSets()
+/// Sets of passes, placeholders and single passes in packets of their own.
+void TestHtBlocks::layers()
 {
-    const OneBlock coarse = makeBlock(32, 32, 5), fine = makeBlock(32, 32, 6);
-    CodeBlock block;
-    block.width = block.height = 32;
-    block.style = CodeBlockStyle::kHighThroughput;
-    block.bitPlanes = 3;
-    const auto add = [&block](const Bytes &bytes, int passes) {
-        block.segments.push_back({block.data.size(), bytes.size(), passes});
-        block.data.insert(block.data.end(), bytes.begin(), bytes.end());
+    std::mt19937 random(5);
+    const OneBlock block = makeBlock(64, 64, 1), other = makeBlock(64, 64, 2);
+    const Bytes refinement = randomBytes(random, 300), front(refinement.begin(), refinement.begin() + 100),
+                back(refinement.begin() + 100, refinement.end());
+    const int planes = block.zeroBitPlanes - 1, otherPlanes = other.zeroBitPlanes - 1;
+    const auto decode = [&](int zeroBitPlanes, const std::vector<Packet> &packets, int layers = 0) {
+        return decodeOwn(assemble(block.before, zeroBitPlanes, packets), false, layers);
     };
-    HtCodeBlockDecoder decoder;
-    std::vector<std::int32_t> first(32 * 32), both(32 * 32), alone(32 * 32);
-    add(coarse.cleanup, 1);
-    add({1, 2, 3}, 2);
-    QVERIFY(decoder.decode(block, first.data()));
-    add(fine.cleanup, 1);
-    QVERIFY(decoder.decode(block, both.data()));
-    block.data = fine.cleanup;
-    block.segments = {{0, fine.cleanup.size(), 1}};
-    block.bitPlanes = 2;
-    QVERIFY(decoder.decode(block, alone.data()));
-    QVERIFY(both == alone);
-    QVERIFY(both != first);
+    const Packet whole = set(block.cleanup, 3, refinement), otherCleanup = set(other.cleanup, 1, {});
+    const std::vector<std::int32_t> plain = decode(planes, {whole});
+    QVERIFY(!plain.empty());
+    // Placeholders, in whole sets or not, which make up sets in the end.
+    const Packet three{3, {{0, kLengthBits + 1}}, {}}, four{4, {{0, kLengthBits + 2}, {0, 0}}, {}};
+    QCOMPARE(decode(planes - 1, {three, whole}), plain);
+    QCOMPARE(decode(planes - 3, {three, set(block.cleanup, 3, refinement, 2)}), plain);
+    Packet rest = whole;
+    rest.passes = 5; // two placeholders before the three
+    rest.lengths[0].width = kLengthBits + 1;
+    QCOMPARE(decode(planes - 2, {four, rest}), plain);
+    QCOMPARE(decode(planes - 1, {three, whole}, 1), std::vector<std::int32_t>(64 * 64, 128));
+    // One pass after the other.
+    const Packet cleanup = set(block.cleanup, 1, {});
+    QCOMPARE(decode(planes, {cleanup, {1, {{100, kLengthBits}}, {front}}, {1, {{200, kLengthBits}}, {back}}}), plain);
+    // A later set codes the block anew, one bit-plane further down; one without bytes changes nothing.
+    const Packet second{3, {{0, kLengthBits + 1}, {other.cleanup.size(), kLengthBits}}, {other.cleanup}};
+    const Packet empty{3, {{0, kLengthBits + 1}, {0, kLengthBits}}, {}};
+    const std::vector<std::int32_t> alone = decode(otherPlanes + 1, {otherCleanup});
+    QCOMPARE(decode(otherPlanes, {cleanup, second}), alone);
+    QCOMPARE(decode(otherPlanes, {cleanup, second}, 1), decode(otherPlanes, {cleanup}));
+    QCOMPARE(decode(planes, {whole, {1, {{0, kLengthBits}}, {}}}), plain);
+    QCOMPARE(decode(otherPlanes, {otherCleanup, empty}), decode(otherPlanes, {set(other.cleanup, 3, {})}));
+}
+
+/// Where both codings may occur, the length of the first pass tells which it is.
+void TestHtBlocks::mixed()
+{
+    OneBlock fast = makeBlock(64, 64, 1);
+    const std::vector<std::int32_t> plain = decodeOwn(assemble(fast, 1, 1, 1, {}));
+    const auto styleOf = [](Bytes &bytes) -> std::uint8_t & { return bytes[find(bytes, 0x52) + 12]; };
+    styleOf(fast.before) |= CodeBlockStyle::kMixed;
+    QCOMPARE(decodeOwn(assemble(fast, 1, 1, 1, {})), plain);
+
+    jp2maker::Options options;
+    options.levels = 0;
+    options.bareCodestream = true;
+    const OneBlock slow = takeApart(jp2maker::make(options));
+    Bytes before = slow.before;
+    styleOf(before) |= CodeBlockStyle::kMixed | CodeBlockStyle::kHighThroughput;
+    // So wide that the length begins with a one; passes of an earlier packet may be without bytes.
+    const int width = log2Of(int(slow.cleanup.size())) + 1;
+    const auto field = [&](int passes) {
+        return Field{slow.cleanup.size(), width - log2Of(slow.passes) + log2Of(passes)};
+    };
+    const int lengthBits = field(1).width, rest = slow.passes - 3;
+    const std::vector<std::int32_t> expected = decodeOwn(jp2maker::make(options));
+    QCOMPARE(decodeOwn(assemble(before, slow.zeroBitPlanes, {{slow.passes, {field(slow.passes)}, {slow.cleanup}}},
+                                lengthBits)),
+             expected);
+    QVERIFY(log2Of(rest) == log2Of(slow.passes));
+    QCOMPARE(decodeOwn(assemble(before, slow.zeroBitPlanes,
+                                {{3, {{0, lengthBits + 1}}, {}}, {rest, {field(rest)}, {slow.cleanup}}}, lengthBits)),
+             expected);
 }
 
 void TestHtBlocks::damage()

@@ -64,8 +64,81 @@ IntRect wholeOf(const RasterReader &reader)
     return {0, 0, reader.info().width, reader.info().height};
 }
 
+std::uint32_t numberAt(const Bytes &bytes, std::size_t at)
+{
+    return std::uint32_t(bytes[at]) << 24 | std::uint32_t(bytes[at + 1]) << 16 | std::uint32_t(bytes[at + 2]) << 8 |
+           bytes[at + 3];
+}
+
+void putNumber(Bytes *bytes, std::size_t at, std::uint32_t value)
+{
+    for (std::size_t i = 0; i < 4; ++i)
+        (*bytes)[at + i] = std::uint8_t(value >> (24 - 8 * i));
+}
+
+/// \a content in short marker segments with indexes, the last one first.
+Bytes segmentsOf(std::uint8_t marker, const Bytes &content)
+{
+    constexpr std::size_t kLength = 200;
+    Bytes result;
+    for (std::size_t i = (content.size() + kLength - 1) / kLength; i-- > 0;) {
+        const std::size_t begin = i * kLength, end = std::min(begin + kLength, content.size());
+        const auto length = std::uint16_t(end - begin + 3);
+        result.insert(result.end(), {0xFF, marker, std::uint8_t(length >> 8), std::uint8_t(length), std::uint8_t(i)});
+        result.insert(result.end(), content.begin() + std::ptrdiff_t(begin), content.begin() + std::ptrdiff_t(end));
+    }
+    return result;
+}
+
+/// The codestream, which has SOP and EPH markers and nothing but SOT before SOD, with its packet headers in PPM or PPT
+/// marker segments.
+Bytes withPackedHeaders(const Bytes &bytes, bool inMainHeader)
+{
+    const auto isAt = [&bytes](std::size_t at, std::uint8_t marker) {
+        return bytes[at] == 0xFF && bytes[at + 1] == marker;
+    };
+    std::size_t part = 2;
+    while (!isAt(part, 0x90))
+        part += 2 + (numberAt(bytes, part) & 0xFFFF);
+    Bytes main(bytes.begin(), bytes.begin() + std::ptrdiff_t(part)), parts, ppm;
+    while (isAt(part, 0x90)) {
+        const std::size_t end = part + numberAt(bytes, part + 6);
+        Bytes headers, bodies, made(bytes.begin() + std::ptrdiff_t(part), bytes.begin() + std::ptrdiff_t(part + 12));
+        bool isHeader = false;
+        for (std::size_t at = part + 14; at < end;) {
+            const bool isSop = isAt(at, 0x91), isEph = isAt(at, 0x92);
+            Bytes &to = isHeader ? headers : bodies;
+            const std::size_t count = isSop ? 6 : isEph ? 2 : 1;
+            to.insert(to.end(), bytes.begin() + std::ptrdiff_t(at), bytes.begin() + std::ptrdiff_t(at + count));
+            at += count;
+            isHeader = isSop || (isHeader && !isEph);
+        }
+        const Bytes ppt = inMainHeader ? Bytes() : segmentsOf(0x61, headers);
+        made.insert(made.end(), ppt.begin(), ppt.end());
+        made.insert(made.end(), {0xFF, 0x93});
+        made.insert(made.end(), bodies.begin(), bodies.end());
+        putNumber(&made, 6, std::uint32_t(made.size()));
+        parts.insert(parts.end(), made.begin(), made.end());
+        ppm.resize(ppm.size() + 4);
+        putNumber(&ppm, ppm.size() - 4, std::uint32_t(headers.size()));
+        ppm.insert(ppm.end(), headers.begin(), headers.end());
+        part = end;
+    }
+    if (inMainHeader) {
+        ppm = segmentsOf(0x60, ppm);
+        main.insert(main.end(), ppm.begin(), ppm.end());
+    }
+    main.insert(main.end(), parts.begin(), parts.end());
+    main.insert(main.end(), {0xFF, 0xD9});
+    return main;
+}
+
+/// Which encoder makes a file, and where its packet headers end up.
+enum class Form { Plain, HighThroughput, PackedInMain, PackedInTile };
+
 } // namespace
 
+Q_DECLARE_METATYPE(Form)
 Q_DECLARE_METATYPE(jp2maker::Options)
 
 /// What the reader gives, against the codec that decodes the file as a whole.
@@ -78,21 +151,23 @@ private slots:
     void agreesWithPeer();
     void partsOfTheCodestream_data();
     void partsOfTheCodestream();
+    void deepSamples_data();
+    void deepSamples();
     void levelsBeyondTheCoded();
     void noCells();
 
 private:
-    static void compareWithPeer(const Bytes &bytes, int levels, int tolerance);
+    static void compareWithPeer(const Bytes &bytes, const Bytes &bytesForPeer, int levels, int tolerance);
 };
 
 void TestRasterReader::agreesWithPeer_data()
 {
     QTest::addColumn<Options>("options");
     QTest::addColumn<int>("tolerance");
-    QTest::addColumn<bool>("isHighThroughput");
+    QTest::addColumn<Form>("form");
 
     const auto row = [](const char *name, Options options, int tolerance = 0) {
-        QTest::newRow(name) << options << tolerance << false;
+        QTest::newRow(name) << options << tolerance << Form::Plain;
     };
     Options o = base(300, 200);
     row("one tile", o);
@@ -149,7 +224,7 @@ void TestRasterReader::agreesWithPeer_data()
     o.codeBlockStyle = 63;
     row("all code-block styles at once", o);
 
-    for (const int bits : {1, 4, 12, 16}) {
+    for (const int bits : {1, 4, 12, 16, 24}) {
         o = base(120, 90);
         o.components[0].bits = bits;
         row(qPrintable(QStringLiteral("%1 bits").arg(bits)), o);
@@ -171,8 +246,21 @@ void TestRasterReader::agreesWithPeer_data()
     o.levels = 0;
     row("no decomposition", o);
 
+    o = base(260, 190, 2);
+    o.sop = o.eph = true;
+    o.layerRates = {20, 8, 0};
+    o.codeBlockWidth = o.codeBlockHeight = 16;
+    for (const char parts : {'\0', 'R'}) {
+        o.progression = parts ? "RLCP" : "PCRL";
+        o.tileWidth = o.tileHeight = parts ? 128 : 0;
+        o.precincts.assign(parts ? 0 : 1, {64, 64});
+        o.tilePartsPer = parts;
+        QTest::addRow("headers in PPM, %s", o.progression) << o << 0 << Form::PackedInMain;
+        QTest::addRow("headers in PPT, %s", o.progression) << o << 0 << Form::PackedInTile;
+    }
+
     const auto fast = [](const QString &name, const Options &options) {
-        QTest::newRow(qPrintable(name)) << options << (options.reversible ? 0 : 1) << true;
+        QTest::newRow(qPrintable(name)) << options << (options.reversible ? 0 : 1) << Form::HighThroughput;
     };
     for (const bool reversible : {true, false}) {
         const QString kind = reversible ? QStringLiteral("high throughput, reversible, ")
@@ -212,7 +300,7 @@ void TestRasterReader::agreesWithPeer_data()
 }
 
 /// Windows at random and the whole, at every level.
-void TestRasterReader::compareWithPeer(const Bytes &bytes, int levels, int tolerance)
+void TestRasterReader::compareWithPeer(const Bytes &bytes, const Bytes &bytesForPeer, int levels, int tolerance)
 {
     const std::unique_ptr<RasterReader> reader = openBytes(bytes);
     QVERIFY(reader);
@@ -220,7 +308,7 @@ void TestRasterReader::compareWithPeer(const Bytes &bytes, int levels, int toler
     std::mt19937 random(7);
 
     for (int level = 0; level <= levels; ++level) {
-        const std::vector<PeerComponent> peer = decodeWithPeer(bytes, level, 0);
+        const std::vector<PeerComponent> peer = decodeWithPeer(bytesForPeer, level, 0);
         QCOMPARE(peer.size(), reader->info().components.size());
         // Parts first, then all: what is cached of parts must fit in with the rest.
         for (int part = 0; part < 6; ++part) {
@@ -253,9 +341,12 @@ void TestRasterReader::agreesWithPeer()
 {
     QFETCH(Options, options);
     QFETCH(int, tolerance);
-    QFETCH(bool, isHighThroughput);
+    QFETCH(Form, form);
     options.cell = [&options](int c, int x, int y) { return textured(options, c, x, y); };
-    compareWithPeer(isHighThroughput ? htmaker::make(options) : jp2maker::make(options), options.levels, tolerance);
+    const Bytes bytes = form == Form::HighThroughput ? htmaker::make(options) : jp2maker::make(options);
+    const bool isPacked = form == Form::PackedInMain || form == Form::PackedInTile;
+    compareWithPeer(isPacked ? withPackedHeaders(bytes, form == Form::PackedInMain) : bytes, bytes, options.levels,
+                    tolerance);
 }
 
 void TestRasterReader::partsOfTheCodestream_data()
@@ -301,6 +392,62 @@ void TestRasterReader::partsOfTheCodestream()
             QVERIFY2(found.largest <= (options.reversible ? 0 : 1), found.text());
         }
     }
+}
+
+void TestRasterReader::deepSamples_data()
+{
+    QTest::addColumn<Form>("form");
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<int>("levels");
+    QTest::addColumn<bool>("reversible");
+    for (const Form form : {Form::Plain, Form::HighThroughput})
+        for (const int bits : {27, 32, 33, 38})
+            for (const int levels : {0, 2})
+                for (const bool reversible : {true, false})
+                    QTest::addRow("%s, %d bits, %d levels, %s", form == Form::Plain ? "arithmetic" : "high throughput",
+                                  bits, levels, reversible ? "reversible" : "irreversible")
+                        << form << bits << levels << reversible;
+}
+
+/// A file of 10 bits of which the headers say that it has more, in its samples and their bit-planes: its cells are
+/// moved up, and what the lower bit-planes would have told is missing.
+void TestRasterReader::deepSamples()
+{
+    QFETCH(Form, form);
+    QFETCH(int, bits);
+    QFETCH(int, levels);
+    QFETCH(bool, reversible);
+    constexpr int kBits = 10, kMaxExponent = 31;
+    Options options = base(150, 130);
+    options.components[0].bits = kBits;
+    options.levels = levels;
+    options.reversible = reversible;
+    options.cell = [&options](int c, int x, int y) { return textured(options, c, x, y); };
+    Bytes bytes = form == Form::HighThroughput ? htmaker::make(options) : jp2maker::make(options);
+    const std::vector<std::int32_t> shallow = decodeWithPeer(bytes, 0, 0).at(0).cells;
+    bytes[42] = std::uint8_t(bits - 1); // Ssiz
+    // Exponents as far as they go; where they count bit-planes and not steps, guard bits help them.
+    const std::uint8_t qcd[] = {0xFF, 0x5C};
+    const auto sqcd = std::search(bytes.begin(), bytes.end(), qcd, qcd + 2) + 4;
+    int largest = 0;
+    for (int band = 0; band < 3 * levels + 1; ++band)
+        largest = std::max(largest, sqcd[1 + band * (reversible ? 1 : 2)] >> 3);
+    const int exponents = std::min(bits - kBits, kMaxExponent - largest);
+    const int guards = reversible ? std::min(bits - kBits - exponents, 7 - (*sqcd >> 5)) : 0;
+    const int shift = reversible ? exponents + guards : bits - kBits;
+    *sqcd = std::uint8_t(*sqcd + (guards << 5));
+    for (int band = 0; band < 3 * levels + 1; ++band)
+        sqcd[1 + band * (reversible ? 1 : 2)] += std::uint8_t(exponents << 3);
+    const std::unique_ptr<RasterReader> reader = openBytes(bytes);
+    QVERIFY(reader);
+    ReadResult result;
+    const PLK::CError error = reader->read(requestFor(*reader, wholeOf(*reader), 0), &result);
+    QVERIFY2(error.IsSuccess(), error.GetErrorMessage());
+    std::vector<std::int64_t> expected;
+    for (const std::int32_t cell : shallow)
+        expected.push_back(std::int64_t(cell - 512) * (std::int64_t(1) << shift) + (std::int64_t(1) << (bits - 1)));
+    const Difference found = difference(result.planes[0], wholeOf(*reader), expected);
+    QVERIFY2(found.largest <= std::int64_t(levels > 0 ? 6 : 1) << shift, found.text());
 }
 
 void TestRasterReader::levelsBeyondTheCoded()

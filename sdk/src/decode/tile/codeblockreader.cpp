@@ -136,10 +136,10 @@ CError CodeBlockReader::read(const WantedPrecinct &precinct, const CodeBlockPlac
         return {PLK_ERR_UNSUPPORTED, "A region of interest that is shifted by " + std::to_string(shift) +
                                          " bits (SPrgn of an RGN marker segment) is not supported together with " +
                                          std::to_string(magnitude - shift) + " magnitude bits."};
-    // Damaged high-throughput blocks may hold more than what is left after the zero bit-planes.
+    // The zero bit-planes of a high-throughput block end where its last bit-plane is, not where its first one is.
     const bool isHighThroughput = codeBlock.style & CodeBlockStyle::kHighThroughput;
     const int bitPlanes = isHighThroughput ? magnitude : codeBlock.bitPlanes;
-    *plane = std::make_shared<const Plane>(codeBlock.bitPlanes <= kMaxBitPlanes<std::int32_t>
+    *plane = std::make_shared<const Plane>(bitPlanes <= kMaxBitPlanes<std::int32_t>
                                                ? decoded<std::int32_t>(codeBlock, place, bitPlanes, shift, isSound)
                                                : decoded<std::int64_t>(codeBlock, place, bitPlanes, shift, isSound));
     return {};

@@ -52,14 +52,6 @@
         <translation>Das Öffnen wurde abgebrochen.</translation>
     </message>
     <message>
-        <source>Components of more than 31 bits are not supported.</source>
-        <translation>Komponenten mit mehr als 31 Bit werden nicht unterstützt.</translation>
-    </message>
-    <message>
-        <source>High-throughput code-blocks among others are not supported.</source>
-        <translation>Hochdurchsatz-Codeblöcke zwischen anderen werden nicht unterstützt.</translation>
-    </message>
-    <message>
         <source>Images that reach beyond 2147483647 cells are not supported.</source>
         <translation>Bilder, die über 2147483647 Zellen hinausreichen, werden nicht unterstützt.</translation>
     </message>
@@ -118,10 +110,6 @@
     <message>
         <source>The server sent a page or a message, not an image.</source>
         <translation>Der Server hat eine Seite oder eine Meldung geschickt, kein Bild.</translation>
-    </message>
-    <message>
-        <source>The wavelet transformation of the codestream is not supported.</source>
-        <translation>Die Wavelet-Transformation des Codestreams wird nicht unterstützt.</translation>
     </message>
     <message>
         <source>This file is not an XRV image that this library can read.</source>

@@ -52,14 +52,6 @@
         <translation>Se canceló la apertura.</translation>
     </message>
     <message>
-        <source>Components of more than 31 bits are not supported.</source>
-        <translation>No se admiten componentes de más de 31 bits.</translation>
-    </message>
-    <message>
-        <source>High-throughput code-blocks among others are not supported.</source>
-        <translation>No se admiten bloques de códigos de alto rendimiento entre otros.</translation>
-    </message>
-    <message>
         <source>Images that reach beyond 2147483647 cells are not supported.</source>
         <translation>No se admiten imágenes que superen las 2147483647 celdas.</translation>
     </message>
@@ -118,10 +110,6 @@
     <message>
         <source>The server sent a page or a message, not an image.</source>
         <translation>El servidor envió una página o un mensaje, no una imagen.</translation>
-    </message>
-    <message>
-        <source>The wavelet transformation of the codestream is not supported.</source>
-        <translation>No se admite la transformación wavelet del flujo de códigos.</translation>
     </message>
     <message>
         <source>This file is not an XRV image that this library can read.</source>

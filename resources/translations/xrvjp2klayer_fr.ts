@@ -52,14 +52,6 @@
         <translation>L’ouverture a été annulée.</translation>
     </message>
     <message>
-        <source>Components of more than 31 bits are not supported.</source>
-        <translation>Les composantes de plus de 31 bits ne sont pas prises en charge.</translation>
-    </message>
-    <message>
-        <source>High-throughput code-blocks among others are not supported.</source>
-        <translation>Les blocs de codes à haut débit mêlés à d’autres ne sont pas pris en charge.</translation>
-    </message>
-    <message>
         <source>Images that reach beyond 2147483647 cells are not supported.</source>
         <translation>Les images qui dépassent 2147483647 cellules ne sont pas prises en charge.</translation>
     </message>
@@ -118,10 +110,6 @@
     <message>
         <source>The server sent a page or a message, not an image.</source>
         <translation>Le serveur a envoyé une page ou un message, pas une image.</translation>
-    </message>
-    <message>
-        <source>The wavelet transformation of the codestream is not supported.</source>
-        <translation>La transformation en ondelettes du flux de codes n’est pas prise en charge.</translation>
     </message>
     <message>
         <source>This file is not an XRV image that this library can read.</source>

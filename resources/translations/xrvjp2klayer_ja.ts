@@ -52,14 +52,6 @@
         <translation>開く操作はキャンセルされました。</translation>
     </message>
     <message>
-        <source>Components of more than 31 bits are not supported.</source>
-        <translation>31 ビットを超える成分には対応していません。</translation>
-    </message>
-    <message>
-        <source>High-throughput code-blocks among others are not supported.</source>
-        <translation>ほかの符号ブロックに混在する高スループット符号ブロックには対応していません。</translation>
-    </message>
-    <message>
         <source>Images that reach beyond 2147483647 cells are not supported.</source>
         <translation>2147483647 セルを超える画像には対応していません。</translation>
     </message>
@@ -118,10 +110,6 @@
     <message>
         <source>The server sent a page or a message, not an image.</source>
         <translation>サーバーが画像ではなくページまたはメッセージを送ってきました。</translation>
-    </message>
-    <message>
-        <source>The wavelet transformation of the codestream is not supported.</source>
-        <translation>コードストリームのウェーブレット変換には対応していません。</translation>
     </message>
     <message>
         <source>This file is not an XRV image that this library can read.</source>

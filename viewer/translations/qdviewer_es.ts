@@ -575,7 +575,7 @@
     </message>
     <message>
         <source>&amp;Full Screen</source>
-        <translation>&amp;Pantalla completa</translation>
+        <translation>Pantalla comple&amp;ta</translation>
     </message>
     <message>
         <source>Fill the screen with the window</source>

@@ -575,7 +575,7 @@
     </message>
     <message>
         <source>&amp;Full Screen</source>
-        <translation>&amp;Plein écran</translation>
+        <translation>Plein écra&amp;n</translation>
     </message>
     <message>
         <source>Fill the screen with the window</source>

@@ -575,7 +575,7 @@
     </message>
     <message>
         <source>&amp;Full Screen</source>
-        <translation>Pantalla comple&amp;ta</translation>
+        <translation>Pa&amp;ntalla completa</translation>
     </message>
     <message>
         <source>Fill the screen with the window</source>

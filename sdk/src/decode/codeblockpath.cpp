@@ -17,10 +17,11 @@ namespace {
 constexpr std::int64_t kPieceWidth = 512, kPieceHeight = 256;
 /// Coefficients that are decoded before they are put together.
 constexpr std::int64_t kMaxCellsPerBatch = 24 << 20;
-/// Side of the parts in which jobs with more cells of a component are decoded, in cells. Many tiny code-blocks take
-/// more memory than their cells.
-constexpr std::int64_t kPartSide = 4096, kPartSideOfTinyBlocks = 1024;
-constexpr int kTinyBlocks = 8; ///< exponent of their area
+/// Exponent of the side of the parts in which larger jobs are decoded, in cells, and of the code-blocks in a part: many
+/// tiny ones take more memory than their cells.
+constexpr int kPartSide = 12, kCodeBlocksOfPart = 16;
+/// What a code-block takes besides its cells, in cells.
+constexpr std::int64_t kCellsOfCodeBlock = 256;
 
 /// Decomposition levels that all of \a components have.
 int minLevels(const TileIndex &index, const std::vector<int> &components)
@@ -31,16 +32,27 @@ int minLevels(const TileIndex &index, const std::vector<int> &components)
     return levels;
 }
 
+/// Exponent of the area of the smallest code-blocks that \a style can have: precincts cut them (ISO/IEC 15444-1 B.7).
+int smallestCodeBlocks(const ComponentStyle &style)
+{
+    int width = style.codeBlockWidthExponent, height = style.codeBlockHeightExponent;
+    for (int r = 0; r <= style.decompositionLevels; ++r) {
+        width = std::min(width, style.precinctWidthExponent(r) - (r > 0 ? 1 : 0));
+        height = std::min(height, style.precinctHeightExponent(r) - (r > 0 ? 1 : 0));
+    }
+    return width + height;
+}
+
 /// The parts of a job that are decoded one after the other, \a averagedLevels above a resolution of the tile.
 std::vector<IntRect> partsOf(const DecodeJob &job, const TileIndex &index, int averagedLevels)
 {
-    const ComponentStyle &style = index.style().components[job.components.front()];
-    const bool areTiny = style.codeBlockWidthExponent + style.codeBlockHeightExponent < kTinyBlocks;
-    const std::int64_t side = (areTiny ? kPartSideOfTinyBlocks : kPartSide) >> averagedLevels;
-    const std::int64_t most = kMaxCellsPerBatch >> std::min(2 * averagedLevels, 62);
-    if (areaOf(job.levelRect) <= (areTiny ? most / 16 : most))
+    const int area = smallestCodeBlocks(index.style().components[job.components.front()]);
+    const int side = std::min(kPartSide, (kCodeBlocksOfPart + area) / 2);
+    const std::int64_t most = std::min(kMaxCellsPerBatch, std::int64_t(2) << (2 * side));
+    if (areaOf(job.levelRect) <= most >> std::min(2 * averagedLevels, 62))
         return {job.levelRect};
-    return inPieces(job.levelRect, std::max<std::int64_t>(1, side), std::max<std::int64_t>(1, side));
+    const std::int64_t sideOfLevel = std::int64_t(1) << std::max(0, side - averagedLevels);
+    return inPieces(job.levelRect, sideOfLevel, sideOfLevel);
 }
 
 } // namespace
@@ -80,7 +92,7 @@ CodeBlockPath::CodeBlockPath(std::shared_ptr<ByteSource> source, const MainHeade
 CError CodeBlockPath::decode(RasterRead *read)
 {
     Batch batch;
-    for (std::size_t job = 0; job < read->jobs().size(); ++job) {
+    for (std::size_t job = 0; job < read->jobs().size() && !read->cancel().isRaised(); ++job) {
         const TileIndex &index = *read->index(job);
         if (index.isMissing())
             continue;
@@ -134,12 +146,12 @@ void CodeBlockPath::add(const RasterRead &read, std::size_t number, const IntRec
     CodeBlockRequest request{tileOf(read, number), {}, read.request().isKept};
     for (const int c : job.components) {
         const IntRect rect = raster.components[c].fromCanvas(region);
-        if (rect.isEmpty())
+        if (rect.isEmpty() || read.cancel().isRaised())
             continue;
         const std::vector<CodeBlockPlace> places = codeBlocksFor(componentRect(index->rect(), header.components[c]),
                                                                  index->style().components[c], c, discarded, rect);
         request.codeBlocks.insert(request.codeBlocks.end(), places.begin(), places.end());
-        batch->cells += areaOf(rect);
+        batch->cells += areaOf(rect) + kCellsOfCodeBlock * static_cast<std::int64_t>(places.size());
     }
     // Cut where averaged cells begin.
     for (const IntRect &piece : inPieces(part, std::max<std::int64_t>(1, kPieceWidth >> averaged),
@@ -156,7 +168,7 @@ CError CodeBlockPath::decodeBatch(RasterRead *read, const Batch &batch)
     std::string damage;
     if (CError error = codeBlocks.fetch(batch.requests, read->damagePolicy(), read->cancel(), &sets, &damage))
         return error;
-    for (std::size_t i = 0; i < batch.parts.size(); ++i)
+    for (std::size_t i = 0; i < batch.parts.size() && !read->cancel().isRaised(); ++i)
         if (sets[i].isEmpty())
             keepBlank(read, batch.parts[i].job, batch.parts[i].levelRect, damage);
     return runAll(batch.pieces.size(), read->cancel(), [&](std::size_t i) {

@@ -85,7 +85,8 @@ ReadResult RasterRead::result() const
         const int c = asked.components[i];
         result.planes.push_back(makePlane(c, plan.wanted[i], raster.components[c].sampleType));
         for (const Plane *piece : pieces[c])
-            copyCells(*piece, &result.planes.back());
+            if (!asked.cancel.isRaised())
+                copyCells(*piece, &result.planes.back());
     }
     return result;
 }

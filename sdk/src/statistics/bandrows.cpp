@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <limits>
 #include <type_traits>
+#include <unordered_map>
 
 namespace xrv {
 
@@ -115,13 +116,15 @@ CError BandRows::read(const IntRect &window, int level, std::vector<BandCounter>
         return error;
     if (result.damaged && faults)
         faults->damaged(result.damage);
-    for (std::size_t i = 0; i < bands.size(); ++i) {
+    std::unordered_map<int, const Plane *> planeOf;
+    for (const Plane &plane : result.planes)
+        planeOf[plane.component] = &plane;
+    for (std::size_t i = 0; i < bands.size() && !manner.cancel.isRaised(); ++i) {
         if (!map.isDirect(bands[i]))
             continue;
         const int component = map.bands()[static_cast<std::size_t>(bands[i])].component;
-        for (const Plane &plane : result.planes)
-            if (plane.component == component)
-                countDirect(plane, coreRect(window, level, stepsOf(component)), &(*counters)[i]);
+        if (const auto found = planeOf.find(component); found != planeOf.end())
+            countDirect(*found->second, coreRect(window, level, stepsOf(component)), &(*counters)[i]);
     }
     if (!converted.empty())
         countConverted(result.planes, window, level, counters);
@@ -163,7 +166,7 @@ void BandRows::countConverted(const std::vector<Plane> &planes, const IntRect &w
     for (auto &row : to)
         toRows.push_back(row.data());
 
-    for (std::int64_t y = core.y0; y < core.y1; ++y) {
+    for (std::int64_t y = core.y0; y < core.y1 && !manner.cancel.isRaised(); ++y) {
         for (std::size_t i = 0; i < sources.size(); ++i) {
             const Steps own = stepsOf(sources[i]->component);
             gatherRow(*sources[i], core.x0, core.x1, y, static_cast<double>(steps.x) / own.x,

@@ -41,6 +41,8 @@ void CodeBlockFetch::plan(std::size_t requestNumber, const CodeBlockRequest &req
 {
     std::unordered_map<PrecinctKey, std::size_t, PrecinctKeyHash> known;
     for (const CodeBlockPlace &place : request.codeBlocks) {
+        if (cancel.isRaised())
+            return; // as run() will find
         const CodeBlockName &name = place.name;
         std::vector<TileCache::PlanePtr> cached = TileCache::instance().find(cacheKey(request.tile, name));
         if (!cached.empty()) {
@@ -65,7 +67,9 @@ CError CodeBlockFetch::prefetchPackets()
     std::vector<ByteRange> ranges;
     for (WantedPrecinct &precinct : precincts) {
         means.precincts.find(&precinct);
-        if (precinct.index)
+        if (cancel.isRaised())
+            return {PLK_ERR_CANCELLED, "The read was cancelled."};
+        if (precinct.index || !means.source.isRemote())
             continue;
         const std::vector<ByteRange> first = means.precincts.firstRanges(precinct);
         ranges.insert(ranges.end(), first.begin(), first.end());
@@ -88,6 +92,8 @@ CError CodeBlockFetch::run(const DamagePolicy &damagePolicy, std::string *damage
 
 CError CodeBlockFetch::loadPrecincts()
 {
+    if (cancel.isRaised())
+        return {PLK_ERR_CANCELLED, "The read was cancelled."};
     return runAll(precincts.size(), cancel, [&](std::size_t i) {
         CError error = means.precincts.load(&precincts[i], cancel);
         return error.IsSuccess() && precincts[i].isDamaged ? noteDamage(precincts[i]) : error;

@@ -96,6 +96,8 @@ CError TileIndexStore::load(const std::vector<std::uint32_t> &tiles, int discard
     for (std::size_t i = 0; i < tiles.size(); ++i) {
         if (i > 0 && tiles[i] == tiles[i - 1])
             continue;
+        if (cancel.isRaised())
+            return {PLK_ERR_CANCELLED, "The read was cancelled."};
         TileIndexPtr &index = (*found)[i];
         index = indexes.find(tiles[i]);
         if (index && index->knowsPlaces(neededResolution(*index, discarded)))

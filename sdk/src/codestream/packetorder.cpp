@@ -23,6 +23,9 @@ PacketNumbering::PacketNumbering(const MainHeader &header, const TileStyle &styl
 {
     for (std::size_t c = 0; c < style.components.size(); ++c) {
         const IntRect rect = componentRect(tile, header.components[c]);
+        const auto resolutions = static_cast<std::size_t>(style.components[c].decompositionLevels) + 1;
+        grids[c].reserve(resolutions);
+        bases[c].reserve(resolutions);
         for (int r = 0; r <= style.components[c].decompositionLevels; ++r) {
             grids[c].push_back(precinctGrid(rect, style.components[c], r));
             bases[c].push_back(total);

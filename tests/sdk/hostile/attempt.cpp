@@ -1,5 +1,7 @@
 #include "attempt.h"
 
+#include <xrv60/plkinit.h>
+
 #include <QElapsedTimer>
 #include <QFile>
 
@@ -18,7 +20,18 @@ extern "C" void __sanitizer_purge_allocator() __attribute__((weak));
 namespace {
 
 constexpr double kMaxSeconds = 2.0;
-constexpr std::uint64_t kMaxBytes = std::uint64_t{1} << 30;
+constexpr std::uint64_t kMaxBytes = std::uint64_t{600} << 20;
+/// Sanitizers keep freed memory and shadow all of it.
+constexpr std::uint64_t kMaxBytesWatched = std::uint64_t{2} << 30;
+
+std::uint64_t maxBytes()
+{
+#if defined(__GNUC__)
+    if (__sanitizer_purge_allocator)
+        return kMaxBytesWatched;
+#endif
+    return kMaxBytes;
+}
 
 /// Gives back what the allocator keeps of freed memory: earlier attempts are not to count.
 void releaseFreedMemory()
@@ -102,7 +115,7 @@ QByteArray Attempt::complaint() const
 {
     if (seconds > kMaxSeconds)
         return "took " + QByteArray::number(seconds) + " s";
-    if (peakBytes > kMaxBytes)
+    if (peakBytes > maxBytes())
         return "took " + QByteArray::number(static_cast<qulonglong>(peakBytes >> 20)) + " MiB";
     if (isShown())
         return {};
@@ -128,4 +141,13 @@ Attempt attempt(PLK::CView *view, const std::string &path, Damage damage)
 Attempt attemptView(PLK::CView *view)
 {
     return measured([&](Attempt *result) { showAll(view, result); });
+}
+
+Attempt attemptStatistics(PLK::CView *view)
+{
+    return measured([&](Attempt *result) {
+        PLKFileStatistics *statistics = nullptr;
+        result->error = view->GetClientStatistics(&statistics);
+        PLKFreeStatistics(statistics);
+    });
 }

@@ -28,5 +28,7 @@ enum class Damage { Strict, Resilient };
 
 /// Opens \a path (UTF-8) with \a view and shows all of it as one blocking picture of kPictureSide pixels square.
 Attempt attempt(PLK::CView *view, const std::string &path, Damage damage);
+/// Has the statistics of what \a view has open worked out.
+Attempt attemptStatistics(PLK::CView *view);
 /// Shows all of what \a view has open already.
 Attempt attemptView(PLK::CView *view);

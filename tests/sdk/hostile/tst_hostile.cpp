@@ -2,6 +2,7 @@
 // that can be saved, in good time and in little memory, and the view goes on afterwards.
 
 #include "attempt.h"
+#include "claims.h"
 
 #include "data/boxbuilder.h"
 #include "data/files.h"
@@ -167,6 +168,9 @@ private slots:
     void boxLengths();
     void header_data();
     void header();
+    void claims_data();
+    void claims();
+    void lateLayer();
     void noImage_data();
     void noImage();
     void unreadable();
@@ -395,6 +399,112 @@ void TestHostile::header()
             return;
     }
     mustGoOn();
+}
+
+void TestHostile::claims_data()
+{
+    QTest::addColumn<FileBytes>("file");
+    QTest::addColumn<QByteArray>("refusal"); // empty: it is shown
+    using namespace boxbuilder;
+    const auto row = [](const char *name, const Claims &claims, const char *refusal = "") {
+        QTest::newRow(name) << claims.make() << QByteArray(refusal);
+    };
+    const auto repeated = [](const Bytes &bytes, int times) {
+        Bytes all;
+        for (int i = 0; i < times; ++i)
+            append(all, bytes);
+        return all;
+    };
+    constexpr std::uint32_t k30 = 31623, k64 = 65280;
+    row("2^26 code-blocks", {32768, 32768, 0, 1, 1, 1, 0, 0, -1, {}, {0x80, 0x80}}, "16777216 code-blocks");
+    row("2^22 code-blocks, all layers", {32768, 32768, 0, 1, 5, 65535, 0, 0, -1, {}, Bytes(100000, 0x80)});
+    row("2^16 code-blocks, packets of noise", {4096, 4096, 0, 1, 0, 1, 0, 2, -1, {}, repeated({0x9a, 0x5d}, 50000)});
+    row("10^9 cells without levels", {k30, k30, 0, 3, 0, 1, 0, 4, -1, {}, {0, 0, 0}});
+    row("4 x 10^9 cells without levels", {65535, 65535, 0, 1, 0, 1, 0, 4, -1, {}, Bytes(9, 0)});
+    row("4 x 10^9 cells of noise", {65535, 65535, 0, 1, 0, 1, 0, 4, -1, {}, repeated({0x9a, 0x5d}, 50000)}, "cells");
+    row("25 million packets by position", {20000, 20000, 0, 1, 5, 1, 2, 4, 2, {}, Bytes(1000, 0)});
+    row("10^9 packets by layer", {60000, 60000, 0, 1, 5, 65535, 0, 4, 7, {}, Bytes(100000, 0x80)});
+    row("255 large components", {30000, 30000, 0, 255, 1, 1, 0, 4, -1, {}, Bytes(510, 0)});
+    row("16384 components", {1000, 1000, 0, 16384, 5, 1, 0, 4, -1, {}, Bytes(6 * 16384, 0)});
+    row("16384 components without data", {1000, 1000, 0, 16384});
+    row("65025 tiles", {k64, k64, 256, 1, 5, 1, 0, 4, -1, {}, Bytes(6, 0), 65025});
+    row("65025 tiles that are not there", {k64, k64, 256, 3, 5, 1, 0, 4, -1, {}, {}, 1});
+    row("tile-parts without end", {64, 64, 0, 1, 5, 1, 0, 4, -1, {}, {}, 1, 1000000});
+    row("255 tile-parts each", {1024, 1024, 32, 1, 5, 1, 0, 4, -1, {}, {0}, 1024, 255});
+    // A.6.6: from resolution and component 0 to layer 7, resolution 33 and component 16384, by position.
+    const Bytes changes = repeated({0, 0, 0, 0, 7, 33, 0x40, 0, 2}, 7000);
+    row("7000 progression changes", {64, 64, 0, 640, 5, 9, 0, 4, -1, Claims::segment(0x5f, changes), Bytes(9000, 0)});
+    row("7000 progression changes of 16384 components",
+        {64, 64, 0, 16384, 5, 9, 0, 4, -1, Claims::segment(0x5f, changes), Bytes(9000, 0)}, "7000 progression order");
+    row("100 MB of comments",
+        {64, 64, 0, 1, 5, 1, 0, 4, -1, repeated(Claims::segment(0x64, Bytes(65000, 1)), 1600), {0}}, "64 MB");
+    const Bytes image = Claims().make();
+    const auto boxed = [&image](const Bytes &header, const Bytes &boxes) {
+        return join({signature(), fileType(), superBox("jp2h", {ihdr(64, 64, 1), header, colrEnumerated(16)}), boxes,
+                     box("jp2c", image)});
+    };
+    QTest::newRow("70000 large boxes") << boxed({}, repeated(box("free", Bytes(60, 0)), 70000))
+                                       << QByteArray("65536 boxes");
+    const auto gml = [](const Bytes &boxes) { return superBox("asoc", {label("gml.data"), boxes}); };
+    QTest::newRow("4 million elements") << boxed({},
+                                                 gml(xml("<r>" + QByteArray("<a/>").repeated(3000000).toStdString())))
+                                        << QByteArray();
+    QTest::newRow("20000 texts") << boxed({}, gml(repeated(xml("<r srsName='gmljp2://xml/C#e'/>"), 20000)))
+                                 << QByteArray();
+    Bytes mapping;
+    for (std::uint8_t i = 0; mapping.size() < 4 * 65535; ++i)
+        append(mapping, {0, 0, 1, std::uint8_t(i % 3)});
+    QTest::newRow("65535 channels") << boxed(join({pclr({7, 7, 7}, {{1, 2, 3}}), box("cmap", mapping)}), {})
+                                    << QByteArray();
+}
+
+/// Small files that claim much: what they claim is refused with its number or costs no more than what is there. Nor
+/// does anybody wait for them who closes the view.
+void TestHostile::claims()
+{
+    QFETCH(FileBytes, file);
+    QFETCH(QByteArray, refusal);
+    mustBehave(file, "claims");
+    if (QTest::currentTestFailed())
+        return;
+    const Attempt shown = attempt(&view, write(file), Damage::Resilient);
+    QVERIFY2(shown.isShown() ? refusal.isEmpty() : QByteArray(shown.error.GetErrorMessage()).contains(refusal),
+             shown.error.GetErrorMessage());
+    const Attempt counted = attemptStatistics(&view);
+    QVERIFY2(!shown.isShown() || counted.complaint().isEmpty(), counted.complaint().constData());
+    for (const unsigned long milliseconds : {1ul, 30ul, 200ul}) {
+        ProgressiveView progressive;
+        if (progressive.Open(PLK::CString(folder.path("file").c_str()), true, false))
+            break;
+        QVERIFY(!setView(progressive, {kPictureSide, kPictureSide, 0, 0, 1e6, -1e6}));
+        progressive.StartCountingStatistics();
+        QTest::qWait(int(milliseconds));
+        QElapsedTimer timer;
+        timer.start();
+        progressive.Close(true);
+        QVERIFY2(timer.elapsed() < 500, qPrintable(QString::number(timer.elapsed()))); // tens, but for a busy machine
+    }
+    mustGoOn();
+}
+
+/// A code-block that comes with a layer beyond the 32,767th.
+void TestHostile::lateLayer()
+{
+    constexpr int kLate = 40000;
+    // ISO/IEC 15444-1 B.10: the packet is there; 40000 times no, yes; no zero bit-planes; one pass; 5 bytes.
+    boxbuilder::Bytes packets(kLate, 0), header(2 + kLate / 8, 0);
+    header[0] = 0x80;
+    const std::size_t bit = 1 + kLate;
+    const auto put = [&header](std::size_t at) { header[at / 8] = std::uint8_t(header[at / 8] | 0x80 >> at % 8); };
+    for (const std::size_t at : {bit, bit + 1, bit + 4, bit + 6})
+        put(at);
+    boxbuilder::append(packets, boxbuilder::join({header, {1, 2, 3, 4, 5}}));
+    packets.resize(packets.size() + 65534 - kLate, 0);
+    const Claims claims{64, 64, 0, 1, 0, 65535, 0, 4, -1, {}, packets};
+    const Attempt result = attempt(&view, write(claims.make()), Damage::Strict);
+    QVERIFY2(result.isShown(), result.error.GetErrorMessage());
+    QVERIFY(
+        std::any_of(result.picture.begin(), result.picture.end(), [](std::uint8_t v) { return v != 255 && v != 128; }));
 }
 
 void TestHostile::noImage_data()

@@ -28,6 +28,7 @@ class XRVJP2kLayerPlugin : public QObject, public ILayerPluginInfo, public ILaye
 {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID "com.korvane.viewer.plugin.XRVJP2kLayerPlugin")
+    Q_CLASSINFO("FurtherFilePatterns", "*.jph *.jhc")
     Q_INTERFACES(ILayerPluginInfo ILayerPlugin ILayerEditorPlugin)
 
 public:

@@ -8,6 +8,7 @@ class GoodPlugin : public QObject, public ILayerPluginInfo, public ILayerPlugin
 {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID "com.korvane.viewer.plugin.GoodPlugin")
+    Q_CLASSINFO("FurtherFilePatterns", "*.more *.most")
     Q_INTERFACES(ILayerPluginInfo ILayerPlugin)
 
 public:

@@ -113,6 +113,7 @@ void TestPluginRegistry::findsThePluginForAFile_data()
     QTest::newRow("one of its extensions") << QStringLiteral("/data/a.abc") << true;
     QTest::newRow("capitals") << QStringLiteral("C:/DATA/A.JP2") << true;
     QTest::newRow("second pattern of a filter") << QStringLiteral("a.b.j2k") << true;
+    QTest::newRow("beyond its filter") << QStringLiteral("a.More") << true;
     QTest::newRow("stream") << QStringLiteral("xrvps://server/image.dat") << true;
     QTest::newRow("only begins like one") << QStringLiteral("a.jp2x") << false;
     QTest::newRow("extension of a folder") << QStringLiteral("/data.jp2/a") << false;
@@ -133,8 +134,8 @@ void TestPluginRegistry::leavesOutDisabledPlugins()
 {
     PluginRegistry registry;
     QVERIFY(registry.loadFile(kGoodPlugin));
-    QVERIFY(
-        registry.getFileFilter().startsWith(QStringLiteral("All supported files (*.abc *.url *.jp2 *.j2k);;Plain")));
+    QVERIFY(registry.getFileFilter().startsWith(
+        QStringLiteral("All supported files (*.abc *.url *.jp2 *.j2k *.more *.most);;Plain")));
     registry.getPlugins().constFirst().info->setEnabled(false);
     QVERIFY(!registry.findForFile(QStringLiteral("a.jp2")));
     QVERIFY(!registry.getFileFilter().contains(QStringLiteral("jp2")));

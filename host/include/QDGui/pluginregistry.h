@@ -28,6 +28,9 @@ public:
         ILayerPluginInfo *info = nullptr;     ///< Never null.
         ILayerPlugin *factory = nullptr;      ///< Null when the plug-in makes no layers.
         ILayerEditorPlugin *editor = nullptr; ///< Null when it brings no user interface.
+        /// Of files that it opens besides those of its filter: the Q_CLASSINFO
+        /// "FurtherFilePatterns" of its class, patterns such as "*.jph" with blanks between.
+        QStringList furtherPatterns;
     };
 
     PluginRegistry();

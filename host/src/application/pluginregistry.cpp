@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLibrary>
+#include <QMetaClassInfo>
 #include <QPluginLoader>
 #include <QRegularExpression>
 
@@ -33,6 +34,18 @@ QStringList filterPatterns(const QString &fileFilter)
     for (const QString &filter : filters)
         patterns += kPatterns.match(filter).captured(1).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     return patterns;
+}
+
+QStringList filePatterns(const PluginRegistry::Plugin &plugin)
+{
+    return filterPatterns(plugin.info->getFileFilter()) + plugin.furtherPatterns;
+}
+
+QStringList furtherPatterns(const QMetaObject &pluginClass)
+{
+    const int index = pluginClass.indexOfClassInfo("FurtherFilePatterns");
+    return index < 0 ? QStringList()
+                     : QString::fromLatin1(pluginClass.classInfo(index).value()).split(QLatin1Char(' '));
 }
 
 bool matchesPattern(const QString &name, const QString &pattern)
@@ -112,6 +125,7 @@ bool PluginRegistry::loadFile(const QString &fileName)
     plugin.info = qobject_cast<ILayerPluginInfo *>(instance);
     plugin.factory = qobject_cast<ILayerPlugin *>(instance);
     plugin.editor = qobject_cast<ILayerEditorPlugin *>(instance);
+    plugin.furtherPatterns = furtherPatterns(*instance->metaObject());
     const auto isSame = [&](const Private::Loaded &entry) {
         return entry.plugin.instance == instance || (plugin.info && entry.plugin.info->getId() == plugin.info->getId());
     };
@@ -152,7 +166,7 @@ const PluginRegistry::Plugin *PluginRegistry::findForFile(const QString &fileNam
 {
     const QString name = nameToMatch(fileName);
     return d->find([&name](const Plugin &plugin) {
-        const QStringList patterns = filterPatterns(plugin.info->getFileFilter());
+        const QStringList patterns = filePatterns(plugin);
         return plugin.info->isEnabled() && std::any_of(patterns.cbegin(), patterns.cend(), [&](const QString &pattern) {
                    return matchesPattern(name, pattern);
                });
@@ -171,7 +185,7 @@ QString PluginRegistry::getFileFilter() const
     for (const Private::Loaded &entry : d->loaded) {
         if (!entry.plugin.factory || !entry.plugin.info->isEnabled())
             continue;
-        patterns += filterPatterns(entry.plugin.info->getFileFilter());
+        patterns += filePatterns(entry.plugin);
         filters += entry.plugin.info->getFileFilter();
     }
     patterns.removeDuplicates();

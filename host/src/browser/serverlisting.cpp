@@ -124,7 +124,7 @@ ServerListing parseServerListing(const QByteArray &body, const QUrl &folder)
 
 bool isImageName(const QString &name)
 {
-    static const char *const kEndings[] = {".jp2", ".j2k", ".j2c", ".jpc", ".jpx", ".jpf", ".xrv"};
+    static const char *const kEndings[] = {".jp2", ".j2k", ".j2c", ".jpc", ".jpx", ".jpf", ".jph", ".jhc", ".xrv"};
     return std::any_of(std::begin(kEndings), std::end(kEndings), [&name](const char *ending) {
         return name.endsWith(QLatin1String(ending), Qt::CaseInsensitive);
     });

@@ -26,7 +26,8 @@ public:
     QString certificateFile() const { return filePath(QStringLiteral("certificate")); }
     /// "xrvp://127.0.0.1:port/name", or "xrvps://localhost:port/name".
     std::string address(const QString &name) const;
-    /// What was asked since the last call: "status body-bytes-sent range-header protocol", one per request.
+    /// What was asked since the last call: "status body-bytes-sent end duration range-header protocol", one per
+    /// request, times in seconds.
     QStringList takeLog();
 
 private:

@@ -63,8 +63,13 @@ std::vector<RangeGroup> RangeStyle::plan(const ByteRangeSet &lacking) const
 {
     const ServerTraits &traits = ServerTraits::instance();
     const std::uint64_t gap = traits.multiplexes(server) ? kMultiplexedGap : kRequestGap;
+    ServerTraits::Answer several = traits.takesSeveralRanges(server);
+    // Single ranges are nearly as quick there, and the whole of a file, which is what some servers answer to several,
+    // would keep the others of the connection waiting: that is found out beside it (see RangeFetcher::askForSeveral()).
+    if (several == ServerTraits::Answer::Unknown && traits.multiplexes(server))
+        several = ServerTraits::Answer::No;
     if (outcome == FetchRound::Several::Fine)
-        return planRequests(lacking, traits.takesSeveralRanges(server), gap);
+        return planRequests(lacking, several, gap);
     std::vector<RangeGroup> groups = planRequests(lacking, ServerTraits::Answer::No, gap);
     // One that may be overloaded is not to be asked a hundred times at once.
     if (outcome == FetchRound::Several::Doubted && !singlesCome)

@@ -350,6 +350,14 @@ std::vector<HttpAnswer> HttpClient::perform(const std::vector<HttpRequest> &requ
     return answers;
 }
 
+void HttpClient::send(const HttpRequest &request)
+{
+    auto exchange = std::make_shared<Exchange>(request);
+    exchange->isDone = true;
+    exchange->unattended = true;
+    startedLoop()->add({exchange});
+}
+
 void HttpClient::stop()
 {
     std::thread ending;

@@ -29,6 +29,9 @@ public:
     /// on their way and have an Afterlife go on by themselves.
     std::vector<HttpAnswer> perform(const std::vector<HttpRequest> &requests, const CancelFlag &cancel);
 
+    /// Sends \a request, whose afterlife gets the answer, and waits for nothing.
+    void send(const HttpRequest &request);
+
     /// Ends the thread and closes all connections; what waits is cancelled. The next request starts it again.
     void stop();
 

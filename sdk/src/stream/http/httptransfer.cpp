@@ -8,6 +8,10 @@
 #include <new>
 #include <utility>
 
+#ifndef _WIN32
+#include <sys/socket.h>
+#endif
+
 namespace xrv {
 
 namespace {
@@ -16,6 +20,7 @@ constexpr std::size_t kMaxHeaderBytes = 65536;
 constexpr std::size_t kMaxErrorBody = 65536;     // pages that explain an error are passed over
 constexpr std::uint64_t kMinPerStallTime = 4096; // a drip that would take hours is a stall too
 constexpr long kBufferSize = 131072;
+constexpr int kFloodBuffer = 16384;
 constexpr std::size_t kSinkPiece = std::size_t(1) << 20;
 constexpr std::size_t kMaxDigits = 18;
 
@@ -88,6 +93,24 @@ void HttpTransfer::setUp()
     curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &HttpTransfer::onBody);
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, this);
     setUpSecurity();
+    if (request.mayFlood)
+        setUpForFlood();
+}
+
+void HttpTransfer::setUpForFlood()
+{
+    CURL *const curl = easy.get();
+    curl_easy_setopt(curl, CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_1_1));
+    curl_easy_setopt(curl, CURLOPT_FRESH_CONNECT, 1L);
+    curl_easy_setopt(curl, CURLOPT_FORBID_REUSE, 1L);
+    curl_easy_setopt(curl, CURLOPT_SOCKOPTFUNCTION, &HttpTransfer::onSocket);
+}
+
+int HttpTransfer::onSocket(void *, curl_socket_t socket, curlsocktype)
+{
+    const int size = kFloodBuffer;
+    ::setsockopt(socket, SOL_SOCKET, SO_RCVBUF, reinterpret_cast<const char *>(&size), sizeof size);
+    return CURL_SOCKOPT_OK; // a larger one does no harm but to the link
 }
 
 void HttpTransfer::setUpSecurity()

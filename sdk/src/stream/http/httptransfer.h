@@ -33,6 +33,7 @@ public:
 private:
     void setUp();
     void setUpSecurity();
+    void setUpForFlood();
     bool takeHeader(const std::string &line);
     bool takeBody(const char *data, std::size_t length);
     std::uint64_t bodyLimit() const;
@@ -41,6 +42,7 @@ private:
     void dropHalfHead();
     void restartWindow(Clock::time_point now);
     HttpOutcome outcomeOf(CURLcode code) const;
+    static int onSocket(void *self, curl_socket_t socket, curlsocktype purpose);
     static std::size_t onHeader(char *data, std::size_t size, std::size_t count, void *self);
     static std::size_t onBody(char *data, std::size_t size, std::size_t count, void *self);
 

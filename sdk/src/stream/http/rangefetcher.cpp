@@ -20,6 +20,7 @@ namespace {
 constexpr std::uint64_t kPartOverhead = 1024; // headers of a part, generously
 constexpr std::uint64_t kAnswerSlack = 4096;
 constexpr int kMegabyteBits = 20;
+constexpr std::uint64_t kLongEnoughForSeveral = 65536;
 constexpr auto kCancelPoll = std::chrono::milliseconds(5);
 
 CError cancelledError()
@@ -33,6 +34,30 @@ bool isSeveral(const RangeGroup &group)
 }
 
 } // namespace
+
+/// Learns from a request for the first and the last byte of a file whether its server answers several ranges at once.
+class SeveralProbe : public Afterlife
+{
+public:
+    explicit SeveralProbe(std::string serverName)
+        : server(std::move(serverName))
+    {
+    }
+    void begin() override {}
+    bool goesOn() const override { return true; }
+    void end(const HttpAnswer &answer) override
+    {
+        std::vector<RangePiece> pieces;
+        std::string fault;
+        const bool isAnswered = answer.outcome == HttpOutcome::Complete || answer.outcome == HttpOutcome::TooLong;
+        if (isAnswered && answer.status != 0)
+            ServerTraits::instance().setTakesSeveralRanges(
+                server, answer.status == 206 && readPieces(answer, &pieces, &fault) && pieces.size() == 2);
+    }
+
+private:
+    const std::string server;
+};
 
 /// The right to get the whole file: nobody needs it twice at once. Waits for who has it.
 class RangeFetcher::WholeTurn
@@ -249,6 +274,20 @@ std::vector<HttpAnswer> RangeFetcher::askFor(const std::vector<RangeGroup> &grou
     return link.ask(requests, cancel);
 }
 
+/// Where one connection carries many requests, that is found out beside them.
+void RangeFetcher::askForSeveral(const FileVersion &version) const
+{
+    ServerTraits &traits = ServerTraits::instance();
+    const std::string server = link.address().server();
+    if (version.length < kLongEnoughForSeveral || !traits.multiplexes(server) || !traits.shallAskForSeveral(server))
+        return;
+    const RangeGroup ends{{{0, 1}, {version.length - 1, 1}}, false};
+    HttpRequest request = requestFor(ends, version);
+    request.mayFlood = true;
+    request.afterlife = std::make_shared<SeveralProbe>(server);
+    link.send(request);
+}
+
 CError RangeFetcher::fetch(const std::vector<ByteRange> &ranges, const FileVersion &version, const CancelFlag &cancel,
                            const Sink &sink)
 {
@@ -271,6 +310,7 @@ CError RangeFetcher::fetchParts(ByteRangeSet *lacking, const FileVersion &versio
         if (CError failure = runRound(style.plan(*lacking), version, cancel, sink, lacking, &round))
             return failure;
         style.learn(round);
+        askForSeveral(version);
         if (lacking->isEmpty() || takesNoRanges)
             break;
         if (CError failure = judgeRound(round, &patience, cancel))

@@ -77,6 +77,7 @@ private:
     PLK::CError takeWhole(const RangeGroup &group, const HttpAnswer &answer, const FileVersion &version,
                           const Sink &sink, FetchRound *round);
     PLK::CError takeLargeWhole(const HttpAnswer &answer, FileVersion *version);
+    void askForSeveral(const FileVersion &version) const;
     PLK::CError wholeFault(const FileVersion &version, bool isKept) const;
     std::uint64_t openingLimit() const;
     void setDoubtful();

@@ -121,6 +121,12 @@ std::string ServerLink::redirect(const HttpAnswer &answer, Target *to) const
     return {};
 }
 
+void ServerLink::send(HttpRequest request) const
+{
+    apply(target(), &request);
+    HttpClient::instance().send(request);
+}
+
 std::vector<HttpAnswer> ServerLink::ask(const std::vector<HttpRequest> &requests, const CancelFlag &cancel)
 {
     const Target start = target();

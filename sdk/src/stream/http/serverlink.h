@@ -20,6 +20,8 @@ public:
     const StreamOptions &options() const { return streamOptions; }
     /// A request for the bytes \a range ("0-99,200-299", empty for all), of which at most \a limit are taken.
     HttpRequest request(const std::string &range, std::uint64_t limit) const;
+    /// Sends \a request to where the address led to last, and waits for nothing: its afterlife gets the answer.
+    void send(HttpRequest request) const;
     /// Carries out \a requests with their redirects. An answer with a redirect that must not be followed is Invalid and
     /// says why.
     std::vector<HttpAnswer> ask(const std::vector<HttpRequest> &requests, const CancelFlag &cancel);

@@ -1,5 +1,7 @@
 #include "servertraits.h"
 
+#include <utility>
+
 namespace xrv {
 
 namespace {
@@ -43,6 +45,14 @@ void ServerTraits::doubtSeveralRanges(const std::string &server)
     Server &known = entry(server);
     if (++known.doubts >= kDoubtsThatDecide)
         known.severalRanges = Answer::No;
+}
+
+bool ServerTraits::shallAskForSeveral(const std::string &server)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    Server &known = entry(server);
+    const bool wasAsked = std::exchange(known.isAsked, true);
+    return !wasAsked && known.severalRanges == Answer::Unknown;
 }
 
 bool ServerTraits::multiplexes(const std::string &server) const

@@ -19,6 +19,8 @@ public:
     /// A request for several ranges failed where one for a single range did not. Once may be chance; twice, with none
     /// in between that was answered, is how the server is.
     void doubtSeveralRanges(const std::string &server);
+    /// True once as long as that is not known: somebody is to find it out.
+    bool shallAskForSeveral(const std::string &server);
     /// A connection to it carries many requests at a time.
     bool multiplexes(const std::string &server) const;
     void setMultiplexes(const std::string &server, bool does);
@@ -29,6 +31,7 @@ private:
     {
         Answer severalRanges = Answer::Unknown;
         int doubts = 0;
+        bool isAsked = false; ///< for several
         bool multiplexes = false;
     };
     Server &entry(const std::string &server);

@@ -50,6 +50,9 @@ struct HttpRequest
     std::vector<std::string> headers; ///< further ones, "Name: value"
     std::string userAgent, caFile;
     int connectTimeout = 0, stallTimeout = 0;
+    /// The answer may be much longer than what is wanted of it. On a connection of its own, over HTTP/1.1 and with a
+    /// small buffer, it delays no others until it is broken off.
+    bool mayFlood = false;
     std::uint64_t partialLimit = 0;       ///< bytes taken of the body of a 206, more is "too long"
     std::uint64_t wholeLimit = 0;         ///< the same of a 200
     std::shared_ptr<BodySink> wholeSink;  ///< gets the body of a 200, where there is one

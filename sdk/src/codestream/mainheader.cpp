@@ -13,7 +13,10 @@ namespace xrv {
 
 namespace {
 
-constexpr std::uint64_t kFirstRead = std::uint64_t(16) * 1024;
+/// Most headers are no longer, and this much came with the first answer of a distant source; then as much at once as
+/// hardly any is.
+constexpr std::uint64_t kFirstRead = std::uint64_t(4) * 1024;
+constexpr std::uint64_t kReadGrowth = 16;
 constexpr std::size_t kMaxComments = 64; ///< that are kept
 constexpr std::uint64_t kMaxMainHeader = std::uint64_t(64) * 1024 * 1024;
 
@@ -321,7 +324,7 @@ bool readSegments(const Bytes &bytes, std::size_t *position, std::initializer_li
 
 CError readMainHeader(ByteSource &source, ByteRange codestream, MainHeader *header)
 {
-    for (std::uint64_t want = kFirstRead;; want *= 4) {
+    for (std::uint64_t want = kFirstRead;; want *= kReadGrowth) {
         const std::uint64_t have = std::min(want, codestream.length);
         Bytes bytes;
         if (CError error = source.read(ByteRange{codestream.offset, have}, &bytes))

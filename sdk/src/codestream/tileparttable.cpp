@@ -86,8 +86,10 @@ std::string TilePartTable::damage() const
 void TilePartTable::start(const CancelFlag &cancel)
 {
     clear();
-    if (buildFromTlm(cancel)) {
+    // Of a distant source the place is looked at together with what the table is asked for.
+    if (buildFromTlm() && (source->isRemote() || isTlmRight(cancel))) {
         isComplete = true;
+        isUnconfirmed = source->isRemote();
     } else {
         clear();
         recall();
@@ -127,8 +129,44 @@ bool TilePartTable::isSettled(std::uint32_t tile) const
     return found->second.announced != 0 && found->second.parts.size() >= found->second.announced;
 }
 
-/// A.7.1. Writers get TLM wrong, so the place that it gives for the last tile-part is looked at before it is believed.
-bool TilePartTable::buildFromTlm(const CancelFlag &cancel)
+ByteRange TilePartTable::toConfirm() const
+{
+    const std::lock_guard<std::timed_mutex> lock(mutex);
+    return isUnconfirmed ? ByteRange{tiles.at(lastTile).parts.back().range.offset, kSotSegment} : ByteRange{};
+}
+
+int TilePartTable::build() const
+{
+    const std::lock_guard<std::timed_mutex> lock(mutex);
+    return builds;
+}
+
+bool TilePartTable::confirm(int asOf, const CancelFlag &cancel)
+{
+    const std::lock_guard<std::timed_mutex> lock(mutex);
+    if (isUnconfirmed && isTlmRight(cancel)) {
+        isUnconfirmed = false;
+    } else if (isUnconfirmed && !cancel.isRaised()) { // else nothing was looked at
+        isUnconfirmed = isComplete = false;
+        ++builds;
+        clear();
+        recall();
+    }
+    return builds == asOf;
+}
+
+/// Writers get TLM wrong, so the place that it gives for the last tile-part is looked at before it is believed.
+bool TilePartTable::isTlmRight(const CancelFlag &cancel)
+{
+    Bytes bytes;
+    if (source->read(ByteRange{tiles[lastTile].parts.back().range.offset, kSotSegment}, &bytes, cancel))
+        return false;
+    const Sot sot = parseSot(bytes);
+    return sot.marker == Marker::kSOT && sot.tile == lastTile;
+}
+
+/// A.7.1.
+bool TilePartTable::buildFromTlm()
 {
     std::vector<const MarkerSegment *> segments;
     for (const MarkerSegment &segment : header.tlm)
@@ -139,13 +177,7 @@ bool TilePartTable::buildFromTlm(const CancelFlag &cancel)
     for (const MarkerSegment *segment : segments)
         if (!appendFromTlm(*segment))
             return false;
-    if (partCount == 0 || position > codestream.end())
-        return false;
-    Bytes bytes;
-    if (source->read(ByteRange{tiles[lastTile].parts.back().range.offset, kSotSegment}, &bytes, cancel))
-        return false;
-    const Sot sot = parseSot(bytes);
-    return sot.marker == Marker::kSOT && sot.tile == lastTile;
+    return partCount > 0 && position <= codestream.end();
 }
 
 bool TilePartTable::appendFromTlm(const MarkerSegment &segment)

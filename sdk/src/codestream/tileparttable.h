@@ -30,6 +30,13 @@ public:
     /// each tile-part on its way, which a distant source then has at hand.
     PLK::CError find(std::uint32_t tile, std::uint64_t readAhead, const CancelFlag &cancel,
                      std::vector<TilePart> *parts);
+    /// What find() gives of a distant codestream with TLM marker segments goes by these alone, until this range has
+    /// been looked at; empty when there is nothing to confirm.
+    ByteRange toConfirm() const;
+    /// Looks at it. False when the marker segments were found to be wrong since \a asOf, which build() gave before the
+    /// first find(): what that gave does not hold.
+    bool confirm(int asOf, const CancelFlag &cancel);
+    int build() const;
     /// A sentence about damage that the walk has met, empty without.
     std::string damage() const;
 
@@ -41,7 +48,8 @@ private:
     };
 
     void start(const CancelFlag &cancel);
-    bool buildFromTlm(const CancelFlag &cancel);
+    bool buildFromTlm();
+    bool isTlmRight(const CancelFlag &cancel);
     bool appendFromTlm(const MarkerSegment &segment);
     void clear();
     void append(std::uint32_t tile, std::uint64_t length);
@@ -59,6 +67,8 @@ private:
     mutable std::timed_mutex mutex; ///< guards what follows
     bool isStarted = false;
     bool isComplete = false;
+    bool isUnconfirmed = false;
+    int builds = 0; ///< how often it was begun anew
     std::unordered_map<std::uint32_t, PartsOfTile> tiles;
     std::uint32_t lastTile = 0; ///< that of the tile-part found last
     std::uint32_t partCount = 0;

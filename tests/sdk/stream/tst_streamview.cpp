@@ -7,6 +7,7 @@
 
 #include <QElapsedTimer>
 #include <QThread>
+#include <QtEndian>
 #include <QtTest>
 
 namespace {
@@ -22,7 +23,8 @@ PLK::CString utf8(const std::string &text)
 }
 
 constexpr Window kAll{1500, 1500, 0, 0, 1500, -1500}, kOverview{187, 187, 0, 0, 1500, -1500};
-const QString kWalked = QStringLiteral("walked.jp2"), kSingle = QStringLiteral("single.jp2");
+const QString kWalked = QStringLiteral("walked.jp2"), kSingle = QStringLiteral("single.jp2"),
+              kWrongTable = QStringLiteral("wrong.jp2");
 
 } // namespace
 
@@ -85,6 +87,11 @@ void TestStreamView::initTestCase()
     write(kWalked, options);
     options.tlm = options.plt = true;
     write(QStringLiteral("Übersicht 東京 #1.jp2"), options);
+    // The first length in the table of tile-parts, which say their tile in one byte, is wrong.
+    QByteArray wrong = asByteArray(jp2maker::make(options));
+    auto *const length = reinterpret_cast<uchar *>(wrong.data()) + wrong.indexOf("\xFF\x55") + 7;
+    qToBigEndian(qFromBigEndian<quint32>(length) - 16, length);
+    writeFile(folder.filePath(kWrongTable), wrong);
     options.tileWidth = options.tileHeight = 0;
     write(kSingle, options);
     QVERIFY(server.start(folder.path()));
@@ -96,6 +103,7 @@ void TestStreamView::showsTheSameCells_data()
     QTest::addColumn<bool>("isBehindVarnish");
     QTest::newRow("tile-parts to be walked") << kWalked << false;
     QTest::newRow("tile-part table, odd name") << QStringLiteral("Übersicht 東京 #1.jp2") << false;
+    QTest::newRow("wrong tile-part table") << kWrongTable << false;
     QTest::newRow("single tile") << kSingle << false;
     QTest::newRow("tile-parts to be walked, behind Varnish") << kWalked << true;
     QTest::newRow("single tile, behind Varnish") << kSingle << true;

@@ -160,14 +160,7 @@ CError TileIndexStore::readHeaders(std::vector<Task> &tasks, int discarded, cons
 
 CError TileIndexStore::readHeaders(const std::vector<Task *> &tasks, std::uint64_t ahead, const CancelFlag &cancel)
 {
-    std::vector<ByteRange> ranges;
-    for (Task *task : tasks) {
-        if (CError error = table.find(task->tile, source->isRemote() ? ahead : 0, cancel, &task->parts))
-            return error;
-        for (const TilePart &part : task->parts)
-            ranges.push_back({part.range.offset, std::min(part.range.length, firstRead(*task, part, ahead))});
-    }
-    if (CError error = source->prefetch(ranges, cancel))
+    if (CError error = findParts(tasks, ahead, cancel))
         return error;
     return runAll(tasks.size(), cancel, [&](std::size_t i) {
         TileIndexReader &reader = *tasks[i]->reader;
@@ -177,6 +170,26 @@ CError TileIndexStore::readHeaders(const std::vector<Task *> &tasks, std::uint64
         reader.finishHeaders(cancel);
         return CError();
     });
+}
+
+/// And has a distant source fetch their beginnings.
+CError TileIndexStore::findParts(const std::vector<Task *> &tasks, std::uint64_t ahead, const CancelFlag &cancel)
+{
+    for (bool holds = false; !holds;) {
+        const int build = table.build();
+        std::vector<ByteRange> ranges;
+        for (Task *task : tasks) {
+            if (CError error = table.find(task->tile, source->isRemote() ? ahead : 0, cancel, &task->parts))
+                return error;
+            for (const TilePart &part : task->parts)
+                ranges.push_back({part.range.offset, std::min(part.range.length, firstRead(*task, part, ahead))});
+        }
+        ranges.push_back(table.toConfirm());
+        if (CError error = source->prefetch(ranges, cancel))
+            return error;
+        holds = table.confirm(build, cancel);
+    }
+    return {};
 }
 
 /// What comes after the header is worth having in the first tile-part only.

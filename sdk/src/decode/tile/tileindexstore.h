@@ -32,6 +32,7 @@ private:
     std::uint64_t firstRead(const Task &task, const TilePart &part, std::uint64_t ahead) const;
     PLK::CError readHeaders(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel);
     PLK::CError readHeaders(const std::vector<Task *> &tasks, std::uint64_t ahead, const CancelFlag &cancel);
+    PLK::CError findParts(const std::vector<Task *> &tasks, std::uint64_t ahead, const CancelFlag &cancel);
     PLK::CError walk(std::vector<Task> &tasks, int discarded, const CancelFlag &cancel);
 
     std::shared_ptr<ByteSource> source;

@@ -201,14 +201,6 @@
         <translation>XRVP-Stream öffnen</translation>
     </message>
     <message>
-        <source>The address must begin with xrvp:// where a web address has http://.</source>
-        <translation>Die Adresse muss mit xrvp:// beginnen, wo eine Webadresse http:// hat.</translation>
-    </message>
-    <message>
-        <source>The address must begin with xrvps:// where a web address has https://.</source>
-        <translation>Die Adresse muss mit xrvps:// beginnen, wo eine Webadresse https:// hat.</translation>
-    </message>
-    <message>
         <source>The address must begin with xrvp:// or xrvps://.</source>
         <translation>Die Adresse muss mit xrvp:// oder xrvps:// beginnen.</translation>
     </message>

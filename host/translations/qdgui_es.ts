@@ -201,14 +201,6 @@
         <translation>Abrir un flujo XRVP</translation>
     </message>
     <message>
-        <source>The address must begin with xrvp:// where a web address has http://.</source>
-        <translation>La dirección debe empezar por xrvp:// donde una dirección web tiene http://.</translation>
-    </message>
-    <message>
-        <source>The address must begin with xrvps:// where a web address has https://.</source>
-        <translation>La dirección debe empezar por xrvps:// donde una dirección web tiene https://.</translation>
-    </message>
-    <message>
         <source>The address must begin with xrvp:// or xrvps://.</source>
         <translation>La dirección debe empezar por xrvp:// o xrvps://.</translation>
     </message>

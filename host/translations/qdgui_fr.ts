@@ -201,14 +201,6 @@
         <translation>Ouvrir un flux XRVP</translation>
     </message>
     <message>
-        <source>The address must begin with xrvp:// where a web address has http://.</source>
-        <translation>L’adresse doit commencer par xrvp:// là où une adresse web a http://.</translation>
-    </message>
-    <message>
-        <source>The address must begin with xrvps:// where a web address has https://.</source>
-        <translation>L’adresse doit commencer par xrvps:// là où une adresse web a https://.</translation>
-    </message>
-    <message>
         <source>The address must begin with xrvp:// or xrvps://.</source>
         <translation>L’adresse doit commencer par xrvp:// ou xrvps://.</translation>
     </message>

@@ -199,14 +199,6 @@
         <translation>XRVP ストリームを開く</translation>
     </message>
     <message>
-        <source>The address must begin with xrvp:// where a web address has http://.</source>
-        <translation>アドレスは、Web アドレスの http:// の代わりに xrvp:// で始まる必要があります。</translation>
-    </message>
-    <message>
-        <source>The address must begin with xrvps:// where a web address has https://.</source>
-        <translation>アドレスは、Web アドレスの https:// の代わりに xrvps:// で始まる必要があります。</translation>
-    </message>
-    <message>
         <source>The address must begin with xrvp:// or xrvps://.</source>
         <translation>アドレスは xrvp:// または xrvps:// で始まる必要があります。</translation>
     </message>

@@ -346,7 +346,8 @@ void TestServerBrowsing::checksAddresses_data()
     row("xrvp://server/a\nb.jp2", false);
     row("xrvp:/server/image.jp2", false);
     row("xrvpx://server/image.jp2", false);
-    row("http://server/image.jp2", false);
+    row("http://server/image.jp2", true);
+    row("HTTPS://server/", false);
     row("jpip://server/image.jp2", false);
     row("/data/image.jp2", false);
 }
@@ -366,16 +367,17 @@ void TestServerBrowsing::cannotBeAcceptedWhileInvalid()
     QVERIFY(!ok->isEnabled());
     QVERIFY(error->text().isEmpty()); // Nobody has done anything wrong yet.
 
-    browser->setAddress(QStringLiteral("http://server/image.jp2"));
+    browser->setAddress(QStringLiteral("ftp://server/image.jp2"));
     QVERIFY(!ok->isEnabled());
     QVERIFY(error->text().contains(QStringLiteral("xrvp://")));
     browser->accept();
     QCOMPARE(spy.count(), 0);
     QVERIFY(XRVPBrowser::recentAddresses().isEmpty());
 
-    browser->setAddress(QStringLiteral("  xrvp://server/image.jp2 "));
+    browser->setAddress(QStringLiteral("  https://server/image.jp2 "));
     QVERIFY(ok->isEnabled());
     QVERIFY(error->text().isEmpty());
+    QCOMPARE(browser->getAddress(), QStringLiteral("xrvps://server/image.jp2"));
 }
 
 void TestServerBrowsing::tellsTheAddressOnce()

@@ -42,7 +42,7 @@ bool isAddress(const QString &source)
 QString normalized(const QString &source)
 {
     if (isAddress(source))
-        return source.trimmed();
+        return Korvane::Util::Address::asStream(source.trimmed());
     // Blanks may be part of a file name; only a file: address cannot begin or end with one.
     if (source.trimmed().startsWith(QLatin1String("file:"), Qt::CaseInsensitive)) {
         const QString local = QUrl(source.trimmed()).toLocalFile();

@@ -10,6 +10,10 @@ namespace Korvane::Util::Address {
 /// "file:" address is none in this sense.
 QDGUI_EXPORT bool isAddress(const QString &source);
 
+/// \a source as the address of a stream where it is a web address, as a person copies it from a browser: "xrvp" for
+/// "http", "xrvps" for "https". Anything else is returned as it is.
+QDGUI_EXPORT QString asStream(const QString &source);
+
 /// \a source without the user name and password that an address may hold before the server's name (RFC 3986 3.2.1);
 /// what is no address is returned as it is. For whatever is stored or handed on to be opened again.
 QDGUI_EXPORT QString withoutCredentials(const QString &source);

@@ -29,8 +29,8 @@ public:
     QString getAddress() const;
     void setAddress(const QString &address);
 
-    /// Why \a address cannot be opened, as a sentence for people; empty when it is an xrvp:// or xrvps:// address with
-    /// a host and a path.
+    /// Why \a address cannot be opened, as a sentence for people; empty when it is an xrvp:// or xrvps:// address, or a
+    /// web address that stands for one, with a host and a path.
     static QString checkAddress(const QString &address);
 
     /// Addresses used before, newest first.

@@ -15,6 +15,14 @@ bool isAddress(const QString &source)
            !source.trimmed().startsWith(QLatin1String("file:"), Qt::CaseInsensitive);
 }
 
+QString asStream(const QString &source)
+{
+    static const QRegularExpression kWeb(QStringLiteral("\\A(\\s*)http(s?)://"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    QString result = source;
+    return result.replace(kWeb, QStringLiteral("\\1xrvp\\2://"));
+}
+
 QString withoutCredentials(const QString &source)
 {
     if (!isAddress(source))

@@ -6,6 +6,7 @@
 #include "servercredentials.h"
 #include "serverpanel.h"
 
+#include <QDGui/addressutil.h>
 #include <QDGui/application.h>
 
 #include <QDialogButtonBox>
@@ -72,7 +73,7 @@ struct XRVPBrowser::Private
     void placeWidgets();
     QMenu *makeHistoryMenu();
     void connectWidgets();
-    QString entered() const { return addressBox->currentText().trimmed(); }
+    QString entered() const { return Util::Address::asStream(addressBox->currentText().trimmed()); }
     void update();
     void tell(const QString &text, bool isError);
     bool choose();
@@ -280,12 +281,8 @@ void XRVPBrowser::setAddress(const QString &address)
 
 QString XRVPBrowser::checkAddress(const QString &entered)
 {
-    const QString text = entered.trimmed();
+    const QString text = Util::Address::asStream(entered.trimmed());
     const ServerAddress address(text);
-    if (text.startsWith(QLatin1String("http://"), Qt::CaseInsensitive))
-        return tr("The address must begin with xrvp:// where a web address has http://.");
-    if (text.startsWith(QLatin1String("https://"), Qt::CaseInsensitive))
-        return tr("The address must begin with xrvps:// where a web address has https://.");
     if (!address.hasScheme())
         return tr("The address must begin with xrvp:// or xrvps://.");
     if (!address.hasHost())

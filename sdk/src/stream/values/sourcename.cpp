@@ -33,6 +33,15 @@ std::string withoutCredentials(const std::string &address, std::size_t colon, st
     return hasCredentials ? address.substr(0, colon + 3) + address.substr(at + 1) : address;
 }
 
+/// A web address, as a person copies it from a browser, as the address of a stream.
+std::string asStream(const std::string &name)
+{
+    for (const char *scheme : {"http", "https"})
+        if (hasScheme(name, scheme))
+            return (std::string(scheme) == "http" ? "xrvp" : "xrvps") + name.substr(name.find("://"));
+    return name;
+}
+
 /// What is no readable stream address, as it may be shown.
 std::string shownUnread(const std::string &name)
 {
@@ -46,16 +55,17 @@ std::string shownUnread(const std::string &name)
 } // namespace
 
 SourceName::SourceName(const std::string &given)
-    : isOfStream(isStreamAddress(given))
-    , printableName(given)
-    , shownName(shownUnread(given))
+    : printableName(asStream(given))
+    , shownName(shownUnread(printableName))
 {
+    const std::string name = printableName;
+    isOfStream = isStreamAddress(name);
     if (isOfStream) {
-        readStream(given);
+        readStream(name);
         return;
     }
-    nameFault = schemeFault(given);
-    filePath = localPath(given);
+    nameFault = schemeFault(name);
+    filePath = localPath(name);
 }
 
 void SourceName::readStream(const std::string &given)
@@ -74,10 +84,6 @@ CError SourceName::schemeFault(const std::string &given) const
 {
     if (hasScheme(given, "jpip") || hasScheme(given, "jpips"))
         return {PLK_ERR_PROTOCOL, "The JPIP protocol is not supported: \"" + shownName + "\"."};
-    if (hasScheme(given, "http") || hasScheme(given, "https"))
-        return {PLK_ERR_PROTOCOL, "Images on a web server are opened by an address that begins with \"xrvp://\" or "
-                                  "\"xrvps://\", not with \"http://\" or \"https://\": \"" +
-                                      shownName + "\"."};
     return {};
 }
 

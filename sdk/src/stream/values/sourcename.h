@@ -13,7 +13,8 @@ namespace xrv {
 class SourceName
 {
 public:
-    /// \a given in UTF-8, as the caller wrote it. Looks into the file system (see localPath()).
+    /// \a given in UTF-8, as the caller wrote it; a web address ("http://", "https://") stands for the stream that is
+    /// read from there. Looks into the file system (see localPath()).
     explicit SourceName(const std::string &given);
 
     /// Why nothing can be opened by this name: PLK_ERR_PROTOCOL for addresses that are not readable or of a protocol
@@ -36,7 +37,7 @@ private:
     void readStream(const std::string &given);
     PLK::CError schemeFault(const std::string &given) const;
 
-    bool isOfStream;
+    bool isOfStream = false;
     PLK::CError nameFault;
     StreamAddress streamAddress;
     std::string filePath, printableName, shownName;

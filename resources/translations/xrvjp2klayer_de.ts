@@ -76,6 +76,14 @@
         <translation>Die XRV-Datei hat keine Version.</translation>
     </message>
     <message>
+        <source>The codestream of the XRV file does not hold the cells that the file describes.</source>
+        <translation>Der Codestream der XRV-Datei enthält nicht die Zellen, die die Datei beschreibt.</translation>
+    </message>
+    <message>
+        <source>What the XRV file says of its cells is damaged.</source>
+        <translation>Was die XRV-Datei über ihre Zellen sagt, ist beschädigt.</translation>
+    </message>
+    <message>
         <source>The codestream lies in another file, which is not supported.</source>
         <translation>Der Codestream liegt in einer anderen Datei; das wird nicht unterstützt.</translation>
     </message>

@@ -76,6 +76,14 @@
         <translation>El archivo XRV no tiene versión.</translation>
     </message>
     <message>
+        <source>The codestream of the XRV file does not hold the cells that the file describes.</source>
+        <translation>El flujo de código del archivo XRV no contiene las celdas que el archivo describe.</translation>
+    </message>
+    <message>
+        <source>What the XRV file says of its cells is damaged.</source>
+        <translation>Lo que el archivo XRV dice de sus celdas está dañado.</translation>
+    </message>
+    <message>
         <source>The codestream lies in another file, which is not supported.</source>
         <translation>El flujo de códigos está en otro archivo, lo que no se admite.</translation>
     </message>

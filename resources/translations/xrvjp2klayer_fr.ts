@@ -76,6 +76,14 @@
         <translation>Le fichier XRV n’a pas de version.</translation>
     </message>
     <message>
+        <source>The codestream of the XRV file does not hold the cells that the file describes.</source>
+        <translation>Le flux de code du fichier XRV ne contient pas les cellules que le fichier décrit.</translation>
+    </message>
+    <message>
+        <source>What the XRV file says of its cells is damaged.</source>
+        <translation>Ce que le fichier XRV dit de ses cellules est endommagé.</translation>
+    </message>
+    <message>
         <source>The codestream lies in another file, which is not supported.</source>
         <translation>Le flux de codes se trouve dans un autre fichier, ce qui n’est pas pris en charge.</translation>
     </message>

@@ -76,6 +76,14 @@
         <translation>XRV ファイルにバージョンがありません。</translation>
     </message>
     <message>
+        <source>The codestream of the XRV file does not hold the cells that the file describes.</source>
+        <translation>XRV ファイルのコードストリームには、ファイルが記述するセルが含まれていません。</translation>
+    </message>
+    <message>
+        <source>What the XRV file says of its cells is damaged.</source>
+        <translation>XRV ファイルのセルに関する記述が破損しています。</translation>
+    </message>
+    <message>
         <source>The codestream lies in another file, which is not supported.</source>
         <translation>コードストリームが別のファイルにあり、これには対応していません。</translation>
     </message>

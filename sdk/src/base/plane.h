@@ -9,7 +9,7 @@
 namespace xrv {
 
 /// How cells of a plane are stored.
-enum class SampleType : std::uint8_t { UInt8, Int8, UInt16, Int16, Int32, UInt32, Int64 };
+enum class SampleType : std::uint8_t { UInt8, Int8, UInt16, Int16, Int32, UInt32, Int64, Float };
 std::size_t sampleSize(SampleType type);
 /// The type for components of \a bits, 1 to 38.
 SampleType sampleTypeFor(int bits, bool isSigned);

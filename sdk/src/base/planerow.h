@@ -22,6 +22,8 @@ template <typename Use> void withRow(const Plane &plane, std::int64_t y, Use use
         return use(plane.row<std::uint32_t>(y));
     case SampleType::Int64:
         return use(plane.row<std::int64_t>(y));
+    case SampleType::Float:
+        return use(plane.row<float>(y));
     }
 }
 
@@ -49,6 +51,9 @@ template <typename Function> void withSampleType(SampleType type, Function funct
         break;
     case SampleType::Int64:
         function(std::int64_t());
+        break;
+    case SampleType::Float:
+        function(float());
         break;
     }
 }

@@ -67,6 +67,7 @@ void BandMap::Private::addBand(const Channel &channel, const char *name, int out
     band.description = name ? std::string(name) : "Band #" + std::to_string(bands.size() + 1);
     band.bits = output >= 0 ? static_cast<std::uint8_t>(conversion->outputBits()) : channel.bits;
     band.isSigned = output < 0 && channel.isSigned;
+    band.kind = output < 0 ? channel.kind : CellKind::Whole;
     band.component = channel.component;
     band.paletteColumn = channel.paletteColumn;
     bands.push_back(std::move(band));
@@ -155,6 +156,8 @@ PLKColorSpace BandMap::colourSpace() const
 
 PLKCellType BandMap::cellType() const
 {
+    if (std::any_of(d->bands.begin(), d->bands.end(), [](const Band &band) { return band.kind == CellKind::Float; }))
+        return PLKCT_FLOAT;
     int bits = 1, signedBits = 0;
     for (const Band &band : d->bands)
         (band.isSigned ? signedBits : bits) = std::max<int>(band.isSigned ? signedBits : bits, band.bits);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cells/cellkind.h"
 #include "container/jp2structure.h"
 #include "decode/rasterreader.h"
 
@@ -17,6 +18,7 @@ struct Band
     std::string description; ///< "Red", "Green", "Blue", "Greyscale", "AllOpacity" or "Band #n", n from 1
     std::uint8_t bits = 8;
     bool isSigned = false;
+    CellKind kind = CellKind::Whole; ///< what rows of its cells hold
     int component = 0;
     int paletteColumn = -1; ///< -1: no palette
     bool isOpacity = false;
@@ -52,8 +54,7 @@ public:
     /// Components to read for \a bands, each once. Bands of a colour conversion need all components of it.
     std::vector<int> componentsFor(const std::vector<int> &bands) const;
     /// Makes \a width cells of each of \a bands from the rows of componentsFor(bands), in that order and all on the
-    /// same grid. No row of the one is a row of the other. Cells of up to 31 bits; larger ones are clamped before they
-    /// come here.
+    /// same grid. No row of the one is a row of the other. Cells are those of the bands' kinds.
     void convertRow(const std::vector<int> &bands, const std::int32_t *const *componentRows, int width,
                     std::int32_t *const *bandRows) const;
 

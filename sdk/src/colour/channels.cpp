@@ -16,7 +16,7 @@ constexpr int kWholeImage = 0;
 constexpr int kNoAssociation = 65535;
 constexpr std::size_t kMaxChannels = 16384; ///< as many as components (ISO/IEC 15444-1 table A.9)
 
-// Cells are handled in 32 bits with a sign.
+// Cells are handled in 32 bits with a sign, but for those of a kind of their own.
 std::uint8_t limitedBits(int bits, bool isSigned)
 {
     return static_cast<std::uint8_t>(std::clamp(bits, 1, isSigned ? 32 : 31));
@@ -25,7 +25,9 @@ std::uint8_t limitedBits(int bits, bool isSigned)
 Channel directChannel(const RasterInfo &raster, int component)
 {
     const ComponentInfo &info = raster.components[static_cast<std::size_t>(component)];
-    return {component, -1, limitedBits(info.bits, info.isSigned), info.isSigned};
+    const CellKind kind = cellKindOf(info.sampleType);
+    const std::uint8_t bits = kind == CellKind::Whole ? limitedBits(info.bits, info.isSigned) : info.bits;
+    return {component, -1, bits, info.isSigned, kind};
 }
 
 std::vector<Channel> directChannels(const RasterInfo &raster)
@@ -39,7 +41,7 @@ std::vector<Channel> directChannels(const RasterInfo &raster)
 Channel paletteChannel(const Palette &palette, int component, int column)
 {
     const BitDepth depth = palette.columns[static_cast<std::size_t>(column)];
-    return {component, column, limitedBits(depth.bits, depth.isSigned), depth.isSigned};
+    return {component, column, limitedBits(depth.bits, depth.isSigned), depth.isSigned, CellKind::Whole};
 }
 
 // A palette without a mapping is against the standard, yet there is only one sense in it where there is one component.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cells/cellkind.h"
 #include "container/jp2structure.h"
 #include "container/warninglist.h"
 #include "decode/rasterreader.h"
@@ -14,8 +15,9 @@ struct Channel
 {
     int component = 0;
     int paletteColumn = -1; ///< -1: no palette
-    std::uint8_t bits = 8;  ///< 1 to 31, with a sign to 32
+    std::uint8_t bits = 8;  ///< 1 to 31; to 32 with a sign or of a kind of its own
     bool isSigned = false;
+    CellKind kind = CellKind::Whole;
 };
 
 /// The channels of a file. Where palette and mapping contradict each other or the components, the components are the

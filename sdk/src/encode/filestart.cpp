@@ -34,11 +34,14 @@ GeoTags geoTagsOf(const ImageDescription &image)
 /// The smallest that holds every band.
 PLKCellType cellTypeOf(const ImageDescription &image)
 {
+    const auto isFloat = [](const XrvBand &band) { return band.kind == CellKind::Float; };
+    if (std::any_of(image.bands.begin(), image.bands.end(), isFloat))
+        return PLKCT_FLOAT;
     int bits = 1, signedBits = 0;
     for (const XrvBand &band : image.bands)
         (band.isSigned ? signedBits : bits) = std::max<int>(band.isSigned ? signedBits : bits, band.bits);
     if (signedBits == 0)
-        return bits <= 8 ? PLKCT_UINT8 : PLKCT_UINT16;
+        return bits <= 8 ? PLKCT_UINT8 : bits <= 16 ? PLKCT_UINT16 : PLKCT_UINT32;
     const int needed = std::max(signedBits, bits + 1);
     return needed <= 8 ? PLKCT_INT8 : needed <= 16 ? PLKCT_INT16 : PLKCT_INT32;
 }
@@ -57,7 +60,8 @@ void describe(const ImageDescription &image, XrvFileInfo *info)
 }
 
 std::vector<TypedBox> makeXrvBoxes(const ImageDescription &image, const XrvFileInfo &info,
-                                   const PLKFileStatistics &statistics, const PacketIndex *index)
+                                   const std::vector<CellMapping> &mappings, const PLKFileStatistics &statistics,
+                                   const PacketIndex *index)
 {
     std::vector<TypedBox> boxes;
     const auto add = [&boxes](std::uint32_t type, const Bytes &content) {
@@ -65,6 +69,8 @@ std::vector<TypedBox> makeXrvBoxes(const ImageDescription &image, const XrvFileI
     };
     add(kFileInfoBox, makeFileInfo(info));
     add(kBandsBox, makeBands(image.bands));
+    if (!mappings.empty())
+        add(kCellsBox, makeCellMappings(mappings));
     boxes.emplace_back(boxType("jp2h"), makeHeaderBox(image));
     if (std::any_of(image.texts.begin(), image.texts.end(), [](const auto &text) { return text.has_value(); }))
         add(kTextsBox, makeTexts(image.texts));
@@ -81,7 +87,7 @@ std::vector<TypedBox> makeXrvBoxes(const ImageDescription &image, const XrvFileI
 }
 
 /// With what stands before all others: signature, version and table of contents.
-Bytes joinXrvBoxes(const std::vector<TypedBox> &boxes, std::uint64_t streamLength)
+Bytes joinXrvBoxes(const std::vector<TypedBox> &boxes, std::uint8_t version, std::uint64_t streamLength)
 {
     const Bytes streamHeader = makeBoxHeader(boxType("jp2c"), streamLength);
     std::uint64_t offset = kContentsStart + 8 + (boxes.size() + 1) * kXrvBoxPlaceBytes;
@@ -93,7 +99,7 @@ Bytes joinXrvBoxes(const std::vector<TypedBox> &boxes, std::uint64_t streamLengt
     places.push_back({boxType("jp2c"), {offset, streamHeader.size() + streamLength}});
 
     Bytes bytes(kXrvSignature.begin(), kXrvSignature.end());
-    append(&bytes, makeBox(kVersionBox, Bytes{kXrvMajorVersion, kXrvMinorVersion, 0, 0}));
+    append(&bytes, makeBox(kVersionBox, Bytes{version, kXrvMinorVersion, 0, 0}));
     append(&bytes, makeBox(kContentsBox, makeContents(places)));
     for (const TypedBox &box : boxes)
         append(&bytes, box.second);
@@ -128,16 +134,17 @@ Bytes makeJp2FileStart(const ImageDescription &image, bool isHighThroughput, con
     return bytes;
 }
 
-Bytes makeXrvFileStart(const ImageDescription &image, XrvFileInfo info, const PLKFileStatistics &statistics,
-                       const PacketIndex *index, std::uint64_t streamLength)
+Bytes makeXrvFileStart(const ImageDescription &image, XrvFileInfo info, const std::vector<CellMapping> &mappings,
+                       const PLKFileStatistics &statistics, const PacketIndex *index, std::uint64_t streamLength)
 {
     describe(image, &info);
-    std::vector<TypedBox> boxes = makeXrvBoxes(image, info, statistics, index);
+    std::vector<TypedBox> boxes = makeXrvBoxes(image, info, mappings, statistics, index);
+    const std::uint8_t version = mappings.empty() ? kXrvPlainVersion : kXrvMappedVersion;
     // The size of the file does not depend on what the rate is.
-    const double fileSize = static_cast<double>(joinXrvBoxes(boxes, streamLength).size() + streamLength);
+    const double fileSize = static_cast<double>(joinXrvBoxes(boxes, version, streamLength).size() + streamLength);
     info.actualRate = static_cast<float>(uncompressedBytes(image) / fileSize);
     boxes.front().second = makeBox(kFileInfoBox, makeFileInfo(info));
-    return joinXrvBoxes(boxes, streamLength);
+    return joinXrvBoxes(boxes, version, streamLength);
 }
 
 } // namespace xrv

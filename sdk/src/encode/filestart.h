@@ -16,7 +16,7 @@ Bytes makeJp2FileStart(const ImageDescription &image, bool isHighThroughput, con
                        std::uint64_t streamLength);
 
 /// The same; fills in what \a info can tell of \a image and, once the size of the file is known, its actual rate.
-Bytes makeXrvFileStart(const ImageDescription &image, XrvFileInfo info, const PLKFileStatistics &statistics,
-                       const PacketIndex *index, std::uint64_t streamLength);
+Bytes makeXrvFileStart(const ImageDescription &image, XrvFileInfo info, const std::vector<CellMapping> &mappings,
+                       const PLKFileStatistics &statistics, const PacketIndex *index, std::uint64_t streamLength);
 
 } // namespace xrv

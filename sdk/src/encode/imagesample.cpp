@@ -61,7 +61,7 @@ template <typename Cell> const std::uint8_t *unpackCells(const std::uint8_t *in,
 ImageSample::ImageSample(const ImageDescription &image, TileCoding imageCoding, std::uint64_t mostBytes)
     : coding(std::move(imageCoding))
 {
-    const std::uint64_t mostCells = mostBytes / bytesPerColumn(image.bands);
+    const std::uint64_t mostCells = mostBytes / bytesPerColumn(coding.bands);
     isWhole = std::uint64_t(image.width) * image.height <= mostCells;
     if (!isWhole) {
         coding.tileSize = std::min(coding.tileSize, kMaxPiece);
@@ -97,7 +97,8 @@ void ImageSample::spread(const ImageDescription &image, std::int64_t most)
 
 CError ImageSample::read(ImageSource &source, const CancelFlag &cancel, const std::function<void(double)> &progress)
 {
-    std::vector<std::vector<std::int32_t>> planes(coding.bands.size());
+    // The source may have an opacity band, which is coded apart.
+    std::vector<std::vector<std::int32_t>> planes(std::max(coding.bands.size(), source.description().bands.size()));
     std::vector<std::int32_t *> places;
     for (std::size_t piece = 0; piece < pieces.size(); ++piece) {
         if (cancel.isRaised())
@@ -119,7 +120,7 @@ void ImageSample::keep(const std::vector<std::vector<std::int32_t>> &planes, Byt
 {
     out->resize(planes.front().size() * static_cast<std::size_t>(bytesPerColumn(coding.bands)));
     std::uint8_t *place = out->data();
-    for (std::size_t band = 0; band < planes.size(); ++band)
+    for (std::size_t band = 0; band < coding.bands.size(); ++band)
         place = bytesPerCell(coding.bands[band]) == 1 ? packCells<std::uint8_t>(planes[band], place)
                                                       : packCells<std::uint16_t>(planes[band], place);
 }

@@ -2,11 +2,11 @@
 
 #include "codestreamassembler.h"
 #include "filestart.h"
+#include "preparedimage.h"
 #include "stepchooser.h"
 #include "tileencoder.h"
+#include "tilemerger.h"
 #include "workers.h"
-
-#include "statistics/bandcounter.h"
 
 #include <xrv60/plkinit.h>
 
@@ -26,11 +26,10 @@ constexpr std::uint32_t kUsualTileSize = 1024;
 constexpr int kUsualLevels = 5;
 constexpr std::uint32_t kSmallestOverview = 512; ///< cells across that the lowest resolution should have at most
 constexpr std::size_t kMaxTiles = 65535;         ///< ISO/IEC 15444-1 A.4.2
-constexpr std::size_t kMaxBands = 255;
-constexpr int kMaxBits = 16;
-constexpr std::size_t kMaxBucketsOfAllBands = std::size_t(4) << 20;
-constexpr double kShareOfCopying = 0.05; ///< of the time, at the end
-constexpr double kShareOfSampling = 0.3; ///< of the time, at the beginning, where a step has to be found
+constexpr int kMaxTransformedBits = 16;          ///< of colours: their differences take one more
+constexpr double kShareOfCopying = 0.05;         ///< of the time, at the end
+constexpr double kShareOfSurvey = 0.15;          ///< of the time, at the beginning, where cells have to be known before
+constexpr double kShareOfSampling = 0.3;         ///< of the time, at the beginning, where a step has to be found
 
 std::string now()
 {
@@ -62,7 +61,7 @@ public:
     Writer(ImageSource &source, const WriteOptions &options)
         : source(source)
         , options(options)
-        , image(source.description())
+        , prepared(source)
     {
     }
 
@@ -72,6 +71,8 @@ public:
             return error;
         OutputFile output;
         if (CError error = output.open(path))
+            return error;
+        if (CError error = prepare())
             return error;
         CodestreamAssembler assembler(makeLayout());
         if (CError error = assembler.open(path))
@@ -83,7 +84,6 @@ public:
             return error;
         if (CError error = assembler.finish())
             return error;
-        makeStatisticsRecord();
         if (CError error = output.write(makeStart(assembler)))
             return error;
         const auto copied = [this](double share) {
@@ -98,15 +98,7 @@ public:
 private:
     CError check()
     {
-        const std::size_t bands = image.bands.size();
         tileSize = options.tileSize != 0 ? options.tileSize : kUsualTileSize;
-        if (image.width == 0 || image.height == 0 || bands == 0)
-            return unsupported("The image has no cells.");
-        if (bands > kMaxBands)
-            return unsupported("Images of more than 255 bands cannot be written.");
-        for (const XrvBand &band : image.bands)
-            if (band.bits < 1 || band.bits > kMaxBits)
-                return unsupported("Cells of more than 16 bits cannot be written.");
         if (!isPowerOfTwo(tileSize) || tileSize < 64 || tileSize > 16384)
             return {PLK_ERR_INVALID_ARGUMENT, "The block size must be a power of two from 64 to 16384."};
         if (options.layers < 1 || options.layers > 32)
@@ -118,55 +110,89 @@ private:
         tileCount = makeLayout().tileCount();
         if (tileCount > kMaxTiles)
             return unsupported("The image has too many blocks; take larger ones.");
-        makeCoding();
-        for (const XrvBand &band : image.bands)
-            counters.emplace_back(band.bits, band.isSigned,
-                                  std::clamp(kMaxBucketsOfAllBands / bands, std::size_t(256), std::size_t(65536)));
         return {};
     }
 
+    CError prepare()
+    {
+        std::vector<IntRect> rects;
+        for (std::uint32_t tile = 0; prepared.needsSurvey() && tile < tileCount; ++tile)
+            rects.push_back(rectOf(tile));
+        const auto surveyed = [this](double share) {
+            report(kShareOfSurvey * share);
+            return !options.cancel.isRaised();
+        };
+        if (CError error = prepared.prepare(options, rects, surveyed))
+            return error;
+        shareDone = prepared.needsSurvey() ? kShareOfSurvey : 0.0;
+        makeCoding();
+        return {};
+    }
+
+    const ImageDescription &image() const { return prepared.description(); }
+
     CodestreamAssembler::Layout makeLayout() const
     {
-        return {image.width, image.height, tileSize, tileSize, image.bands};
+        return {image().width, image().height, tileSize, tileSize, prepared.components()};
     }
 
     void makeCoding()
     {
-        const XrvBand &first = image.bands.front();
+        const XrvBand &first = image().bands.front();
         const auto isAlike = [&first](const XrvBand &band) {
-            return band.bits == first.bits && band.isSigned == first.isSigned;
+            return band.bits == first.bits && band.isSigned == first.isSigned && band.bits <= kMaxTransformedBits;
         };
-        coding.bands = image.bands;
+        coding.bands = prepared.components();
         coding.isLossless = options.isLossless;
         coding.rate = options.rate;
         coding.layers = options.layers;
         coding.isHighThroughput = options.isHighThroughput;
-        coding.hasColourTransform = image.colourSpace == PLK_COLORSPACE_SRGB && image.bands.size() >= 3 &&
-                                    std::all_of(image.bands.begin(), image.bands.begin() + 3, isAlike);
+        coding.hasColourTransform = image().colourSpace == PLK_COLORSPACE_SRGB && image().bands.size() >= 3 &&
+                                    std::all_of(image().bands.begin(), image().bands.begin() + 3, isAlike);
         coding.tileSize = tileSize;
         coding.levels = kUsualLevels;
-        while (std::max(image.width, image.height) >> coding.levels > kSmallestOverview)
+        while (std::max(image().width, image().height) >> coding.levels > kSmallestOverview)
             ++coding.levels;
         // Lower resolutions of a tile than a few cells gain nothing.
         while (coding.levels > 0 && tileSize >> coding.levels < 16)
             --coding.levels;
+        if (!options.isLossless && image().isLastOpacity && coding.bands.size() > 1)
+            codeOpacityApart();
     }
+
+    /// Exactly, so that what is hidden stays hidden and nothing else becomes it.
+    void codeOpacityApart()
+    {
+        opacityCoding = coding;
+        opacityCoding.bands = {coding.bands.back()};
+        opacityCoding.isLossless = true;
+        opacityCoding.layers = 1;
+        opacityCoding.hasColourTransform = false;
+        coding.bands.pop_back();
+    }
+    bool isOpacityApart() const { return !opacityCoding.bands.empty(); }
 
     /// High-throughput code-blocks are coded by step; which one gives the wanted rate, a sample of the image tells.
     CError chooseStep()
     {
-        ImageSample sample(image, coding);
-        const auto sampled = [this](double share) { report(kShareOfSampling * share / 2.0); };
-        const auto tried = [this](double share) { report(kShareOfSampling * (1.0 + share) / 2.0); };
+        ImageSample sample(image(), coding);
+        const auto reportPart = [this, before = shareDone](double share) {
+            report(before + (kShareOfSampling - before) * share);
+        };
+        const auto sampled = [reportPart](double share) { reportPart(share / 2.0); };
+        const auto tried = [reportPart](double share) { reportPart((1.0 + share) / 2.0); };
         if (CError error = sample.read(source, options.cancel, sampled))
             return error;
         StepChooser chooser(sample, threadCount(options.threads), options.cancel, tried);
         int bits = 1;
-        for (const XrvBand &band : image.bands)
+        double bytesPerCell = 0.0;
+        for (const XrvBand &band : coding.bands) {
             bits = std::max<int>(bits, band.bits);
-        const double cells = static_cast<double>(image.width) * image.height;
+            bytesPerCell += (band.bits + 7) / 8;
+        }
+        const double cells = static_cast<double>(image().width) * image().height;
         const auto headers = static_cast<double>(expectedHeaderBytes());
-        const double bytes = std::max(uncompressedBytes(image) / options.rate - headers, headers);
+        const double bytes = std::max(bytesPerCell * cells / options.rate - headers, headers);
         // An eighth of a cell's unit: what is finer is lost in rounding.
         if (CError error = chooser.run(bytes / cells, std::ldexp(1.0, -bits - 3), &coding.step))
             return error;
@@ -184,8 +210,8 @@ private:
         };
         std::uint64_t packets = 0;
         for (int level = 0; level <= coding.levels; ++level)
-            packets += std::uint64_t(precincts(image.width, level)) * precincts(image.height, level);
-        return tileCount * kPartBytes * (coding.levels + 1u) + packets * image.bands.size() * 3 / 2;
+            packets += std::uint64_t(precincts(image().width, level)) * precincts(image().height, level);
+        return tileCount * kPartBytes * (coding.levels + 1u) + packets * coding.bands.size() * 3 / 2;
     }
 
     CError encodeAll(CodestreamAssembler *assembler)
@@ -196,14 +222,14 @@ private:
 
     IntRect rectOf(std::uint32_t tile) const
     {
-        const std::uint32_t across = (image.width + tileSize - 1) / tileSize;
+        const std::uint32_t across = (image().width + tileSize - 1) / tileSize;
         const std::int64_t x = std::int64_t(tile % across) * tileSize, y = std::int64_t(tile / across) * tileSize;
-        return IntRect{x, y, x + tileSize, y + tileSize}.intersected({0, 0, image.width, image.height});
+        return IntRect{x, y, x + tileSize, y + tileSize}.intersected({0, 0, image().width, image().height});
     }
 
     CError encodeNext(CodestreamAssembler *assembler, bool *goesOn)
     {
-        std::unique_ptr<TileEncoder> encoder;
+        std::unique_ptr<TileEncoder> encoder, opacityEncoder;
         std::uint32_t tile = 0;
         {
             // Sources go from top to bottom, so one thread reads while the others encode.
@@ -215,28 +241,29 @@ private:
                 return {};
             tile = nextTile++;
             encoder = TileEncoder::make(coding, rectOf(tile));
-            if (CError error = readTile(rectOf(tile), encoder->planes()))
+            std::vector<std::int32_t *> planes = encoder->planes();
+            if (isOpacityApart()) {
+                opacityEncoder = TileEncoder::make(opacityCoding, rectOf(tile));
+                planes.push_back(opacityEncoder->planes().front());
+            }
+            if (CError error = prepared.read(rectOf(tile), planes))
                 return error;
         }
         EncodedTile encoded;
         if (CError error = encoder->encode(&encoded))
             return error;
         encoder.reset();
+        if (opacityEncoder) {
+            EncodedTile opacity;
+            if (CError error = opacityEncoder->encode(&opacity))
+                return error;
+            addComponent(opacity, coding.bands.size(), coding.layers, &encoded);
+        }
         const std::lock_guard<std::mutex> lock(mutex);
         CError error = assembler->add(tile, encoded);
         ++tilesDone;
         report(shareDone + (1.0 - kShareOfCopying - shareDone) * tilesDone / tileCount);
         return error;
-    }
-
-    CError readTile(const IntRect &rect, const std::vector<std::int32_t *> &planes)
-    {
-        if (CError error = source.read(rect, planes))
-            return error;
-        const auto cells = static_cast<std::size_t>(rect.width() * rect.height());
-        for (std::size_t band = 0; band < planes.size(); ++band)
-            counters[band].add(planes[band], cells);
-        return {};
     }
 
     void report(double share) const
@@ -245,41 +272,31 @@ private:
             options.progress(share);
     }
 
-    void makeStatisticsRecord()
-    {
-        statistics.reset(new PLKFileStatistics{nullptr, 0});
-        statistics->pBandStats = new PLKBandStatistics[counters.size()]();
-        statistics->nBands = static_cast<std::uint32_t>(counters.size());
-        for (std::size_t band = 0; band < counters.size(); ++band)
-            counters[band].finish(&statistics->pBandStats[band]);
-    }
-
     Bytes makeStart(const CodestreamAssembler &assembler) const
     {
         const PacketIndex *index = assembler.isIndexComplete() ? &assembler.index() : nullptr;
         if (options.kind == FileKind::GeoJp2)
-            return makeJp2FileStart(image, coding.isHighThroughput, index, assembler.length());
+            return makeJp2FileStart(image(), coding.isHighThroughput, index, assembler.length());
         XrvFileInfo info;
         info.isLossless = options.isLossless;
         info.targetRate = options.isLossless ? 1 : static_cast<std::uint16_t>(std::lround(options.rate));
         info.tileWidth = info.tileHeight = tileSize;
         info.compressionDate = options.compressionDate.empty() ? now() : options.compressionDate;
-        return makeXrvFileStart(image, info, *statistics, index, assembler.length());
+        return makeXrvFileStart(image(), info, prepared.mappings(), *prepared.statistics(), index, assembler.length());
     }
 
     ImageSource &source;
     const WriteOptions &options;
-    const ImageDescription &image;
+    PreparedImage prepared;
     std::uint32_t tileSize = kUsualTileSize;
     std::uint32_t tileCount = 0;
     TileCoding coding;
-    double shareDone = 0.0; ///< of the time, before the tiles are coded
-    std::mutex sourceMutex; ///< guards source, counters and nextTile
-    std::vector<BandCounter> counters;
+    TileCoding opacityCoding; ///< of the opacity band, where that is coded apart; else without bands
+    double shareDone = 0.0;   ///< of the time, before the tiles are coded
+    std::mutex sourceMutex;   ///< guards the source and nextTile
     std::uint32_t nextTile = 0;
     std::mutex mutex; ///< guards what follows and the assembler
     std::uint32_t tilesDone = 0;
-    StatisticsPtr statistics;
 };
 
 } // namespace

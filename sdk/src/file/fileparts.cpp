@@ -2,6 +2,7 @@
 
 #include "base/utf8.h"
 #include "container/colourbox.h"
+#include "decode/mappedreader.h"
 
 #include <algorithm>
 #include <cmath>
@@ -131,12 +132,32 @@ std::size_t FileParts::bandCount() const
     return std::min(bandMap.bands().size(), kMaxBands);
 }
 
+namespace {
+
+/// Codes become cells before anybody else sees them.
+CError mapCells(FileParts *parts)
+{
+    if (!parts->xrv || parts->xrv->mappings.empty())
+        return {};
+    std::vector<MappedComponent> components;
+    for (std::size_t i = 0; i < parts->xrv->mappings.size(); ++i)
+        components.push_back({parts->xrv->mappings[i], parts->xrv->bands[i].isSigned});
+    parts->reader = MappedReader::make(std::move(parts->reader), std::move(components));
+    if (!parts->reader)
+        return {PLK_ERR_MALFORMED, "The codestream of the XRV file does not hold the cells that the file describes."};
+    return {};
+}
+
+} // namespace
+
 CError readFileParts(const std::shared_ptr<ByteSource> &source, const SourceName &name, FileParts *parts,
                      std::vector<std::string> *warnings)
 {
     if (CError error = readBoxes(*source, name, parts, warnings))
         return error;
     if (CError error = RasterReader::open(source, parts->boxes.codestream, &parts->reader, packetIndexOf(parts->boxes)))
+        return error;
+    if (CError error = mapCells(parts))
         return error;
     compareWithHeaderBox(*parts, warnings);
     if (parts->xrv && !parts->boxes.colour)

@@ -13,18 +13,19 @@ constexpr std::size_t kByteBuckets = 256;
 
 } // namespace
 
-BandCounter::BandCounter(int bandBits, bool bandIsSigned, std::size_t bucketLimit)
+BandCounter::BandCounter(int bandBits, bool bandIsSigned, std::size_t bucketLimit, CellKind bandKind)
     : bits(bandBits)
     , isSigned(bandIsSigned)
     , maxBuckets(bucketLimit)
+    , kind(bandKind)
     , isScouting(bandBits > kMaxCountedBits)
-    , smallest(std::numeric_limits<std::int64_t>::max())
-    , largest(std::numeric_limits<std::int64_t>::min())
+    , smallest(std::numeric_limits<double>::infinity())
+    , largest(-smallest)
 {
     if (isScouting)
         return;
     const int countedBits = std::max(bits, 8);
-    first = isSigned ? -(std::int64_t(1) << (countedBits - 1)) : 0;
+    first = isSigned ? -std::ldexp(1.0, countedBits - 1) : 0.0;
     counts.resize(std::size_t(1) << countedBits);
 }
 
@@ -40,22 +41,26 @@ int BandCounter::passesFor(int bits)
 
 bool BandCounter::beginNextPass()
 {
-    if (!isScouting)
+    isDone = !isScouting;
+    if (isDone)
         return false;
     isScouting = false;
     if (largest < smallest) // no cells
-        smallest = largest = 0;
+        smallest = largest = 0.0;
+    areWhole = areWhole || smallest == largest;
     first = smallest;
-    const std::int64_t range = largest - smallest + 1;
-    const std::int64_t steps = std::min(range, std::int64_t(1) << kMaxCountedBits);
-    valuesPerStep = static_cast<double>(range) / static_cast<double>(steps);
+    constexpr double kMostSteps = 1 << kMaxCountedBits;
+    const double range = areWhole ? largest - smallest + 1.0 : largest - smallest;
+    const double steps = areWhole ? std::min(range, kMostSteps) : kMostSteps;
+    valuesPerStep = range / steps;
     counts.resize(static_cast<std::size_t>(steps));
     return true;
 }
 
 double BandCounter::valueOf(std::size_t step) const
 {
-    return static_cast<double>(first) + static_cast<double>(step) * valuesPerStep + (valuesPerStep - 1.0) / 2.0;
+    const double middle = areWhole ? (valuesPerStep - 1.0) / 2.0 : valuesPerStep / 2.0;
+    return first + static_cast<double>(step) * valuesPerStep + middle;
 }
 
 void BandCounter::finish(PLKBandStatistics *statistics) const
@@ -69,9 +74,8 @@ void BandCounter::finish(PLKBandStatistics *statistics) const
         const auto lowest = std::find_if(counts.begin(), counts.end(), isFilled) - counts.begin();
         const auto highest = counts.rend() - std::find_if(counts.rbegin(), counts.rend(), isFilled) - 1;
         const auto mode = std::max_element(counts.begin(), counts.end()) - counts.begin();
-        const bool isExact = valuesPerStep == 1.0;
-        statistics->fMin = static_cast<float>(isExact ? valueOf(static_cast<std::size_t>(lowest)) : double(smallest));
-        statistics->fMax = static_cast<float>(isExact ? valueOf(static_cast<std::size_t>(highest)) : double(largest));
+        statistics->fMin = static_cast<float>(isExact() ? valueOf(static_cast<std::size_t>(lowest)) : smallest);
+        statistics->fMax = static_cast<float>(isExact() ? valueOf(static_cast<std::size_t>(highest)) : largest);
         statistics->fMode = static_cast<float>(valueOf(static_cast<std::size_t>(mode)));
         statistics->fMedian = static_cast<float>(median(total));
         computeMoments(static_cast<double>(total), statistics);
@@ -82,20 +86,20 @@ void BandCounter::finish(PLKBandStatistics *statistics) const
 void BandCounter::computeMoments(double total, PLKBandStatistics *statistics) const
 {
     double distance = sum, squares = sumOfSquares;
-    if (valuesPerStep == 1.0) {
+    if (isExact()) {
         for (std::size_t i = 0; i < counts.size(); ++i)
             distance += static_cast<double>(i) * static_cast<double>(counts[i]);
     }
     const double mean = distance / total;
     double variance = squares / total - mean * mean;
-    if (valuesPerStep == 1.0) {
+    if (isExact()) {
         squares = 0.0;
         for (std::size_t i = 0; i < counts.size(); ++i)
             squares +=
                 (static_cast<double>(i) - mean) * (static_cast<double>(i) - mean) * static_cast<double>(counts[i]);
         variance = squares / total;
     }
-    statistics->fMean = static_cast<float>(static_cast<double>(first) + mean);
+    statistics->fMean = static_cast<float>(first + mean);
     statistics->fStandardDev = static_cast<float>(std::sqrt(std::max(0.0, variance)));
 }
 

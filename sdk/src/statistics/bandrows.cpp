@@ -1,11 +1,10 @@
 #include "bandrows.h"
 
 #include "base/planerow.h"
+#include "cells/cellkind.h"
 #include "log/faultlog.h"
 
 #include <algorithm>
-#include <limits>
-#include <type_traits>
 #include <unordered_map>
 
 namespace xrv {
@@ -22,16 +21,10 @@ void gatherRow(const Plane &plane, std::int64_t x0, std::int64_t x1, std::int64_
     const IntRect &rect = plane.rect;
     const auto row = std::clamp(static_cast<std::int64_t>(static_cast<double>(y) * stepY), rect.y0, rect.y1 - 1);
     withRow(plane, row, [&](const auto *cells) {
-        using Cell = std::decay_t<decltype(*cells)>;
         for (std::int64_t x = x0; x < x1; ++x) {
             const auto column =
                 std::clamp(static_cast<std::int64_t>(static_cast<double>(x) * stepX), rect.x0, rect.x1 - 1);
-            const Cell cell = cells[column - rect.x0];
-            using Limits = std::numeric_limits<std::int32_t>;
-            if constexpr (std::is_same_v<Cell, std::uint32_t> || std::is_same_v<Cell, std::int64_t>)
-                *target++ = static_cast<std::int32_t>(std::clamp<std::int64_t>(cell, Limits::min(), Limits::max()));
-            else
-                *target++ = cell;
+            *target++ = bitsOfCell(cells[column - rect.x0]);
         }
     });
 }
@@ -51,6 +44,54 @@ BandRows::BandRows(RasterReader &rasterReader, const BandMap &bandMap, std::vect
             converted.push_back(band);
     if (!converted.empty())
         convertedComponents = map.componentsFor(converted);
+}
+
+void BandRows::leaveOutHidden()
+{
+    const std::vector<Band> &all = map.bands();
+    for (std::size_t i = 0; i < all.size(); ++i)
+        if (all[i].isOpacity && !all[i].isSigned && all[i].kind == CellKind::Whole && map.isDirect(static_cast<int>(i)))
+            opacity = static_cast<int>(i);
+    if (opacity < 0)
+        return;
+    const int component = all[static_cast<std::size_t>(opacity)].component;
+    if (std::find(componentsToRead.begin(), componentsToRead.end(), component) == componentsToRead.end())
+        componentsToRead.push_back(component);
+}
+
+/// Null where nothing hides cells.
+const Plane *BandRows::opacityPlane(const std::vector<Plane> &planes) const
+{
+    if (opacity < 0)
+        return nullptr;
+    const int component = map.bands()[static_cast<std::size_t>(opacity)].component;
+    const auto found = std::find_if(planes.begin(), planes.end(),
+                                    [component](const Plane &plane) { return plane.component == component; });
+    return found == planes.end() || found->rect.isEmpty() ? nullptr : &*found;
+}
+
+template <typename Cell>
+void BandRows::add(const Cell *cells, std::int64_t x, std::int64_t y, std::size_t count, const Plane *hiding, int level,
+                   BandCounter *counter) const
+{
+    if (!hiding)
+        return counter->add(cells, count);
+    const int bits = map.bands()[static_cast<std::size_t>(opacity)].bits;
+    const std::int64_t least = level > 0 ? (std::int64_t(1) << bits) - 1 : 1;
+    withRow(*hiding, y, [&](const auto *row) {
+        const auto isVisible = [&](std::size_t i) {
+            return static_cast<std::int64_t>(row[static_cast<std::size_t>(x - hiding->rect.x0) + i]) >= least;
+        };
+        for (std::size_t i = 0; i < count;) {
+            const std::size_t first = i;
+            while (i < count && isVisible(i))
+                ++i;
+            if (i > first)
+                counter->add(cells + first, i - first);
+            while (i < count && !isVisible(i))
+                ++i;
+        }
+    });
 }
 
 BandRows::Steps BandRows::stepsOf(int component) const
@@ -119,26 +160,32 @@ CError BandRows::read(const IntRect &window, int level, std::vector<BandCounter>
     std::unordered_map<int, const Plane *> planeOf;
     for (const Plane &plane : result.planes)
         planeOf[plane.component] = &plane;
+    const Plane *const hiding = opacityPlane(result.planes);
     for (std::size_t i = 0; i < bands.size() && !manner.cancel.isRaised(); ++i) {
         if (!map.isDirect(bands[i]))
             continue;
         const int component = map.bands()[static_cast<std::size_t>(bands[i])].component;
         if (const auto found = planeOf.find(component); found != planeOf.end())
-            countDirect(*found->second, coreRect(window, level, stepsOf(component)), &(*counters)[i]);
+            countDirect(*found->second, coreRect(window, level, stepsOf(component)),
+                        bands[i] == opacity ? nullptr : hiding, level, &(*counters)[i]);
     }
     if (!converted.empty())
         countConverted(result.planes, window, level, counters);
     return {};
 }
 
-void BandRows::countDirect(const Plane &plane, const IntRect &core, BandCounter *counter) const
+void BandRows::countDirect(const Plane &plane, const IntRect &core, const Plane *hiding, int level,
+                           BandCounter *counter) const
 {
+    if (hiding && !(hiding->rect == plane.rect)) // on another grid
+        hiding = nullptr;
     const IntRect own = core.intersected(plane.rect);
     if (own.isEmpty())
         return;
     for (std::int64_t y = own.y0; y < own.y1; ++y)
         withRow(plane, y, [&](const auto *cells) {
-            counter->add(cells + (own.x0 - plane.rect.x0), static_cast<std::size_t>(own.width()));
+            add(cells + (own.x0 - plane.rect.x0), own.x0, y, static_cast<std::size_t>(own.width()), hiding, level,
+                counter);
         });
 }
 
@@ -156,6 +203,9 @@ void BandRows::countConverted(const std::vector<Plane> &planes, const IntRect &w
     const IntRect core = coreRect(window, level, steps);
     if (core.isEmpty())
         return;
+    const Plane *hiding = opacityPlane(planes);
+    if (hiding && !hiding->rect.contains(core)) // on another grid
+        hiding = nullptr;
     const auto width = static_cast<std::size_t>(core.width());
     std::vector<std::vector<std::int32_t>> from(sources.size(), std::vector<std::int32_t>(width));
     std::vector<std::vector<std::int32_t>> to(converted.size(), std::vector<std::int32_t>(width));
@@ -175,7 +225,7 @@ void BandRows::countConverted(const std::vector<Plane> &planes, const IntRect &w
         map.convertRow(converted, fromRows.data(), static_cast<int>(width), toRows.data());
         for (std::size_t i = 0, next = 0; i < bands.size(); ++i)
             if (!map.isDirect(bands[i]))
-                (*counters)[i].add(to[next++].data(), width);
+                add(to[next++].data(), core.x0, y, width, hiding, level, &(*counters)[i]);
     }
 }
 

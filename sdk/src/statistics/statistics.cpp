@@ -184,14 +184,22 @@ std::vector<int> nextGroup(const std::vector<Band> &bands, std::size_t begin)
     return group;
 }
 
+bool isEmpty(const PLKBandStatistics &band)
+{
+    return std::all_of(band.pHistogram, band.pHistogram + band.nHistBucketCount,
+                       [](std::uint64_t count) { return count == 0; });
+}
+
 /// One computation: goes through the image for one group of bands after the other.
 class Computation
 {
 public:
-    Computation(RasterReader &reader, const BandMap &map, StatisticsKind kind, const StatisticsControl &control)
+    Computation(RasterReader &reader, const BandMap &map, StatisticsKind kind, const StatisticsControl &control,
+                bool leavesOutHidden)
         : reader(reader)
         , map(map)
         , control(control)
+        , leavesOutHidden(leavesOutHidden)
         , isExact(kind == StatisticsKind::Exact)
         , plan(planStatistics(reader.info(), static_cast<int>(map.bands().size()), kind, map.hasPalette()))
     {
@@ -229,9 +237,12 @@ private:
     {
         std::vector<BandCounter> counters;
         for (int number : group)
-            counters.emplace_back(band(number).bits, band(number).isSigned, bucketLimit(map.bands().size()));
+            counters.emplace_back(band(number).bits, band(number).isSigned, bucketLimit(map.bands().size()),
+                                  band(number).kind);
         BandRows rows(reader, map, group, control.faults);
         rows.readLike(manner);
+        if (leavesOutHidden)
+            rows.leaveOutHidden();
         bool again = true;
         while (again) {
             if (CError error = countOnce(rows, &counters))
@@ -266,6 +277,7 @@ private:
     RasterReader &reader;
     const BandMap &map;
     const StatisticsControl &control;
+    const bool leavesOutHidden;
     const bool isExact;
     const StatisticsPlan plan;
     ReadRequest manner;
@@ -290,8 +302,14 @@ CError computeStatistics(RasterReader &reader, const BandMap &map, StatisticsKin
     if (kind == StatisticsKind::Exact && cells > kMaxCellsToCount)
         return {PLK_ERR_UNSUPPORTED, "The image has too many cells to count them all."};
     StatisticsPtr result = makeStatisticsRecord(map.bands().size());
-    if (CError error = Computation(reader, map, kind, control).run(result->pBandStats))
+    if (CError error = Computation(reader, map, kind, control, true).run(result->pBandStats))
         return error;
+    // An image that is nowhere quite opaque has a contrast, too.
+    if (kind == StatisticsKind::Display && isEmpty(result->pBandStats[0])) {
+        result = makeStatisticsRecord(map.bands().size());
+        if (CError error = Computation(reader, map, kind, control, false).run(result->pBandStats))
+            return error;
+    }
     *statistics = std::move(result);
     return {};
 }

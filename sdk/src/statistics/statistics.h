@@ -48,7 +48,8 @@ struct StatisticsControl
     std::function<void(int percent)> progress; ///< called on the thread that computes; may be empty
 };
 
-/// Statistics and histograms of all bands, opacity included. Bands of up to 8 bits have 256 buckets, one per value from
+/// Statistics and histograms of all bands, opacity included. Cells that an opacity band hides are left out, and so are
+/// Floats that are no finite numbers. Bands of up to 8 bits have 256 buckets, one per value from
 /// 0 or, signed, from -128. Deeper ones have one bucket for each value from the smallest to the largest, or equal
 /// buckets between these where that would be more than 65536 (fewer with more than 64 bands). Errors are those of the
 /// reader, PLK_ERR_CANCELLED among them, and PLK_ERR_UNSUPPORTED for more than 10^12 cells to count. All cells are

@@ -22,9 +22,9 @@ std::shared_ptr<const ByteMap> BandTables::mapOf(int index, const Band &band, bo
         return map;
     const auto range = ranges.find(index);
     if (range != ranges.end())
-        map = ByteMap::byRange(band.bits, band.isSigned, range->second.first, range->second.second);
+        map = ByteMap::byRange(band.bits, band.isSigned, range->second.first, range->second.second, band.kind);
     else
-        map = ByteMap::byDepth(band.bits, band.isSigned, autoscaled || !band.isOpacity);
+        map = ByteMap::byDepth(band.bits, band.isSigned, autoscaled || !band.isOpacity, band.kind);
     return map;
 }
 

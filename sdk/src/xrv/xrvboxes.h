@@ -11,6 +11,7 @@ constexpr std::uint32_t kVersionBox = boxType("vers");
 constexpr std::uint32_t kContentsBox = boxType("toc ");
 constexpr std::uint32_t kFileInfoBox = boxType("finf");
 constexpr std::uint32_t kBandsBox = boxType("band");
+constexpr std::uint32_t kCellsBox = boxType("cell");
 constexpr std::uint32_t kTextsBox = boxType("auth");
 constexpr std::uint32_t kStatisticsBox = boxType("stat");
 constexpr std::uint32_t kRpcBox = boxType("rpc ");

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace xrv {
 
@@ -238,6 +239,52 @@ std::optional<std::vector<XrvBand>> parseBands(const Bytes &content)
             return std::nullopt;
     }
     return in.ok() ? std::optional(std::move(bands)) : std::nullopt;
+}
+
+Bytes makeCellMappings(const std::vector<CellMapping> &mappings)
+{
+    Bytes bytes;
+    ByteWriter out(&bytes);
+    out.u16(static_cast<std::uint32_t>(mappings.size()));
+    for (const CellMapping &mapping : mappings) {
+        out.u8(static_cast<std::uint8_t>(mapping.form));
+        if (!mapping.isMapped())
+            continue;
+        putLong(&out, static_cast<std::uint64_t>(mapping.base));
+        out.u32(mapping.largest);
+        out.u8(mapping.lowBits);
+        putDouble(&out, mapping.stepsPerUnit);
+        out.u8(mapping.hidden ? 1 : 0);
+        out.u32(static_cast<std::uint32_t>(mapping.hidden.value_or(0)));
+    }
+    return bytes;
+}
+
+std::optional<std::vector<CellMapping>> parseCellMappings(const Bytes &content)
+{
+    ByteCursor in(content.data(), content.size());
+    std::vector<CellMapping> mappings(in.u16());
+    for (CellMapping &mapping : mappings) {
+        if (!takeEnum(&in, static_cast<int>(CellMapping::Form::FloatSteps), &mapping.form) || !in.ok())
+            return std::nullopt;
+        if (!mapping.isMapped())
+            continue;
+        mapping.base = static_cast<std::int64_t>(in.u64());
+        mapping.largest = in.u32();
+        mapping.lowBits = in.u8();
+        mapping.stepsPerUnit = takeDouble(&in);
+        const std::uint8_t isHiding = in.u8();
+        const auto hidden = static_cast<std::int32_t>(in.u32());
+        if (isHiding == 1)
+            mapping.hidden = hidden;
+        // What 32 bits hold, with a sign or without.
+        const bool isInRange = mapping.base >= std::numeric_limits<std::int32_t>::min() &&
+                               mapping.base <= std::numeric_limits<std::uint32_t>::max();
+        if (isHiding > 1 || !isInRange || mapping.lowBits >= mapping.bits() || !std::isfinite(mapping.stepsPerUnit) ||
+            mapping.stepsPerUnit <= 0.0)
+            return std::nullopt;
+    }
+    return in.ok() && !mappings.empty() ? std::optional(std::move(mappings)) : std::nullopt;
 }
 
 Bytes makeTexts(const XrvTexts &texts)

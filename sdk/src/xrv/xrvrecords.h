@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/bytes.h"
+#include "cells/cellmapping.h"
 #include "statistics/statisticsrecord.h"
 
 #include <xrv60/plktypes.h>
@@ -13,8 +14,9 @@
 
 namespace xrv {
 
-/// Version of the format that this library writes. It reads every minor version of this major one.
-constexpr std::uint8_t kXrvMajorVersion = 1;
+/// Version of the files that this library writes: the second one of those whose cells are mapped to codes, which
+/// readers of version 1 would show. It reads every minor version of both.
+constexpr std::uint8_t kXrvPlainVersion = 1, kXrvMappedVersion = 2;
 constexpr std::uint8_t kXrvMinorVersion = 0;
 
 /// File information of an XRV file (docs/xrv-format.md, box 'finf').
@@ -40,7 +42,8 @@ struct XrvBand
 {
     std::uint8_t bits = 8;
     bool isSigned = false;
-    std::string description; ///< UTF-8
+    std::string description{}; ///< UTF-8
+    CellKind kind = CellKind::Whole;
 };
 
 /// The authoring texts in their order in the file (box 'auth').
@@ -80,6 +83,10 @@ std::optional<XrvFileInfo> parseFileInfo(const Bytes &content);
 
 Bytes makeBands(const std::vector<XrvBand> &bands);
 std::optional<std::vector<XrvBand>> parseBands(const Bytes &content);
+
+/// One for each band.
+Bytes makeCellMappings(const std::vector<CellMapping> &mappings);
+std::optional<std::vector<CellMapping>> parseCellMappings(const Bytes &content);
 
 Bytes makeTexts(const XrvTexts &texts);
 std::optional<XrvTexts> parseTexts(const Bytes &content);

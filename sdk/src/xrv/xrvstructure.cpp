@@ -29,10 +29,11 @@ CError readVersion(const Bytes &start, XrvStructure *structure)
         return {PLK_ERR_TRUNCATED, "The XRV file ends before its version."};
     if (type != kVersionBox || length < 12 || structure->majorVersion == 0)
         return {PLK_ERR_MALFORMED, "The XRV file has no version."};
-    if (structure->majorVersion > kXrvMajorVersion)
+    if (structure->majorVersion > kXrvMappedVersion)
         return {PLK_ERR_UNSUPPORTED, "The XRV file is of version " + std::to_string(structure->majorVersion) + "." +
                                          std::to_string(structure->minorVersion) + "; this library reads versions " +
-                                         std::to_string(kXrvMajorVersion) + ".x."};
+                                         std::to_string(kXrvPlainVersion) + ".x and " +
+                                         std::to_string(kXrvMappedVersion) + ".x."};
     return {};
 }
 
@@ -97,6 +98,8 @@ public:
             structure->bands = std::move(*bands);
         else
             warn("The descriptions of the bands are missing or do not fit and are not used.");
+        if (CError error = readMappings(structure))
+            return error;
         if (CError error = take(kTextsBox, parseTexts, &structure->texts))
             return error;
         if (CError error = take(kRpcBox, parseRpc, &structure->rpc))
@@ -109,6 +112,19 @@ public:
     }
 
 private:
+    /// Without them the codes would be taken for cells.
+    CError readMappings(XrvStructure *structure)
+    {
+        if (!find(kCellsBox))
+            return {};
+        std::optional<std::vector<CellMapping>> mappings;
+        if (CError error = take(kCellsBox, parseCellMappings, &mappings))
+            return error;
+        if (!mappings || mappings->size() != structure->info.bands || mappings->size() != structure->bands.size())
+            return {PLK_ERR_MALFORMED, "What the XRV file says of its cells is damaged."};
+        structure->mappings = std::move(*mappings);
+        return {};
+    }
     const BoxPlace *find(std::uint32_t type) const
     {
         const auto isWanted = [type](const BoxPlace &place) { return place.type == type; };

@@ -18,7 +18,8 @@ struct XrvStructure
     std::uint8_t majorVersion = 0, minorVersion = 0;
     Jp2Structure boxes; ///< those that JP2 files have too, with the codestream's place
     XrvFileInfo info;
-    std::vector<XrvBand> bands; ///< empty without a readable box, else as many as info says
+    std::vector<XrvBand> bands;        ///< empty without a readable box, else as many as info says
+    std::vector<CellMapping> mappings; ///< one for each band, empty where none is mapped
     std::optional<XrvTexts> texts;
     std::optional<PLKRPCData> rpc;
     ByteRange statistics;  ///< content of the box, empty without

@@ -10,7 +10,7 @@
 inline std::int64_t cellAt(const xrv::Plane &plane, std::int64_t x, std::int64_t y)
 {
     std::int64_t cell = 0;
-    xrv::withRow(plane, y, [&](const auto *row) { cell = row[x - plane.rect.x0]; });
+    xrv::withRow(plane, y, [&](const auto *row) { cell = static_cast<std::int64_t>(row[x - plane.rect.x0]); });
     return cell;
 }
 

@@ -1,2 +1,4 @@
 xrv_add_writer_test(tst_imagewriter OPTIMIZED)
 target_link_libraries(tst_imagewriter PRIVATE test_peerdecoder)
+xrv_add_writer_test(tst_celltypes OPTIMIZED)
+target_link_libraries(tst_celltypes PRIVATE test_peerdecoder)

@@ -120,6 +120,7 @@ private slots:
     void figuresAgree_data();
     void figuresAgree();
     void histogramHasOneBucketPerValue();
+    void hiddenCellsAreLeftOut();
     void everyCellOnceInPieces();
     void subsampledComponentsOnTheirOwnGrid();
     void colourConversionOfSubsampledComponents();
@@ -190,6 +191,34 @@ void TestStatistics::histogramHasOneBucketPerValue()
     QCOMPARE(bands[2].pHistogram[3], std::uint64_t(1));
     QCOMPARE(bands[2].pHistogram[4], std::uint64_t(0));
     QCOMPARE(bands[2].fMedian, 1028.5f); // between the tenth of the twenty cells and the eleventh
+}
+
+/// Cells under opacity 0 do not count, nor, at lower levels, those that are mixed with them; Floats that are no finite
+/// numbers never do. An image that is nowhere opaque still has a contrast.
+void TestStatistics::hiddenCellsAreLeftOut()
+{
+    ComponentInfo deep = component(32, true);
+    deep.sampleType = xrv::SampleType::Float;
+    bool isThin = false;
+    LevelReader reader(
+        raster(800, 600, 3, {deep, component(16, false), component(8, false)}),
+        [&isThin](int c, std::int64_t x, std::int64_t y) {
+            return c == 2 ? (isThin ? 100 : x < 200 ? 0 : x < 400 ? 90 : 255) : c == 1 ? x : 1000 * x + y;
+        });
+    Jp2Structure structure;
+    structure.definitions = {{0, 65535, 65535}, {1, 65535, 65535}, {2, 1, 0}};
+    const auto means = [&](StatisticsKind kind) {
+        StatisticsPtr statistics;
+        const BandMap map = BandMap::make(reader.info(), structure, nullptr);
+        if (xrv::computeStatistics(reader, map, kind, {}, &statistics))
+            return std::vector<float>();
+        const PLKBandStatistics *bands = statistics->pBandStats;
+        return std::vector<float>{bands[0].fMin, bands[0].fMax, bands[1].fMean, float(sumOf(bands[2]))};
+    };
+    QCOMPARE(means(StatisticsKind::Exact), std::vector<float>({200000.0f, 799599.0f, 499.5f, 480000.0f}));
+    QCOMPARE(means(StatisticsKind::Display), std::vector<float>({400000.0f, 798598.0f, 599.0f, 120000.0f}));
+    isThin = true;
+    QCOMPARE(means(StatisticsKind::Display), std::vector<float>({0.0f, 798598.0f, 399.0f, 120000.0f}));
 }
 
 void TestStatistics::everyCellOnceInPieces()

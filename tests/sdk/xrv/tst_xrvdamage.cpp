@@ -71,8 +71,8 @@ void TestXrvDamage::refusedWithASentence_data()
     QTest::newRow("empty") << QByteArray() << int(PLK_ERR_UNKNOWN_FORMAT) << notXrv;
     QTest::newRow("signature alone") << good.left(12) << int(PLK_ERR_TRUNCATED)
                                      << QStringLiteral("ends before its version");
-    QTest::newRow("newer version") << changed(20, "\x02") << int(PLK_ERR_UNSUPPORTED)
-                                   << QStringLiteral("is of version 2.0; this library reads versions 1.x");
+    QTest::newRow("newer version") << changed(20, "\x03") << int(PLK_ERR_UNSUPPORTED)
+                                   << QStringLiteral("is of version 3.0; this library reads versions 1.x and 2.x");
     QTest::newRow("no version") << changed(16, "free") << int(PLK_ERR_MALFORMED) << QStringLiteral("has no version");
     QTest::newRow("no file information") << changed(placeOf("finf") + 4, "free") << int(PLK_ERR_MALFORMED)
                                          << QStringLiteral("has no file information");

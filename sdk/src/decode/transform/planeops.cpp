@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 namespace xrv {
 
@@ -46,7 +47,8 @@ Plane averaged(const Plane &plane, int levels)
     Plane result = makePlane(plane.component, levelRect(plane.rect, levels), plane.type);
     withSampleType(plane.type, [&](auto sample) {
         for (std::int64_t y = result.rect.y0; y < result.rect.y1; ++y)
-            averageRow<decltype(sample)>(plane, levels, y, &result);
+            if constexpr (std::is_integral_v<decltype(sample)>) // codestreams have no others
+                averageRow<decltype(sample)>(plane, levels, y, &result);
     });
     return result;
 }

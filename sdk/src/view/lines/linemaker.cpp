@@ -171,7 +171,7 @@ void LineMaker::divideOutOpacity()
         (std::int64_t(1) << bandMap.bands()[static_cast<std::size_t>(distinctBands[alpha])].bits) - 1;
     for (std::size_t band = 0; band < cellRows.size(); ++band) {
         const Band &info = bandMap.bands()[static_cast<std::size_t>(distinctBands[band])];
-        if (band == alpha || info.isSigned)
+        if (band == alpha || info.isSigned || info.kind != CellKind::Whole)
             continue;
         const std::int64_t highest = (std::int64_t(1) << std::min<int>(info.bits, 31)) - 1;
         for (std::size_t i = 0; i < cellRows[band].size(); ++i) {
@@ -197,8 +197,7 @@ void LineMaker::makeBytes(int y)
             byteSampler->sampleBytes(y, band, map, byteRows[band].data());
             continue;
         }
-        for (std::size_t i = 0; i < byteRows[band].size(); ++i)
-            byteRows[band][i] = map.at(cellRows[band][i]);
+        map.convertRow(cellRows[band].data(), byteRows[band].size(), byteRows[band].data());
     }
 }
 
@@ -230,7 +229,8 @@ template <typename Cell> void LineMaker::writeCells(void *const *lines) const
     for (std::size_t entry = 0; entry < distinctOf.size(); ++entry) {
         auto *line = static_cast<std::uint8_t *>(lines[entry]);
         std::memset(line, 0, width * sizeof(Cell));
-        writeCellsAs<Cell>(cellRows[distinctOf[entry]], line + before * sizeof(Cell));
+        const Band &band = bandMap.bands()[static_cast<std::size_t>(request->bands[entry])];
+        writeCellsAs<Cell>(cellRows[distinctOf[entry]], band.kind, line + before * sizeof(Cell));
     }
 }
 

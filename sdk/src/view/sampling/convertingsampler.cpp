@@ -6,6 +6,15 @@
 
 namespace xrv {
 
+namespace {
+
+std::int32_t cellOf(CellKind kind, double value)
+{
+    return kind == CellKind::Whole ? roundedCell(value) : bitsOfNumber(kind, value);
+}
+
+} // namespace
+
 ConvertingSampler::ConvertingSampler(const BandMap &bandMap, std::vector<int> bands, int opacity,
                                      std::shared_ptr<ColumnTaps> columns, const RowTaps &rows)
     : bandMap(bandMap)
@@ -53,9 +62,13 @@ void ConvertingSampler::makeBlendedRow(std::int64_t row, double *numbers)
     const auto count = static_cast<std::size_t>(columns->count());
     for (std::size_t band = 0; band < bands.size(); ++band) {
         const bool isWeighted = opacity >= 0 && static_cast<std::size_t>(opacity) != band;
+        const CellKind kind = kindOf(band);
         for (std::size_t i = 0; i < weighted.size(); ++i) {
             const double weight = isWeighted ? convertedRows[static_cast<std::size_t>(opacity)][i] : 1.0;
-            weighted[i] = convertedRows[band][i] * weight;
+            if (kind == CellKind::Whole)
+                weighted[i] = convertedRows[band][i] * weight;
+            else // what is hidden need not be a number
+                weighted[i] = weight != 0.0 ? numberOfBits(kind, convertedRows[band][i]) * weight : 0.0;
         }
         blendRow(weighted.data(), *columns, numbers + band * count);
     }
@@ -74,10 +87,11 @@ void ConvertingSampler::sample(int y, std::int32_t *const *bandRows)
             opacities[i] = between(static_cast<std::size_t>(opacity) * count + i);
     for (std::size_t band = 0; band < bands.size(); ++band) {
         const bool isWeighted = opacity >= 0 && static_cast<std::size_t>(opacity) != band;
+        const CellKind kind = kindOf(band);
         for (std::size_t i = 0; i < count; ++i) {
             const double value = between(band * count + i);
             const double visible = isWeighted ? opacities[i] : 1.0;
-            bandRows[band][i] = visible > 0.0 ? roundedCell(value / visible) : 0;
+            bandRows[band][i] = visible > 0.0 ? cellOf(kind, value / visible) : 0;
         }
     }
 }

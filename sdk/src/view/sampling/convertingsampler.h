@@ -27,6 +27,7 @@ public:
 private:
     void makeBlendedRow(std::int64_t row, double *numbers);
     void convertRow(std::int64_t row);
+    CellKind kindOf(std::size_t band) const { return bandMap.bands()[static_cast<std::size_t>(bands[band])].kind; }
 
     const BandMap &bandMap;
     std::vector<int> bands;

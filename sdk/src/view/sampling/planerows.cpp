@@ -1,9 +1,9 @@
 #include "planerows.h"
 
 #include "base/planerow.h"
+#include "cells/cellkind.h"
 
 #include <algorithm>
-#include <limits>
 #include <type_traits>
 
 namespace xrv {
@@ -14,15 +14,6 @@ namespace {
 template <typename Use> void withNearestRow(const Plane &plane, std::int64_t row, Use use)
 {
     withRow(plane, std::clamp(row, plane.rect.y0, plane.rect.y1 - 1), use);
-}
-
-template <typename Cell> std::int32_t toInt32(Cell cell)
-{
-    using Limits = std::numeric_limits<std::int32_t>;
-    if constexpr (std::is_same_v<Cell, std::uint32_t> || std::is_same_v<Cell, std::int64_t>)
-        return static_cast<std::int32_t>(std::clamp<std::int64_t>(cell, Limits::min(), Limits::max()));
-    else
-        return static_cast<std::int32_t>(cell);
 }
 
 template <typename Cell, typename Result, typename Convert>
@@ -38,6 +29,18 @@ void pick(const Cell *row, const ColumnTaps &taps, Result *results, Convert conv
     }
     for (int i = 0; i < count; ++i)
         results[i] = convert(row[offsets[i]]);
+}
+
+template <typename Cell>
+void pickBytes(const Cell *from, const ColumnTaps &taps, const ByteMap &map, std::uint8_t *bytes)
+{
+    const std::uint8_t *table = map.tableForStored(sizeof(Cell), std::is_signed_v<Cell>);
+    if (table == nullptr)
+        pick(from, taps, bytes, [&](Cell cell) { return map.at(cell); });
+    else if (map.isIdentity())
+        pick(from, taps, bytes, [](Cell cell) { return static_cast<std::uint8_t>(cell); });
+    else
+        pick(from, taps, bytes, [=](Cell cell) { return table[static_cast<std::make_unsigned_t<Cell>>(cell)]; });
 }
 
 template <typename Cell> void blend(const Cell *row, const ColumnTaps &taps, double *cells)
@@ -67,26 +70,24 @@ void readRow(const Plane &plane, std::int64_t row, std::int32_t *cells)
     const std::int64_t width = plane.rect.width();
     withNearestRow(plane, row, [=](auto *from) {
         for (std::int64_t i = 0; i < width; ++i)
-            cells[i] = toInt32(from[i]);
+            cells[i] = bitsOfCell(from[i]);
     });
 }
 
 void pickRow(const Plane &plane, std::int64_t row, const ColumnTaps &taps, std::int32_t *cells)
 {
-    withNearestRow(plane, row, [&](auto *from) { pick(from, taps, cells, [](auto cell) { return toInt32(cell); }); });
+    withNearestRow(plane, row,
+                   [&](auto *from) { pick(from, taps, cells, [](auto cell) { return bitsOfCell(cell); }); });
 }
 
 void pickBytes(const Plane &plane, std::int64_t row, const ColumnTaps &taps, const ByteMap &map, std::uint8_t *bytes)
 {
     withNearestRow(plane, row, [&](auto *from) {
         using Cell = std::remove_const_t<std::remove_pointer_t<decltype(from)>>;
-        const std::uint8_t *table = map.tableForStored(sizeof(Cell), std::is_signed_v<Cell>);
-        if (table == nullptr)
-            pick(from, taps, bytes, [&](Cell cell) { return map.at(cell); });
-        else if (map.isIdentity())
-            pick(from, taps, bytes, [](Cell cell) { return static_cast<std::uint8_t>(cell); });
+        if constexpr (std::is_floating_point_v<Cell>)
+            return pick(from, taps, bytes, [&](Cell cell) { return map.atFloat(cell); });
         else
-            pick(from, taps, bytes, [=](Cell cell) { return table[static_cast<std::make_unsigned_t<Cell>>(cell)]; });
+            pickBytes(from, taps, map, bytes);
     });
 }
 

@@ -12,7 +12,7 @@ namespace xrv {
 /// Reading of single rows of planes. \a row is in level coordinates and is replaced by the nearest row that the plane
 /// has; the taps must be bound to the plane's columns; the plane must not be empty.
 
-/// Cells of all columns of the plane. Cells above 2^31 - 1 are clamped.
+/// Cells of all columns of the plane, of the kind that its type is.
 void readRow(const Plane &plane, std::int64_t row, std::int32_t *cells);
 /// One cell per tap. Pointwise taps only.
 void pickRow(const Plane &plane, std::int64_t row, const ColumnTaps &taps, std::int32_t *cells);

@@ -1,5 +1,7 @@
 #include "resamplingsampler.h"
 
+#include "cells/cellkind.h"
+
 #include <algorithm>
 
 namespace xrv {
@@ -38,8 +40,13 @@ void ComponentSampler::sample(int y, std::int32_t *cells)
     const double *upper = blendedRow(tap.cell);
     const double *lower = tap.weight > 0.0 ? blendedRow(tap.cell + 1) : upper;
     const double weight = tap.weight;
-    for (int i = 0; i < count; ++i)
-        cells[i] = roundedCell(upper[i] + (lower[i] - upper[i]) * weight);
+    const CellKind kind = cellKindOf(plane->type);
+    if (kind == CellKind::Whole)
+        for (int i = 0; i < count; ++i)
+            cells[i] = roundedCell(upper[i] + (lower[i] - upper[i]) * weight);
+    else
+        for (int i = 0; i < count; ++i)
+            cells[i] = bitsOfNumber(kind, upper[i] + (lower[i] - upper[i]) * weight);
 }
 
 void ComponentSampler::sampleBytes(int y, const ByteMap &map, std::uint8_t *bytes) const

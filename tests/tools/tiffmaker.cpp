@@ -7,20 +7,21 @@
 
 namespace {
 
-constexpr std::uint32_t kPixelScale = 33550, kTiePoints = 33922, kGeoKeys = 34735;
+constexpr std::uint32_t kPixelScale = 33550, kTiePoints = 33922, kGeoKeys = 34735, kNoData = 42113;
 
 void registerGeoTags(TIFF *tiff)
 {
-    static char scaleName[] = "ModelPixelScale", tieName[] = "ModelTiepoint", keysName[] = "GeoKeyDirectory";
+    static char scaleName[] = "ModelPixelScale", tieName[] = "ModelTiepoint", keysName[] = "GeoKeyDirectory",
+                noDataName[] = "GDALNoData";
     const TIFFFieldInfo fields[] = {{kPixelScale, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1, scaleName},
                                     {kTiePoints, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1, tieName},
-                                    {kGeoKeys, -1, -1, TIFF_SHORT, FIELD_CUSTOM, 1, 1, keysName}};
-    TIFFMergeFieldInfo(tiff, fields, 3);
+                                    {kGeoKeys, -1, -1, TIFF_SHORT, FIELD_CUSTOM, 1, 1, keysName},
+                                    {kNoData, -1, -1, TIFF_ASCII, FIELD_CUSTOM, 1, 0, noDataName}};
+    TIFFMergeFieldInfo(tiff, fields, 4);
 }
 
 void place(TIFF *tiff)
 {
-    registerGeoTags(tiff);
     const double scale[] = {10.0, 10.0, 0.0}, tie[] = {0.0, 0.0, 0.0, 500000.0, 5200000.0, 0.0};
     const std::uint16_t keys[] = {1, 1, 0, 3, 1024, 0, 1, 1, 1025, 0, 1, 1, 3072, 0, 1, 32633};
     TIFFSetField(tiff, kPixelScale, 3, scale);
@@ -34,7 +35,10 @@ void setTags(TIFF *tiff, const TiffRecipe &recipe)
     TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, recipe.height);
     TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, recipe.bits);
     TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, recipe.samples);
-    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, recipe.isSigned ? SAMPLEFORMAT_INT : SAMPLEFORMAT_UINT);
+    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT,
+                 recipe.isFloat    ? SAMPLEFORMAT_IEEEFP
+                 : recipe.isSigned ? SAMPLEFORMAT_INT
+                                   : SAMPLEFORMAT_UINT);
     TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, recipe.isPlanar ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
     TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, recipe.photometric);
     TIFFSetField(tiff, TIFFTAG_COMPRESSION, recipe.compression);
@@ -52,6 +56,9 @@ void setTags(TIFF *tiff, const TiffRecipe &recipe)
         }
         TIFFSetField(tiff, TIFFTAG_COLORMAP, red.data(), green.data(), blue.data());
     }
+    registerGeoTags(tiff);
+    if (!recipe.noData.isEmpty())
+        TIFFSetField(tiff, kNoData, recipe.noData.toLatin1().constData());
     if (recipe.isPlaced)
         place(tiff);
 }
@@ -66,6 +73,12 @@ void addBits(std::vector<std::uint8_t> *row, std::size_t place, int bits, int va
     }
 }
 
+template <typename Number> void addNumber(std::vector<std::uint8_t> *row, Number number)
+{
+    row->resize(row->size() + sizeof number);
+    std::memcpy(&(*row)[row->size() - sizeof number], &number, sizeof number);
+}
+
 /// Cells of [x0, x0 + width) x [y0, y0 + height); those beyond the image are those of its edge.
 std::vector<std::uint8_t> pieceOf(const TiffRecipe &recipe, int plane, int x0, int y0, int width, int height)
 {
@@ -77,10 +90,14 @@ std::vector<std::uint8_t> pieceOf(const TiffRecipe &recipe, int plane, int x0, i
         for (int x = x0; x < x0 + width; ++x) {
             for (int i = 0; i < together; ++i) {
                 const int value = recipe.cell(plane + i, std::min(x, recipe.width - 1), std::min(y, recipe.height - 1));
-                const auto word = static_cast<std::uint16_t>(value);
                 if (recipe.bits == 16) {
-                    row.resize(row.size() + sizeof word);
-                    std::memcpy(&row[row.size() - sizeof word], &word, sizeof word);
+                    addNumber(&row, static_cast<std::uint16_t>(value));
+                } else if (recipe.bits == 32) {
+                    addNumber(&row, value);
+                } else if (recipe.bits == 64) {
+                    float single;
+                    std::memcpy(&single, &value, sizeof single);
+                    addNumber(&row, recipe.offset + double(single));
                 } else {
                     addBits(&row, place, recipe.bits, value);
                     place += std::size_t(recipe.bits);

@@ -11,6 +11,9 @@ struct TiffRecipe
     int width = 300, height = 211;
     int samples = 1, bits = 8;
     bool isSigned = false, isPlanar = false;
+    bool isFloat = false;  ///< of 32 or 64 bits; the cell function gives the bits of singles
+    double offset = 0.0;   ///< added to cells of 64 bits
+    QString noData{};      ///< GDAL_NODATA tag, empty for none
     int tileSize = 0;      ///< 0: strips
     int firstColumn = 0;   ///< tiles to its left are left out; their cells count as 0
     int rowsPerStrip = 16; ///< of strips

@@ -26,6 +26,8 @@ class TestXrvCompress : public QObject
 private slots:
     void tiffFiles_data();
     void tiffFiles();
+    void deepTiffFiles_data();
+    void deepTiffFiles();
     void pnmFiles_data();
     void pnmFiles();
     void pngFiles_data();
@@ -138,6 +140,82 @@ void TestXrvCompress::tiffFiles()
     QCOMPARE(lastBand == QLatin1String("AllOpacity"), recipe.alphaSamples > 0);
     QCOMPARE(int(info.number("place/epsg")), recipe.isPlaced ? 32633 : 0);
     QCOMPARE(info.at("place/origin").toArray().first().toDouble(), recipe.isPlaced ? 500000.0 : 0.0);
+}
+
+void TestXrvCompress::deepTiffFiles_data()
+{
+    QTest::addColumn<Recipe>("recipe");
+    QTest::addColumn<QString>("cellType");
+    QTest::addColumn<QByteArray>("options");
+    QTest::addColumn<int>("bands");
+    QTest::addColumn<QString>("refusal");
+    const auto row = [](const char *name, const char *cellType, int bands, const std::function<void(Recipe *)> &change,
+                        const char *options = "", const char *refusal = "") {
+        Recipe recipe;
+        change(&recipe);
+        QTest::newRow(name) << recipe << QString::fromLatin1(cellType) << QByteArray(options) << bands
+                            << QString::fromLatin1(refusal);
+    };
+    const auto floats = [](Recipe *r) { r->bits = 32, r->isFloat = true, r->noData = QStringLiteral("1.125"); };
+    const auto doubles = [floats](Recipe *r) { floats(r), r->bits = 64; };
+    const auto wedge = [](Recipe *r) { r->bits = 16, r->noData = QStringLiteral("16257"), r->samples = 1; };
+    row("UInt32 in tiles", "UInt32", 1, [](Recipe *r) { r->bits = 32, r->tileSize = 64; });
+    row("Int32, bands apart", "Int32", 3,
+        [](Recipe *r) { r->bits = 32, r->isSigned = r->isPlanar = true, r->samples = 3; });
+    row("Float, no data", "Float", 2, floats);
+    row("Float, value of no data not believed", "Float", 1, floats, "--nodata none");
+    row("Float, another value of no data", "Float", 2, floats, "--nodata=1.25");
+    row("Double", "Float", 2, doubles);
+    row("16 bits, no data", "UInt16", 2, wedge);
+    row("16 bits, no data that no cell can be", "UInt16", 1, wedge, "--nodata -1");
+    row(
+        "Double that no Float holds", "", 0, [doubles](Recipe *r) { doubles(r), r->offset = 1e-9; }, "",
+        "a Float of 32 bits does not hold");
+    row(
+        "half Floats", "", 0, [](Recipe *r) { r->bits = 16, r->isFloat = true; }, "", "those of 32 and 64 are read");
+    row("Float in JPEG 2000", "", 0, floats, "--jp2", "JPEG 2000 files hold whole numbers");
+    row("Float with loss", "", 0, floats, "--rate 10", "without loss");
+    row(
+        "opacity and no data", "", 0, [](Recipe *r) { r->samples = 2, r->alphaSamples = 1; }, "--nodata 0",
+        "has an opacity band already");
+}
+
+/// Cells from 1 up by 2^-13 as Floats; as whole numbers the same bits.
+void TestXrvCompress::deepTiffFiles()
+{
+    QFETCH(Recipe, recipe);
+    QFETCH(QByteArray, options);
+    QFETCH(int, bands);
+    QFETCH(QString, refusal);
+    const bool isShort = recipe.bits == 16;
+    recipe.cell = [isShort](int sample, int x, int y) {
+        const int bits = 0x3f800000 + (x / 3 * 256 + y + sample) * 1024;
+        return isShort ? bits >> 16 : bits;
+    };
+    QVERIFY(makeTiff(path("in.tif"), recipe));
+    const std::string output = folder.path("deep.xrv");
+    const ToolRun run = runTool("xrvcompress", options.toStdString() + ' ' + folder.path("in.tif") + ' ' + output);
+    if (!refusal.isEmpty()) {
+        QVERIFY2(run.status != 0 && run.errors.contains(refusal), qPrintable(run.errors));
+        return;
+    }
+    QCOMPARE(run.errors, QString());
+    const Info info(output);
+    QTEST(info.text("cell type"), "cellType");
+    QCOMPARE(info.at("bands").toArray().size(), bands);
+    PLK::CView view;
+    QVERIFY(view.Open(output.c_str(), false, false).IsSuccess());
+    const PLKCellType type = view.GetFileInfo()->eCellType;
+    std::vector<std::int32_t> line(std::size_t(recipe.width));
+    for (int band = 0; band < recipe.samples; ++band) {
+        QVERIFY(setView(view, wholeOf(view), {band}).IsSuccess());
+        for (int y = 0; y < recipe.height; ++y) {
+            void *const target = line.data();
+            QCOMPARE(view.ReadLineBIL(isShort ? PLKCT_INT32 : type, &target), PLK_READ_SUCCESS);
+            for (int x = 0; x < recipe.width; ++x)
+                QCOMPARE(line[std::size_t(x)], recipe.cell(band, x, y));
+        }
+    }
 }
 
 void TestXrvCompress::pnmFiles_data()
@@ -326,6 +404,7 @@ void TestXrvCompress::wrongUsage_data()
     row("rate of words", "--rate ten a b", "\"ten\" is no value for the option --rate.");
     row("rate below one", "--rate 0.5 a b", "is no value");
     row("rate that is no number", "--rate nan a b", "is no value");
+    row("no data that is no number", "--nodata nothing a b", "is no value");
     row("block size that is no power of two", "--block-size 1000 a b", "is no value");
     row("33 layers", "--layers 33 a b", "is no value");
     row("layers of high-throughput blocks", "--high-throughput --layers 2 a b", "one quality layer only");

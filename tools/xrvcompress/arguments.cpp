@@ -96,6 +96,13 @@ private:
             result.rpc = value;
             return true;
         };
+        withValue["--nodata"] = [this](const std::string &value) {
+            char *end = nullptr;
+            const double number = std::strtod(value.c_str(), &end);
+            const bool isNumber = !value.empty() && *end == '\0';
+            result.noData = isNumber ? std::optional(number) : std::nullopt;
+            return isNumber || value == "none";
+        };
         alone["--lossless"] = &isLossless;
         alone["--jp2"] = &isJp2;
         alone["--high-throughput"] = &result.options.isHighThroughput;
@@ -162,10 +169,13 @@ const char *usage()
 {
     return R"(usage: xrvcompress [options] INPUT OUTPUT
 
-Compresses JPEG 2000, XRV, (Geo)TIFF, PNM or PNG images to XRV, or to JPEG 2000 that streams well.
+Compresses JPEG 2000, XRV, (Geo)TIFF, PNM or PNG images to XRV, or to JPEG 2000 that streams well. Cells have 1 to 16
+bits or, without loss, 32; Floats go to XRV files only.
 
   --lossless            every cell as it was (the default)
   --rate N              N:1, N from 1 to 1000: the cells take N times as many bytes as the file
+  --nodata V            cells of this value are no data and shown transparent; "none" for no value (default: as
+                        the GDAL_NODATA tag of a TIFF has it). Floats that are no numbers always are.
   --jp2                 write a GeoJP2 file in place of an XRV file
   --high-throughput     code blocks several times as fast; a lossless file is a tenth larger then
   --block-size N        side of the blocks in cells, a power of two from 64 to 16384 (default 1024)

@@ -14,6 +14,8 @@ struct Arguments
     xrv::XrvTexts texts;           ///< in place of those of the image
     std::vector<std::string> xmls; ///< files, beside the boxes of the image
     std::string rpc;               ///< file, in place of what the image has
+    /// In place of what the image sets aside for cells without data: a number, or std::nullopt in it for none.
+    std::optional<std::optional<double>> noData;
     bool isQuiet = false;
     bool wantsHelp = false, wantsVersion = false;
 };

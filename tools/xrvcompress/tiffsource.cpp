@@ -5,7 +5,10 @@
 #include "geo/geotags.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <cstring>
+#include <limits>
 
 using PLK::CError;
 using namespace xrv;
@@ -14,9 +17,11 @@ namespace {
 
 constexpr std::uint64_t kMaxTileBytes = 1u << 30;
 constexpr std::uint64_t kBytesOfHandle = 256u << 10; ///< what libtiff takes for an open file
+constexpr std::uint32_t kTagNoData = 42113; ///< as GDAL writes it
 
-/// A TIFF or GeoTIFF file with cells of 1 to 16 bits: strips or tiles, bands together or apart, and palettes, which
-/// become colours. Files in strips are read from top to bottom, those in tiles piece by piece.
+/// A TIFF or GeoTIFF file with cells of 1 to 16 or 32 bits, or of 64 that are Floats as well: strips or tiles, bands
+/// together or apart, and palettes, which become colours. Files in strips are read from top to bottom, those in tiles
+/// piece by piece.
 class TiffSource : public ImageSource
 {
 public:
@@ -46,7 +51,8 @@ public:
 
     CError read(const IntRect &rect, const std::vector<std::int32_t *> &planes) override
     {
-        return TIFFIsTiled(first()) ? readTiles(rect, planes) : readRows(rect, planes);
+        CError error = TIFFIsTiled(first()) ? readTiles(rect, planes) : readRows(rect, planes);
+        return error || isExact ? error : inexact();
     }
 
     CError rewind() override
@@ -58,7 +64,8 @@ public:
 private:
     TIFF *first() const { return handles.front().get(); }
     bool isApart() const { return planar == PLANARCONFIG_SEPARATE && samples > 1; }
-    bool isInBytes() const { return bits == 8 || bits == 16; } ///< else cells follow without gaps
+    bool isInBytes() const { return bits % 8 == 0 && bits != 24; } ///< else cells follow without gaps
+    bool isFloat() const { return format == SAMPLEFORMAT_IEEEFP; }
     std::uint64_t bytesOf(std::uint64_t cells) const { return (cells * bits + 7) / 8; }
     /// Samples that lie together in one buffer.
     std::size_t samplesTogether() const { return isApart() ? 1 : samples; }
@@ -77,11 +84,8 @@ private:
     {
         if (image.width == 0 || image.height == 0 || samples == 0)
             return failed();
-        if (format != SAMPLEFORMAT_UINT && format != SAMPLEFORMAT_INT)
-            return {PLK_ERR_UNSUPPORTED, "\"" + name + "\" has cells that are no whole numbers."};
-        if (bits < 1 || bits > 16 || (format == SAMPLEFORMAT_INT && !isInBytes()))
-            return {PLK_ERR_UNSUPPORTED, "\"" + name + "\" has cells of " + std::to_string(bits) +
-                                             " bits; those of 1 to 16 bits are read, signed ones of 8 and 16."};
+        if (CError error = checkCells())
+            return error;
         std::uint16_t compression = COMPRESSION_NONE;
         TIFFGetFieldDefaulted(first(), TIFFTAG_COMPRESSION, &compression);
         if (!TIFFIsCODECConfigured(compression))
@@ -96,19 +100,44 @@ private:
         return {};
     }
 
+    CError checkCells() const
+    {
+        if (format != SAMPLEFORMAT_UINT && format != SAMPLEFORMAT_INT && !isFloat())
+            return {PLK_ERR_UNSUPPORTED, "\"" + name + "\" has cells that are no real numbers."};
+        if (isFloat() && bits != 32 && bits != 64)
+            return {PLK_ERR_UNSUPPORTED, "\"" + name + "\" has floating-point cells of " + std::to_string(bits) +
+                                             " bits; those of 32 and 64 are read."};
+        const bool isRead = bits == 32 || (bits >= 1 && bits <= 16 && (format == SAMPLEFORMAT_UINT || isInBytes()));
+        if (!isFloat() && !isRead)
+            return {PLK_ERR_UNSUPPORTED, "\"" + name + "\" has cells of " + std::to_string(bits) +
+                                             " bits; those of 1 to 16 and 32 bits are read, signed ones of 8, 16 and "
+                                             "32."};
+        return {};
+    }
+    CError inexact() const
+    {
+        return {PLK_ERR_UNSUPPORTED, "\"" + name +
+                                         "\" has cells of 64 bits that a Float of 32 bits does not hold, such as " +
+                                         std::to_string(inexactCell) + "; they cannot be written without loss."};
+    }
+
     void describe(std::vector<std::string> *warnings)
     {
         std::uint16_t extraCount = 0, *extras = nullptr;
         TIFFGetFieldDefaulted(first(), TIFFTAG_EXTRASAMPLES, &extraCount, &extras);
         const bool hasAlpha = extraCount > 0 && extras && extras[extraCount - 1] != EXTRASAMPLE_UNSPECIFIED;
-        image.isLastOpacity = hasAlpha && samples > 1;
+        image.isLastOpacity = hasAlpha && samples > 1 && bits <= 16;
         const int colours = samples - extraCount;
         const bool isRgb = isPalette || (photometric == PHOTOMETRIC_RGB && colours >= 3);
         const bool isGrey = (photometric == PHOTOMETRIC_MINISBLACK || photometric == PHOTOMETRIC_MINISWHITE) &&
                             samples - (image.isLastOpacity ? 1 : 0) == 1;
         image.colourSpace = isRgb ? PLK_COLORSPACE_SRGB : isGrey ? PLK_COLORSPACE_GREYSCALE : PLK_COLORSPACE_MULTIBAND;
         isInverted = isGrey && photometric == PHOTOMETRIC_MINISWHITE && format == SAMPLEFORMAT_UINT;
-        const XrvBand band{static_cast<std::uint8_t>(isPalette ? 8 : bits), format == SAMPLEFORMAT_INT, {}};
+        const CellKind kind = isFloat()                                   ? CellKind::Float
+                              : bits == 32 && format == SAMPLEFORMAT_UINT ? CellKind::Unsigned
+                                                                          : CellKind::Whole;
+        const std::uint16_t bandBits = isPalette ? 8 : isFloat() ? 32 : bits;
+        const XrvBand band{static_cast<std::uint8_t>(bandBits), format != SAMPLEFORMAT_UINT, {}, kind};
         image.bands.assign(isPalette ? 3u : samples, band);
         nameBands(&image);
         if (isPalette)
@@ -133,9 +162,22 @@ private:
         const std::vector<char> text = tiffNumbers<char>(tiff, kTagGeoAscii, TIFF_ASCII);
         tags.keyTexts.assign(text.begin(), std::find(text.begin(), text.end(), '\0'));
         tags.rpc = tiffNumbers<double>(tiff, kTagRpc, TIFF_DOUBLE);
+        readNoData();
         const std::vector<char> xmp = tiffNumbers<char>(tiff, TIFFTAG_XMLPACKET, TIFF_BYTE);
         if (!xmp.empty())
             image.xmls.emplace_back(xmp.begin(), xmp.end());
+    }
+
+    /// A number in words. Of a palette it is an index, and colours are what is handed on.
+    void readNoData()
+    {
+        std::vector<char> text = tiffNumbers<char>(first(), kTagNoData, TIFF_ASCII);
+        text.push_back('\0');
+        char *end = nullptr;
+        const double number = std::strtod(text.data(), &end);
+        if (end == text.data() || isPalette)
+            return;
+        image.noData = isInverted ? std::ldexp(1.0, bits) - 1.0 - number : number;
     }
 
     // In tiles.
@@ -289,8 +331,37 @@ private:
         const bool isSigned = format == SAMPLEFORMAT_INT;
         if (bits == 8)
             isSigned ? convert<std::int8_t>(cell, step, count, out) : convert<std::uint8_t>(cell, step, count, out);
+        else if (bits == 64)
+            narrow(cell, step, count, out);
+        else if (bits == 32)
+            copy(cell, step, count, out);
         else
             isSigned ? convert<std::int16_t>(cell, step, count, out) : convert<std::uint16_t>(cell, step, count, out);
+    }
+
+    /// Each is 32 bits already, whatever they mean.
+    void copy(const std::uint8_t *cell, std::size_t step, std::int64_t count, std::int32_t *out) const
+    {
+        for (std::int64_t i = 0; i < count; ++i, cell += step) {
+            std::memcpy(&out[i], cell, sizeof out[i]);
+            out[i] = isInverted ? ~out[i] : out[i];
+        }
+    }
+
+    void narrow(const std::uint8_t *cell, std::size_t step, std::int64_t count, std::int32_t *out) const
+    {
+        for (std::int64_t i = 0; i < count; ++i, cell += step) {
+            double value = 0.0;
+            std::memcpy(&value, cell, sizeof value);
+            // Beyond the largest Float there is none to convert to.
+            const bool isInRange = !(std::abs(value) > double(std::numeric_limits<float>::max())) || std::isinf(value);
+            const float narrower = isInRange ? static_cast<float>(value) : 0.0f;
+            out[i] = bitsOfFloat(narrower);
+            if (std::isnan(value) || static_cast<double>(narrower) == value)
+                continue;
+            isExact = false;
+            inexactCell = value;
+        }
     }
 
     template <typename Cell>
@@ -334,6 +405,8 @@ private:
     std::uint16_t photometric = PHOTOMETRIC_MINISBLACK;
     bool isPalette = false;
     bool isInverted = false;                                 ///< white is zero
+    mutable bool isExact = true;                             ///< every cell read so far can be handed on
+    mutable double inexactCell = 0.0;                        ///< that could not
     std::uint16_t *palette[3] = {nullptr, nullptr, nullptr}; ///< of libtiff
     std::uint32_t tileWidth = 0, tileHeight = 0;
     Bytes buffer; ///< a tile

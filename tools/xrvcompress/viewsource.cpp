@@ -34,7 +34,7 @@ public:
         image.height = info.nSizeY;
         image.colourSpace = info.eColorSpace;
         for (int i = 0; i < info.nBands; ++i)
-            image.bands.push_back({info.pBands[i].nBits, info.pBands[i].bSigned, info.pBands[i].szDesc});
+            image.bands.push_back(bandOf(info, info.pBands[i]));
         image.isLastOpacity = image.bands.size() > 1 && image.bands.back().description == "AllOpacity";
         readPlace(info);
         readTexts(info);
@@ -48,8 +48,11 @@ public:
 
     CError read(const IntRect &rect, const std::vector<std::int32_t *> &planes) override
     {
-        for (std::size_t first = 0; first < planes.size(); first += kBandsAtATime) {
-            const std::size_t count = std::min(kBandsAtATime, planes.size() - first);
+        for (std::size_t first = 0, count = 0; first < planes.size(); first += count) {
+            const CellKind kind = image.bands[first].kind;
+            for (count = 1; count < kBandsAtATime && first + count < planes.size(); ++count)
+                if (image.bands[first + count].kind != kind)
+                    break;
             if (CError error = readBands(rect, static_cast<int>(first), planes.data() + first, count))
                 return error;
         }
@@ -59,6 +62,19 @@ public:
     CError rewind() override { return {}; }
 
 private:
+    /// Bands of more than 16 bits are those of the next type.
+    static XrvBand bandOf(const PLKFileInfo &info, const PLKBandInfo &told)
+    {
+        XrvBand band{told.nBits, told.bSigned, told.szDesc};
+        if (band.bits <= 16)
+            return band;
+        band.bits = 32;
+        band.kind = info.eCellType == PLKCT_FLOAT ? CellKind::Float
+                    : band.isSigned               ? CellKind::Whole
+                                                  : CellKind::Unsigned;
+        return band;
+    }
+
     CError readBands(const IntRect &rect, int firstBand, std::int32_t *const *planes, std::size_t count)
     {
         // A view shows one, three or four bands: a second one is made the third, too.
@@ -71,11 +87,15 @@ private:
         if (CError error = view.SetView(static_cast<int>(count), bands.data(), static_cast<int>(rect.width()),
                                         static_cast<int>(rect.height()), x0, y0, x1, y1))
             return error;
+        const CellKind kind = image.bands[static_cast<std::size_t>(firstBand)].kind;
+        const PLKCellType type = kind == CellKind::Float      ? PLKCT_FLOAT
+                                 : kind == CellKind::Unsigned ? PLKCT_UINT32
+                                                              : PLKCT_INT32;
         std::vector<void *> lines(count);
         for (std::int64_t y = 0; y < rect.height(); ++y) {
             for (std::size_t i = 0; i < count; ++i)
                 lines[i] = planes[i] + y * rect.width();
-            if (view.ReadLineBIL(PLKCT_INT32, lines.data()) != PLK_READ_SUCCESS)
+            if (view.ReadLineBIL(type, lines.data()) != PLK_READ_SUCCESS)
                 return view.GetLastError();
         }
         return {};

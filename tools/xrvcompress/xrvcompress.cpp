@@ -82,6 +82,9 @@ public:
         for (std::size_t i = 0; i < kXrvTexts; ++i)
             if (arguments.texts[i])
                 image.texts[i] = arguments.texts[i];
+        if (arguments.noData && image.isLastOpacity)
+            return {PLK_ERR_INVALID_ARGUMENT, "The image has an opacity band already; --nodata is for those without."};
+        image.noData = arguments.noData.value_or(image.noData);
         std::optional<std::string> &software = image.texts[std::size_t(XrvText::CompressionSoftware)];
         if (!arguments.texts[std::size_t(XrvText::CompressionSoftware)])
             software = std::string("xrvcompress ") + PLKGetLibraryVersion();

@@ -2,6 +2,7 @@
 
 #include "viewclipping.h"
 
+#include <QDGui/ilayercondition.h>
 #include <QDGui/ilayerstatistics.h>
 #include <QDGui/ilayervalues.h>
 #include <QDGui/irasterlayerhistogram.h>
@@ -35,7 +36,8 @@ class XRVJP2kRenderer;
 class Q_DECL_EXPORT XRVJP2kLayer : public Map::RasterLayer,
                                    public Map::IRasterLayerHistogram,
                                    public Map::ILayerStatistics,
-                                   public Map::ILayerValues
+                                   public Map::ILayerValues,
+                                   public Map::ILayerCondition
 {
     Q_OBJECT
     Q_PROPERTY(QString SizeOnDisk READ getSizeOnDisk)
@@ -196,6 +198,9 @@ public:
 
     std::unique_ptr<Map::LayerValueReader> makeValueReader() const override;
     QStringList getBandNames() const override;
+
+    Condition getCondition() const override;
+    void repair() override;
 
     /// The open view; null without one. Owned by the layer.
     PLK::CView *getFile() const;

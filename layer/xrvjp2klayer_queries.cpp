@@ -143,6 +143,21 @@ QStringList XRVJP2kLayer::getBandNames() const
     return getBandDescriptions();
 }
 
+Map::ILayerCondition::Condition XRVJP2kLayer::getCondition() const
+{
+    const PLK::CError error = renderer ? renderer->GetCondition() : PLK::CError();
+    switch (error.GetErrorNumber()) {
+    case 0:
+        return {};
+    case PLK_ERR_CONNECTION_LOST:
+        return {Fault::ConnectionLost, tr(error.GetErrorMessage())};
+    case PLK_ERR_FILE_CHANGED:
+        return {Fault::SourceChanged, tr(error.GetErrorMessage())};
+    default:
+        return {Fault::Damaged, tr(error.GetErrorMessage())};
+    }
+}
+
 PLKRPCData *XRVJP2kLayer::getRPCInfo() const
 {
     return renderer ? renderer->getRPCData() : nullptr;

@@ -113,6 +113,20 @@ void XRVJP2kLayer::reconnectWhenDue()
     lastReconnectTime = clock();
 }
 
+void XRVJP2kLayer::repair()
+{
+    const Fault fault = opening ? Fault::None : getCondition().fault;
+    if (fault == Fault::SourceChanged) {
+        setDataSource(viewName());
+    } else if (fault == Fault::ConnectionLost) {
+        renderer->Reconnect();
+        if (hasBackingRenderer())
+            backingRenderer->Reconnect();
+        lastReconnectTime = clock();
+        refreshWithUpdate();
+    }
+}
+
 bool XRVJP2kLayer::isRoaming() const
 {
     const PLK::CIOStream *stream = renderer->GetStream();

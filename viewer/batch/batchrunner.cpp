@@ -10,6 +10,7 @@
 #include "views/pictures.h"
 #include "window/mainwindow.h"
 
+#include <QDGui/ilayercondition.h>
 #include <QDGui/mapview.h>
 #include <QDGui/pluginregistry.h>
 
@@ -28,6 +29,8 @@ namespace {
 
 /// The status bar's fields follow the view by timers a little later.
 constexpr int kSettleMs = 150;
+
+constexpr int kFailed = 1, kDamaged = 3; // exit status; 2 is a wrong command line
 
 } // namespace
 
@@ -52,7 +55,7 @@ int BatchRunner::run()
         writePictures();
     out.flush();
     err.flush();
-    return hasFailed ? 1 : 0;
+    return hasFailed ? kFailed : isDamaged ? kDamaged : 0;
 }
 
 bool BatchRunner::wantsPictures() const
@@ -170,6 +173,21 @@ void BatchRunner::writePictures()
         write(wholeWindow, commandLine.windowFile);
     if (!commandLine.screenshotFile.isEmpty())
         writeScreenshot();
+    tellDamage();
+}
+
+/// What the pictures show in spite of it.
+void BatchRunner::tellDamage()
+{
+    const QList<Layer *> layers = view->getLayers();
+    for (const Layer *layer : layers) {
+        const auto *source = dynamic_cast<const Korvane::Map::ILayerCondition *>(layer);
+        if (!source || source->getCondition().fault != Korvane::Map::ILayerCondition::Fault::Damaged)
+            continue;
+        isDamaged = true;
+        tell(QStringLiteral("%1 is damaged and shown as well as can be: %2")
+                 .arg(Sources::shown(Sources::ofLayer(*layer)), source->getCondition().sentence));
+    }
 }
 
 void BatchRunner::writeScreenshot()
@@ -241,6 +259,11 @@ void BatchRunner::write(const QImage &image, const QString &fileName)
 void BatchRunner::fail(const QString &sentence)
 {
     hasFailed = true;
+    tell(sentence);
+}
+
+void BatchRunner::tell(const QString &sentence)
+{
     err << QCoreApplication::applicationName() << ": " << sentence.simplified() << '\n';
     err.flush();
 }

@@ -52,12 +52,14 @@ private:
     void describeFailure(const QString &source, const QString &error);
     bool tellFailures();
     void writePictures();
+    void tellDamage();
     void writeScreenshot();
     QImage windowPicture();
     void write(const QImage &image, const QString &fileName);
     void resizeWindow();
     void settle();
     void fail(const QString &sentence);
+    void tell(const QString &sentence);
 
     const CommandLine &commandLine;
     const Korvane::PluginRegistry &registry;
@@ -67,6 +69,7 @@ private:
     QTextStream &err;
     int timeoutMs = kDefaultTimeoutMs;
     bool hasFailed = false;
+    bool isDamaged = false;
     QRectF firstBounds; ///< Of the first layer that was opened; null until then.
     struct Opened
     {

@@ -26,7 +26,8 @@ void addOptions(QCommandLineParser *parser)
     parser->setApplicationDescription(QStringLiteral(
         "Shows very large wavelet-compressed images from files and image servers.\n"
         "Without --screenshot, --window and --describe the program opens its window and stays.\n"
-        "Exit status: 0 when all went well, 1 when a source or a picture failed, 2 for a wrong command line."));
+        "Exit status: 0 when all went well, 1 when a source or a picture failed, 2 for a wrong command line, "
+        "3 when a picture shows a damaged source as well as can be."));
     parser->addOptions({
         {kScreenshot,
          QStringLiteral("Open the sources, wait until every layer is complete, write the map as a picture, exit. "

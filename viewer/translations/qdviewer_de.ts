@@ -640,6 +640,37 @@
     </message>
 </context>
 <context>
+    <name>Viewer::MapNotices</name>
+    <message>
+        <source>%1 lies outside the view.</source>
+        <translation>%1 liegt außerhalb der Ansicht.</translation>
+    </message>
+    <message>
+        <source>Zoom to Layer</source>
+        <translation>Auf Ebene zoomen</translation>
+    </message>
+    <message>
+        <source>%1 is damaged and shown as well as can be: %2</source>
+        <translation>%1 ist beschädigt und wird so gut wie möglich gezeigt: %2</translation>
+    </message>
+    <message>
+        <source>The connection is lost: %1</source>
+        <translation>Die Verbindung ist verloren: %1</translation>
+    </message>
+    <message>
+        <source>Reconnect</source>
+        <translation>Neu verbinden</translation>
+    </message>
+    <message>
+        <source>Open Again</source>
+        <translation>Erneut öffnen</translation>
+    </message>
+    <message>
+        <source>Hide this message</source>
+        <translation>Diese Meldung ausblenden</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::Pictures</name>
     <message>
         <source>The picture %1 cannot be written: %2</source>

@@ -640,6 +640,37 @@
     </message>
 </context>
 <context>
+    <name>Viewer::MapNotices</name>
+    <message>
+        <source>%1 lies outside the view.</source>
+        <translation>%1 está fuera de la vista.</translation>
+    </message>
+    <message>
+        <source>Zoom to Layer</source>
+        <translation>Ajustar a la capa</translation>
+    </message>
+    <message>
+        <source>%1 is damaged and shown as well as can be: %2</source>
+        <translation>%1 está dañado y se muestra lo mejor posible: %2</translation>
+    </message>
+    <message>
+        <source>The connection is lost: %1</source>
+        <translation>Se perdió la conexión: %1</translation>
+    </message>
+    <message>
+        <source>Reconnect</source>
+        <translation>Reconectar</translation>
+    </message>
+    <message>
+        <source>Open Again</source>
+        <translation>Volver a abrir</translation>
+    </message>
+    <message>
+        <source>Hide this message</source>
+        <translation>Ocultar este mensaje</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::Pictures</name>
     <message>
         <source>The picture %1 cannot be written: %2</source>

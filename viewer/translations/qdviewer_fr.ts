@@ -640,6 +640,37 @@
     </message>
 </context>
 <context>
+    <name>Viewer::MapNotices</name>
+    <message>
+        <source>%1 lies outside the view.</source>
+        <translation>%1 se trouve hors de la vue.</translation>
+    </message>
+    <message>
+        <source>Zoom to Layer</source>
+        <translation>Zoomer sur la couche</translation>
+    </message>
+    <message>
+        <source>%1 is damaged and shown as well as can be: %2</source>
+        <translation>%1 est endommagé et affiché au mieux : %2</translation>
+    </message>
+    <message>
+        <source>The connection is lost: %1</source>
+        <translation>La connexion est perdue : %1</translation>
+    </message>
+    <message>
+        <source>Reconnect</source>
+        <translation>Reconnecter</translation>
+    </message>
+    <message>
+        <source>Open Again</source>
+        <translation>Rouvrir</translation>
+    </message>
+    <message>
+        <source>Hide this message</source>
+        <translation>Masquer ce message</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::Pictures</name>
     <message>
         <source>The picture %1 cannot be written: %2</source>

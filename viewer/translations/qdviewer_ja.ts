@@ -638,6 +638,37 @@
     </message>
 </context>
 <context>
+    <name>Viewer::MapNotices</name>
+    <message>
+        <source>%1 lies outside the view.</source>
+        <translation>%1 はビューの外にあります。</translation>
+    </message>
+    <message>
+        <source>Zoom to Layer</source>
+        <translation>レイヤーに合わせる</translation>
+    </message>
+    <message>
+        <source>%1 is damaged and shown as well as can be: %2</source>
+        <translation>%1 は破損しており、可能な範囲で表示しています: %2</translation>
+    </message>
+    <message>
+        <source>The connection is lost: %1</source>
+        <translation>接続が失われました: %1</translation>
+    </message>
+    <message>
+        <source>Reconnect</source>
+        <translation>再接続</translation>
+    </message>
+    <message>
+        <source>Open Again</source>
+        <translation>開き直す</translation>
+    </message>
+    <message>
+        <source>Hide this message</source>
+        <translation>このメッセージを隠す</translation>
+    </message>
+</context>
+<context>
     <name>Viewer::Pictures</name>
     <message>
         <source>The picture %1 cannot be written: %2</source>

@@ -20,6 +20,7 @@
 #include "sources/sources.h"
 #include "viewcommands.h"
 #include "views/maparea.h"
+#include "views/mapnotices.h"
 #include "views/viewstatus.h"
 #include "wheelguard.h"
 
@@ -83,6 +84,7 @@ MainWindow::MainWindow(const Korvane::PluginRegistry &registry)
     , identifyDock(new IdentifyDock(this))
     , logDock(new LogDock(this))
     , status(new ViewStatus(statusBar()))
+    , notices(new MapNotices(this))
     , pointerValues(new PointerValues(status->valuesField()))
     , propertiesWindow(new PropertiesWindow(*contributions, this))
 {
@@ -108,6 +110,7 @@ MainWindow::~MainWindow()
     contributions->activateLayer(nullptr);
     layerDock->setView(nullptr);
     status->setView(nullptr);
+    notices->setView(nullptr);
     pointerValues->setView(nullptr);
     identifyDock->setView(nullptr);
     delete takeCentralWidget();
@@ -199,6 +202,7 @@ void MainWindow::connectArea()
 {
     connect(area, &MapArea::currentViewChanged, layerDock, &LayerListDock::setView);
     connect(area, &MapArea::currentViewChanged, status, &ViewStatus::setView);
+    connect(area, &MapArea::currentViewChanged, notices, &MapNotices::setView);
     connect(area, &MapArea::currentViewChanged, pointerValues, &PointerValues::setView);
     connect(area, &MapArea::currentViewChanged, identifyDock, &IdentifyDock::setView);
     connect(new MapMenu(actions, area, this), &MapMenu::identifyRequested, identifyDock, &IdentifyDock::identify);
@@ -252,7 +256,7 @@ QString MainWindow::addLayer(const QString &source, QPointer<MapView> *view)
         *view = area->createView();
     if ((*view)->addLayer(result.layer.get(), -1) < 0)
         return tr("%1 cannot be shown.").arg(QDir::toNativeSeparators(Sources::shown(source)));
-    (void)result.layer.release(); // the view owns it
+    notices->watchPlace(result.layer.release()); // the view owns it
     recentSources->add(Sources::normalized(source));
     return QString();
 }

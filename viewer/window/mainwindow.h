@@ -20,6 +20,7 @@ class LayerListDock;
 class LogDock;
 class MainActions;
 class MapArea;
+class MapNotices;
 class PluginContributions;
 class PointerValues;
 class ProjectController;
@@ -87,6 +88,7 @@ private:
     IdentifyDock *identifyDock;
     LogDock *logDock;
     ViewStatus *status;
+    MapNotices *notices;
     PointerValues *pointerValues;
     PropertiesWindow *propertiesWindow;
 };

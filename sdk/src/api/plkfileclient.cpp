@@ -202,6 +202,16 @@ CError CFileClient::WaitForStatistics()
     return GetStatisticsState() == PLK_STATISTICS_EXACT ? CError() : used->statistics().count().wait();
 }
 
+CError CFileClient::GetCondition() const
+{
+    if (!file)
+        return {};
+    if (CError error = file->source().condition())
+        return error;
+    const std::string damage = file->faults()->cellDamage();
+    return damage.empty() ? CError() : CError(PLK_ERR_MALFORMED, damage);
+}
+
 CError CFileClient::GetRPCData(PLKRPCData **rpcData) const
 {
     if (!rpcData)

@@ -22,6 +22,22 @@ void FaultLog::damaged(const std::string &sentence)
     note(PLK_LOG_WARNING, sentence);
 }
 
+void FaultLog::cellsDamaged(const std::string &sentence)
+{
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (firstCellDamage.empty())
+            firstCellDamage = sentence;
+    }
+    damaged(sentence);
+}
+
+std::string FaultLog::cellDamage() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return firstCellDamage;
+}
+
 void FaultLog::failed(const PLK::CError &error)
 {
     if (error.IsSuccess() || error.GetErrorNumber() == PLK_ERR_CANCELLED)

@@ -19,6 +19,10 @@ public:
 
     /// Damage that the file is shown in spite of: a warning.
     void damaged(const std::string &sentence);
+    /// The same, of the cells: they are not all what they were meant to be.
+    void cellsDamaged(const std::string &sentence);
+    /// What was said first of damaged cells; empty as long as none were met.
+    std::string cellDamage() const;
     /// Something could not be done: an error, or worse when memory ran out. A cancelled operation is no fault.
     void failed(const PLK::CError &error);
 
@@ -27,8 +31,9 @@ private:
     bool isNewKind(int level, const std::string &sentence);
 
     const std::string name;
-    std::mutex mutex; ///< guards kinds
+    mutable std::mutex mutex; ///< guards the following
     std::set<std::string> kinds;
+    std::string firstCellDamage;
 };
 
 } // namespace xrv

@@ -156,7 +156,7 @@ CError BandRows::read(const IntRect &window, int level, std::vector<BandCounter>
     if (CError error = reader.read(requestFor(window, level), &result))
         return error;
     if (result.damaged && faults)
-        faults->damaged(result.damage);
+        faults->cellsDamaged(result.damage);
     std::unordered_map<int, const Plane *> planeOf;
     for (const Plane &plane : result.planes)
         planeOf[plane.component] = &plane;

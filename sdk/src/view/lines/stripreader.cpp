@@ -69,7 +69,7 @@ void StripReader::logRead(Clock::duration time) const
 {
     // The file's damage is met by every view of it; who logs it says it once.
     if (strip->cells.damaged && source.faults)
-        source.faults->damaged(strip->cells.damage);
+        source.faults->cellsDamaged(strip->cells.damage);
     if (!logEnabled(PLK_LOG_TRACE))
         return;
     const auto microseconds = std::chrono::duration_cast<std::chrono::microseconds>(time).count();

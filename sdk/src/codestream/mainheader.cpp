@@ -25,6 +25,12 @@ CError malformed(const std::string &what)
     return {PLK_ERR_MALFORMED, "The JPEG 2000 codestream is damaged: " + what + "."};
 }
 
+/// \a what: something of a marker segment with its value.
+CError unsupported(const std::string &what)
+{
+    return {PLK_ERR_UNSUPPORTED, "The codestream has " + what + ", which is not supported."};
+}
+
 bool isSegmentless(std::uint16_t marker)
 {
     return marker == Marker::kSOC || marker == Marker::kSOD || marker == Marker::kEOC ||
@@ -123,12 +129,10 @@ CError readStyleParameters(ByteCursor &in, bool hasPrecincts, ComponentStyle *st
         style->codeBlockWidthExponent + style->codeBlockHeightExponent > 12)
         return malformed("its code-blocks are larger than 4096 cells");
     if (transform > 1)
-        return {PLK_ERR_UNSUPPORTED, "The wavelet transformation " + std::to_string(transform) +
-                                         " in a coding style marker segment (COD, COC) is not known."};
+        return unsupported("wavelet transformation " + std::to_string(transform) + " (SPcod of COD or COC)");
     constexpr std::uint8_t kMixedBlocks = CodeBlockStyle::kHighThroughput | CodeBlockStyle::kMixed;
     if ((style->codeBlockStyle & kMixedBlocks) == CodeBlockStyle::kMixed)
-        return {PLK_ERR_UNSUPPORTED, "The code-block style " + std::to_string(style->codeBlockStyle) +
-                                         " in a coding style marker segment (COD, COC) is not known."};
+        return unsupported("code-block style " + std::to_string(style->codeBlockStyle) + " (SPcod of COD or COC)");
     style->isReversible = transform == 1;
     style->hasPrecincts = hasPrecincts;
     if (hasPrecincts) {
@@ -154,10 +158,13 @@ CError applyCod(const MarkerSegment &segment, TileStyle *style, const std::vecto
     style->scod = in.u8();
     style->progression = in.u8();
     style->layers = in.u16();
-    style->multipleComponentTransform = in.u8() & 1;
+    const std::uint8_t transform = in.u8();
+    style->multipleComponentTransform = transform & 1;
     ComponentStyle common;
     if (CError error = readStyleParameters(in, style->scod & 1, &common))
         return error;
+    if (transform > 1)
+        return unsupported("multiple component transformation " + std::to_string(transform) + " (SGcod of COD)");
     if (style->layers == 0)
         return malformed("it claims 0 quality layers");
     if (style->progression > 4)
@@ -235,6 +242,15 @@ CError applyMainSegment(MarkerSegment &segment, MainHeader *header, std::vector<
     case Marker::kCAP: // says nothing that the coding styles do not say of each code-block
     case Marker::kCPF:
         break;
+    case Marker::kDFS:
+    case Marker::kADS:
+    case Marker::kMCT:
+    case Marker::kMCC:
+    case Marker::kNLT:
+    case Marker::kMCO:
+    case Marker::kCBD:
+    case Marker::kATK:
+        return unsupported("marker segment " + std::to_string(segment.marker) + " of ISO/IEC 15444-2");
     default:
         return {}; // PLM, CRG and what is unknown: not needed to decode
     }

@@ -17,7 +17,10 @@ constexpr std::uint16_t kSOC = 0xFF4F, kCAP = 0xFF50, kSIZ = 0xFF51, kCOD = 0xFF
                         kPLM = 0xFF57, kPLT = 0xFF58, kCPF = 0xFF59, kQCD = 0xFF5C, kQCC = 0xFF5D, kRGN = 0xFF5E,
                         kPOC = 0xFF5F, kPPM = 0xFF60, kPPT = 0xFF61, kCRG = 0xFF63, kCOM = 0xFF64, kSOT = 0xFF90,
                         kSOP = 0xFF91, kEPH = 0xFF92, kSOD = 0xFF93, kEOC = 0xFFD9;
-}
+/// Those of ISO/IEC 15444-2 without which the cells would be others.
+constexpr std::uint16_t kDFS = 0xFF72, kADS = 0xFF73, kMCT = 0xFF74, kMCC = 0xFF75, kNLT = 0xFF76, kMCO = 0xFF77,
+                        kCBD = 0xFF78, kATK = 0xFF79;
+} // namespace Marker
 
 /// A marker segment as it stands in the codestream.
 struct MarkerSegment

@@ -125,6 +125,24 @@ void TestConformance::component()
     QVERIFY(result.planes.at(0).rect == rect);
     const Difference found = difference(result.planes[0], rect, expected.cells);
     QVERIFY2(found.largest <= tolerance.largest && found.meanSquare() <= tolerance.meanSquare, found.text());
+
+    // Windows of all levels, of all layers and of half of them, are parts of the whole.
+    reader->dropCached();
+    request.isKept = false;
+    for (int i = 0; i < 2 * reader->info().levels; ++i) {
+        request.level = i / 2;
+        request.qualityLayers = i % 2 ? (reader->info().qualityLayers + 1) / 2 : 0;
+        request.datasetRect = {0, 0, reader->info().width, reader->info().height};
+        ReadResult all, window;
+        QVERIFY(reader->read(request, &all).IsSuccess());
+        request.datasetRect = {request.datasetRect.x1 / 3, request.datasetRect.y1 / 5, request.datasetRect.x1 / 2 + 1,
+                               request.datasetRect.y1 / 2 + 1};
+        QVERIFY(reader->read(request, &window).IsSuccess());
+        const Plane &part = window.planes.at(0);
+        for (std::int64_t y = part.rect.y0; y < part.rect.y1; ++y)
+            for (std::int64_t x = part.rect.x0; x < part.rect.x1; ++x)
+                QCOMPARE(cellAt(part, x, y), cellAt(all.planes.at(0), x, y));
+    }
 }
 
 void TestConformance::componentAtEightBits()

@@ -98,11 +98,22 @@ void storeRow(const T *from, std::int64_t count, const MainHeader::Component &co
 
 CError TileSynthesis::check(const MainHeader &header, const TileToDecode &tile)
 {
-    const std::string name = "Tile " + std::to_string(tile.tile);
+    const auto unsupported = [&tile](const std::string &what) {
+        return CError(PLK_ERR_UNSUPPORTED,
+                      "Tile " + std::to_string(tile.tile) + " has " + what + ", which is not supported.");
+    };
     const std::uint64_t packets = tile.index->packets().count();
     if (packets > kMaxPackets)
-        return {PLK_ERR_UNSUPPORTED, name + " has more than " + std::to_string(kMaxPackets) +
-                                         " packets by its size, precincts and layers (SIZ, COD)."};
+        return unsupported("more than " + std::to_string(kMaxPackets) +
+                           " packets by its size, precincts and layers (SIZ, COD)");
+    for (const TileIndex::Quantization &quantization : tile.index->quantization()) {
+        const int style = quantization.parameters.empty() ? 0 : quantization.parameters[0] & 31;
+        if (style > 2)
+            return unsupported("quantization style " + std::to_string(style) + " (Sqcd of QCD or QCC)");
+        if (!quantization.regionOfInterest.empty() && quantization.regionOfInterest[0] != 0)
+            return unsupported("a region of interest of style " + std::to_string(quantization.regionOfInterest[0]) +
+                               " (Srgn of RGN)");
+    }
     // The component transformation is made cell by cell, so its components have to be alike (G.2, G.3).
     const TileStyle &style = tile.index->style();
     if (!style.multipleComponentTransform || style.components.size() < 3)
@@ -111,9 +122,8 @@ CError TileSynthesis::check(const MainHeader &header, const TileToDecode &tile)
         if (style.components[c].isReversible != style.components[0].isReversible ||
             header.components[c].stepX != header.components[0].stepX ||
             header.components[c].stepY != header.components[0].stepY)
-            return {PLK_ERR_UNSUPPORTED, name + " has a component transformation (SGcod of COD is 1), but component " +
-                                             std::to_string(c) +
-                                             " has another sampling or wavelet than component 0 (SIZ, COC)."};
+            return unsupported("a component transformation (SGcod of COD is 1) of components 0 and " +
+                               std::to_string(c) + " with different sampling or wavelets (SIZ, COC)");
     return {};
 }
 

@@ -29,7 +29,7 @@ using Korvane::Map::ValueQuestion;
 
 namespace {
 
-constexpr int kCoordinateDigits = 12;
+constexpr int kCoordinateDigits = 10; // a millimetre in most systems
 
 QTreeWidgetItem *addRow(QTreeWidgetItem *parent, const QString &name, const QString &value)
 {

@@ -58,6 +58,8 @@ const QString kFolderKey = QStringLiteral("Viewer/Folder");
 
 /// In average characters: wide enough for a layer's name and for a panel's controls.
 constexpr int kDockWidth = 44;
+/// The same, for a name and a number.
+constexpr int kListWidth = 30;
 
 constexpr int kOpenLaterMs = 100;
 
@@ -133,7 +135,7 @@ void MainWindow::placeDocks()
     }
     resizeDocks({layerDock}, {fontMetrics().averageCharWidth() * kDockWidth}, Qt::Horizontal);
     addDockWidget(Qt::RightDockWidgetArea, identifyDock);
-    resizeDocks({identifyDock}, {fontMetrics().averageCharWidth() * kDockWidth}, Qt::Horizontal);
+    resizeDocks({identifyDock}, {fontMetrics().averageCharWidth() * kListWidth}, Qt::Horizontal);
     identifyDock->hide();
     addDockWidget(Qt::BottomDockWidgetArea, logDock);
     logDock->hide();

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void propertiesWindowIsRemembered();
     void switchesArrangement();
     void wheelLeavesValuesAlone();
+    void keyboardLeavesTheMap();
     void asksForEdits();
 
 private:
@@ -270,6 +271,23 @@ void TestMainWindow::wheelLeavesValuesAlone()
     QTRY_VERIFY(box->hasFocus());
     turn();
     QCOMPARE(box->value(), 49);
+}
+
+void TestMainWindow::keyboardLeavesTheMap()
+{
+    QCOMPARE(window->addSources({test.quad(QStringLiteral("keys.quad"))}, nullptr), QStringList());
+    MapView *view = window->mapArea()->currentView();
+    window->activateWindow();
+    view->setFocus();
+    QTRY_VERIFY(view->hasFocus());
+    QTest::keyClick(view, Qt::Key_Tab);
+    QWidget *next = QApplication::focusWidget();
+    QVERIFY(next && next != view && !view->isAncestorOf(next));
+    window->mainActions()->previousPanel->trigger();
+    QVERIFY(view->hasFocus());
+    for (int panel = 0; panel < 20 && (panel == 0 || !view->hasFocus()); ++panel)
+        window->mainActions()->nextPanel->trigger();
+    QVERIFY(view->hasFocus()); // once around
 }
 
 /// Images that were merely opened are given up without a question, settings are not.

@@ -65,6 +65,7 @@ LogDock::LogDock(QWidget *parent)
     , table(new QTreeView)
     , levels(new QComboBox)
 {
+    toggleViewAction()->setShortcut(QStringLiteral("Ctrl+Shift+L"));
     setObjectName(QStringLiteral("LogDock"));
     makeTable();
     fillLevels();

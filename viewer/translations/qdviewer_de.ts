@@ -581,6 +581,22 @@
         <source>Fill the screen with the window</source>
         <translation>Den Bildschirm mit dem Fenster füllen</translation>
     </message>
+    <message>
+        <source>Next &amp;Panel</source>
+        <translation>Nächster &amp;Bereich</translation>
+    </message>
+    <message>
+        <source>Give the keyboard to the next panel</source>
+        <translation>Die Tastatur dem nächsten Bereich geben</translation>
+    </message>
+    <message>
+        <source>Pre&amp;vious Panel</source>
+        <translation>&amp;Voriger Bereich</translation>
+    </message>
+    <message>
+        <source>Give the keyboard to the panel before</source>
+        <translation>Die Tastatur dem vorigen Bereich geben</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>

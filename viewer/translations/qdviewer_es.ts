@@ -581,6 +581,22 @@
         <source>Fill the screen with the window</source>
         <translation>Llenar la pantalla con la ventana</translation>
     </message>
+    <message>
+        <source>Next &amp;Panel</source>
+        <translation>Panel si&amp;guiente</translation>
+    </message>
+    <message>
+        <source>Give the keyboard to the next panel</source>
+        <translation>Dar el teclado al panel siguiente</translation>
+    </message>
+    <message>
+        <source>Pre&amp;vious Panel</source>
+        <translation>Pan&amp;el anterior</translation>
+    </message>
+    <message>
+        <source>Give the keyboard to the panel before</source>
+        <translation>Dar el teclado al panel anterior</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>

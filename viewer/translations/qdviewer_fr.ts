@@ -581,6 +581,22 @@
         <source>Fill the screen with the window</source>
         <translation>Remplir l’écran avec la fenêtre</translation>
     </message>
+    <message>
+        <source>Next &amp;Panel</source>
+        <translation>&amp;Panneau suivant</translation>
+    </message>
+    <message>
+        <source>Give the keyboard to the next panel</source>
+        <translation>Donner le clavier au panneau suivant</translation>
+    </message>
+    <message>
+        <source>Pre&amp;vious Panel</source>
+        <translation>Panneau précé&amp;dent</translation>
+    </message>
+    <message>
+        <source>Give the keyboard to the panel before</source>
+        <translation>Donner le clavier au panneau précédent</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>

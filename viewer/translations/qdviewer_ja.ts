@@ -579,6 +579,22 @@
         <source>Fill the screen with the window</source>
         <translation>ウィンドウを画面いっぱいに広げます</translation>
     </message>
+    <message>
+        <source>Next &amp;Panel</source>
+        <translation>次のパネル(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Give the keyboard to the next panel</source>
+        <translation>次のパネルにキーボードを移します</translation>
+    </message>
+    <message>
+        <source>Pre&amp;vious Panel</source>
+        <translation>前のパネル(&amp;V)</translation>
+    </message>
+    <message>
+        <source>Give the keyboard to the panel before</source>
+        <translation>前のパネルにキーボードを移します</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>

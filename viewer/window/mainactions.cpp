@@ -94,6 +94,10 @@ void MainActions::makeViewActions()
     fullScreen = make(tr("&Full Screen"), tr("Fill the screen with the window"));
     fullScreen->setShortcut(QKeySequence::FullScreen);
     fullScreen->setCheckable(true);
+    nextPanel = make(tr("Next &Panel"), tr("Give the keyboard to the next panel"));
+    nextPanel->setShortcut(QStringLiteral("F6"));
+    previousPanel = make(tr("Pre&vious Panel"), tr("Give the keyboard to the panel before"));
+    previousPanel->setShortcut(QStringLiteral("Shift+F6"));
     layerProperties = make(Shape::Properties, tr("Layer &Properties..."), tr("What is known of the selected layer"));
     layerProperties->setShortcut(QStringLiteral("Alt+Return"));
 }
@@ -121,6 +125,8 @@ void MainActions::makeMenus()
 
     QMenu *windowMenu = window->menuBar()->addMenu(tr("&Window"));
     windowMenu->addActions({newView, renameView, closeView, nextView});
+    windowMenu->addSeparator();
+    windowMenu->addActions({nextPanel, previousPanel});
     windowMenu->addSeparator();
     windowMenu->addActions({tabs, cascade, tile});
 

@@ -42,6 +42,8 @@ public:
     QAction *zoomToNative = nullptr;
     QAction *layerProperties = nullptr;
     QAction *fullScreen = nullptr;
+    QAction *nextPanel = nullptr;
+    QAction *previousPanel = nullptr;
     QAction *tabs = nullptr;
     QAction *cascade = nullptr;
     QAction *tile = nullptr;

@@ -9,6 +9,7 @@
 #include "log/logdock.h"
 #include "mainactions.h"
 #include "mapmenu.h"
+#include "panelcycle.h"
 #include "plugins/plugincontributions.h"
 #include "plugins/preferencesdialog.h"
 #include "plugins/propertieswindow.h"
@@ -196,6 +197,9 @@ void MainWindow::connectWindowActions()
         if (QMdiSubWindow *window = area->currentSubWindow())
             window->close();
     });
+    auto *panels = new PanelCycle(this, area);
+    connect(actions->nextPanel, &QAction::triggered, panels, [panels] { panels->move(true); });
+    connect(actions->previousPanel, &QAction::triggered, panels, [panels] { panels->move(false); });
     connect(actions->about, &QAction::triggered, this, &MainWindow::showAbout);
     connect(actions->aboutToolkit, &QAction::triggered, qApp, &QApplication::aboutQt);
 }

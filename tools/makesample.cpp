@@ -16,13 +16,18 @@ namespace {
 
 int run(int argc, char *argv[])
 {
+    constexpr const char *kUsage = "usage: makesample FILE [WIDTHxHEIGHT] [--sensor]\n";
+    if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)) {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
     const bool isSensor = argc > 2 && std::strcmp(argv[argc - 1], "--sensor") == 0;
     const int count = isSensor ? argc - 1 : argc;
     int width = 2048, height = 1536;
     const bool sizeIsGood = count < 3 || (std::sscanf(argv[2], "%dx%d", &width, &height) == 2 && width >= 64 &&
                                           height >= 64 && width <= 16384 && height <= 16384);
-    if (count < 2 || count > 3 || !sizeIsGood) {
-        std::fputs("usage: makesample FILE [WIDTHxHEIGHT] [--sensor]\n", stderr);
+    if (count < 2 || count > 3 || !sizeIsGood || argv[1][0] == '-') {
+        std::fputs(kUsage, stderr);
         return 2;
     }
     TerrainSource source(width, height, isSensor ? Bands::Sensor : Bands::Colours);

@@ -25,10 +25,31 @@ std::string quoted(const std::string &text)
     return result + '"';
 }
 
-/// The shortest of the usual lengths that reads back as the same number.
+/// "cell type" as scripts have it: cellType.
+std::string keyOf(const std::string &name)
+{
+    std::string key;
+    bool isNewWord = false;
+    for (const char c : name) {
+        if (c == ' ' || c == '-') {
+            isNewWord = true;
+            continue;
+        }
+        key += isNewWord && c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        isNewWord = false;
+    }
+    return key;
+}
+
+/// The shortest of the usual lengths that reads back as the same number; whole numbers, coordinates among them, in
+/// full.
 std::string numberText(double value)
 {
     char text[40];
+    if (value == std::trunc(value) && std::abs(value) < 1e15) {
+        std::snprintf(text, sizeof text, "%.0f", value);
+        return text;
+    }
     for (const int digits : {6, 9, 12, 15, 17}) {
         std::snprintf(text, sizeof text, "%.*g", digits, value);
         double back = 0.0;
@@ -75,7 +96,7 @@ void Node::appendJson(int indent, std::string *out) const
     for (std::size_t i = 0; i < children.size(); ++i) {
         *out += (i > 0 ? gap.empty() ? ", " : "," : "") + gap;
         if (isObject)
-            *out += quoted(children[i].first) + ": ";
+            *out += quoted(keyOf(children[i].first)) + ": ";
         children[i].second.appendJson(indent + 2, out);
     }
     if (!gap.empty())

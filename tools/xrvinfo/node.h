@@ -49,6 +49,7 @@ public:
     /// To a list.
     void add(Node value) { children.emplace_back(std::string(), std::move(value)); }
 
+    /// With the names in one word each: "cell type" is cellType.
     std::string json() const;
     /// Lines for a person, "name: value", indented.
     std::string lines(int indent = 0) const;

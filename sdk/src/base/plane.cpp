@@ -24,9 +24,7 @@ SampleType sampleTypeFor(int bits, bool isSigned)
         return isSigned ? SampleType::Int8 : SampleType::UInt8;
     if (bits <= 16)
         return isSigned ? SampleType::Int16 : SampleType::UInt16;
-    if (bits <= (isSigned ? 32 : 31))
-        return SampleType::Int32;
-    return bits == 32 ? SampleType::UInt32 : SampleType::Int64;
+    return bits <= 31 || isSigned ? SampleType::Int32 : SampleType::UInt32;
 }
 
 } // namespace xrv

@@ -11,7 +11,9 @@ namespace xrv {
 /// How cells of a plane are stored.
 enum class SampleType : std::uint8_t { UInt8, Int8, UInt16, Int16, Int32, UInt32, Int64, Float };
 std::size_t sampleSize(SampleType type);
-/// The type for components of \a bits, 1 to 38.
+/// Of samples that have more bits, planes hold the highest of them.
+constexpr int kMaxSampleBits = 32;
+/// The type for components of \a bits, 1 to kMaxSampleBits.
 SampleType sampleTypeFor(int bits, bool isSigned);
 
 /// Cells of one component, or coefficients of one code-block.

@@ -18,8 +18,9 @@ void describeComponents(const MainHeader &header, RasterInfo *raster)
     raster->isLossless = true;
     for (std::size_t c = 0; c < header.components.size(); ++c) {
         const MainHeader::Component &component = header.components[c];
-        raster->components.push_back({component.bits, component.isSigned, component.stepX, component.stepY,
-                                      sampleTypeFor(component.bits, component.isSigned)});
+        const auto bits = std::min<std::uint8_t>(component.bits, kMaxSampleBits);
+        raster->components.push_back(
+            {bits, component.isSigned, component.stepX, component.stepY, sampleTypeFor(bits, component.isSigned)});
         raster->minStepX = std::min<std::uint32_t>(raster->minStepX, component.stepX);
         raster->minStepY = std::min<std::uint32_t>(raster->minStepY, component.stepY);
         raster->isLossless &= header.style.components[c].isReversible;

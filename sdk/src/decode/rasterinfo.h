@@ -12,7 +12,7 @@ struct MainHeader;
 /// A component of the codestream.
 struct ComponentInfo
 {
-    std::uint8_t bits = 8;
+    std::uint8_t bits = 8; ///< at most kMaxSampleBits
     bool isSigned = false;
     std::uint32_t stepX = 1, stepY = 1; ///< XRsiz, YRsiz
     SampleType sampleType = SampleType::UInt8;

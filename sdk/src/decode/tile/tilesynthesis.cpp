@@ -80,16 +80,17 @@ void storeRow(const T *from, std::int64_t count, const MainHeader::Component &co
 {
     using Integer = std::conditional_t<sizeof(T) == 4, std::int32_t, std::int64_t>;
     const SampleRange<Integer> range = rangeOf<Integer>(component);
+    const int dropped = sizeof(T) == 4 ? 0 : std::max(0, component.bits - kMaxSampleBits);
     if constexpr (std::is_integral_v<T>) {
         const T lowest = range.low - range.shift, highest = range.high - range.shift;
         for (std::int64_t i = 0; i < count; ++i)
-            to[i] = static_cast<Sample>(std::min(std::max(from[i], lowest), highest) + range.shift);
+            to[i] = static_cast<Sample>((std::min(std::max(from[i], lowest), highest) + range.shift) >> dropped);
     } else {
         const T offset = static_cast<T>(range.shift - range.low) + T(0.5);
         const auto highest = static_cast<T>(range.high - range.low);
         for (std::int64_t i = 0; i < count; ++i) {
             const T value = std::min(highest + T(0.25), std::max(T(0), from[i] + offset));
-            to[i] = static_cast<Sample>(static_cast<Integer>(value) + range.low);
+            to[i] = static_cast<Sample>((static_cast<Integer>(value) + range.low) >> dropped);
         }
     }
 }
@@ -199,7 +200,7 @@ void TileSynthesis::synthesizeComponent(const CodeBlockSet &codeBlocks, int comp
 template <typename T> Plane TileSynthesis::toPlane(int component, const IntRect &rect, const Grid<T> &cells) const
 {
     const MainHeader::Component &info = header.components[component];
-    Plane plane = makePlane(component, rect, sampleTypeFor(info.bits, info.isSigned));
+    Plane plane = makePlane(component, rect, sampleTypeFor(std::min<int>(info.bits, kMaxSampleBits), info.isSigned));
     withSampleType(plane.type, [&](auto sample) {
         using Sample = decltype(sample);
         auto *to = reinterpret_cast<Sample *>(plane.bytes.data());

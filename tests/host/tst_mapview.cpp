@@ -73,6 +73,7 @@ private Q_SLOTS:
     void followsTheSize();
     void dragPansByWholePixels();
     void wheelZoomsAtThePointer();
+    void shiftDragShowsABox();
     void clickWithoutMovingChangesNothing();
     void zoomStopsWhereNumbersEnd();
     void repaintsOnlyWhatChanged();
@@ -198,6 +199,21 @@ void TestMapView::wheelZoomsAtThePointer()
     QTRY_COMPARE(shown.layer->calls.join(QLatin1Char(' ')), QStringLiteral("zoom setView end setView"));
     sendWheel(shown.view, pointer, -240);
     QVERIFY(std::abs(shown.view.getUnitsPerPixel() - 0.5) < 1e-12);
+}
+
+void TestMapView::shiftDragShowsABox()
+{
+    ShownView shown;
+    const QPointF topLeft = shown.view.widgetToWorld(QPointF(60, 40));
+    const QPointF bottomRight = shown.view.widgetToWorld(QPointF(160, 140));
+    QTest::mousePress(&shown.view, Qt::LeftButton, Qt::ShiftModifier, QPoint(160, 140)); // in any direction
+    QMouseEvent move(QEvent::MouseMove, QPointF(60, 40), Qt::NoButton, Qt::LeftButton, Qt::ShiftModifier);
+    QApplication::sendEvent(&shown.view, &move);
+    QTest::mouseRelease(&shown.view, Qt::LeftButton, Qt::ShiftModifier, QPoint(60, 40));
+    QVERIFY(isNear(shown.view.getCenter(), (topLeft + bottomRight) / 2, 1.0));
+    const QRectF seen = shown.view.getVisibleWorldRect().normalized();
+    QVERIFY(seen.contains(topLeft) && seen.contains(bottomRight));
+    QVERIFY(std::min(seen.width(), seen.height()) < 1.1 * (bottomRight.x() - topLeft.x()));
 }
 
 void TestMapView::clickWithoutMovingChangesNothing()

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void propertiesWindowIsRemembered();
     void switchesArrangement();
     void wheelLeavesValuesAlone();
+    void goesBackAndForward();
     void keyboardLeavesTheMap();
     void asksForEdits();
 
@@ -271,6 +272,28 @@ void TestMainWindow::wheelLeavesValuesAlone()
     QTRY_VERIFY(box->hasFocus());
     turn();
     QCOMPARE(box->value(), 49);
+}
+
+void TestMainWindow::goesBackAndForward()
+{
+    const Viewer::MainActions &actions = *window->mainActions();
+    QCOMPARE(window->addSources({test.quad(QStringLiteral("back.quad"))}, nullptr), QStringList());
+    MapView *view = window->mapArea()->currentView();
+    QTest::qWait(800); // a place is one where somebody has looked
+    QVERIFY(!actions.back->isEnabled());
+    const QPointF first = view->getCenter();
+    view->setCenter(first + QPointF(10, 0));
+    QTRY_VERIFY(actions.back->isEnabled());
+    view->setCenter(first + QPointF(20, 0));
+    actions.back->trigger();
+    QCOMPARE(view->getCenter(), first + QPointF(10, 0));
+    actions.back->trigger();
+    QCOMPARE(view->getCenter(), first);
+    QVERIFY(!actions.back->isEnabled() && actions.forward->isEnabled());
+    actions.forward->trigger();
+    QCOMPARE(view->getCenter(), first + QPointF(10, 0));
+    view->setCenter(first);
+    QTRY_VERIFY(!actions.forward->isEnabled());
 }
 
 void TestMainWindow::keyboardLeavesTheMap()

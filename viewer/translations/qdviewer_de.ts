@@ -597,6 +597,22 @@
         <source>Give the keyboard to the panel before</source>
         <translation>Die Tastatur dem vorigen Bereich geben</translation>
     </message>
+    <message>
+        <source>&amp;Back</source>
+        <translation>&amp;Zurück</translation>
+    </message>
+    <message>
+        <source>Show what the view showed before</source>
+        <translation>Zeigen, was die Ansicht vorher zeigte</translation>
+    </message>
+    <message>
+        <source>Fo&amp;rward</source>
+        <translation>Vo&amp;rwärts</translation>
+    </message>
+    <message>
+        <source>Show what the view showed before going back</source>
+        <translation>Zeigen, was die Ansicht vor dem Zurückgehen zeigte</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>

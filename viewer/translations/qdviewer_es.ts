@@ -597,6 +597,22 @@
         <source>Give the keyboard to the panel before</source>
         <translation>Dar el teclado al panel anterior</translation>
     </message>
+    <message>
+        <source>&amp;Back</source>
+        <translation>Atrá&amp;s</translation>
+    </message>
+    <message>
+        <source>Show what the view showed before</source>
+        <translation>Mostrar lo que la vista mostraba antes</translation>
+    </message>
+    <message>
+        <source>Fo&amp;rward</source>
+        <translation>A&amp;delante</translation>
+    </message>
+    <message>
+        <source>Show what the view showed before going back</source>
+        <translation>Mostrar lo que la vista mostraba antes de volver</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>

@@ -597,6 +597,22 @@
         <source>Give the keyboard to the panel before</source>
         <translation>Donner le clavier au panneau précédent</translation>
     </message>
+    <message>
+        <source>&amp;Back</source>
+        <translation>Reto&amp;ur</translation>
+    </message>
+    <message>
+        <source>Show what the view showed before</source>
+        <translation>Montrer ce que la vue montrait avant</translation>
+    </message>
+    <message>
+        <source>Fo&amp;rward</source>
+        <translation>A&amp;vancer</translation>
+    </message>
+    <message>
+        <source>Show what the view showed before going back</source>
+        <translation>Montrer ce que la vue montrait avant de revenir</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>

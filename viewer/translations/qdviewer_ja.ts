@@ -595,6 +595,22 @@
         <source>Give the keyboard to the panel before</source>
         <translation>前のパネルにキーボードを移します</translation>
     </message>
+    <message>
+        <source>&amp;Back</source>
+        <translation>戻る(&amp;B)</translation>
+    </message>
+    <message>
+        <source>Show what the view showed before</source>
+        <translation>ビューが前に表示していた場所を表示します</translation>
+    </message>
+    <message>
+        <source>Fo&amp;rward</source>
+        <translation>進む(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Show what the view showed before going back</source>
+        <translation>戻る前にビューが表示していた場所を表示します</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>

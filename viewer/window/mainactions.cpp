@@ -91,6 +91,12 @@ void MainActions::makeViewActions()
     zoomToLayer->setShortcut(QStringLiteral("Ctrl+L"));
     zoomToNative = make(Shape::ZoomNative, tr("Zoom to &1:1"), tr("Show one cell of the selected layer per pixel"));
     zoomToNative->setShortcut(QStringLiteral("Ctrl+1"));
+    back = make(tr("&Back"), tr("Show what the view showed before"));
+    back->setShortcut(QStringLiteral("Alt+Left"));
+    forward = make(tr("Fo&rward"), tr("Show what the view showed before going back"));
+    forward->setShortcut(QStringLiteral("Alt+Right"));
+    for (QAction *action : {back, forward})
+        action->setEnabled(false);
     fullScreen = make(tr("&Full Screen"), tr("Fill the screen with the window"));
     fullScreen->setShortcut(QKeySequence::FullScreen);
     fullScreen->setCheckable(true);
@@ -118,7 +124,7 @@ void MainActions::makeMenus()
 {
     makeFileMenu();
     viewMenu = window->menuBar()->addMenu(tr("&View"));
-    viewMenu->addActions({zoomIn, zoomOut, zoomToAll, zoomToLayer, zoomToNative});
+    viewMenu->addActions({zoomIn, zoomOut, zoomToAll, zoomToLayer, zoomToNative, back, forward});
     viewMenu->addSeparator();
     viewMenu->addActions({layerProperties, fullScreen});
     viewMenu->addSeparator();

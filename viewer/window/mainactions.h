@@ -40,6 +40,8 @@ public:
     QAction *zoomToAll = nullptr;
     QAction *zoomToLayer = nullptr;
     QAction *zoomToNative = nullptr;
+    QAction *back = nullptr;
+    QAction *forward = nullptr;
     QAction *layerProperties = nullptr;
     QAction *fullScreen = nullptr;
     QAction *nextPanel = nullptr;

@@ -22,6 +22,7 @@
 #include "viewcommands.h"
 #include "views/maparea.h"
 #include "views/mapnotices.h"
+#include "views/viewhistory.h"
 #include "views/viewstatus.h"
 #include "wheelguard.h"
 
@@ -88,6 +89,7 @@ MainWindow::MainWindow(const Korvane::PluginRegistry &registry)
     , logDock(new LogDock(this))
     , status(new ViewStatus(statusBar()))
     , notices(new MapNotices(this))
+    , history(new ViewHistory(this))
     , pointerValues(new PointerValues(status->valuesField()))
     , propertiesWindow(new PropertiesWindow(*contributions, this))
 {
@@ -114,6 +116,7 @@ MainWindow::~MainWindow()
     layerDock->setView(nullptr);
     status->setView(nullptr);
     notices->setView(nullptr);
+    history->setView(nullptr);
     pointerValues->setView(nullptr);
     identifyDock->setView(nullptr);
     delete takeCentralWidget();
@@ -176,6 +179,12 @@ void MainWindow::connectFileActions()
 void MainWindow::connectViewActions()
 {
     new ViewCommands(actions, area, this);
+    connect(actions->back, &QAction::triggered, history, [this] { history->go(-1); });
+    connect(actions->forward, &QAction::triggered, history, [this] { history->go(1); });
+    connect(history, &ViewHistory::changed, this, [this] {
+        actions->back->setEnabled(history->canGo(-1));
+        actions->forward->setEnabled(history->canGo(1));
+    });
     connect(actions->layerProperties, &QAction::triggered, this, [this] {
         if (const MapView *view = area->currentView())
             showProperties(view->getActiveLayer());
@@ -209,6 +218,7 @@ void MainWindow::connectArea()
     connect(area, &MapArea::currentViewChanged, layerDock, &LayerListDock::setView);
     connect(area, &MapArea::currentViewChanged, status, &ViewStatus::setView);
     connect(area, &MapArea::currentViewChanged, notices, &MapNotices::setView);
+    connect(area, &MapArea::currentViewChanged, history, &ViewHistory::setView);
     connect(area, &MapArea::currentViewChanged, pointerValues, &PointerValues::setView);
     connect(area, &MapArea::currentViewChanged, identifyDock, &IdentifyDock::setView);
     connect(new MapMenu(actions, area, this), &MapMenu::identifyRequested, identifyDock, &IdentifyDock::identify);

@@ -27,6 +27,7 @@ class ProjectController;
 class ProjectDialogs;
 class PropertiesWindow;
 class RecentSources;
+class ViewHistory;
 class ViewStatus;
 
 /// The viewer's window: brings the map views, docks, menus and the plug-ins' pieces together.
@@ -89,6 +90,7 @@ private:
     LogDock *logDock;
     ViewStatus *status;
     MapNotices *notices;
+    ViewHistory *history;
     PointerValues *pointerValues;
     PropertiesWindow *propertiesWindow;
 };

@@ -2,6 +2,7 @@
 
 #include <QDGui/layer.h>
 
+#include <QApplication>
 #include <QPainter>
 #include <QPointer>
 
@@ -272,6 +273,26 @@ void MapView::Private::tellPointer() const
 {
     if (pointer && hasExtent)
         Q_EMIT view->cursorMoved(view->widgetToWorld(*pointer));
+}
+
+void MapView::Private::beginZoomBox()
+{
+    if (!zoomBox)
+        zoomBox = new QRubberBand(QRubberBand::Rectangle, view);
+    zoomBox->setGeometry(QRect(pressPoint.toPoint(), QSize()));
+    zoomBox->show();
+}
+
+void MapView::Private::endZoomBox()
+{
+    const QRect box = zoomBox->geometry();
+    zoomBox->deleteLater();
+    zoomBox = nullptr;
+    if (std::min(box.width(), box.height()) < QApplication::startDragDistance())
+        return;
+    const QPointF topLeft = view->widgetToWorld(box.topLeft());
+    const QPointF bottomRight = view->widgetToWorld(box.bottomRight() + QPoint(1, 1));
+    view->setVisibleWorldRect(QRectF(topLeft, bottomRight));
 }
 
 void MapView::Private::dragTo(const QPointF &widgetPoint)

@@ -6,6 +6,7 @@
 #include "mapgeometry.h"
 
 #include <QColor>
+#include <QRubberBand>
 #include <QTimer>
 
 #include <optional>
@@ -52,6 +53,9 @@ public:
     void endInteraction();
     void dragTo(const QPointF &widgetPoint);
     void tellPointer() const;
+    void beginZoomBox();
+    /// Shows what the box holds.
+    void endZoomBox();
 
     MapView *view;
     Pictures pictures; ///< From the lowest to the topmost.
@@ -70,7 +74,8 @@ public:
     /// Where the button went down or the last whole-pixel pan ended, while it is held.
     std::optional<QPointF> dragPoint;
     std::optional<QPointF> pointer; // in the widget, while it is over it
-    QPointF pressPoint; // where the last drag or click began
+    QRubberBand *zoomBox = nullptr; // while one is drawn
+    QPointF pressPoint;             // where the last drag or click began
     QTimer wheelTimer;
     QTimer progressTimer;
     int lastPercent = 100;

@@ -10,6 +10,7 @@
 #include <QWheelEvent>
 
 #include <cmath>
+#include <utility>
 
 namespace Korvane::Map {
 
@@ -27,6 +28,7 @@ bool MapView::event(QEvent *event)
     // A button that is let go after this is never heard of.
     if (event->type() == QEvent::Hide) {
         d->dragPoint.reset();
+        delete std::exchange(d->zoomBox, nullptr);
         d->endInteraction();
     }
     return QWidget::event(event);
@@ -61,8 +63,10 @@ void MapView::showEvent(QShowEvent *event)
 void MapView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton || event->button() == Qt::MiddleButton) {
-        d->dragPoint = event->localPos();
         d->pressPoint = event->localPos();
+        if (event->modifiers() & Qt::ShiftModifier && d->hasExtent)
+            return d->beginZoomBox();
+        d->dragPoint = event->localPos();
         setCursor(Qt::ClosedHandCursor);
     }
 }
@@ -70,6 +74,8 @@ void MapView::mousePressEvent(QMouseEvent *event)
 void MapView::mouseMoveEvent(QMouseEvent *event)
 {
     d->pointer = event->localPos();
+    if (d->zoomBox)
+        d->zoomBox->setGeometry(QRect(d->pressPoint.toPoint(), event->pos()).normalized());
     if (d->dragPoint && d->hasExtent)
         d->dragTo(event->localPos());
     d->tellPointer();
@@ -79,6 +85,8 @@ void MapView::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->buttons() & (Qt::LeftButton | Qt::MiddleButton))
         return;
+    if (d->zoomBox)
+        return d->endZoomBox();
     d->dragPoint.reset();
     d->endInteraction();
     unsetCursor();

@@ -49,3 +49,16 @@ install_library(host QDGui)
 install_room(plugin lib/qdviewer/plugins ../.. XRVJP2kLayer)
 install_room(viewer bin ../lib qdviewer)
 install_room(tools bin ../lib xrvcompress xrvinfo)
+
+# Linux desktops find the viewer by these.
+if(UNIX AND NOT APPLE)
+    install(FILES viewer/desktop/qdviewer.desktop DESTINATION share/applications COMPONENT viewer)
+    install(FILES viewer/desktop/qdviewer.xml DESTINATION share/mime/packages COMPONENT viewer)
+    install(FILES viewer/desktop/qdviewer.thumbnailer DESTINATION share/thumbnailers COMPONENT viewer)
+    install(FILES viewer/desktop/qdviewer.bash DESTINATION share/bash-completion/completions RENAME qdviewer
+            COMPONENT viewer)
+    install(FILES resources/svg/logo.svg DESTINATION share/icons/hicolor/scalable/apps RENAME qdviewer.svg
+            COMPONENT viewer)
+    add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} -P "${PROJECT_SOURCE_DIR}/cmake/Uninstall.cmake"
+                      WORKING_DIRECTORY "${PROJECT_BINARY_DIR}" VERBATIM)
+endif()

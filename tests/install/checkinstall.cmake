@@ -27,6 +27,19 @@ run("${SAMPLE_MAKER}" "${sample}" 640x480)
 unset(ENV{QDVIEWER_PLUGIN_PATH})
 expect("XRVJP2kLayer" "${moved}/bin/qdviewer" --settings "${moved}/settings.ini" --describe "${sample}")
 
+# What a desktop starts is what was installed, with the icon that was.
+file(GLOB entries "${moved}/share/applications/*.desktop" "${moved}/share/thumbnailers/*.thumbnailer")
+foreach(entry ${entries})
+    file(STRINGS "${entry}" lines REGEX "^(Exec|Icon)=")
+    foreach(line ${lines})
+        string(REGEX MATCH "^([A-Za-z]+)=([^ ]+)" name "${line}")
+        if(NOT EXISTS "${moved}/bin/${CMAKE_MATCH_2}" AND
+           NOT EXISTS "${moved}/share/icons/hicolor/scalable/apps/${CMAKE_MATCH_2}.svg")
+            message(FATAL_ERROR "${entry}: ${line}")
+        endif()
+    endforeach()
+endforeach()
+
 if(CONSUMER)
     set(plain "${moved}/plain")
     file(COPY "${moved}/include" DESTINATION "${plain}")

@@ -28,32 +28,50 @@ public:
     {
         bool goesOn = true;
         while (goesOn && !hasFailed) {
-            if (CError error = runOnce(&goesOn)) {
-                const std::lock_guard<std::mutex> lock(mutex);
-                if (!hasFailed)
-                    firstError = error;
+            try {
+                runOnce(&goesOn);
+            } catch (const std::bad_alloc &) {
+                hasRunOut = true;
                 hasFailed = true;
+            } catch (const std::exception &exception) {
+                fail(exception);
             }
         }
     }
 
-    CError firstError;
+    CError outcome() const { return hasRunOut ? noMemory : firstError; }
 
 private:
-    CError runOnce(bool *goesOn)
+    void runOnce(bool *goesOn)
+    {
+        if (CError error = work(goesOn))
+            keep(std::move(error));
+    }
+
+    void fail(const std::exception &exception) noexcept
     {
         try {
-            return work(goesOn);
+            keep({PLK_ERR_DECODE, exception.what()});
         } catch (const std::bad_alloc &) {
-            return {PLK_ERR_OUT_OF_MEMORY, "There is not enough memory; take smaller blocks."};
-        } catch (const std::exception &exception) {
-            return {PLK_ERR_DECODE, exception.what()};
+            hasRunOut = true;
+            hasFailed = true;
         }
     }
 
+    void keep(CError error)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (!hasFailed)
+            firstError = std::move(error);
+        hasFailed = true;
+    }
+
     const std::function<CError(bool *)> &work;
+    /// Made before there is no memory for it: nothing may be thrown from a thread.
+    const CError noMemory{PLK_ERR_OUT_OF_MEMORY, "There is not enough memory; take smaller blocks."};
     std::mutex mutex; ///< guards firstError
-    std::atomic<bool> hasFailed{false};
+    CError firstError;
+    std::atomic<bool> hasFailed{false}, hasRunOut{false};
 };
 
 } // namespace
@@ -76,7 +94,7 @@ CError runWorkers(unsigned threads, const std::function<CError(bool *)> &work)
     crew.run();
     for (std::thread &other : others)
         other.join();
-    return crew.firstError;
+    return crew.outcome();
 }
 
 } // namespace xrv

@@ -63,7 +63,12 @@ private:
     {
         const std::size_t size = value->memoryUse();
         entries.push_front({key, std::move(value), size});
-        byKey[key] = entries.begin();
+        try {
+            byKey[key] = entries.begin();
+        } catch (...) {
+            entries.pop_front();
+            throw;
+        }
         used += size;
         while (used > budget && entries.size() > 1)
             remove(std::prev(entries.end()));

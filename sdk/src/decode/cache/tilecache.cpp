@@ -67,8 +67,11 @@ void TileCache::insert(const Key &key, PlanePtr plane)
         if (plane->rect.contains(entry->plane->rect))
             remove(entry);
     shrinkTo(limit - size);
+    // Room first: where there is no memory, nothing has changed.
+    std::vector<Entries::iterator> &places = byKey[key];
+    places.reserve(places.size() + 1);
     entries.push_front({key, std::move(plane)});
-    byKey[key].push_back(entries.begin());
+    places.push_back(entries.begin());
     used += size;
 }
 

@@ -6,6 +6,7 @@
 
 #include <xrv60/plkerror.h>
 
+#include <atomic>
 #include <exception>
 #include <new>
 
@@ -17,14 +18,16 @@ template <typename Work> PLK::CError runAll(std::size_t count, const CancelFlag 
 {
     std::mutex mutex; // guards firstError
     PLK::CError firstError;
+    // Made before there is no memory for it: nothing may be thrown from a thread.
+    PLK::CError noMemory(PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to decode the image.");
+    std::atomic<bool> hasRunOut{false};
     DecodePool::instance().run(count, [&](std::size_t i) {
         PLK::CError error;
         try {
             error = cancel.isRaised() ? PLK::CError(PLK_ERR_CANCELLED, "The read was cancelled.") : work(i);
-        } catch (const std::bad_alloc &) {
-            error = PLK::CError(PLK_ERR_OUT_OF_MEMORY, "There is not enough memory to decode the image.");
-        } catch (const std::exception &e) {
-            error = PLK::CError(PLK_ERR_DECODE, e.what());
+        } catch (const std::exception &) {
+            hasRunOut = true; // nothing else is thrown
+            return false;
         }
         if (error.IsSuccess())
             return true;
@@ -33,7 +36,7 @@ template <typename Work> PLK::CError runAll(std::size_t count, const CancelFlag 
             firstError = std::move(error);
         return false;
     });
-    return firstError;
+    return hasRunOut ? noMemory : firstError;
 }
 
 } // namespace xrv

@@ -341,7 +341,7 @@ bool readSegments(const Bytes &bytes, std::size_t *position, std::initializer_li
 CError readMainHeader(ByteSource &source, ByteRange codestream, MainHeader *header)
 {
     for (std::uint64_t want = kFirstRead;; want *= kReadGrowth) {
-        const std::uint64_t have = std::min(want, codestream.length);
+        const std::uint64_t have = std::min({want, codestream.length, kMaxMainHeader});
         Bytes bytes;
         if (CError error = source.read(ByteRange{codestream.offset, have}, &bytes))
             return error;
@@ -360,7 +360,7 @@ CError readMainHeader(ByteSource &source, ByteRange codestream, MainHeader *head
             return malformed("its main header is not made of marker segments");
         if (have == codestream.length)
             return {PLK_ERR_TRUNCATED, "The JPEG 2000 codestream ends within its main header."};
-        if (have >= kMaxMainHeader)
+        if (have == kMaxMainHeader)
             return {PLK_ERR_UNSUPPORTED, "The main header of the JPEG 2000 codestream takes more than " +
                                              std::to_string(kMaxMainHeader >> 20) + " MB, which is not supported."};
     }

@@ -22,8 +22,10 @@ BandCounter::BandCounter(int bandBits, bool bandIsSigned, std::size_t bucketLimi
     , smallest(std::numeric_limits<double>::infinity())
     , largest(-smallest)
 {
-    if (isScouting)
+    if (isScouting) {
+        medianFinder.emplace();
         return;
+    }
     const int countedBits = std::max(bits, 8);
     first = isSigned ? -std::ldexp(1.0, countedBits - 1) : 0.0;
     counts.resize(std::size_t(1) << countedBits);
@@ -31,7 +33,9 @@ BandCounter::BandCounter(int bandBits, bool bandIsSigned, std::size_t bucketLimi
 
 std::size_t BandCounter::memoryFor(int bits)
 {
-    return sizeof(std::uint64_t) << std::clamp(bits, 8, kMaxCountedBits);
+    constexpr int kCountersOfDeepBands = 4; // those of the median, too
+    return (sizeof(std::uint64_t) << std::clamp(bits, 8, kMaxCountedBits)) *
+           (bits > kMaxCountedBits ? kCountersOfDeepBands : 1);
 }
 
 int BandCounter::passesFor(int bits)
@@ -45,6 +49,7 @@ bool BandCounter::beginNextPass()
     if (isDone)
         return false;
     isScouting = false;
+    medianFinder->beginSecondPass();
     if (largest < smallest) // no cells
         smallest = largest = 0.0;
     areWhole = areWhole || smallest == largest;
@@ -103,8 +108,20 @@ void BandCounter::computeMoments(double total, PLKBandStatistics *statistics) co
     statistics->fStandardDev = static_cast<float>(std::sqrt(std::max(0.0, variance)));
 }
 
+double BandCounter::valueOfKey(std::uint32_t key) const
+{
+    const auto bitsOfKey = static_cast<std::int32_t>(key ^ kKeyOfZero);
+    if (kind == CellKind::Float)
+        return static_cast<double>(floatOfBits(CellMapping::ordered(bitsOfKey)));
+    return isSigned ? static_cast<double>(bitsOfKey) : static_cast<double>(key);
+}
+
 double BandCounter::median(std::uint64_t total) const
 {
+    if (medianFinder) {
+        const auto [lower, upper] = medianFinder->middle();
+        return (valueOfKey(lower) + valueOfKey(upper)) / 2.0;
+    }
     const auto valueAtRank = [this](std::uint64_t rank) {
         std::uint64_t below = 0;
         for (std::size_t i = 0; i < counts.size(); ++i) {

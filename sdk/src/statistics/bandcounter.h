@@ -1,6 +1,8 @@
 #pragma once
 
-#include "cells/cellkind.h"
+#include "medianfinder.h"
+
+#include "cells/cellmapping.h"
 
 #include <xrv60/plktypes.h>
 
@@ -9,6 +11,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -18,7 +21,7 @@ namespace xrv {
 ///
 /// Bands of up to 16 bits have a counter for every value, so their figures are exact. Deeper ones are gone through
 /// twice: the second time, in equal steps between the smallest and the largest value of the first; where a step takes
-/// several values, mode and median are those of its middle. So are Floats; where all of them are whole numbers they are
+/// several values, the mode is its middle. So are Floats; where all of them are whole numbers they are
 /// counted like these. Infinities and what is no number are left out.
 class BandCounter
 {
@@ -72,6 +75,7 @@ private:
                     continue;
                 areWhole = areWhole && std::floor(value) == value;
             }
+            medianFinder->scout(keyOf(cells[i]));
             smallest = value < smallest ? value : smallest;
             largest = value > largest ? value : largest;
         }
@@ -80,7 +84,7 @@ private:
     {
         const auto last = static_cast<std::int64_t>(counts.size()) - 1;
         const auto firstWhole = static_cast<std::int64_t>(first);
-        const bool exact = isExact();
+        const bool exact = isExact(), isDeep = medianFinder.has_value();
         for (std::size_t i = 0; i < count; ++i) {
             std::int64_t step = 0;
             if constexpr (std::is_floating_point_v<Cell>) {
@@ -98,6 +102,8 @@ private:
                 }
             }
             ++counts[static_cast<std::size_t>(step < 0 ? 0 : step > last ? last : step)];
+            if (isDeep)
+                medianFinder->tally(keyOf(cells[i]));
         }
     }
     /// Every value has a counter of its own.
@@ -107,10 +113,23 @@ private:
         sum += distance;
         sumOfSquares += distance * distance;
     }
+    /// In the order of the values. Deeper cells than 32 bits are clamped.
+    template <typename Cell> std::uint32_t keyOf(Cell cell) const
+    {
+        if constexpr (std::is_floating_point_v<Cell>)
+            return static_cast<std::uint32_t>(CellMapping::ordered(bitsOfFloat(cell))) ^ kKeyOfZero;
+        else if constexpr (std::is_unsigned_v<Cell>)
+            return cell;
+        else
+            return static_cast<std::uint32_t>(bitsOfCell(cell)) ^ (isSigned ? kKeyOfZero : 0);
+    }
+    double valueOfKey(std::uint32_t key) const;
     double valueOf(std::size_t step) const;
     void computeMoments(double total, PLKBandStatistics *statistics) const;
     double median(std::uint64_t total) const;
     void makeHistogram(PLKBandStatistics *statistics) const;
+
+    static constexpr std::uint32_t kKeyOfZero = 0x80000000; ///< of cells with a sign
 
     int bits;
     bool isSigned;
@@ -123,7 +142,8 @@ private:
     double first = 0.0;       ///< lowest value of the first counter
     double valuesPerStep = 1.0;
     std::vector<std::uint64_t> counts;
-    double sum = 0.0, sumOfSquares = 0.0; ///< of distances from first, where a step takes several values
+    std::optional<MedianFinder> medianFinder; ///< of deep bands
+    double sum = 0.0, sumOfSquares = 0.0;     ///< of distances from first, where a step takes several values
 };
 
 } // namespace xrv

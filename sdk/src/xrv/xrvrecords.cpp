@@ -280,8 +280,10 @@ std::optional<std::vector<CellMapping>> parseCellMappings(const Bytes &content)
         // What 32 bits hold, with a sign or without.
         const bool isInRange = mapping.base >= std::numeric_limits<std::int32_t>::min() &&
                                mapping.base <= std::numeric_limits<std::uint32_t>::max();
-        if (isHiding > 1 || !isInRange || mapping.lowBits >= mapping.bits() || !std::isfinite(mapping.stepsPerUnit) ||
-            mapping.stepsPerUnit <= 0.0)
+        // So no number of steps is beyond the largest Float.
+        constexpr double kMostSteps = 1e28;
+        const bool isStep = mapping.stepsPerUnit >= 1.0 / kMostSteps && mapping.stepsPerUnit <= kMostSteps;
+        if (isHiding > 1 || !isInRange || mapping.lowBits >= mapping.bits() || !isStep)
             return std::nullopt;
     }
     return in.ok() && !mappings.empty() ? std::optional(std::move(mappings)) : std::nullopt;

@@ -80,8 +80,9 @@ public:
     /// outside the image. Colours are not premultiplied.
     PLKReadStatus ReadLineBGRA(void *line);
     /// Next line as one buffer per band that was set, \a width cells each, through the bands' transforms; of the cell
-    /// types only PLKCT_UINT8 applies them, others give cells as they are, converted and clamped to the type. \a lines
-    /// has as many entries as bands were set; more are left alone. Cells outside the image are 0.
+    /// types only PLKCT_UINT8 applies them, others give cells as they are, converted, rounded and clamped to the type;
+    /// Floats as PLKCT_FLOAT bit by bit. \a lines has as many entries as bands were set; more are left alone. Cells
+    /// outside the image are 0.
     PLKReadStatus ReadLineBIL(PLKCellType type, void *const *lines);
     /// The same for exactly four byte lines, as many as there are bands set are written.
     PLKReadStatus ReadLineBIL(std::uint8_t *const *lines, PLKCellType type);

@@ -21,6 +21,15 @@ IntRect onGrid(const IntRect &rect, const IntRect &bounds)
 
 } // namespace
 
+void addTransformPartners(const TileStyle &style, std::vector<int> *components)
+{
+    std::sort(components->begin(), components->end());
+    if (style.multipleComponentTransform && style.components.size() >= 3 && components->front() <= 2)
+        components->insert(components->begin(), {0, 1, 2});
+    std::sort(components->begin(), components->end());
+    components->erase(std::unique(components->begin(), components->end()), components->end());
+}
+
 double DecodePlan::cellsToDecode() const
 {
     double cells = 0.0;
@@ -116,25 +125,13 @@ void DecodePlanner::planTile(const ReadRequest &request, std::uint32_t tile, Dec
         addJobs(request, tile, missing, missingComponents, plan);
 }
 
-std::vector<int> DecodePlanner::withTransformPartners(std::vector<int> components) const
-{
-    std::sort(components.begin(), components.end());
-    components.erase(std::unique(components.begin(), components.end()), components.end());
-    if (header.components.size() < 3 || !header.style.multipleComponentTransform || components.front() > 2)
-        return components;
-    std::vector<int> all{0, 1, 2};
-    for (const int c : components)
-        if (c > 2)
-            all.push_back(c);
-    return all;
-}
-
 void DecodePlanner::addJobs(const ReadRequest &request, std::uint32_t tile,
                             const std::vector<std::vector<IntRect>> &missing, const std::vector<int> &components,
                             DecodePlan *plan) const
 {
     const IntRect whole = levelRect(tileRect(header, tile), request.level);
-    const std::vector<int> all = withTransformPartners(components);
+    std::vector<int> all = components;
+    addTransformPartners(header.style, &all);
     // As a rule all components lack the same, after a pan the two sides of an L.
     std::vector<IntRect> rects = missing.front();
     for (const std::vector<IntRect> &ofComponent : missing)

@@ -29,6 +29,10 @@ struct DecodePlan
     double cellsToDecode() const;
 };
 
+/// Adds to \a components what the component transformation of \a style needs together with
+/// them (ISO/IEC 15444-1 G.2, G.3). They come out ascending.
+void addTransformPartners(const TileStyle &style, std::vector<int> *components);
+
 /// Finds out what of a request is in the tile cache and which pieces of which tiles have to be decoded. Any thread.
 class DecodePlanner
 {
@@ -52,7 +56,6 @@ private:
     void planTile(const ReadRequest &request, std::uint32_t tile, DecodePlan *plan) const;
     void addJobs(const ReadRequest &request, std::uint32_t tile, const std::vector<std::vector<IntRect>> &missing,
                  const std::vector<int> &components, DecodePlan *plan) const;
-    std::vector<int> withTransformPartners(std::vector<int> components) const;
 
     const MainHeader &header;
     const RasterInfo &raster;

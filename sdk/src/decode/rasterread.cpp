@@ -23,7 +23,12 @@ CError RasterRead::loadIndexes(TileIndexStore &store)
     std::vector<std::uint32_t> tiles;
     for (const DecodeJob &job : plan.jobs)
         tiles.push_back(job.tile);
-    return store.load(tiles, asked.level, asked.cancel, &indexes);
+    if (CError error = store.load(tiles, asked.level, asked.cancel, &indexes))
+        return error;
+    // A tile may have a component transformation of its own.
+    for (std::size_t i = 0; i < plan.jobs.size(); ++i)
+        addTransformPartners(indexes[i]->style(), &plan.jobs[i].components);
+    return {};
 }
 
 void RasterRead::keep(std::size_t job, Plane plane, int averagedLevels)

@@ -55,7 +55,7 @@ private:
     const ReadRequest &asked;
     const RasterInfo &raster;
     const DecodePlanner &planner;
-    const DecodePlan plan;
+    DecodePlan plan;
     const DamagePolicy policy;
     std::vector<TileIndexStore::TileIndexPtr> indexes; ///< by job
     std::mutex mutex;                                  ///< guards what follows while jobs are decoded

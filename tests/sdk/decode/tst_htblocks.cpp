@@ -295,10 +295,12 @@ void TestHtBlocks::layers()
     const Packet cleanup = set(block.cleanup, 1, {});
     QCOMPARE(decode(planes, {cleanup, {1, {{100, kLengthBits}}, {front}}, {1, {{200, kLengthBits}}, {back}}}), plain);
     // All of it in a region of interest: shifted up, and down again.
-    OneBlock region = block;
-    const std::uint8_t rgn[] = {0xFF, 0x5E, 0, 5, 0, 0, 9};
-    region.before.insert(region.before.begin() + std::ptrdiff_t(find(region.before, 0x90)), rgn, rgn + 7);
-    QCOMPARE(decodeOwn(assemble(region, 1, 0, 3, refinement)), plain);
+    for (const int shift : {9, 30, 45}) {
+        OneBlock region = block;
+        const std::uint8_t rgn[] = {0xFF, 0x5E, 0, 5, 0, 0, std::uint8_t(shift)};
+        region.before.insert(region.before.begin() + std::ptrdiff_t(find(region.before, 0x90)), rgn, rgn + 7);
+        QCOMPARE(decodeOwn(assemble(region, 1, 0, 3, refinement)), plain);
+    }
     // A later set codes the block anew, one bit-plane further down; one without bytes changes nothing.
     const Packet second{3, {{0, kLengthBits + 1}, {other.cleanup.size(), kLengthBits}}, {other.cleanup}};
     const Packet empty{3, {{0, kLengthBits + 1}, {0, kLengthBits}}, {}};

@@ -360,6 +360,9 @@ void TestRasterReader::partsOfTheCodestream_data()
     QTest::newRow("fewer layers") << o << Components{2, 0};
     o.plt = true;
     QTest::newRow("fewer layers, packet lengths") << o << Components{0, 1};
+    o = base(90, 70, 3);
+    o.componentTransform = true;
+    QTest::newRow("component transform of the tile alone") << o << Components{1};
     o = base(150, 120, 5);
     o.plt = true;
     o.reversible = false;
@@ -375,7 +378,19 @@ void TestRasterReader::partsOfTheCodestream()
     QFETCH(Options, options);
     QFETCH(std::vector<int>, components);
     options.cell = [&options](int c, int x, int y) { return textured(options, c, x, y); };
-    const Bytes bytes = jp2maker::make(options);
+    Bytes bytes = jp2maker::make(options);
+    if (options.componentTransform && options.layerRates.size() == 1) {
+        // COD stands in the tile-part header too, and that of the main header knows of no transform.
+        const auto at = [&bytes](std::uint8_t marker) {
+            const std::uint8_t wanted[] = {0xFF, marker};
+            return std::search(bytes.begin(), bytes.end(), wanted, wanted + 2);
+        };
+        const Bytes cod(at(0x52), at(0x52) + 14);
+        at(0x52)[8] = 0;
+        const auto sot = std::size_t(at(0x90) - bytes.begin());
+        putNumber(&bytes, sot + 6, numberAt(bytes, sot + 6) + std::uint32_t(cod.size()));
+        bytes.insert(bytes.begin() + std::ptrdiff_t(sot + 12), cod.begin(), cod.end());
+    }
     const std::unique_ptr<RasterReader> reader = openBytes(bytes);
     QVERIFY(reader);
     QCOMPARE(reader->info().qualityLayers, int(options.layerRates.size()));

@@ -1,3 +1,4 @@
+#include "identify/placetext.h"
 #include "views/viewtexts.h"
 
 #include <QLocale>
@@ -18,6 +19,8 @@ private Q_SLOTS:
     void zoom_data();
     void zoom();
     void followsLocale();
+    void places_data();
+    void places();
 };
 
 void TestViewTexts::tellsPixelsApart_data()
@@ -63,6 +66,34 @@ void TestViewTexts::followsLocale()
     QCOMPARE(ViewTexts::unitsPerPixel(0.25), QStringLiteral("0,25 units per pixel"));
     QCOMPARE(ViewTexts::unitsPerPixel(2500), QStringLiteral("2.500 units per pixel"));
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+}
+
+void TestViewTexts::places_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QPointF>("place"); // in UTM zone 32; null for what is none
+    const QPointF corner(570581.33, 5174875.07);
+    const auto row = [](const char *text, const QPointF &place) {
+        QTest::newRow(text) << QString::fromUtf8(text) << place;
+    };
+    for (const char *text :
+         {"570581.33, 5174875.07", "570581.33 5174875.07", " 570581,33 ; 5174875,07 ", "570581,33 5174875,07",
+          "46.723702 N 9.923641 E", "9.923641\302\260 E, 46.723702\302\260 N",
+          "46\302\26043'25.327\"N 9\302\26055'25.108\"E", "46 43.42212n, 9 55.41846e"})
+        row(text, corner);
+    for (const char *text :
+         {"", "570581", "1,2,3", "a, b", "46.7 N 9.9 N", "95 N 9 E", "46 61 N 9 E", "nan, 1", "46 N 9 E x"})
+        row(text, QPointF());
+}
+
+void TestViewTexts::places()
+{
+    QFETCH(QString, text);
+    QFETCH(QPointF, place);
+    const auto found = Viewer::PlaceText::parse(text, 32632);
+    QCOMPARE(found.has_value(), !place.isNull());
+    QVERIFY(!found || QLineF(*found, place).length() < 0.5);
+    QVERIFY(!Viewer::PlaceText::parse(QStringLiteral("46 N 9 E"), 0)); // of no known system
 }
 
 QTEST_MAIN(TestViewTexts)

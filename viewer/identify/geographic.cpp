@@ -32,9 +32,7 @@ Projection toDegrees(PJ_CONTEXT *context, int code)
     return Projection(plain ? proj_normalize_for_visualization(context, plain.get()) : nullptr);
 }
 
-} // namespace
-
-std::optional<QPointF> fromWorld(const QPointF &world, int code)
+std::optional<QPointF> transformed(const QPointF &point, int code, PJ_DIRECTION direction)
 {
     if (code <= 0)
         return {};
@@ -43,11 +41,23 @@ std::optional<QPointF> fromWorld(const QPointF &world, int code)
     const Projection projection = toDegrees(context.get(), code);
     if (!projection)
         return {};
-    const PJ_COORD place = proj_trans(projection.get(), PJ_FWD, proj_coord(world.x(), world.y(), 0, 0));
-    const double longitude = place.xy.x, latitude = place.xy.y;
-    if (!std::isfinite(longitude) || !std::isfinite(latitude) || std::abs(latitude) > 90.0)
+    const PJ_COORD place = proj_trans(projection.get(), direction, proj_coord(point.x(), point.y(), 0, 0));
+    if (!std::isfinite(place.xy.x) || !std::isfinite(place.xy.y))
         return {};
-    return QPointF(longitude, latitude);
+    return QPointF(place.xy.x, place.xy.y);
+}
+
+} // namespace
+
+std::optional<QPointF> fromWorld(const QPointF &world, int code)
+{
+    const auto place = transformed(world, code, PJ_FWD);
+    return place && std::abs(place->y()) <= 90.0 ? place : std::nullopt;
+}
+
+std::optional<QPointF> toWorld(const QPointF &place, int code)
+{
+    return transformed(place, code, PJ_INV);
 }
 
 QString longitudeText(double degrees)

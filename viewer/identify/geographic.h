@@ -10,6 +10,9 @@ namespace Viewer::Geographic {
 /// Nothing for codes that are not known and places that the system does not reach.
 std::optional<QPointF> fromWorld(const QPointF &world, int code);
 
+/// The other way round.
+std::optional<QPointF> toWorld(const QPointF &longitudeLatitude, int code);
+
 /// "12.345678° E"
 QString longitudeText(double degrees);
 /// "47.654321° N"

@@ -38,19 +38,6 @@ QTreeWidgetItem *addRow(QTreeWidgetItem *parent, const QString &name, const QStr
     return row;
 }
 
-/// Of the active layer, else of the first one that has a code.
-int codeOf(const MapView &view)
-{
-    QList<Layer *> layers = view.getLayers();
-    layers.prepend(view.getActiveLayer());
-    for (const Layer *layer : qAsConst(layers)) {
-        const auto *raster = qobject_cast<const RasterLayer *>(layer);
-        if (raster && raster->getEpsgCode() > 0)
-            return raster->getEpsgCode();
-    }
-    return 0;
-}
-
 /// Without separators, so that it can be pasted elsewhere.
 QString coordinate(double value)
 {
@@ -158,6 +145,18 @@ void IdentifyDock::fill(QTreeWidgetItem *item, const QStringList &names, const C
         addRow(item, name.isEmpty() ? tr("Band %1").arg(band + 1) : name, ValueTexts::number(values.values[band]));
     }
     item->setExpanded(true);
+}
+
+int IdentifyDock::codeOf(const MapView &view)
+{
+    QList<Layer *> layers = view.getLayers();
+    layers.prepend(view.getActiveLayer());
+    for (const Layer *layer : qAsConst(layers)) {
+        const auto *raster = qobject_cast<const RasterLayer *>(layer);
+        if (raster && raster->getEpsgCode() > 0)
+            return raster->getEpsgCode();
+    }
+    return 0;
 }
 
 QString IdentifyDock::text() const

@@ -33,6 +33,8 @@ public:
     void setView(Korvane::Map::MapView *view);
     /// Shows what lies there, and the dock.
     void identify(const QPointF &worldPoint);
+    /// EPSG code of what \a view shows: of the active layer, else of the first one that has one; 0 without.
+    static int codeOf(const Korvane::Map::MapView &view);
     /// Everything shown as lines of "name<tab>value".
     QString text() const;
 

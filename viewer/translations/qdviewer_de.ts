@@ -613,6 +613,14 @@
         <source>Show what the view showed before going back</source>
         <translation>Zeigen, was die Ansicht vor dem Zurückgehen zeigte</translation>
     </message>
+    <message>
+        <source>&amp;Go to Coordinates...</source>
+        <translation>Gehe zu &amp;Koordinaten...</translation>
+    </message>
+    <message>
+        <source>Show a place in the middle of the view</source>
+        <translation>Einen Ort in der Mitte der Ansicht zeigen</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>
@@ -647,6 +655,18 @@
     <message>
         <source>JPEG images (*.jpg *.jpeg)</source>
         <translation>JPEG-Bilder (*.jpg *.jpeg)</translation>
+    </message>
+    <message>
+        <source>Go to Coordinates</source>
+        <translation>Gehe zu Koordinaten</translation>
+    </message>
+    <message>
+        <source>X and Y, or latitude and longitude, such as 46.72 N 9.92 E:</source>
+        <translation>X und Y, oder Breite und Länge wie 46.72 N 9.92 E:</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no place that can be shown here.</source>
+        <translation>„%1“ ist kein Ort, der hier gezeigt werden kann.</translation>
     </message>
 </context>
 <context>

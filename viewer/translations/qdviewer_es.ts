@@ -613,6 +613,14 @@
         <source>Show what the view showed before going back</source>
         <translation>Mostrar lo que la vista mostraba antes de volver</translation>
     </message>
+    <message>
+        <source>&amp;Go to Coordinates...</source>
+        <translation>&amp;Ir a coordenadas...</translation>
+    </message>
+    <message>
+        <source>Show a place in the middle of the view</source>
+        <translation>Mostrar un lugar en el centro de la vista</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>
@@ -647,6 +655,18 @@
     <message>
         <source>JPEG images (*.jpg *.jpeg)</source>
         <translation>Imágenes JPEG (*.jpg *.jpeg)</translation>
+    </message>
+    <message>
+        <source>Go to Coordinates</source>
+        <translation>Ir a coordenadas</translation>
+    </message>
+    <message>
+        <source>X and Y, or latitude and longitude, such as 46.72 N 9.92 E:</source>
+        <translation>X e Y, o latitud y longitud, como 46.72 N 9.92 E:</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no place that can be shown here.</source>
+        <translation>«%1» no es un lugar que pueda mostrarse aquí.</translation>
     </message>
 </context>
 <context>

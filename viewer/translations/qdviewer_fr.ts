@@ -613,6 +613,14 @@
         <source>Show what the view showed before going back</source>
         <translation>Montrer ce que la vue montrait avant de revenir</translation>
     </message>
+    <message>
+        <source>&amp;Go to Coordinates...</source>
+        <translation>Aller aux coor&amp;données...</translation>
+    </message>
+    <message>
+        <source>Show a place in the middle of the view</source>
+        <translation>Montrer un lieu au milieu de la vue</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>
@@ -647,6 +655,18 @@
     <message>
         <source>JPEG images (*.jpg *.jpeg)</source>
         <translation>Images JPEG (*.jpg *.jpeg)</translation>
+    </message>
+    <message>
+        <source>Go to Coordinates</source>
+        <translation>Aller aux coordonnées</translation>
+    </message>
+    <message>
+        <source>X and Y, or latitude and longitude, such as 46.72 N 9.92 E:</source>
+        <translation>X et Y, ou latitude et longitude, comme 46.72 N 9.92 E :</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no place that can be shown here.</source>
+        <translation>« %1 » n’est pas un lieu qui puisse être montré ici.</translation>
     </message>
 </context>
 <context>

@@ -611,6 +611,14 @@
         <source>Show what the view showed before going back</source>
         <translation>戻る前にビューが表示していた場所を表示します</translation>
     </message>
+    <message>
+        <source>&amp;Go to Coordinates...</source>
+        <translation>座標へ移動(&amp;G)...</translation>
+    </message>
+    <message>
+        <source>Show a place in the middle of the view</source>
+        <translation>指定した地点をビューの中央に表示します</translation>
+    </message>
 </context>
 <context>
     <name>Viewer::MainWindow</name>
@@ -645,6 +653,18 @@
     <message>
         <source>JPEG images (*.jpg *.jpeg)</source>
         <translation>JPEG 画像 (*.jpg *.jpeg)</translation>
+    </message>
+    <message>
+        <source>Go to Coordinates</source>
+        <translation>座標へ移動</translation>
+    </message>
+    <message>
+        <source>X and Y, or latitude and longitude, such as 46.72 N 9.92 E:</source>
+        <translation>X と Y、または 46.72 N 9.92 E のような緯度と経度:</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no place that can be shown here.</source>
+        <translation>「%1」はここで表示できる地点ではありません。</translation>
     </message>
 </context>
 <context>

@@ -91,6 +91,8 @@ void MainActions::makeViewActions()
     zoomToLayer->setShortcut(QStringLiteral("Ctrl+L"));
     zoomToNative = make(Shape::ZoomNative, tr("Zoom to &1:1"), tr("Show one cell of the selected layer per pixel"));
     zoomToNative->setShortcut(QStringLiteral("Ctrl+1"));
+    goTo = make(tr("&Go to Coordinates..."), tr("Show a place in the middle of the view"));
+    goTo->setShortcut(QStringLiteral("Ctrl+G"));
     back = make(tr("&Back"), tr("Show what the view showed before"));
     back->setShortcut(QStringLiteral("Alt+Left"));
     forward = make(tr("Fo&rward"), tr("Show what the view showed before going back"));
@@ -124,7 +126,7 @@ void MainActions::makeMenus()
 {
     makeFileMenu();
     viewMenu = window->menuBar()->addMenu(tr("&View"));
-    viewMenu->addActions({zoomIn, zoomOut, zoomToAll, zoomToLayer, zoomToNative, back, forward});
+    viewMenu->addActions({zoomIn, zoomOut, zoomToAll, zoomToLayer, zoomToNative, goTo, back, forward});
     viewMenu->addSeparator();
     viewMenu->addActions({layerProperties, fullScreen});
     viewMenu->addSeparator();
@@ -192,7 +194,7 @@ void MainActions::update(bool hasView, bool hasLayer)
     for (QAction *action : {tabs, cascade, tile, nextView, renameView, closeView, saveProject, saveProjectAs})
         action->setEnabled(hasView);
     for (QAction *action :
-         {zoomIn, zoomOut, zoomToAll, zoomToLayer, zoomToNative, layerProperties, savePicture, copyPicture})
+         {zoomIn, zoomOut, zoomToAll, zoomToLayer, zoomToNative, goTo, layerProperties, savePicture, copyPicture})
         action->setEnabled(hasLayer);
 }
 

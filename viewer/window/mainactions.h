@@ -40,6 +40,7 @@ public:
     QAction *zoomToAll = nullptr;
     QAction *zoomToLayer = nullptr;
     QAction *zoomToNative = nullptr;
+    QAction *goTo = nullptr;
     QAction *back = nullptr;
     QAction *forward = nullptr;
     QAction *layerProperties = nullptr;

@@ -3,6 +3,7 @@
 #include "appearance/aboutbox.h"
 #include "appearance/failurereport.h"
 #include "identify/identifydock.h"
+#include "identify/placetext.h"
 #include "identify/pointervalues.h"
 #include "layers/layerlistdock.h"
 #include "layers/layerlistmodel.h"
@@ -24,6 +25,7 @@
 #include "views/mapnotices.h"
 #include "views/viewhistory.h"
 #include "views/viewstatus.h"
+#include "views/viewtexts.h"
 #include "wheelguard.h"
 
 #include <QDGui/application.h>
@@ -179,6 +181,7 @@ void MainWindow::connectFileActions()
 void MainWindow::connectViewActions()
 {
     new ViewCommands(actions, area, this);
+    connect(actions->goTo, &QAction::triggered, this, &MainWindow::goToPlace);
     connect(actions->back, &QAction::triggered, history, [this] { history->go(-1); });
     connect(actions->forward, &QAction::triggered, history, [this] { history->go(1); });
     connect(history, &ViewHistory::changed, this, [this] {
@@ -345,6 +348,23 @@ void MainWindow::renameView()
                                                 QLineEdit::Normal, area->givenTitle(view), &accepted);
     if (accepted)
         area->setGivenTitle(view, title.trimmed());
+}
+
+void MainWindow::goToPlace()
+{
+    const QPointer<MapView> view(area->currentView());
+    if (!view)
+        return;
+    bool accepted = false;
+    const QString text = QInputDialog::getText(
+        this, tr("Go to Coordinates"), tr("X and Y, or latitude and longitude, such as 46.72 N 9.92 E:"),
+        QLineEdit::Normal, ViewTexts::plainCoordinates(view->getCenter(), view->getUnitsPerPixel()), &accepted);
+    if (!accepted || !view)
+        return;
+    if (const auto place = PlaceText::parse(text, IdentifyDock::codeOf(*view)))
+        view->setCenter(*place);
+    else
+        FailureReport::show(this, {tr("\"%1\" is no place that can be shown here.").arg(text)}, 1);
 }
 
 void MainWindow::setFreeArrangement(bool tiled)

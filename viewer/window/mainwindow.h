@@ -71,6 +71,7 @@ private:
     void savePicture();
     void copyPicture();
     void renameView();
+    void goToPlace();
     void setFreeArrangement(bool tiled);
     void showProperties(Korvane::Map::Layer *layer);
     void showPreferences();

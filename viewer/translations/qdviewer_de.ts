@@ -615,7 +615,7 @@
     </message>
     <message>
         <source>&amp;Go to Coordinates...</source>
-        <translation>Gehe zu &amp;Koordinaten...</translation>
+        <translation>Gehe zu Koor&amp;dinaten...</translation>
     </message>
     <message>
         <source>Show a place in the middle of the view</source>

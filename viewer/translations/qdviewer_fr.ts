@@ -662,7 +662,7 @@
     </message>
     <message>
         <source>X and Y, or latitude and longitude, such as 46.72 N 9.92 E:</source>
-        <translation>X et Y, ou latitude et longitude, comme 46.72 N 9.92 E :</translation>
+        <translation>X et Y, ou latitude et longitude, comme 46.72 N 9.92 E:</translation>
     </message>
     <message>
         <source>&quot;%1&quot; is no place that can be shown here.</source>

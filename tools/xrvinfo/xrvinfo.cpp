@@ -63,7 +63,11 @@ int run(const std::vector<std::string> &words)
         std::fprintf(stderr, "xrvinfo: %s\n", error.GetErrorMessage());
         return 1;
     }
-    std::fputs((isJson ? report.json() : report.lines()).c_str(), stdout);
+    const std::string text = isJson ? report.json() : report.lines();
+    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
+        std::fprintf(stderr, "xrvinfo: The report cannot be written.\n");
+        return 1;
+    }
     return 0;
 }
 

@@ -54,6 +54,8 @@ int BatchRunner::run()
     if (wantsPictures() && (!opened.empty() || commandLine.sources.isEmpty()))
         writePictures();
     out.flush();
+    if (out.status() != QTextStream::Ok)
+        fail(QStringLiteral("What was asked for cannot be written."));
     err.flush();
     return hasFailed ? kFailed : isDamaged ? kDamaged : 0;
 }

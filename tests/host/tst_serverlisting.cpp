@@ -199,7 +199,7 @@ void TestServerListing::withoutEntries_data()
                                        << false;
     QTest::newRow("nothing") << QByteArray() << false;
     QTest::newRow("another JSON") << QByteArray("{\"name\":\"a.jp2\"}") << false;
-    QTest::newRow("half a JSON") << QByteArray("[{\"name\":\"a.jp2\",\"type\":\"file\"},{\"na") << false;
+    QTest::newRow("half an entry of a JSON") << QByteArray("[{\"na") << false;
     QTest::newRow("odd JSON") << QByteArray("[1,null,[],{\"name\":7},{\"name\":\"\"},{\"name\":\"../a.jp2\"},"
                                             "{\"name\":\"..\",\"type\":\"directory\"},{\"name\":\"a/b.jp2\"}]")
                               << true;
@@ -238,6 +238,9 @@ void TestServerListing::keepsSoMany()
         QCOMPARE(listing.entries.size(), ServerListing::kMaxEntries);
         QVERIFY(listing.isCutOff);
     }
+    const ServerListing cut = parseServerListing(R"([{"name":"a.jp2"},{"name":"b.jp2"},{"name":"c}.j)", folderUrl());
+    QCOMPARE(cut.entries.size(), 2);
+    QVERIFY(cut.isCutOff);
 }
 
 void TestServerListing::survivesHostilePages_data()

@@ -60,14 +60,26 @@ ServerListing parseJson(const QJsonArray &array, const QUrl &folder)
     return listing;
 }
 
+/// A list that is too long is read as far as its last whole entry. A name may hold what looks like an entry's end.
+ServerListing parseJson(const QByteArray &body, const QUrl &folder)
+{
+    constexpr int kTries = 8;
+    QJsonDocument document = QJsonDocument::fromJson(body);
+    int end = body.size();
+    for (int i = 0; i < kTries && !document.isArray() && end > 0; ++i) {
+        end = body.lastIndexOf('}', end - 1);
+        document = QJsonDocument::fromJson(body.left(end + 1) + ']');
+    }
+    ServerListing listing = document.isArray() ? parseJson(document.array(), folder) : ServerListing();
+    listing.isCutOff = listing.isCutOff || (listing.isListing && end < body.size());
+    return listing;
+}
+
 ServerListing parseAny(const QByteArray &body, const QUrl &folder)
 {
     const QByteArray start = body.left(64).trimmed();
-    if (start.startsWith('[')) {
-        QJsonParseError error{};
-        const QJsonDocument document = QJsonDocument::fromJson(body, &error);
-        return document.isArray() ? parseJson(document.array(), folder) : ServerListing();
-    }
+    if (start.startsWith('['))
+        return parseJson(body, folder);
     // Anything else may be a page; a picture or an archive has no links in it.
     return start.contains('\0') ? ServerListing() : HtmlListing(body, folder).read();
 }

@@ -1,6 +1,7 @@
 // Prints what an XRV or JPEG 2000 file holds.
 
 #include "describe.h"
+#include "indexfile.h"
 
 #include "../guarded.h"
 
@@ -21,6 +22,8 @@ Prints what an XRV or JPEG 2000 file, local or at an xrvp:// address, holds.
   --histograms    with the counts of the histograms
   --count         with statistics of every cell; else those of large images
                   without stored ones are estimated, and marked so
+  --index         writes FILE.xrvi, which a publisher puts beside the image:
+                  where its tiles lie, for those that read it over a network
   --help, --version
 
 Exit status: 0 done, 1 the file cannot be read, 2 wrong usage.
@@ -32,10 +35,24 @@ int wrongUsage(const std::string &problem)
     return 2;
 }
 
+int writeIndex(const std::string &name)
+{
+    std::string indexPath;
+    if (const PLK::CError error = writeIndexFile(name, &indexPath)) {
+        std::fprintf(stderr, "xrvinfo: %s\n", error.GetErrorMessage());
+        return 1;
+    }
+    if (indexPath.empty())
+        std::printf("%s has its table of tile-parts in itself and needs no index.\n", name.c_str());
+    else
+        std::printf("%s\n", indexPath.c_str());
+    return 0;
+}
+
 int run(const std::vector<std::string> &words)
 {
     std::string name;
-    bool isJson = false;
+    bool isJson = false, isForIndex = false;
     DescribeOptions options;
     for (const std::string &word : words) {
         if (word == "--help" || word == "-h" || word == "--version") {
@@ -47,6 +64,8 @@ int run(const std::vector<std::string> &words)
             isJson = true;
         else if (word == "--histograms")
             options.withHistograms = true;
+        else if (word == "--index")
+            isForIndex = true;
         else if (word == "--count")
             options.countsAllCells = true;
         else if (word.size() > 1 && word[0] == '-')
@@ -58,6 +77,8 @@ int run(const std::vector<std::string> &words)
     }
     if (name.empty())
         return wrongUsage("A file is needed.");
+    if (isForIndex)
+        return writeIndex(name);
     Node report;
     if (const PLK::CError error = describe(name, options, &report)) {
         std::fprintf(stderr, "xrvinfo: %s\n", error.GetErrorMessage());

@@ -23,6 +23,7 @@ constexpr std::uint64_t kWindow = std::uint64_t(64) * 1024, kCloseBy = 4096;
 constexpr char kWalkedName[] = "tile-parts";
 constexpr std::size_t kWalkedEntry = 2 + 4 + 1;
 constexpr std::size_t kMaxWalkedBytes = 1u << 20;
+constexpr std::uint32_t kWorthAsking = 8; ///< tiles: fewer are found as soon as what a publisher knows of them
 
 struct Sot
 {
@@ -87,7 +88,7 @@ void TilePartTable::start(const CancelFlag &cancel)
 {
     clear();
     // Of a distant source the place is looked at together with what the table is asked for.
-    if (buildFromTlm() && (source->isRemote() || isTlmRight(cancel))) {
+    if (buildFromTlm() && (source->isRemote() || isLastRight(cancel))) {
         isComplete = true;
         isUnconfirmed = source->isRemote();
     } else {
@@ -144,10 +145,12 @@ int TilePartTable::build() const
 bool TilePartTable::confirm(int asOf, const CancelFlag &cancel)
 {
     const std::lock_guard<std::timed_mutex> lock(mutex);
-    if (isUnconfirmed && isTlmRight(cancel)) {
+    if (isUnconfirmed && isLastRight(cancel)) {
         isUnconfirmed = false;
+        remember(); // what was published need not be asked for again
     } else if (isUnconfirmed && !cancel.isRaised()) { // else nothing was looked at
         isUnconfirmed = isComplete = false;
+        isPublishedWrong = true; // or TLM is, and then nobody published anything else
         ++builds;
         clear();
         recall();
@@ -155,8 +158,9 @@ bool TilePartTable::confirm(int asOf, const CancelFlag &cancel)
     return builds == asOf;
 }
 
-/// Writers get TLM wrong, so the place that it gives for the last tile-part is looked at before it is believed.
-bool TilePartTable::isTlmRight(const CancelFlag &cancel)
+/// Writers get TLM wrong, so the place that it, or a file beside the image, gives for the last tile-part is looked at
+/// before it is believed.
+bool TilePartTable::isLastRight(const CancelFlag &cancel)
 {
     Bytes bytes;
     if (source->read(ByteRange{tiles[lastTile].parts.back().range.offset, kSotSegment}, &bytes, cancel))
@@ -271,21 +275,37 @@ void TilePartTable::endWalk(std::string damage)
     damageText = std::move(damage);
 }
 
-/// Takes up a walk where an earlier visit left it. What is not sound ends it there: the walk goes on from the file.
+/// Takes up a walk where an earlier visit left it, or whole from the image's publisher.
 void TilePartTable::recall()
 {
     Bytes known;
-    if (!source->recall(kWalkedName, &known))
+    if (source->recall(kWalkedName, &known)) {
+        takeUp(known);
         return;
+    }
+    if (header.tileCount() < kWorthAsking || isPublishedWrong || !source->recallPublished(kWalkedName, &known))
+        return;
+    if (takeUp(known) && partCount > 0) {
+        isUnconfirmed = source->isRemote();
+    } else {
+        isPublishedWrong = true;
+        clear();
+    }
+}
+
+/// What is not sound ends it: the walk goes on from the file.
+bool TilePartTable::takeUp(const Bytes &known)
+{
     ByteCursor in(known.data(), std::min(known.size(), kMaxWalkedBytes));
     while (in.remaining() >= kWalkedEntry && position + kShortestPart <= codestream.end()) {
         const std::uint16_t tile = in.u16();
         const std::uint32_t length = in.u32();
         const std::uint8_t partsOfTile = in.u8();
         if (tile >= header.tileCount() || (length != 0 && length < kShortestPart))
-            return;
+            return false;
         appendWalked(tile, length, partsOfTile);
     }
+    return true;
 }
 
 void TilePartTable::remember() const

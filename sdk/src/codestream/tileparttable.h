@@ -30,10 +30,10 @@ public:
     /// each tile-part on its way, which a distant source then has at hand.
     PLK::CError find(std::uint32_t tile, std::uint64_t readAhead, const CancelFlag &cancel,
                      std::vector<TilePart> *parts);
-    /// What find() gives of a distant codestream with TLM marker segments goes by these alone, until this range has
-    /// been looked at; empty when there is nothing to confirm.
+    /// What find() gives of a distant codestream with TLM marker segments, or with what its publisher put beside it,
+    /// goes by that alone until this range has been looked at; empty when there is nothing to confirm.
     ByteRange toConfirm() const;
-    /// Looks at it. False when the marker segments were found to be wrong since \a asOf, which build() gave before the
+    /// Looks at it. False when that was found to be wrong since \a asOf, which build() gave before the
     /// first find(): what that gave does not hold.
     bool confirm(int asOf, const CancelFlag &cancel);
     int build() const;
@@ -49,7 +49,7 @@ private:
 
     void start(const CancelFlag &cancel);
     bool buildFromTlm();
-    bool isTlmRight(const CancelFlag &cancel);
+    bool isLastRight(const CancelFlag &cancel);
     bool appendFromTlm(const MarkerSegment &segment);
     void clear();
     void append(std::uint32_t tile, std::uint64_t length);
@@ -59,6 +59,7 @@ private:
     void appendWalked(std::uint16_t tile, std::uint32_t length, std::uint8_t partsOfTile);
     void endWalk(std::string damage);
     void recall();
+    bool takeUp(const Bytes &known);
     void remember() const;
 
     std::shared_ptr<ByteSource> source;
@@ -68,6 +69,7 @@ private:
     bool isStarted = false;
     bool isComplete = false;
     bool isUnconfirmed = false;
+    bool isPublishedWrong = false;
     int builds = 0; ///< how often it was begun anew
     std::unordered_map<std::uint32_t, PartsOfTile> tiles;
     std::uint32_t lastTile = 0; ///< that of the tile-part found last

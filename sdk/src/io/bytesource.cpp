@@ -28,6 +28,11 @@ void ByteSource::remember(const std::string &, const Bytes &)
 {
 }
 
+bool ByteSource::recallPublished(const std::string &, Bytes *)
+{
+    return false;
+}
+
 bool ByteSource::recall(const std::string &, Bytes *)
 {
     return false;

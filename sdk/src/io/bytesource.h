@@ -45,6 +45,10 @@ public:
     /// False when nothing is known. Comes from outside the process: to be checked like the file.
     virtual bool recall(const std::string &name, Bytes *knowledge);
 
+    /// What the publisher of the file found out about it and put beside it. As with recall(); a distant source may have
+    /// to ask for it first.
+    virtual bool recallPublished(const std::string &name, Bytes *knowledge);
+
     /// Why nothing more can be had from this source until it is reconnected or opened anew: PLK_ERR_CONNECTION_LOST or
     /// PLK_ERR_FILE_CHANGED. Returns at once.
     virtual PLK::CError condition() const { return {}; }

@@ -286,6 +286,38 @@ bool StreamSource::recall(const std::string &knowledgeName, Bytes *knowledge)
     return cached && cached->recall(knowledgeName, knowledge);
 }
 
+bool StreamSource::recallPublished(const std::string &knowledgeName, Bytes *knowledge)
+{
+    std::call_once(sideIndexAsked, [this] { askForSideIndex(); });
+    const Bytes *const found = sideIndex.find(knowledgeName);
+    if (found)
+        *knowledge = *found;
+    return found != nullptr;
+}
+
+/// Most images have none beside them: that is no reason to wait for long, or to say anything.
+void StreamSource::askForSideIndex()
+{
+    StreamOptions options = link.options();
+    options.cacheEnabled = false;
+    options.tries = 1;
+    options.connectTimeout = options.stallTimeout = options.trialTimeout;
+    options.wholeInMemory = SideIndex::kMaxBytes;
+    std::shared_ptr<ByteSource> file;
+    Bytes content, start;
+    SideIndex found;
+    if (StreamSource::open(link.address().withEnding(SideIndex::kEnding), options, &file, watch) ||
+        file->size() > SideIndex::kMaxBytes || file->read({0, file->size()}, &content) ||
+        read(ByteRange{0, std::min(version.length, SideIndex::kImageStart)}, &start))
+        return;
+    if (found.read(content, version.length, start))
+        sideIndex = std::move(found);
+    else if (logEnabled(PLK_LOG_WARNING))
+        log(PLK_LOG_WARNING, wideFromUtf8("\"" + file->name() +
+                                          "\" is damaged or belongs to another image than the one "
+                                          "beside it. It is not used."));
+}
+
 CError StreamSource::condition() const
 {
     const std::lock_guard<std::mutex> lock(mutex);

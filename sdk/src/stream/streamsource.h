@@ -1,6 +1,7 @@
 #pragma once
 
 #include "segmentstore.h"
+#include "sideindex.h"
 #include "unattendedrequests.h"
 
 #include "io/bytesource.h"
@@ -39,6 +40,7 @@ public:
     PLK::CError prefetch(const std::vector<ByteRange> &ranges, const CancelFlag &cancel) override;
     void remember(const std::string &knowledgeName, const Bytes &knowledge) override;
     bool recall(const std::string &knowledgeName, Bytes *knowledge) override;
+    bool recallPublished(const std::string &knowledgeName, Bytes *knowledge) override;
     PLK::CError condition() const override;
     void reconnect(bool mayTakeLong) override;
 
@@ -49,6 +51,7 @@ private:
     PLK::CError connect();
     FileVersion cachedVersion();
     void keepWhatIsCancelled();
+    void askForSideIndex();
     PLK::CError keep(std::uint64_t offset, const std::uint8_t *data, std::uint64_t length, std::uint64_t pin);
     void loadCached(const std::vector<ByteRange> &ranges, std::uint64_t pin, const RangeFetcher::Sink &sink) const;
     void collectHere(RangeAssembly *assembly, const RangeFetcher::Sink &take) const;
@@ -73,6 +76,9 @@ private:
     std::uint64_t fileNumber = 0;
     std::atomic<bool> isKnownAsDoubted{false};
     std::shared_ptr<UnattendedRequests> unattended;
+
+    std::once_flag sideIndexAsked;
+    SideIndex sideIndex;
 
     mutable std::mutex mutex; ///< guards the members below
     std::condition_variable landed;

@@ -5,6 +5,8 @@
 #include "data/jp2maker.h"
 #include "data/views.h"
 
+#include "stream/sideindex.h"
+
 #include <QElapsedTimer>
 #include <QThread>
 #include <QtEndian>
@@ -37,6 +39,8 @@ private slots:
     void initTestCase();
     void showsTheSameCells_data();
     void showsTheSameCells();
+    void tilePartsArePublished_data();
+    void tilePartsArePublished();
     void secondVisitAsksWhetherItChanged();
     void serverStopsDuringAView();
     void serverStopsDuringAProgressiveView();
@@ -129,6 +133,59 @@ void TestStreamView::showsTheSameCells()
         QVERIFY(!expected.empty());
         QVERIFY(readPicture(remote, window) == expected);
     }
+}
+
+namespace {
+
+using Spoil = std::function<void(QByteArray *tileParts, xrv::Bytes *start)>;
+
+/// The tile, length and TNsot of each tile-part of \a file, one after the other.
+QByteArray walkedTileParts(const QByteArray &file)
+{
+    QByteArray parts;
+    for (int at = file.indexOf("\xFF\x90"); at > 0 && file.mid(at, 2) == "\xFF\x90";) {
+        parts += file.mid(at + 4, 6) + file.mid(at + 11, 1);
+        at += int(qFromBigEndian<quint32>(file.constData() + at + 6));
+    }
+    return parts;
+}
+
+} // namespace
+Q_DECLARE_METATYPE(Spoil)
+
+void TestStreamView::tilePartsArePublished_data()
+{
+    QTest::addColumn<Spoil>("spoil");
+    QTest::addColumn<bool>("isUsed");
+    QTest::newRow("right") << Spoil([](QByteArray *, xrv::Bytes *) {}) << true;
+    QTest::newRow("of another image") << Spoil([](QByteArray *, xrv::Bytes *start) { start->back() ^= 1; }) << false;
+    QTest::newRow("wrong length") << Spoil([](QByteArray *parts, xrv::Bytes *) { (*parts)[5] = char((*parts)[5] - 1); })
+                                  << false;
+    QTest::newRow("tile that is none") << Spoil([](QByteArray *parts, xrv::Bytes *) { (*parts)[0] = 7; }) << false;
+    QTest::newRow("cut") << Spoil([](QByteArray *parts, xrv::Bytes *) { parts->chop(7 * 20 + 3); }) << false;
+}
+
+void TestStreamView::tilePartsArePublished()
+{
+    QFETCH(Spoil, spoil);
+    QFETCH(bool, isUsed);
+    const QString name = fresh(kWalked);
+    const QByteArray file = readFile(folder.filePath(name));
+    QByteArray parts = walkedTileParts(file);
+    QCOMPARE(parts.size(), 36 * 7);
+    xrv::Bytes start(file.begin(), file.begin() + 4096);
+    spoil(&parts, &start);
+    xrv::SideIndex index;
+    index.set("tile-parts", xrv::Bytes(parts.begin(), parts.end()));
+    const xrv::Bytes content = index.write(std::uint64_t(file.size()), start);
+    writeFile(folder.filePath(name + QStringLiteral(".xrvi")),
+              QByteArray(reinterpret_cast<const char *>(content.data()), int(content.size())));
+    server.takeLog();
+    PLK::CView view;
+    QVERIFY(!view.Open(utf8(server.address(name)), false, false));
+    QVERIFY(readPicture(view, kOverview) == localPicture(kWalked, kOverview));
+    const int requests = server.takeLog().size();
+    QVERIFY2((requests < 10) == isUsed, qPrintable(QString::number(requests)));
 }
 
 void TestStreamView::secondVisitAsksWhetherItChanged()

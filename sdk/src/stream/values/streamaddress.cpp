@@ -169,6 +169,13 @@ std::string StreamAddress::shown() const
     return withoutQuery(printable());
 }
 
+StreamAddress StreamAddress::withEnding(const std::string &ending) const
+{
+    StreamAddress beside = *this;
+    beside.target.insert(std::min(target.find('?'), target.size()), ending);
+    return beside;
+}
+
 void StreamAddress::setCredentials(std::string newUser, std::string newPassword)
 {
     user = std::move(newUser);

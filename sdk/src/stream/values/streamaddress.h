@@ -25,6 +25,9 @@ public:
     /// The same as it may be shown and logged: what follows "?" may be a token and is left out.
     std::string shown() const;
 
+    /// That of the file beside it whose name has \a ending behind it.
+    StreamAddress withEnding(const std::string &ending) const;
+
     bool hasCredentials() const { return !user.empty() || !password.empty(); }
     const std::string &userName() const { return user; }
     const std::string &userPassword() const { return password; }

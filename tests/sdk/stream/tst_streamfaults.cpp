@@ -681,8 +681,9 @@ void TestStreamFaults::requestsAtATime()
     std::vector<ByteRange> ranges;
     for (std::uint64_t i = 0; i < 25; ++i)
         ranges.push_back({i * 100000 + 20000, 100});
-    QVERIFY(readsRight(*source, file, {ranges.front()})); // after this answer it is known
     QVERIFY(readsRight(*source, file, ranges));
+    for (const Request &request : server.takeRequests()) // a whole file would hold up the others
+        QVERIFY(!isMultiplexed || request.ranges.size() < 2 || request.header("range").find("bytes=0-0,") == 0);
     const std::lock_guard<std::mutex> lock(mutex);
     QVERIFY2(isMultiplexed ? most > 12 : most > 1 && most <= 6, qPrintable(QString::number(most)));
 }

@@ -139,6 +139,8 @@ CError RangeFetcher::open(const FileVersion &known, const CancelFlag &cancel, co
         const HttpAnswer answer = link.ask({request}, cancel).front();
         if (answer.outcome == HttpOutcome::Cancelled)
             return cancelledError();
+        if (answer.status != 0)
+            ServerTraits::instance().setMultiplexes(link.address().server(), answer.isMultiplexed);
         FetchRound round;
         CError error = takeOpening(answer, known, sink, version, &round);
         if (error || !round.trouble)

@@ -63,7 +63,7 @@ namespace {
 constexpr int kSilenceMs = 20000;
 constexpr int kSlownessMs = 800; // beyond a person's patience
 constexpr std::size_t kPiece = 50000;
-constexpr int kOpeningRequests = 2; // that the images below take before cells are asked for
+constexpr int kOpeningRequests = 1; // that the images below take before cells are asked for
 
 WebFile webFile(int bits)
 {

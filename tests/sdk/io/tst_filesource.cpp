@@ -152,7 +152,6 @@ void TestFileSource::whatCannotBeOpened_data()
     QTest::addColumn<QString>("word");
     QTest::newRow("empty name") << QString() << int(PLK_ERR_NOT_FOUND) << "name";
     QTest::newRow("jpip") << "jpip://server/a.jp2" << int(PLK_ERR_PROTOCOL) << "JPIP";
-    QTest::newRow("web") << "https://server/a.jp2" << int(PLK_ERR_PROTOCOL) << "xrvps://";
 }
 
 void TestFileSource::whatCannotBeOpened()

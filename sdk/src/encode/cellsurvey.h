@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace xrv {
@@ -13,8 +14,8 @@ namespace xrv {
 class BandSurvey
 {
 public:
-    explicit BandSurvey(const XrvBand &band)
-        : band(band)
+    explicit BandSurvey(XrvBand band)
+        : band(std::move(band))
     {
     }
 

@@ -185,7 +185,7 @@ private:
             return error;
         StepChooser chooser(sample, threadCount(options.threads), options.cancel, tried);
         int bits = 1;
-        double bytesPerCell = 0.0;
+        int bytesPerCell = 0;
         for (const XrvBand &band : coding.bands) {
             bits = std::max<int>(bits, band.bits);
             bytesPerCell += (band.bits + 7) / 8;

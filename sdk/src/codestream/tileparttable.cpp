@@ -5,12 +5,15 @@
 
 #include <algorithm>
 #include <chrono>
+#include <thread>
 
 using PLK::CError;
 
 namespace xrv {
 
 namespace {
+
+constexpr auto kLookAgain = std::chrono::milliseconds(2);
 
 constexpr std::uint64_t kSotSegment = 12;     ///< bytes of an SOT marker segment with its marker
 constexpr std::uint64_t kShortestPart = 14;   ///< SOT segment and SOD marker
@@ -58,11 +61,13 @@ TilePartTable::TilePartTable(std::shared_ptr<ByteSource> source, ByteRange codes
 CError TilePartTable::find(std::uint32_t tile, std::uint64_t readAhead, const CancelFlag &cancel,
                            std::vector<TilePart> *parts)
 {
-    // A walk for somebody else may be on its way.
-    std::unique_lock<std::timed_mutex> lock(mutex, std::defer_lock);
-    while (!lock.try_lock_for(std::chrono::milliseconds(10)))
+    // A walk for somebody else may be on its way. Not a timed mutex: thread checkers do not see through it.
+    std::unique_lock<std::mutex> lock(mutex, std::try_to_lock);
+    while (!lock.owns_lock() && !lock.try_lock()) {
         if (cancel.isRaised())
             return {PLK_ERR_CANCELLED, "The read was cancelled."};
+        std::this_thread::sleep_for(kLookAgain);
+    }
     if (!isStarted)
         start(cancel);
     const std::uint32_t partsBefore = partCount;
@@ -80,7 +85,7 @@ CError TilePartTable::find(std::uint32_t tile, std::uint64_t readAhead, const Ca
 
 std::string TilePartTable::damage() const
 {
-    std::lock_guard<std::timed_mutex> lock(mutex);
+    std::lock_guard<std::mutex> lock(mutex);
     return damageText;
 }
 
@@ -132,22 +137,22 @@ bool TilePartTable::isSettled(std::uint32_t tile) const
 
 ByteRange TilePartTable::toConfirm() const
 {
-    const std::lock_guard<std::timed_mutex> lock(mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     return isUnconfirmed ? ByteRange{tiles.at(lastTile).parts.back().range.offset, kSotSegment} : ByteRange{};
 }
 
 int TilePartTable::build() const
 {
-    const std::lock_guard<std::timed_mutex> lock(mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     return builds;
 }
 
 bool TilePartTable::confirm(int asOf, const CancelFlag &cancel)
 {
-    const std::lock_guard<std::timed_mutex> lock(mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     if (isUnconfirmed && isLastRight(cancel)) {
         isUnconfirmed = false;
-        remember(); // what was published need not be asked for again
+        remember();                                   // what was published need not be asked for again
     } else if (isUnconfirmed && !cancel.isRaised()) { // else nothing was looked at
         isUnconfirmed = isComplete = false;
         isPublishedWrong = true; // or TLM is, and then nobody published anything else

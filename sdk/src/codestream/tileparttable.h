@@ -65,7 +65,7 @@ private:
     std::shared_ptr<ByteSource> source;
     ByteRange codestream;
     const MainHeader &header;
-    mutable std::timed_mutex mutex; ///< guards what follows
+    mutable std::mutex mutex; ///< guards what follows
     bool isStarted = false;
     bool isComplete = false;
     bool isUnconfirmed = false;

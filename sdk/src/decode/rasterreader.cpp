@@ -43,7 +43,7 @@ CError RasterReader::open(const std::shared_ptr<ByteSource> &source, ByteRange c
         return error;
     if (CError error = readPacketIndex(*source, codestream, packetIndex, header.get()))
         return error;
-    auto made = std::make_unique<CodestreamReader>(std::move(source), codestream, std::move(header));
+    auto made = std::make_unique<CodestreamReader>(source, codestream, std::move(header));
     if (made->info().width == 0 || made->info().height == 0)
         return {PLK_ERR_MALFORMED,
                 "The image has no cells: its components are sampled more coarsely than it is large."};

@@ -30,7 +30,8 @@ void mergeCapabilities(const Bytes &other, Bytes *capabilities)
     low = static_cast<std::uint8_t>(((low | other[kPlace]) & ~kMagnitude) | magnitude);
 }
 
-void mergeSegments(std::vector<MarkerSegment> others, std::size_t component, std::vector<MarkerSegment> *segments)
+void mergeSegments(const std::vector<MarkerSegment> &others, std::size_t component,
+                   std::vector<MarkerSegment> *segments)
 {
     const auto number = static_cast<std::uint8_t>(component);
     for (const MarkerSegment &other : others) {

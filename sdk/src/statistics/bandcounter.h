@@ -59,7 +59,7 @@ public:
 private:
     template <typename Cell, typename Convert> void addAs(const std::int32_t *cells, std::size_t count, Convert convert)
     {
-        std::array<Cell, 512> chunk;
+        std::array<Cell, 512> chunk; // NOLINT(cppcoreguidelines-pro-type-member-init): is filled before it is read
         for (std::size_t first = 0; first < count; first += chunk.size()) {
             const std::size_t part = std::min(chunk.size(), count - first);
             std::transform(cells + first, cells + first + part, chunk.begin(), convert);

@@ -58,10 +58,10 @@ std::vector<FileSource::Run> FileSource::Run::plan(const std::vector<ByteRange> 
     return runs;
 }
 
-FileSource::FileSource(std::string openedName, std::unique_ptr<LocalFile> openedFile, const CancelFlag &givenUp)
+FileSource::FileSource(std::string openedName, std::unique_ptr<LocalFile> openedFile, CancelFlag givenUp)
     : fileName(std::move(openedName))
     , file(std::move(openedFile))
-    , givenUp(givenUp)
+    , givenUp(std::move(givenUp))
 {
 }
 

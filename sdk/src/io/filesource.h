@@ -30,7 +30,7 @@ public:
 
 private:
     struct Run;
-    FileSource(std::string openedName, std::unique_ptr<LocalFile> openedFile, const CancelFlag &givenUp);
+    FileSource(std::string openedName, std::unique_ptr<LocalFile> openedFile, CancelFlag givenUp);
     PLK::CError readBytes(ByteRange range, const CancelFlag &cancel, Bytes *out) const;
     PLK::CError readRun(const Run &run, const std::vector<ByteRange> &ranges, const CancelFlag &cancel,
                         std::vector<Bytes> *out) const;

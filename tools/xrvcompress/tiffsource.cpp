@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::uint64_t kMaxTileBytes = 1u << 30;
 constexpr std::uint64_t kBytesOfHandle = 256u << 10; ///< what libtiff takes for an open file
-constexpr std::uint32_t kTagNoData = 42113; ///< as GDAL writes it
+constexpr std::uint32_t kTagNoData = 42113;          ///< as GDAL writes it
 
 /// A TIFF or GeoTIFF file with cells of 1 to 16 or 32 bits, or of 64 that are Floats as well: strips or tiles, bands
 /// together or apart, and palettes, which become colours. Files in strips are read from top to bottom, those in tiles

@@ -15,9 +15,9 @@ namespace Korvane::Map {
 /// Shows layers on top of each other on one map. One world unit is as long across as it is down; x grows to the right
 /// and y upward. World rectangles are QRectF from the top-left corner, with a negative height.
 ///
-/// Dragging with the left button pans, with Shift it draws a box to be shown; the wheel zooms at the pointer; the arrow,
-/// plus and minus keys do the same.
-/// The first layer added to a view that has not been moved yet is shown whole, and stays so while the view is resized.
+/// Dragging with the left button pans, with Shift it draws a box to be shown; the wheel zooms at the pointer; the
+/// arrow, plus and minus keys do the same. The first layer added to a view that has not been moved yet is shown whole,
+/// and stays so while the view is resized.
 class QDGUI_EXPORT MapView : public QWidget
 {
     Q_OBJECT

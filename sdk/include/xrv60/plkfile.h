@@ -100,9 +100,9 @@ public:
     /// Waits for the end of the count. Success where the statistics are exact; else how the last count ended:
     /// PLK_ERR_CANCELLED when it was given up or never begun, else errors of decoding.
     CError WaitForStatistics();
-    /// What is wrong with the open file, as far as it has been read: PLK_ERR_CONNECTION_LOST or PLK_ERR_FILE_CHANGED for
-    /// streams that give nothing more until they are reconnected or opened anew, PLK_ERR_MALFORMED with what was met
-    /// first where cells are damaged and shown as well as can be. Success otherwise. Returns at once.
+    /// What is wrong with the open file, as far as it has been read: PLK_ERR_CONNECTION_LOST or PLK_ERR_FILE_CHANGED
+    /// for streams that give nothing more until they are reconnected or opened anew, PLK_ERR_MALFORMED with what was
+    /// met first where cells are damaged and shown as well as can be. Success otherwise. Returns at once.
     CError GetCondition() const;
     /// Rational polynomial coefficients of the file or its side files; to be freed with PLKFreeRPCData().
     /// PLK_ERR_NOT_AVAILABLE without any.

@@ -7,8 +7,8 @@ namespace xrv {
 
 namespace {
 
-/// A view fetches in steps: where tiles lie, a coarse pass, the final one. What the view before it had asked for last may
-/// be what it comes to at its end; and while views replace each other before they come so far, nothing is told.
+/// A view fetches in steps: where tiles lie, a coarse pass, the final one. What the view before it had asked for last
+/// may be what it comes to at its end; and while views replace each other before they come so far, nothing is told.
 constexpr int kStepsWithoutUse = 2;
 
 } // namespace

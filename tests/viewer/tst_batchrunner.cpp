@@ -86,6 +86,13 @@ void TestBatchRunner::screenshotOfExtent()
     QCOMPARE(run({QStringLiteral("--screenshot"), picture, QStringLiteral("--size"), QStringLiteral("20x20"),
                   QStringLiteral("--extent"), QStringLiteral("480,1020,520,980"), file}),
              0);
+    // As a whole it would be a thousandth of a pixel high.
+    const QString thin = test.path(QStringLiteral("thin.png"));
+    QCOMPARE(run({QStringLiteral("--screenshot"), thin, QStringLiteral("--size"), QStringLiteral("80x80"),
+                  test.quad(QStringLiteral("thin.quad"), "QUAD 100000 1 0 0 1")}),
+             0);
+    QVERIFY(QImage(thin).pixelColor(30, 39) != QColor(Qt::white) ||
+            QImage(thin).pixelColor(30, 40) != QColor(Qt::white));
     const QString jpeg = test.path(QStringLiteral("PICTURE.JPG"));
     QCOMPARE(run({QStringLiteral("--screenshot"), jpeg, file}), 0);
     QCOMPARE(QImageReader(jpeg).format(), QByteArray("jpeg"));

@@ -192,9 +192,15 @@ void BatchRunner::tellDamage()
     }
 }
 
+/// For a picture of that many pixels.
+QRectF BatchRunner::wantedRect(const QSize &pixels) const
+{
+    return commandLine.worldRect.isNull() ? MapView::visiblePart(firstBounds, pixels) : commandLine.worldRect;
+}
+
 void BatchRunner::writeScreenshot()
 {
-    const QRectF wanted = commandLine.worldRect.isNull() ? firstBounds : commandLine.worldRect;
+    const QRectF wanted = wantedRect(commandLine.pictureSize);
     bool isComplete = false;
     const QImage image = view->renderToImage(commandLine.pictureSize, wanted, timeoutMs, &isComplete);
     if (image.isNull()) {
@@ -239,7 +245,7 @@ QImage BatchRunner::windowPicture()
                  .arg(pixels.height()));
         return QImage();
     }
-    const QRectF wanted = commandLine.worldRect.isNull() ? firstBounds : commandLine.worldRect;
+    const QRectF wanted = wantedRect((QSizeF(view->size()) * view->devicePixelRatioF()).toSize());
     if (!wanted.isNull())
         view->setVisibleWorldRect(wanted);
     if (!view->waitUntilComplete(timeoutMs)) {

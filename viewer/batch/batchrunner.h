@@ -53,6 +53,7 @@ private:
     bool tellFailures();
     void writePictures();
     void tellDamage();
+    QRectF wantedRect(const QSize &pixels) const;
     void writeScreenshot();
     QImage windowPicture();
     void write(const QImage &image, const QString &fileName);

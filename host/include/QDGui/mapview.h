@@ -54,7 +54,10 @@ public:
     void setUnitsPerPixel(double unitsPerPixel);
     QPointF getCenter() const;
     void setCenter(const QPointF &worldPoint);
-    /// Show all of it, or where it would be thinner than a pixel, as much around its middle as can be seen.
+    /// All of \a bounds, or where they would be thinner than a pixel in a picture of \a pixels, as much around their middle
+    /// as can be seen.
+    static QRectF visiblePart(const QRectF &bounds, const QSize &pixels);
+    /// Show that of one layer or of all.
     void zoomToLayer(const Layer *layer);
     void zoomToAll();
     /// Shows the layer with one cell per device pixel around the centre of the view. Layers without cells: nothing.

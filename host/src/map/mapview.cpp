@@ -19,6 +19,9 @@ namespace {
 
 constexpr int kWaitPollMs = 10;
 
+/// Of layers that would be thinner than a pixel, in pixels: one might be lost between two that it touches.
+constexpr double kThinFit = 2.0;
+
 } // namespace
 
 MapView::MapView(QWidget *parent, Qt::WindowFlags flags)
@@ -168,6 +171,18 @@ void MapView::setCenter(const QPointF &worldPoint)
     MapGeometry changed = d->geometry;
     changed.center = worldPoint;
     d->setGeometry(changed);
+}
+
+QRectF MapView::visiblePart(const QRectF &bounds, const QSize &pixels)
+{
+    QRectF shown = bounds.normalized();
+    const double thinner = std::min(shown.width(), shown.height());
+    const QSizeF most = QSizeF(pixels) * thinner; // at one pixel for all of the thinner side
+    if (thinner <= 0.0 || (shown.width() <= most.width() && shown.height() <= most.height()))
+        return bounds;
+    shown.setSize(shown.size().boundedTo(most / kThinFit));
+    shown.moveCenter(bounds.center());
+    return shown;
 }
 
 void MapView::zoomToLayer(const Layer *layer)

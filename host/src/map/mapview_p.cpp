@@ -19,9 +19,6 @@ constexpr int kWheelPauseMs = 250;
 /// No closer than this part of all layers' extent per pixel: beyond, doubles no longer tell the pixels apart.
 constexpr double kMinUnitsShare = 1e-11;
 
-/// Of layers that would be thinner than a pixel, in pixels: one might be lost between two that it touches.
-constexpr double kThinFit = 2.0;
-
 } // namespace
 
 MapView::Private::Private(MapView *view)
@@ -129,14 +126,7 @@ void MapView::Private::fit(const QRectF &worldRect)
 void MapView::Private::fitLayers(const QRectF &bounds)
 {
     syncSize();
-    QRectF shown = bounds.normalized();
-    const double thinner = std::min(shown.width(), shown.height());
-    const QSizeF most = QSizeF(geometry.deviceSize) * thinner; // at one pixel for all of the thinner side
-    if (thinner <= 0.0 || (shown.width() <= most.width() && shown.height() <= most.height()))
-        return fit(bounds);
-    shown.setSize(shown.size().boundedTo(most / kThinFit));
-    shown.moveCenter(bounds.center());
-    fit(shown);
+    fit(MapView::visiblePart(bounds, geometry.deviceSize));
 }
 
 void MapView::Private::ensureExtent()

@@ -41,12 +41,12 @@ public:
     /// Kept first: who waits for the bytes looks for them once they are not under way any more.
     void end(const HttpAnswer &answer) override
     {
-        bool isDropped = false;
+        bool isWanted = false;
         {
             const std::lock_guard<std::mutex> lock(owner->mutex);
-            isDropped = owner->isDropped;
+            isWanted = !owner->isDropped;
         }
-        if (!isDropped)
+        if (isWanted)
             owner->keep(request->group, answer);
         const std::lock_guard<std::mutex> lock(owner->mutex);
         owner->running.remove(request);

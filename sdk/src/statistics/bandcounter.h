@@ -43,7 +43,7 @@ public:
             if (kind == CellKind::Float)
                 return addAs<float>(cells, count, floatOfBits);
             if (kind == CellKind::Unsigned)
-                return addAs<std::uint32_t>(cells, count, [](std::int32_t bits) { return std::uint32_t(bits); });
+                return addAs<std::uint32_t>(cells, count, [](std::int32_t cell) { return std::uint32_t(cell); });
         }
         if (isScouting)
             scout(cells, count);
@@ -60,9 +60,9 @@ private:
     template <typename Cell, typename Convert> void addAs(const std::int32_t *cells, std::size_t count, Convert convert)
     {
         std::array<Cell, 512> chunk; // NOLINT(cppcoreguidelines-pro-type-member-init): is filled before it is read
-        for (std::size_t first = 0; first < count; first += chunk.size()) {
-            const std::size_t part = std::min(chunk.size(), count - first);
-            std::transform(cells + first, cells + first + part, chunk.begin(), convert);
+        for (std::size_t done = 0; done < count; done += chunk.size()) {
+            const std::size_t part = std::min(chunk.size(), count - done);
+            std::transform(cells + done, cells + done + part, chunk.begin(), convert);
             add(chunk.data(), part);
         }
     }

@@ -87,16 +87,24 @@ void CellValueReader::work()
     }
 }
 
-/// From the event loop, unless a later question was asked meanwhile.
+/// With the mutex held. Thread checkers do not see through the toolkit's events, so that these carry nothing.
 void CellValueReader::answer(const CellValues &values, quint64 number)
 {
-    QMetaObject::invokeMethod(
-        this,
-        [this, values, number] {
-            if (number == lastQuestion) // is changed by this thread alone
-                Q_EMIT answered(values);
-        },
-        Qt::QueuedConnection);
+    ready = values;
+    readyNumber = number;
+    QMetaObject::invokeMethod(this, "deliver", Qt::QueuedConnection);
+}
+
+void CellValueReader::deliver()
+{
+    CellValues values;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (!ready || readyNumber != lastQuestion) // a later question was asked meanwhile
+            return;
+        values = *std::exchange(ready, std::nullopt);
+    }
+    Q_EMIT answered(values);
 }
 
 CellValues CellValueReader::read(const ValueQuestion &asked)

@@ -31,6 +31,8 @@ public:
 private:
     void work();
     void answer(const Map::CellValues &values, quint64 number);
+    /// From the event loop.
+    Q_INVOKABLE void deliver();
     Map::CellValues read(const Map::ValueQuestion &question);
     PLK::CError locate(Map::CellValues *values, QRectF *worldRect) const;
     PLK::CError readBands(const QRectF &worldRect, Map::CellValues *values);
@@ -44,6 +46,8 @@ private:
     std::condition_variable changed;
     std::optional<Map::ValueQuestion> question;
     quint64 lastQuestion = 0;
+    std::optional<Map::CellValues> ready;
+    quint64 readyNumber = 0;
     bool isReading = false;
     bool isStopping = false;
 

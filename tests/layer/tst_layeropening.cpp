@@ -268,7 +268,7 @@ void TestLayerOpening::anotherSourceMeanwhile()
     QCOMPARE(watch.shown, 1);
     QVERIFY(layer.isValid() && layer.isOpeningCancelled() && layer.getLastError().isEmpty());
     QCOMPARE(layer.getSize(), QSize(64, 48));
-    QVERIFY(paintedWhole(layer).pixel(20, 20) != QColor(Qt::white).rgb());
+    QTRY_VERIFY(paintedWhole(layer).pixel(20, 20) != QColor(Qt::white).rgb());
 }
 
 void TestLayerOpening::modeSwitch_data()

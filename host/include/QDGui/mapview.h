@@ -54,8 +54,8 @@ public:
     void setUnitsPerPixel(double unitsPerPixel);
     QPointF getCenter() const;
     void setCenter(const QPointF &worldPoint);
-    /// All of \a bounds, or where they would be thinner than a pixel in a picture of \a pixels, as much around their middle
-    /// as can be seen.
+    /// All of \a bounds, or where they would be thinner than a pixel in a picture of \a pixels, as much around their
+    /// middle as can be seen.
     static QRectF visiblePart(const QRectF &bounds, const QSize &pixels);
     /// Show that of one layer or of all.
     void zoomToLayer(const Layer *layer);
